@@ -1,0 +1,62 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# One interface target carries every compiler flag; the functions below make libraries and tests that use it.
+
+add_library(zofra_flags INTERFACE)
+target_compile_features(zofra_flags INTERFACE cxx_std_20)
+target_include_directories(zofra_flags INTERFACE "${PROJECT_SOURCE_DIR}")
+target_compile_options(zofra_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual
+    -Wimplicit-fallthrough -Wnull-dereference -fstack-protector-strong)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # False alarms of this compiler in optimised library headers.
+    target_compile_options(zofra_flags INTERFACE -Wno-null-dereference -Wno-maybe-uninitialized)
+endif()
+target_compile_definitions(zofra_flags INTERFACE
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_CAST_FROM_BYTEARRAY
+    QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_NO_CONTEXTLESS_CONNECT QT_NO_FOREACH QT_NO_KEYWORDS
+    QT_STRICT_ITERATORS QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+if(ZOFRA_WERROR)
+    target_compile_options(zofra_flags INTERFACE -Werror)
+endif()
+if(CMAKE_BUILD_TYPE STREQUAL "Release" OR CMAKE_BUILD_TYPE STREQUAL "RelWithDebInfo")
+    target_compile_definitions(zofra_flags INTERFACE _FORTIFY_SOURCE=2)
+endif()
+if(ZOFRA_SANITIZE)
+    target_compile_options(zofra_flags INTERFACE -fsanitize=${ZOFRA_SANITIZE} -fno-omit-frame-pointer
+        -fno-sanitize-recover=all -U_FORTIFY_SOURCE)
+    target_link_options(zofra_flags INTERFACE -fsanitize=${ZOFRA_SANITIZE})
+endif()
+if(ZOFRA_COVERAGE)
+    target_compile_options(zofra_flags INTERFACE --coverage)
+    target_link_options(zofra_flags INTERFACE --coverage)
+endif()
+if(ZOFRA_FUZZ)
+    target_compile_options(zofra_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
+# zofra_library(NAME SOURCES file... [DEPENDS target...])
+# A folder's one static library. Users of it see the headers of its dependencies, nothing else.
+function(zofra_library name)
+    cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS" ${ARGN})
+    add_library(${name} STATIC ${arg_SOURCES})
+    target_link_libraries(${name} PUBLIC zofra_flags ${arg_DEPENDS})
+endfunction()
+
+# zofra_test(NAME SOURCES file... [DEPENDS target...])
+# One GoogleTest program, bin/NAME, known to CTest under the same name.
+function(zofra_test name)
+    cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS" ${ARGN})
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE zofra_flags zofra_test_support ${arg_DEPENDS} GTest::gmock_main)
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 120 LABELS unit)
+endfunction()
+
+# zofra_fuzz(NAME SOURCES file... [DEPENDS target...])
+# One libFuzzer program, bin/NAME, whose corpus is fuzz/corpus/NAME.
+function(zofra_fuzz name)
+    cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS" ${ARGN})
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE zofra_flags ${arg_DEPENDS})
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+endfunction()

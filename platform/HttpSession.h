@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QUrl>
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace zofra {
+
+/// One HTTP request. Header names go out spelt as given.
+struct HttpRequest {
+    enum class CachePolicy { useProtocol, ignoreLocalAndRemote };
+
+    QByteArray method = "GET";
+    QUrl url;
+    std::vector<std::pair<QByteArray, QByteArray>> headers;
+    QByteArray body;
+    /// For the whole request, from start to last byte.
+    std::chrono::milliseconds timeout{60000};
+    CachePolicy cachePolicy = CachePolicy::useProtocol;
+    /// A longer body ends the request with HttpError::Code::tooLarge as soon as it is noticed.
+    std::size_t maxBodyBytes = 1024 * 1024;
+};
+
+/// Why a request gave no response.
+struct HttpError {
+    enum class Code {
+        /// The network refused the connection attempt itself (EPERM, EACCES or ENETUNREACH).
+        notConnected,
+        timedOut,
+        cannotFindHost,
+        cannotConnect,
+        secureConnectionFailed,
+        tooLarge,
+        tooManyRedirects,
+        unsupportedUrl,
+        connectionLost,
+        cancelled,
+        other,
+    };
+    Code code = Code::other;
+    /// The operating system's errno of a failed connect, 0 when there was none.
+    int systemErrno = 0;
+    /// One line for a log.
+    QString localizedDescription;
+};
+
+struct HttpResponse {
+    int status = 0;
+    QByteArray body;
+};
+
+/// What a request came to: exactly one of the two is present.
+struct HttpResult {
+    std::optional<HttpResponse> response;
+    std::optional<HttpError> error;
+};
+
+/// Sends HTTP requests. Redirects are followed at most 5 times, only over http and https, never from https to http.
+class HttpSession {
+public:
+    using Completion = std::function<void(HttpResult)>;
+    virtual ~HttpSession() = default;
+
+    /// Starts a request and returns at once. Callable from any thread. `completion` is called exactly once, on the
+    /// session's own thread, unless the session ends first; it must not block.
+    virtual void start(HttpRequest request, Completion completion) = 0;
+};
+
+} // namespace zofra

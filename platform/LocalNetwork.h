@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace zofra {
+
+/// One address of one network interface, as the system lists it.
+struct InterfaceAddress {
+    QString name;
+    /// AF_INET and so on; absent when the entry has no address.
+    std::optional<int> family;
+    /// IFF_UP, IFF_RUNNING and so on.
+    unsigned int flags = 0;
+    /// Numeric text.
+    QString ip;
+    /// Numeric text; absent when the entry has none.
+    std::optional<QString> broadcast;
+};
+
+/// A UDP socket bound to one local address. Used by one thread at a time. Destroying it closes it.
+class UdpSearchSocket {
+public:
+    virtual ~UdpSearchSocket() = default;
+    /// Sends one datagram. Returns 0, or the errno of the failed send.
+    virtual int send(const QString& address, std::uint16_t port, const QByteArray& datagram) = 0;
+    /// Waits up to a quarter of a second for one datagram and returns its first 4096 bytes; absent when none came.
+    virtual std::optional<QByteArray> receive() = 0;
+    /// Steady time, for the receive window.
+    [[nodiscard]] virtual std::chrono::steady_clock::time_point now() const = 0;
+};
+
+/// The local IPv4 network: interfaces and searches. Callable from any thread.
+class LocalNetwork {
+public:
+    virtual ~LocalNetwork() = default;
+    /// Every entry in the system's order; empty when the system refuses.
+    [[nodiscard]] virtual std::vector<InterfaceAddress> interfaceAddresses() const = 0;
+    /// A socket bound to `ip` on any port, multicast leaving through that interface and broadcast allowed; null when
+    /// it cannot be made.
+    [[nodiscard]] virtual std::unique_ptr<UdpSearchSocket> openSearchSocket(const QString& ip) = 0;
+};
+
+} // namespace zofra

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/DefaultsStore.h"
+#include "platform/Observable.h"
+#include "stations/AppLanguage.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+namespace zofra {
+
+/// Holds the language of the user interface and composes the texts of menu and tooltip in it. Main thread only.
+class LanguageManager final : public Observable {
+public:
+    /// Chooses the language: the stored one, else the first of `preferredLanguages` by its first two letters, else
+    /// English. The choice is not written.
+    LanguageManager(DefaultsStore& defaults, const QStringList& preferredLanguages);
+
+    /// The one of the running program.
+    [[nodiscard]] static LanguageManager& shared();
+
+    /// Settings key of the language.
+    const QString defaultsKey = QStringLiteral("app_language");
+
+    [[nodiscard]] AppLanguage currentLanguage() const { return m_currentLanguage; }
+    /// Always stores the language and calls `onLanguageChanged`.
+    void setCurrentLanguage(AppLanguage language);
+    /// Like assigning it, but does nothing when it is the current one.
+    void setLanguage(AppLanguage language);
+
+    std::function<void()> onLanguageChanged;
+
+    [[nodiscard]] QString stationMenuTitle(const QString& stationName) const;
+    [[nodiscard]] QString nowPlayingHeader(const QString& song) const;
+    [[nodiscard]] QString upNextHeader(const QString& song) const;
+    [[nodiscard]] QString outputMenuTitle(const QString& targetTitle) const;
+    [[nodiscard]] QString volumeMenuTitle(int percent) const;
+    [[nodiscard]] QString tooltipStation(const QString& name, const QString& genre) const;
+    [[nodiscard]] QString tooltipOutput(const QString& title) const;
+    [[nodiscard]] QString tooltipStatus(bool isPlaying) const;
+
+private:
+    DefaultsStore& m_defaults;
+    Published<AppLanguage> m_currentLanguage;
+};
+
+} // namespace zofra

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/DefaultsStore.h"
+#include "stations/ServiceHosts.h"
+
+#include <QHashFunctions>
+#include <QJsonValue>
+#include <QString>
+#include <QStringView>
+#include <QUrl>
+
+#include <array>
+#include <cstdint>
+#include <optional>
+
+namespace zofra {
+
+/// One station of the fixed catalogue. A plain value, callable from any thread.
+class RadioStation {
+public:
+    enum Case : std::uint8_t {
+        zofra,
+        qmusic,
+        joe,
+        zofraClassX,
+        radioContact,
+        belRTL,
+        insideRadio,
+        sudRadioBelgique,
+        sudRadioHainaut,
+    };
+
+    // NOLINTNEXTLINE(google-explicit-constructor): a case is a station.
+    constexpr RadioStation(Case value)
+        : m_case(value) {}
+
+    /// Every station, in the order in which lists show them.
+    static constexpr std::array<Case, 9> allCases{zofra,  qmusic,      joe,              zofraClassX,    radioContact,
+                                                  belRTL, insideRadio, sudRadioBelgique, sudRadioHainaut};
+
+    /// The station with exactly this raw value (case-sensitive), if any.
+    [[nodiscard]] static std::optional<RadioStation> fromRawValue(QStringView rawValue);
+    /// The station that `value` encodes (its raw value as JSON text), if any.
+    [[nodiscard]] static std::optional<RadioStation> fromJson(const QJsonValue& value);
+    [[nodiscard]] QJsonValue toJson() const;
+
+    /// The persistent identifier.
+    [[nodiscard]] QString rawValue() const;
+    [[nodiscard]] QString id() const { return rawValue(); }
+    [[nodiscard]] QString displayName() const;
+    /// The same in all languages.
+    [[nodiscard]] QString genre() const;
+    /// The station's id at the on-air search service.
+    [[nodiscard]] std::optional<QString> radioplayerId() const;
+
+    /// Primary stream, an absolute https address.
+    [[nodiscard]] QUrl streamAAC(const ServiceHosts& hosts) const;
+    /// Fallback stream; for three stations deliberately the same as the primary one.
+    [[nodiscard]] QUrl streamMP3(const ServiceHosts& hosts) const;
+    /// The address a networked player is given, beginning with "x-rincon-mp3radio://".
+    [[nodiscard]] QString networkPlayerStreamURI(const ServiceHosts& hosts) const;
+
+    /// Settings key of the chosen station.
+    static constexpr const char* savedStationKey = "zofra_selected_station";
+    /// The user's last choice; `zofra` when there is none or it is no known raw value.
+    [[nodiscard]] static RadioStation savedStation(const DefaultsStore& defaults);
+    static void setSavedStation(DefaultsStore& defaults, RadioStation station);
+
+    [[nodiscard]] constexpr Case value() const { return m_case; }
+    friend constexpr bool operator==(RadioStation a, RadioStation b) { return a.m_case == b.m_case; }
+    /// By raw value.
+    friend size_t qHash(RadioStation station, size_t seed = 0) { return qHash(station.rawValue(), seed); }
+
+private:
+    Case m_case;
+};
+
+} // namespace zofra
