@@ -1,0 +1,61 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Checks what no compiler checks: licence lines, the direction of includes, and where platform headers may stand."""
+
+import pathlib
+import re
+import subprocess
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+LICENCE = "SPDX-License-Identifier: GPL-3.0-or-later"
+SOURCE = (".cpp", ".h", ".py", ".js", ".cmake", ".sh")
+
+# What each folder may include, itself aside.
+MAY_INCLUDE = {
+    "platform": set(),
+    "stations": {"platform"},
+    "playback": {"platform", "stations"},
+    "metadata": {"platform", "stations", "playback"},
+    "speakers": {"platform", "stations", "playback"},
+    "platform/linux": {"platform", "stations"},
+}
+# Headers of the outer world, and the folders that may know them.
+OUTER = re.compile(r"<(QDBus|QtDBus|mpv/|curl/|sys/socket|netinet/|arpa/|ifaddrs|QWidget|QMenu|QApplication|QWebSocket)")
+CORE = ("stations", "playback", "metadata", "speakers")
+
+
+def folder_of(path):
+    parts = path.parts
+    return "platform/linux" if parts[:2] == ("platform", "linux") else parts[0]
+
+
+def main():
+    listed = subprocess.run(["git", "ls-files"], cwd=ROOT, capture_output=True, text=True, check=True).stdout
+    faults = []
+    for name in listed.splitlines():
+        path = pathlib.Path(name)
+        if path.suffix not in SOURCE and path.name not in ("CMakeLists.txt", "dev"):
+            continue
+        text = (ROOT / path).read_text(encoding="utf-8")
+        if LICENCE not in "\n".join(text.splitlines()[:4]):
+            faults.append(f"{name}: no licence line")
+        folder = folder_of(path)
+        if path.suffix not in (".cpp", ".h") or folder not in MAY_INCLUDE:
+            continue
+        for number, line in enumerate(text.splitlines(), 1):
+            found = re.match(r'#include "([^"]+)/[^/"]+"', line)
+            if found:
+                target = found.group(1)
+                target = "platform/linux" if target.startswith("platform/linux") else target.split("/")[0]
+                if target != folder and target not in MAY_INCLUDE[folder]:
+                    faults.append(f"{name}:{number}: {folder}/ may not include {target}/")
+            if folder in CORE and re.match(r"#include " + OUTER.pattern, line):
+                faults.append(f"{name}:{number}: {folder}/ may not know {line.split()[1]}")
+    for fault in faults:
+        print(fault)
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

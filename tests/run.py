@@ -1,0 +1,134 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Runs the tests and ends with one line: `N passed, N failed`.
+
+Every test program and pytest write JUnit XML; the counts come from there. A program that leaves no report (it crashed
+or ran out of time) counts as one failed test.
+"""
+
+import argparse
+import os
+import pathlib
+import subprocess
+import sys
+import time
+import xml.etree.ElementTree as ElementTree
+from concurrent.futures import ThreadPoolExecutor
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+UNIT_TIMEOUT = 300
+SYSTEM_TIMEOUT = 14 * 60
+
+# What the surroundings may set and the program must not inherit in a test.
+UNWANTED = ("SSL_CERT_FILE", "SSL_CERT_DIR", "CURL_CA_BUNDLE", "DISPLAY", "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS")
+
+
+class Counts:
+    """Passed, failed and skipped tests, and the names of those that failed."""
+
+    def __init__(self):
+        self.passed = self.failed = self.skipped = 0
+        self.names = []
+
+    def add_report(self, path):
+        for case in ElementTree.parse(path).getroot().iter("testcase"):
+            name = f"{case.get('classname')}.{case.get('name')}"
+            if case.find("failure") is not None or case.find("error") is not None:
+                self.failed += 1
+                self.names.append(name)
+            elif case.find("skipped") is not None or case.get("status") == "notrun" or case.get("result") == "skipped":
+                self.skipped += case.get("status") != "notrun"
+            else:
+                self.passed += 1
+
+    def add_failure(self, name):
+        self.failed += 1
+        self.names.append(name)
+
+
+def environment():
+    env = {key: value for key, value in os.environ.items() if key not in UNWANTED}
+    env.setdefault("LC_ALL", "C.UTF-8")
+    env["QT_QPA_PLATFORM"] = "offscreen"
+    return env
+
+
+def run_unit(binary, reports, name):
+    report = reports / f"{binary.name}.xml"
+    report.unlink(missing_ok=True)
+    command = [str(binary), f"--gtest_output=xml:{report}", "--gtest_brief=1"]
+    if name:
+        command.append(f"--gtest_filter=*{name}*")
+    log = reports / f"{binary.name}.log"
+    with open(log, "w", encoding="utf-8") as out:
+        try:
+            code = subprocess.run(command, stdout=out, stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL,
+                                  env=environment(), timeout=UNIT_TIMEOUT, check=False).returncode
+        except subprocess.TimeoutExpired:
+            code = "out of time"
+    return binary, report, log, code
+
+
+def unit_tests(build, reports, name, counts):
+    binaries = sorted(path for path in (build / "bin").glob("*_test") if os.access(path, os.X_OK))
+    if not binaries:
+        counts.add_failure(f"no unit test programs in {build / 'bin'}")
+    with ThreadPoolExecutor(max_workers=os.cpu_count() or 1) as pool:
+        for binary, report, log, code in pool.map(lambda b: run_unit(b, reports, name), binaries):
+            before = counts.failed
+            if report.exists():
+                counts.add_report(report)
+            if code != 0 and counts.failed == before:
+                counts.add_failure(f"{binary.name} ended with {code}")
+            state = "ok" if counts.failed == before else "FAILED"
+            print(f"{binary.name}: {state}", flush=True)
+            if state != "ok":
+                print(log.read_text(encoding="utf-8", errors="replace")[-6000:], flush=True)
+
+
+def system_tests(build, reports, name, counts):
+    report = reports / "system.xml"
+    report.unlink(missing_ok=True)
+    command = ["/usr/bin/python3", "-m", "pytest", "-q", "-p", "no:cacheprovider", f"--junitxml={report}",
+               str(ROOT / "tests" / "system")]
+    if name:
+        command += ["-k", name]
+    env = {**environment(), "ZOFRA_BINARY": str(build / "bin" / "zofrazofra"), "PYTHONDONTWRITEBYTECODE": "1"}
+    env.pop("QT_QPA_PLATFORM")
+    try:
+        code = subprocess.run(command, stdin=subprocess.DEVNULL, env=env, timeout=SYSTEM_TIMEOUT, check=False,
+                              cwd=ROOT).returncode
+    except subprocess.TimeoutExpired:
+        code = "out of time"
+    before = counts.failed
+    if report.exists():
+        counts.add_report(report)
+    # 5: nothing matched the name, which is no failure when a name was given.
+    if code not in (0, 5 if name else 0) and counts.failed == before:
+        counts.add_failure(f"system tests ended with {code}")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("which", choices=["unit", "system", "all"])
+    parser.add_argument("--build", required=True, type=pathlib.Path)
+    parser.add_argument("-k", dest="name")
+    arguments = parser.parse_args()
+    build = arguments.build.resolve()
+    reports = build / "reports"
+    reports.mkdir(parents=True, exist_ok=True)
+    counts = Counts()
+    started = time.monotonic()
+    if arguments.which != "system":
+        unit_tests(build, reports, arguments.name, counts)
+    if arguments.which != "unit":
+        system_tests(build, reports, arguments.name, counts)
+    for failed in counts.names:
+        print(f"failed: {failed}")
+    print(f"{counts.skipped} skipped, {time.monotonic() - started:.0f} s")
+    print(f"{counts.passed} passed, {counts.failed} failed")
+    return 1 if counts.failed or not counts.passed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
