@@ -27,8 +27,8 @@
 namespace zofra {
 
 /// Owns everything about networked players: what was found, the rooms, where audio goes, what plays there.
-/// Published fields, handlers and operations belong to the main thread; background work never outlives its welcome:
-/// it holds the manager's inner state weakly.
+/// Published fields, handlers and operations belong to the main thread; background work never outlives its
+/// welcome: it holds the manager's inner state weakly.
 class SonosManager final : public Observable {
 public:
     /// What the manager needs from outside; all of it outlives the manager.

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "speakers/NetworkPlayerProtocol.h"
+
+#include <QHash>
+
+#include <algorithm>
+
+namespace zofra {
+
+namespace {
+
+bool isEligible(const SonosSpeaker& speaker) {
+    return speaker.isVisible && !speaker.isSub;
+}
+
+void sortSpeakers(QList<SonosSpeaker>& speakers) {
+    std::stable_sort(speakers.begin(), speakers.end(),
+                     [](const SonosSpeaker& a, const SonosSpeaker& b) { return comesBefore(a, b); });
+}
+
+/// Players with the same key make one room.
+QString roomKey(const SonosSpeaker& speaker) {
+    if (speaker.isZofra())
+        return QStringLiteral("zofra:") + speaker.id;
+    return QStringLiteral("sonos:") + speaker.roomName + u':' +
+           speaker.groupCoordinatorId.value_or(speaker.id);
+}
+
+SonosRoom makeRoom(QList<SonosSpeaker> speakers) {
+    sortSpeakers(speakers);
+    auto coordinator = std::find_if(speakers.cbegin(), speakers.cend(),
+                                    [](const SonosSpeaker& speaker) { return speaker.isCoordinator; });
+    if (coordinator == speakers.cend())
+        coordinator = speakers.cbegin();
+    return SonosRoom{coordinator->roomName, *coordinator, speakers};
+}
+
+} // namespace
+
+QList<PlayerPlaybackGroup> NetworkPlayerProtocol::playbackGroups(const QList<SonosSpeaker>& speakers) {
+    QList<SonosSpeaker> eligible;
+    std::copy_if(speakers.begin(), speakers.end(), std::back_inserter(eligible), isEligible);
+    sortSpeakers(eligible);
+    const auto firstOwn = std::stable_partition(
+        eligible.begin(), eligible.end(), [](const SonosSpeaker& speaker) { return !speaker.isZofra(); });
+    QList<PlayerPlaybackGroup> groups;
+    if (firstOwn != eligible.begin())
+        groups.append({eligible.first(), QList<SonosSpeaker>(eligible.begin() + 1, firstOwn)});
+    for (auto own = firstOwn; own != eligible.end(); ++own)
+        groups.append({*own, {}});
+    return groups;
+}
+
+QList<SonosRoom> NetworkPlayerProtocol::rooms(const QList<SonosSpeaker>& speakers) {
+    QHash<QString, QList<SonosSpeaker>> buckets;
+    for (const auto& speaker : speakers) {
+        if (isEligible(speaker))
+            buckets[roomKey(speaker)].append(speaker);
+    }
+    QList<SonosRoom> rooms;
+    for (const auto& bucket : std::as_const(buckets))
+        rooms.append(makeRoom(bucket));
+    const auto collator = roomNameCollator();
+    std::stable_sort(rooms.begin(), rooms.end(), [&collator](const SonosRoom& a, const SonosRoom& b) {
+        return comesBefore(a, b, collator);
+    });
+    return rooms;
+}
+
+} // namespace zofra

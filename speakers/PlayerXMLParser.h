@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "speakers/PlayerXMLNode.h"
+
+#include <QByteArray>
+#include <QMap>
+#include <QString>
+#include <QStringView>
+
+#include <vector>
+
+namespace zofra {
+
+/// Bounds of what a player may send. Real reports stay far below each of them.
+struct PlayerXMLLimits {
+    static constexpr qsizetype characters = 1024 * 1024;
+    static constexpr std::size_t depth = 64;
+    static constexpr int attributesPerElement = 256;
+    static constexpr int namespaceDeclarations = 256;
+    static constexpr int nameLength = 1024;
+    static constexpr int referenceLength = 32;
+    static constexpr int elements = 20'000;
+};
+
+/// Builds a tree from the events of a streaming XML parser. One document each.
+class PlayerXMLParser {
+public:
+    enum class Verdict { goOn, tooMuch };
+
+    /// An element begins. Answers `tooMuch` when the document goes beyond `PlayerXMLLimits`.
+    Verdict elementStarted(const QString& localName, const QMap<QString, QString>& attributes);
+    /// Character data; nothing outside of the root.
+    void charactersFound(QStringView characters);
+    /// A CDATA block; bytes that are no UTF-8 are replaced.
+    void cdataFound(const QByteArray& utf8);
+    /// The innermost open element ends; its name is not looked at.
+    void elementEnded();
+
+    /// The document's element, once begun.
+    PlayerXMLNode::Pointer root;
+    /// The open elements, innermost last.
+    std::vector<PlayerXMLNode::Pointer> stack;
+
+private:
+    int m_elements = 0;
+};
+
+/// Whether `xml` is safe to hand to the XML reader: no document type declaration however hidden, and nothing
+/// that costs it more than linear time (it compares every attribute of an element with every other). Linear
+/// itself.
+[[nodiscard]] bool isTamePlayerXML(QStringView xml);
+
+} // namespace zofra

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "speakers/SonosSpeaker.h"
+
+#include "speakers/PlainOrder.h"
+#include "speakers/PlayerAddress.h"
+
+namespace zofra {
+
+namespace {
+
+bool sameIgnoringCase(const QString& a, QLatin1String b) {
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
+
+template<typename Value>
+size_t hashOptional(const std::optional<Value>& value, size_t seed) {
+    return value ? qHash(*value, qHash(1, seed)) : qHash(0, seed);
+}
+
+} // namespace
+
+QUrl SonosSpeaker::deviceDescriptionURL() const {
+    if (descriptionURL)
+        return *descriptionURL;
+    auto url = usualDescriptionAddress(ip);
+    if (!url.isValid() || url.host().isEmpty())
+        qFatal("a player's address is no host name");
+    return url;
+}
+
+bool SonosSpeaker::isZofra() const {
+    if (manufacturer && sameIgnoringCase(*manufacturer, QLatin1String("Zofra Zofra")))
+        return true;
+    if (modelName && sameIgnoringCase(*modelName, QLatin1String("Zofra Pi Player")))
+        return true;
+    return sameIgnoringCase(model, QLatin1String("Zofra Pi Player"));
+}
+
+QUrl SonosSpeaker::endpoint(const std::optional<QString>& path, const QString& fallback) const {
+    const auto base = deviceDescriptionURL();
+    if (path) {
+        const QUrl reference(*path, QUrl::StrictMode);
+        // An absolute reference brings its own scheme, which must be spelt as required; an empty one is no
+        // address.
+        if (reference.isValid() && (reference.isRelative() || playerAddress(*path))) {
+            const auto resolved = base.resolved(reference);
+            const auto scheme = resolved.scheme();
+            const bool isHttp = scheme == QLatin1String("http") || scheme == QLatin1String("https");
+            if (resolved.isValid() && isHttp && !resolved.host().isEmpty())
+                return resolved;
+        }
+    }
+    return base.resolved(QUrl(fallback));
+}
+
+size_t qHash(const SonosSpeaker& speaker, size_t seed) {
+    seed = qHashMulti(seed, speaker.id, speaker.ip, speaker.roomName, speaker.model);
+    seed = qHashMulti(seed, speaker.isCoordinator, speaker.isSub, speaker.isVisible);
+    seed = hashOptional(speaker.groupCoordinatorId, seed);
+    seed = hashOptional(speaker.manufacturer, seed);
+    seed = hashOptional(speaker.modelName, seed);
+    seed = hashOptional(speaker.descriptionURL, seed);
+    seed = hashOptional(speaker.transportPath, seed);
+    seed = hashOptional(speaker.renderingPath, seed);
+    return hashOptional(speaker.topologyPath, seed);
+}
+
+bool comesBefore(const SonosSpeaker& a, const SonosSpeaker& b) {
+    return plainlyBefore(a.id, b.id);
+}
+
+} // namespace zofra

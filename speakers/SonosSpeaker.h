@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QHashFunctions>
+#include <QString>
+#include <QUrl>
+
+#include <optional>
+
+namespace zofra {
+
+/// One network player. A plain value: copied, compared and hashed member by member; callable from any thread.
+struct SonosSpeaker {
+    /// The device's UDN without its leading "uuid:". Never reassigned.
+    QString id;
+    /// Host part of the description address the player was found at. Never reassigned.
+    QString ip;
+    /// Room name shown to the user.
+    QString roomName;
+    /// Model text. Never reassigned.
+    QString model;
+    /// The player leads its group.
+    bool isCoordinator = true;
+    /// A subwoofer: never offered as a room, never played to.
+    bool isSub = false;
+    /// The player is shown to the user.
+    bool isVisible = true;
+    /// `id` of the leader of the group the player belongs to.
+    std::optional<QString> groupCoordinatorId;
+    std::optional<QString> manufacturer;
+    std::optional<QString> modelName;
+    /// Where the record was read from.
+    std::optional<QUrl> descriptionURL;
+    /// Control addresses as the description gives them, possibly relative.
+    std::optional<QString> transportPath;
+    std::optional<QString> renderingPath;
+    std::optional<QString> topologyPath;
+
+    /// `descriptionURL`, or the usual address on `ip`. Ends the program when `ip` is no host at all, which no
+    /// record made from a parsed address can hold.
+    [[nodiscard]] QUrl deviceDescriptionURL() const;
+    /// One of this product's own players, which are grouped differently.
+    [[nodiscard]] bool isZofra() const;
+    /// The control address of a service: `path` resolved against the description's address when that gives an
+    /// http or https address with a host, else `fallback` resolved likewise.
+    [[nodiscard]] QUrl endpoint(const std::optional<QString>& path, const QString& fallback) const;
+
+    friend bool operator==(const SonosSpeaker&, const SonosSpeaker&) = default;
+};
+
+/// All fields in their order; an optional one adds whether it is there, then its value.
+[[nodiscard]] size_t qHash(const SonosSpeaker& speaker, size_t seed = 0);
+
+/// Speaker order: ascending by `id`, plain character order.
+[[nodiscard]] bool comesBefore(const SonosSpeaker& a, const SonosSpeaker& b);
+
+} // namespace zofra
