@@ -15,13 +15,19 @@
 #include "stations/ServiceHosts.h"
 
 #include <QString>
+#include <QUrl>
 
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace zofra {
+
+namespace test {
+class RadioViewModelProbe;
+}
 
 /// The model behind the now-playing texts: a live socket where the station has a feed, HTTP sources for all.
 /// Main thread only; results of sockets and requests are carried there before they touch anything.
@@ -38,24 +44,100 @@ public:
     /// Starts nothing by itself: call `startWebSocket`, `startPolling` and `fetchMetadata`, in this order.
     RadioViewModel(RadioStation station, HttpSession& session, Clock now, MakeWebSocket makeWebSocket,
                    const Environment& environment);
+    /// Stops the timers and lets go of the socket; nothing that is still under way comes back.
     ~RadioViewModel();
-
-    Published<RadioStation> currentStation;
-    Published<QString> currentSong;
-    Published<std::optional<QString>> nextSong;
-    [[nodiscard]] bool isLoading() const { return m_isLoading; }
 
     /// Told whenever the texts are set. Called on the main thread, in place.
     std::function<void(const QString& current, const std::optional<QString>& next)> onUpdate;
 
+    Published<RadioStation> currentStation;
+    Published<QString> currentSong;
+    Published<std::optional<QString>> nextSong;
+    /// Until a first text has been applied for the current station.
+    [[nodiscard]] bool isLoading() const { return m_isLoading; }
+
+    /// Turns to another station: the texts of the old one are gone at once, whatever is still under way for
+    /// it.
     void setStation(RadioStation station);
+    /// Opens the live socket, unless the station has no live feed or a socket is already open.
     void startWebSocket();
+    /// Polls every 15 s from now on; a running poll is replaced.
     void startPolling();
+    /// Starts one round of HTTP requests for the current station.
     void fetchMetadata();
 
-    // The private part is the metadata folder's own business and is completed there.
+    /// The last usable track for the current station in a SockJS array frame, if any.
+    [[nodiscard]] std::optional<ZofraLiveTrackData> parseSockJSMessage(const QString& text) const;
+
 private:
+    friend class test::RadioViewModelProbe;
+
+    // The live socket.
+    void listenWebSocket(const std::shared_ptr<RadioMetadataSocket>& task);
+    void receivedFromWebSocket(const std::weak_ptr<RadioMetadataSocket>& task,
+                               const std::variant<SocketMessage, SocketError>& result);
+    void handleWebSocketMessage(const QString& text);
+    void applyLiveTrack(const ZofraLiveTrackData& track);
+    void sendJoinSubscription();
+    void joinSubscriptionSent(const std::weak_ptr<RadioMetadataSocket>& task,
+                              const std::optional<SocketError>& error);
+    void scheduleReconnect();
+    void reconnect();
+    void poll();
+    void checkWebSocketHealth();
+    [[nodiscard]] bool hasFreshLiveTrack() const;
+    void disconnectWebSocket();
+    [[nodiscard]] bool isCurrent(const std::weak_ptr<RadioMetadataSocket>& task) const;
+
+    // The HTTP sources. Every result carries the number of its round.
+    void fetchRadioplayerMetadata(const QString& rpId, RadioStation station, std::uint64_t requestId,
+                                  int attempt);
+    void handleRadioplayerResponse(const HttpResult& result, const QString& rpId, RadioStation station,
+                                   std::uint64_t requestId, int attempt);
+    void handleRadioplayerFailure(const QString& rpId, RadioStation station, std::uint64_t requestId,
+                                  int attempt);
+    void fetchScraperMetadata(const QUrl& url, RadioStation station, std::uint64_t requestId);
+    void handleScraperResponse(const HttpResult& result, RadioStation station, std::uint64_t requestId);
+    void startRequest(const QUrl& url, std::function<void(const HttpResult&)> handler);
+    [[nodiscard]] std::optional<QUrl> scraperUrl(RadioStation station) const;
+    [[nodiscard]] bool isStale(std::uint64_t requestId) const {
+        return requestId <= m_lastAppliedMetadataRequest;
+    }
+    void applyUnlessStale(std::uint64_t requestId, const QString& text);
+    void applyMetadata(const QString& text);
+
+    void tellUpdate(const QString& current, const std::optional<QString>& next) const;
+
+    /// Makes of `handler` a function that may be called on any thread: it runs `handler` on the main thread,
+    /// later, and only if this model is still there.
+    template<typename... Arguments, typename Handler>
+    [[nodiscard]] std::function<void(Arguments...)> onMainThread(Handler handler) const {
+        return [&queue = m_environment.mainQueue,
+                guarded = m_lifetime.guard(std::move(handler))](Arguments... arguments) {
+            queue.async([guarded, ... held = std::move(arguments)]() mutable { guarded(held...); });
+        };
+    }
+
     bool m_isLoading = true;
+    std::shared_ptr<RadioMetadataSocket> m_webSocketTask;
+    HttpSession& m_session;
+    MakeWebSocket m_makeWebSocket;
+    Clock m_now;
+    /// A socket has been opened and has not yet said "o".
+    bool m_isConnecting = false;
+    std::unique_ptr<Timer> m_reconnectTimer;
+    std::unique_ptr<Timer> m_pollingTimer;
+    /// The current socket has said "o".
+    bool m_isConnected = false;
+    /// The last frame, or the attempt to connect.
+    std::optional<TimePoint> m_lastSocketActivity;
+    std::optional<TimePoint> m_lastLiveTrack;
+    /// Rounds of HTTP requests started.
+    std::uint64_t m_metadataRequestCounter = 0;
+    /// Results of this round and of older ones are not applied any more.
+    std::uint64_t m_lastAppliedMetadataRequest = 0;
+    Environment m_environment;
+    Lifetime m_lifetime;
 };
 
 } // namespace zofra

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "metadata/JsonText.h"
+
+#include <QStringDecoder>
+
+#include <algorithm>
+
+namespace zofra {
+
+namespace {
+
+/// Walks over the bytes of a document and looks only at what the library does not check itself.
+class StrictnessScanner {
+public:
+    explicit StrictnessScanner(const QByteArray& bytes)
+        : m_at(bytes.cbegin())
+        , m_end(bytes.cend()) {}
+
+    [[nodiscard]] bool accepts() {
+        while (m_at != m_end) {
+            const char byte = *m_at++;
+            if (byte == '"' && !skipString())
+                return false;
+            // "1." is no number; a point outside of strings can only be a decimal one.
+            if (byte == '.' && (m_at == m_end || !isDigit(*m_at)))
+                return false;
+        }
+        return true;
+    }
+
+private:
+    static bool isDigit(char byte) { return byte >= '0' && byte <= '9'; }
+
+    bool skipString() {
+        while (m_at != m_end) {
+            const char byte = *m_at++;
+            if (byte == '"')
+                return true;
+            if (byte >= 0 && byte < 0x20)
+                return false;
+            if (byte == '\\' && !skipEscape())
+                return false;
+        }
+        return false;
+    }
+
+    bool skipEscape() {
+        if (m_at == m_end)
+            return false;
+        const char kind = *m_at++;
+        if (kind != 'u')
+            return QByteArrayView("\"\\/bfnrt").contains(kind);
+        const auto unit = readHex();
+        if (!unit || QChar::isLowSurrogate(*unit))
+            return false;
+        if (!QChar::isHighSurrogate(*unit))
+            return true;
+        if (m_end - m_at < 2 || m_at[0] != '\\' || m_at[1] != 'u')
+            return false;
+        m_at += 2;
+        const auto low = readHex();
+        return low && QChar::isLowSurrogate(*low);
+    }
+
+    std::optional<char16_t> readHex() {
+        if (m_end - m_at < 4)
+            return std::nullopt;
+        bool ok = false;
+        const QByteArrayView digits(m_at, 4);
+        if (!std::all_of(digits.begin(), digits.end(),
+                         [](char c) { return isxdigit(static_cast<unsigned char>(c)); }))
+            return std::nullopt;
+        const auto unit = digits.toUShort(&ok, 16);
+        m_at += 4;
+        return ok ? std::optional<char16_t>(unit) : std::nullopt;
+    }
+
+    QByteArray::const_iterator m_at;
+    QByteArray::const_iterator m_end;
+};
+
+} // namespace
+
+std::optional<QString> textFromUtf8(const QByteArray& bytes) {
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QString text = decoder.decode(bytes);
+    if (decoder.hasError())
+        return std::nullopt;
+    return text;
+}
+
+std::optional<QJsonDocument> parseJsonText(const QByteArray& utf8) {
+    if (!StrictnessScanner(utf8).accepts())
+        return std::nullopt;
+    QJsonParseError error;
+    auto document = QJsonDocument::fromJson(utf8, &error);
+    if (error.error != QJsonParseError::NoError)
+        return std::nullopt;
+    return document;
+}
+
+} // namespace zofra

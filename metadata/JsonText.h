@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QJsonDocument>
+#include <QString>
+
+#include <optional>
+
+namespace zofra {
+
+/// Decodes UTF-8; absent when any byte of it is not valid UTF-8. A byte order mark at the start is dropped.
+/// A pure function, callable from any thread.
+[[nodiscard]] std::optional<QString> textFromUtf8(const QByteArray& bytes);
+
+/// Reads one JSON document, an array or an object, nested at most 1024 deep; absent when it is anything else.
+///
+/// Stricter than the library underneath, which lets pass raw control characters in strings, unknown escapes,
+/// halves of surrogate pairs and numbers that end in a point. Where a key stands twice in an object, the last
+/// one counts. A pure function, callable from any thread.
+[[nodiscard]] std::optional<QJsonDocument> parseJsonText(const QByteArray& utf8);
+
+} // namespace zofra

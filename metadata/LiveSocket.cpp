@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "metadata/LiveSocket.h"
+
+#include "metadata/JsonText.h"
+#include "metadata/ServiceUrl.h"
+
+#include <QJsonArray>
+#include <QRandomGenerator>
+#include <QUuid>
+
+namespace zofra {
+
+namespace {
+
+/// The track in one element of an array frame, if it holds one for `station`.
+std::optional<ZofraLiveTrackData> liveTrackInElement(const QString& element, RadioStation station) {
+    const auto payload = SockJSDataPayload::decode(element.toUtf8());
+    if (!payload || payload->action != QStringLiteral("data") || !payload->data)
+        return std::nullopt;
+    auto event = ZofraLivePlayEvent::decode(payload->data->toUtf8());
+    if (!event)
+        return std::nullopt;
+    if (event->station && event->station != liveSocketId(station))
+        return std::nullopt;
+    return std::move(event->data);
+}
+
+/// The elements of an array frame; absent unless all of them are strings.
+std::optional<QStringList> elementsOfFrame(const QString& text) {
+    const auto document = parseJsonText(text.sliced(1).toUtf8());
+    if (!document || !document->isArray())
+        return std::nullopt;
+    QStringList elements;
+    const auto array = document->array();
+    elements.reserve(array.size());
+    for (const auto& element : array) {
+        if (!element.isString())
+            return std::nullopt;
+        elements.append(element.toString());
+    }
+    return elements;
+}
+
+} // namespace
+
+std::optional<QString> liveSocketId(RadioStation station) {
+    switch (station.value()) {
+    case RadioStation::zofra:
+        return QStringLiteral("zofra_be");
+    case RadioStation::qmusic:
+        return QStringLiteral("qmusic_be");
+    case RadioStation::joe:
+        return QStringLiteral("joe_fm");
+    case RadioStation::zofraClassX:
+        return QStringLiteral("zofra_be_class_x");
+    case RadioStation::radioContact:
+    case RadioStation::belRTL:
+    case RadioStation::insideRadio:
+    case RadioStation::sudRadioBelgique:
+    case RadioStation::sudRadioHainaut:
+        break;
+    }
+    return std::nullopt;
+}
+
+SockJSFrameKind sockJSFrameKind(const QString& text) {
+    if (text == u'o')
+        return SockJSFrameKind::open;
+    if (text == u'h')
+        return SockJSFrameKind::heartbeat;
+    if (text.startsWith(u'c'))
+        return SockJSFrameKind::close;
+    if (text.startsWith(QStringLiteral("a[")))
+        return SockJSFrameKind::array;
+    return SockJSFrameKind::unknown;
+}
+
+std::optional<ZofraLiveTrackData> liveTrackInFrame(const QString& text, RadioStation station) {
+    if (text.isEmpty())
+        return std::nullopt;
+    const auto elements = elementsOfFrame(text);
+    if (!elements)
+        return std::nullopt;
+    // The last usable one counts, so look from the end and stop there.
+    for (auto element = elements->crbegin(); element != elements->crend(); ++element) {
+        if (auto track = liveTrackInElement(*element, station))
+            return track;
+    }
+    return std::nullopt;
+}
+
+std::optional<QString> joinMessage(RadioStation station) {
+    const auto id = liveSocketId(station);
+    if (!id)
+        return std::nullopt;
+    const QJsonObject subscription{{QStringLiteral("station"), *id},
+                                   {QStringLiteral("entity"), QStringLiteral("plays")},
+                                   {QStringLiteral("action"), QStringLiteral("play")}};
+    const QJsonObject join{{QStringLiteral("action"), QStringLiteral("join")},
+                           {QStringLiteral("id"), 1},
+                           {QStringLiteral("sub"), subscription},
+                           {QStringLiteral("backlog"), 1}};
+    const auto inner = QString::fromUtf8(QJsonDocument(join).toJson(QJsonDocument::Compact));
+    return QString::fromUtf8(QJsonDocument(QJsonArray{inner}).toJson(QJsonDocument::Compact));
+}
+
+std::optional<QUrl> liveSocketUrl(const QString& host) {
+    const auto server = QString::number(QRandomGenerator::global()->bounded(900) + 100);
+    const auto session = QUuid::createUuid().toString(QUuid::Id128);
+    return serviceUrl(QStringLiteral("wss"), host,
+                      QStringLiteral("/api/") + server + u'/' + session + QStringLiteral("/websocket"));
+}
+
+} // namespace zofra

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "metadata/OnAirItem.h"
+
+#include "metadata/JsonText.h"
+#include "metadata/Jsonp.h"
+#include "metadata/LiveTrack.h"
+
+#include <QJsonArray>
+
+#include <cmath>
+
+namespace zofra {
+
+namespace {
+
+QString trimmedText(const QJsonValue& value) {
+    return value.toString().trimmed();
+}
+
+qsizetype countDigits(QByteArrayView text, qsizetype from) {
+    qsizetype count = 0;
+    while (from + count < text.size() && text[from + count] >= '0' && text[from + count] <= '9')
+        ++count;
+    return count;
+}
+
+/// Sign, digits with a point among them, exponent.
+bool isDecimalNumber(QByteArrayView text) {
+    const auto skipSign = [text](qsizetype at) {
+        return at < text.size() && (text[at] == '+' || text[at] == '-') ? at + 1 : at;
+    };
+    auto at = skipSign(0);
+    auto digits = countDigits(text, at);
+    at += digits;
+    if (at < text.size() && text[at] == '.') {
+        const auto fraction = countDigits(text, at + 1);
+        digits += fraction;
+        at += 1 + fraction;
+    }
+    if (digits == 0)
+        return false;
+    if (at < text.size() && (text[at] == 'e' || text[at] == 'E')) {
+        at = skipSign(at + 1);
+        const auto exponent = countDigits(text, at);
+        if (exponent == 0)
+            return false;
+        at += exponent;
+    }
+    return at == text.size();
+}
+
+bool isOnAir(const OnAirItem& item, double now) {
+    if (!item.startTime || now < *item.startTime)
+        return false;
+    // An inverted or empty window is taken as open-ended.
+    return !item.stopTime || *item.stopTime <= *item.startTime || now <= *item.stopTime;
+}
+
+} // namespace
+
+OnAirItem OnAirItem::fromJson(const QJsonObject& object) {
+    OnAirItem item;
+    item.isSong = object.value(QLatin1String("song")).toBool(false);
+    item.artist = trimmedText(object.value(QLatin1String("artistName")));
+    item.title = trimmedText(object.value(QLatin1String("name")));
+    item.desc = trimmedText(object.value(QLatin1String("description")));
+    item.startTime = timestamp(object.value(QLatin1String("startTime")));
+    item.stopTime = timestamp(object.value(QLatin1String("stopTime")));
+    return item;
+}
+
+std::optional<QString> OnAirItem::formatted() const {
+    if (title.isEmpty())
+        return std::nullopt;
+    return artist.isEmpty() ? title : artist + nowPlayingSeparator() + title;
+}
+
+std::optional<double> timestamp(const QJsonValue& value) {
+    if (value.isDouble())
+        return value.toDouble();
+    if (!value.isString())
+        return std::nullopt;
+    const auto text = value.toString().trimmed().toUtf8();
+    if (!isDecimalNumber(text))
+        return std::nullopt;
+    // A number too small for a double is zero here, which is close enough; one too great is infinite.
+    const double seconds = text.toDouble();
+    return std::isfinite(seconds) ? std::optional(seconds) : std::nullopt;
+}
+
+std::optional<OnAirItem> selectBest(const std::vector<OnAirItem>& items, double now) {
+    const OnAirItem* latest = nullptr;
+    for (const auto& item : items) {
+        if (isOnAir(item, now))
+            return item;
+        if (item.startTime && (latest == nullptr || *item.startTime > *latest->startTime))
+            latest = &item;
+    }
+    if (latest != nullptr)
+        return *latest;
+    return items.empty() ? std::nullopt : std::optional(items.front());
+}
+
+std::optional<std::vector<OnAirItem>> onAirItems(const QByteArray& body, const QString& rpId) {
+    const auto text = textFromUtf8(body);
+    const auto json = text ? unwrapJSONP(*text) : std::nullopt;
+    const auto document = json ? parseJsonText(json->toUtf8()) : std::nullopt;
+    if (!document || !document->isObject())
+        return std::nullopt;
+    const auto results = document->object().value(QLatin1String("results"));
+    const auto entries = results.isObject() ? results.toObject().value(rpId) : QJsonValue();
+    if (!entries.isArray())
+        return std::nullopt;
+    std::vector<OnAirItem> items;
+    const auto array = entries.toArray();
+    items.reserve(static_cast<std::size_t>(array.size()));
+    for (const auto& entry : array) {
+        if (!entry.isObject())
+            return std::nullopt;
+        items.push_back(OnAirItem::fromJson(entry.toObject()));
+    }
+    return items;
+}
+
+std::optional<QString> onAirText(const std::vector<OnAirItem>& items, double now) {
+    std::vector<OnAirItem> songs;
+    std::vector<OnAirItem> others;
+    for (const auto& item : items) {
+        if (item.formatted())
+            (item.isSong ? songs : others).push_back(item);
+    }
+    // Every item that has a text is in one of the lists, so there is nothing left to look for after these
+    // two.
+    const auto best = selectBest(songs.empty() ? others : songs, now);
+    return best ? best->formatted() : std::nullopt;
+}
+
+} // namespace zofra

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "metadata/ScraperPage.h"
+
+#include "metadata/JsonText.h"
+#include "metadata/LiveTrack.h"
+
+#include <QRegularExpression>
+
+namespace zofra {
+
+namespace {
+
+// What follows each repetition in these expressions cannot be part of it, so that the engine never goes back:
+// the time they take grows with the length of the page and no faster, whatever the page is.
+QString firstCapture(const QRegularExpression& expression, const QString& text) {
+    return expression.match(text).captured(1);
+}
+
+} // namespace
+
+std::optional<QString> scraperPath(RadioStation station) {
+    switch (station.value()) {
+    case RadioStation::zofra:
+        return QStringLiteral("/be.zofra");
+    case RadioStation::qmusic:
+        return QStringLiteral("/be.qmusic");
+    case RadioStation::joe:
+        return QStringLiteral("/be.joe");
+    case RadioStation::zofraClassX:
+        return QStringLiteral("/be.zofraclassx");
+    case RadioStation::radioContact:
+    case RadioStation::belRTL:
+    case RadioStation::insideRadio:
+    case RadioStation::sudRadioBelgique:
+    case RadioStation::sudRadioHainaut:
+        break;
+    }
+    return std::nullopt;
+}
+
+std::optional<ScraperPage> ScraperPage::fromBody(const QByteArray& body) {
+    static const QRegularExpression titleExpression(QStringLiteral(R"("title"\s*:\s*"([^"]+)")"));
+    static const QRegularExpression artistExpression(QStringLiteral(R"("artist"\s*:\s*"([^"]+)")"));
+    static const QRegularExpression trackExpression(QStringLiteral(R"("track"\s*:\s*"([^"]+)")"));
+    const auto text = textFromUtf8(body);
+    if (!text)
+        return std::nullopt;
+    return ScraperPage{firstCapture(titleExpression, *text), firstCapture(artistExpression, *text),
+                       firstCapture(trackExpression, *text)};
+}
+
+std::optional<QString> ScraperPage::text() const {
+    if (!title.isEmpty())
+        return title;
+    if (!artist.isEmpty() && !track.isEmpty())
+        return artist + nowPlayingSeparator() + track;
+    return std::nullopt;
+}
+
+} // namespace zofra
