@@ -14,8 +14,10 @@
 
 namespace zofra {
 
-/// A connection to a message bus that comes back: when the bus is missing or goes away it is looked for again every few
-/// seconds, and whoever observes it registers anew. Main thread only.
+class DBusSignal;
+
+/// A connection to a message bus that comes back: when the bus is missing or goes away it is looked for again
+/// every few seconds, and whoever observes it registers anew. Main thread only.
 class SessionBus final : public QObject {
 public:
     enum class Kind { session, system };
@@ -25,21 +27,26 @@ public:
     /// Absent while there is no bus.
     [[nodiscard]] std::optional<QDBusConnection> connection() const;
 
-    /// Calls `handler` with each new connection until the token ends; at once, in place, when there is one now.
+    /// Calls `handler` with each new connection until the token ends; at once, in place, when there is one
+    /// now.
     [[nodiscard]] ObservationToken observeConnected(std::function<void(QDBusConnection)> handler);
     /// Calls `handler` each time the bus has gone away.
     [[nodiscard]] ObservationToken observeDisconnected(std::function<void()> handler);
 
 private:
+    struct Attempt;
     void connectNow();
+    void lookAtAttempt();
+    void connected(const QString& name);
     void disconnected();
     void scheduleRetry();
 
     Kind m_kind;
     MainQueue& m_mainQueue;
     QString m_name;
-    int m_generation = 0;
     bool m_connected = false;
+    std::unique_ptr<DBusSignal> m_lost;
+    std::shared_ptr<Attempt> m_attempt;
     std::unique_ptr<Timer> m_retry;
     ObserverList<QDBusConnection> m_connectedObservers;
     ObserverList<> m_disconnectedObservers;

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/SessionBus.h"
+
+#include "platform/linux/DBusSignal.h"
+
+#include <QFileInfo>
+
+#include <atomic>
+#include <chrono>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace zofra {
+namespace {
+
+using namespace std::chrono_literals;
+constexpr auto retryInterval = 3s;
+constexpr auto lookInterval = 20ms;
+
+/// Where the bus is, empty when nowhere. Deliberately never starts one: a bus that only this program is on
+/// helps nobody and would be left behind.
+QString busAddress(SessionBus::Kind kind) {
+    if (kind == SessionBus::Kind::system) {
+        const auto set = qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS");
+        return set.isEmpty() ? QStringLiteral("unix:path=/run/dbus/system_bus_socket") : set;
+    }
+    const auto set = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+    if (!set.isEmpty())
+        return set;
+    const auto folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    const auto path = folder + QStringLiteral("/bus");
+    return !folder.isEmpty() && QFileInfo::exists(path) ? QStringLiteral("unix:path=") + path : QString();
+}
+
+/// Names inside the library; a name can only be used again once everything that holds its connection is gone.
+QString freshName() {
+    static std::atomic<int> next = 0;
+    return QStringLiteral("zofra-bus-") + QString::number(++next);
+}
+
+} // namespace
+
+/// One try at connecting, shared with the thread that makes it.
+struct SessionBus::Attempt {
+    enum class State { running, connected, failed, abandoned };
+    explicit Attempt(QString freshName)
+        : name(std::move(freshName)) {}
+    const QString name;
+    std::atomic<State> state = State::running;
+};
+
+SessionBus::SessionBus(Kind kind, MainQueue& mainQueue)
+    : m_kind(kind)
+    , m_mainQueue(mainQueue) {
+    const auto address = busAddress(m_kind);
+    const auto name = freshName();
+    if (!address.isEmpty() && QDBusConnection::connectToBus(address, name).isConnected())
+        connected(name);
+    else
+        scheduleRetry();
+}
+
+SessionBus::~SessionBus() {
+    m_lost.reset();
+    // A connection that is still being made is closed by whoever finishes last.
+    if (m_attempt && m_attempt->state.exchange(Attempt::State::abandoned) == Attempt::State::connected)
+        QDBusConnection::disconnectFromBus(m_attempt->name);
+    if (m_connected)
+        QDBusConnection::disconnectFromBus(m_name);
+}
+
+std::optional<QDBusConnection> SessionBus::connection() const {
+    if (!m_connected)
+        return std::nullopt;
+    return QDBusConnection(m_name);
+}
+
+ObservationToken SessionBus::observeConnected(std::function<void(QDBusConnection)> handler) {
+    if (m_connected)
+        handler(QDBusConnection(m_name));
+    return m_connectedObservers.add(std::move(handler));
+}
+
+ObservationToken SessionBus::observeDisconnected(std::function<void()> handler) {
+    return m_disconnectedObservers.add(std::move(handler));
+}
+
+void SessionBus::connectNow() {
+    const auto address = busAddress(m_kind);
+    if (address.isEmpty()) {
+        scheduleRetry();
+        return;
+    }
+    // Greeting a bus that accepts but never answers takes long, so it is done aside; this thread only looks
+    // in.
+    m_attempt = std::make_shared<Attempt>(freshName());
+    try {
+        std::thread([address, attempt = m_attempt] {
+            const bool isConnected = QDBusConnection::connectToBus(address, attempt->name).isConnected();
+            const auto outcome = isConnected ? Attempt::State::connected : Attempt::State::failed;
+            if (attempt->state.exchange(outcome) == Attempt::State::abandoned)
+                QDBusConnection::disconnectFromBus(attempt->name);
+        }).detach();
+    } catch (const std::system_error&) {
+        scheduleRetry();
+        return;
+    }
+    m_retry = m_mainQueue.startTimer(lookInterval, MainQueue::Repeat::forever, [this] { lookAtAttempt(); });
+}
+
+void SessionBus::lookAtAttempt() {
+    const auto state = m_attempt->state.load();
+    if (state == Attempt::State::running)
+        return;
+    const auto name = m_attempt->name;
+    m_attempt.reset();
+    m_retry.reset();
+    if (state == Attempt::State::connected) {
+        connected(name);
+    } else {
+        QDBusConnection::disconnectFromBus(name);
+        scheduleRetry();
+    }
+}
+
+void SessionBus::connected(const QString& name) {
+    m_name = name;
+    m_connected = true;
+    const QDBusConnection connection(name);
+    m_lost = std::make_unique<DBusSignal>(connection,
+                                          DBusSignal::Source{{},
+                                                             QStringLiteral("/org/freedesktop/DBus/Local"),
+                                                             QStringLiteral("org.freedesktop.DBus.Local"),
+                                                             QStringLiteral("Disconnected"),
+                                                             {}},
+                                          [this](const QDBusMessage&) { disconnected(); });
+    // It may have gone before anybody listened.
+    if (!connection.isConnected()) {
+        disconnected();
+        return;
+    }
+    m_connectedObservers.notify(connection);
+}
+
+void SessionBus::disconnected() {
+    if (!m_connected)
+        return;
+    m_connected = false;
+    m_lost.reset();
+    m_disconnectedObservers.notify();
+    QDBusConnection::disconnectFromBus(m_name);
+    scheduleRetry();
+}
+
+void SessionBus::scheduleRetry() {
+    m_retry = m_mainQueue.startTimer(retryInterval, MainQueue::Repeat::once, [this] { connectNow(); });
+}
+
+} // namespace zofra
