@@ -6,7 +6,7 @@ from __future__ import annotations
 from typing import TYPE_CHECKING
 
 from . import descriptions, services as s
-from .http import FORBIDDEN, Answer, Hang, HttpRequest, Reset
+from .playerserver import FORBIDDEN, Answer, Hang, HttpRequest, Reset
 from .soap import UpnpFault, answer as soap_answer, fault, read_call
 
 if TYPE_CHECKING:

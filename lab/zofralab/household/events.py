@@ -12,7 +12,7 @@ from urllib.parse import urlsplit
 from xml.sax.saxutils import escape
 
 from . import services as s
-from .http import Answer, HttpRequest
+from .playerserver import Answer, HttpRequest
 from .state import Player
 from .topology import zone_group_state
 

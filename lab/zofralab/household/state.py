@@ -173,7 +173,7 @@ class Household:
         for channel, satellite in channels.items():
             self._drop(satellite)
             satellite.primary, satellite.is_satellite = main, True
-            satellite.invisible, satellite.room = True, main.room
+            satellite.invisible = True
             satellite.theatre_map = f"{main.uuid}:LF,RF;{satellite.uuid}:{channel}"
             parts.append(f"{satellite.uuid}:{channel}")
             main.satellites.append(satellite)
@@ -207,7 +207,7 @@ class Household:
 
     def _bond(self, main: Player, hidden: Player, channel_map: str) -> None:
         self._drop(hidden)
-        hidden.primary, hidden.invisible, hidden.room = main, True, main.room
+        hidden.primary, hidden.invisible = main, True
         main.channel_map = hidden.channel_map = channel_map
         group = self.group_of(main)
         assert group is not None

@@ -11,6 +11,7 @@ from typing import Callable, Optional
 from urllib.parse import urljoin, urlsplit
 
 from .avtransport import RADIO
+from .names import Resolver
 from .state import Household, Player
 
 _CHUNK = 16 * 1024
@@ -27,8 +28,11 @@ class StreamError(Exception):
 class Streams:
     """One running fetch for each player that leads a playing group."""
 
-    def __init__(self, changed: Callable[[Player], None], tls: Optional[ssl.SSLContext] = None) -> None:
+    def __init__(
+        self, changed: Callable[[Player], None], resolver: Resolver, tls: Optional[ssl.SSLContext] = None
+    ) -> None:
         self._changed = changed
+        self._resolver = resolver
         self._tls = tls
         self._running: dict[Player, asyncio.Task[None]] = {}
         self._since: dict[Player, float] = {}
@@ -125,8 +129,13 @@ class Streams:
         if secure and self._tls is None:
             raise StreamError("no authorities to check a certificate with")
         port = parts.port or (443 if secure else 80)
+        address = await self._resolver.address(parts.hostname)
         opening = asyncio.open_connection(
-            parts.hostname, port, limit=_HEAD, ssl=self._tls if secure else None
+            address,
+            port,
+            limit=_HEAD,
+            ssl=self._tls if secure else None,
+            server_hostname=parts.hostname if secure else None,
         )
         return await asyncio.wait_for(opening, _CONNECT)
 

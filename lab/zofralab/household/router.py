@@ -1,0 +1,41 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""The gateway's own description, at its own port: what an impostor's answer leads to."""
+
+from __future__ import annotations
+
+import asyncio
+from typing import Optional
+
+from .descriptions import ROUTER
+
+_PORT = 5000
+
+
+class RouterServer:
+    """Answers every request with the description of a gateway."""
+
+    def __init__(self, ip: str) -> None:
+        self.ip = ip
+        self.requests = 0
+        self._server: Optional[asyncio.Server] = None
+
+    async def open(self) -> None:
+        self._server = await asyncio.start_server(self._serve, self.ip, _PORT)
+
+    async def close(self) -> None:
+        if self._server is not None:
+            self._server.close()
+            self._server = None
+
+    async def _serve(self, reader: asyncio.StreamReader, writer: asyncio.StreamWriter) -> None:
+        try:
+            await asyncio.wait_for(reader.readuntil(b"\r\n\r\n"), 10)
+            self.requests += 1
+            body = ROUTER.encode()
+            head = f"HTTP/1.1 200 OK\r\nContent-Type: text/xml\r\nContent-Length: {len(body)}\r\nConnection: close\r\n\r\n"
+            writer.write(head.encode() + body)
+            await writer.drain()
+        except (OSError, asyncio.TimeoutError, asyncio.IncompleteReadError, asyncio.LimitOverrunError):
+            pass
+        finally:
+            writer.close()
