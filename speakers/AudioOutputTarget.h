@@ -31,8 +31,9 @@ public:
 
     friend bool operator==(const AudioOutputTarget&, const AudioOutputTarget&) = default;
     friend size_t qHash(const AudioOutputTarget& target, size_t seed = 0) {
-        seed = qHash(static_cast<int>(target.m_kind), seed);
-        return target.m_kind == Kind::sonos ? qHash(target.m_roomId, seed) : seed;
+        const int ordinal = static_cast<int>(target.m_kind);
+        return target.m_kind == Kind::sonos ? qHashMulti(seed, ordinal, target.m_roomId)
+                                            : qHashMulti(seed, ordinal);
     }
 
 private:

@@ -13,10 +13,12 @@
 #include "speakers/PlayerPlaybackGroup.h"
 #include "speakers/SonosRoom.h"
 #include "speakers/SonosSpeaker.h"
+#include "speakers/SpeakerBackground.h"
 #include "stations/LanguageManager.h"
 #include "stations/RadioStation.h"
 #include "stations/ServiceHosts.h"
 
+#include <QHash>
 #include <QList>
 #include <QString>
 
@@ -27,8 +29,8 @@
 namespace zofra {
 
 /// Owns everything about networked players: what was found, the rooms, where audio goes, what plays there.
-/// Published fields, handlers and operations belong to the main thread; background work never outlives its
-/// welcome: it holds the manager's inner state weakly.
+/// Published fields, handlers and operations belong to the main thread. Background work holds the manager's
+/// inner state weakly and ends, at once, when the manager does; the manager's end waits for none of it.
 class SonosManager final : public Observable {
 public:
     /// What the manager needs from outside; all of it outlives the manager.
@@ -44,6 +46,9 @@ public:
         const ServiceHosts& hosts;
     };
 
+    /// With `automaticallyDiscover`, shows the rooms kept from the last run, searches at once and then every
+    /// minute, and keeps what it finds; without, searches only when asked to and reads and writes no
+    /// settings.
     SonosManager(bool automaticallyDiscover, const Environment& environment);
     ~SonosManager();
 
@@ -60,22 +65,65 @@ public:
     std::function<void(const QList<SonosRoom>&)> onRoomsUpdated;
     std::function<void(bool isPlaying)> onPlaybackStateChanged;
 
+    /// What to show in the place of rooms while there are none.
     [[nodiscard]] QString emptyStateMessage() const;
+    /// A room that has disappeared keeps the title it had last.
     [[nodiscard]] QString activeTargetTitle() const;
+    /// The room's name, and what tells it from another room of the same name. Data from the network, not
+    /// markup.
     [[nodiscard]] QString displayTitle(const SonosRoom& room) const;
     [[nodiscard]] std::optional<SonosRoom> room(const QString& id) const;
 
+    /// This computer: the players are stopped. A room, or everywhere: the local player is silenced, the
+    /// players play.
     void selectTarget(const AudioOutputTarget& target);
+    /// Players that are playing are given the new station.
     void setStation(RadioStation station);
     void togglePlayPause();
+    /// Plays the current station in a room; an unknown id does nothing.
     void playZofra(const QString& roomId);
     void pause(const SonosRoom& room);
     void stopAllSonos();
+    /// Clamped to 0...100.
     void setVolume(int percent, const SonosRoom& room);
     void setVolumeEverywhere(int percent);
+    /// Starts a search in the background, unless one is going on already.
     void discoverDevices(bool forceSubnetScan);
 
-    // The private part is the speakers folder's own business and is completed there.
+    /// Settings key of the rooms kept between runs.
+    const QString cacheKey = QStringLiteral("cached_sonos_rooms");
+
+private:
+    using Groups = QList<PlayerPlaybackGroup>;
+
+    void loadCachedRooms();
+    void saveCachedRooms();
+    void replaceRooms(const QList<SonosRoom>& newRooms);
+    void setLocalNetworkDenied(bool denied);
+    /// A run's thread: takes over what it found.
+    [[nodiscard]] std::function<void(const QList<SonosSpeaker>&)> applySpeakers();
+    /// Those that may be sent commands.
+    [[nodiscard]] QList<SonosSpeaker> controllableSpeakers() const;
+    [[nodiscard]] SonosSpeaker asLastFound(const SonosSpeaker& speaker) const;
+
+    void playEverywhere();
+    void play(const Groups& groups, RadioStation station, const std::optional<QString>& roomId);
+    void playFinished(qsizetype started, qsizetype groups);
+    void setSonosPlaying(bool playing);
+
+    /// Whom the last play gave the stream to, and in which room, when it was one room.
+    struct LastPlay {
+        std::optional<QString> roomId;
+        QList<SonosSpeaker> leaders;
+    };
+
+    Environment m_environment;
+    bool m_automaticallyDiscover;
+    LastPlay m_lastPlay;
+    /// Titles of rooms that may be gone, by id: of those before the last change, and of the active target.
+    QHash<QString, QString> m_formerTitles;
+    std::shared_ptr<SpeakerBackground> m_background;
+    std::unique_ptr<Timer> m_scanTimer;
 };
 
 } // namespace zofra

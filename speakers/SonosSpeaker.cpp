@@ -14,7 +14,7 @@ bool sameIgnoringCase(const QString& a, QLatin1String b) {
 
 template<typename Value>
 size_t hashOptional(const std::optional<Value>& value, size_t seed) {
-    return value ? qHash(*value, qHash(1, seed)) : qHash(0, seed);
+    return value ? qHashMulti(seed, 1, *value) : qHashMulti(seed, 0);
 }
 
 } // namespace

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "speakers/SpeakerControl.h"
+
+#include "speakers/SoapRequest.h"
+
+namespace zofra {
+
+namespace {
+
+QString instance() {
+    return QStringLiteral("<InstanceID>0</InstanceID>");
+}
+
+QString transportService() {
+    return QStringLiteral("AVTransport:1");
+}
+
+void logFailure(SpeakerBackground& background, const QString& action, const QUrl& endpoint, int status) {
+    const auto host = endpoint.host();
+    background.log(QStringLiteral("SOAP ") + action + QStringLiteral(" an ") +
+                   (host.isEmpty() ? QStringLiteral("?") : host) + QStringLiteral(" fehlgeschlagen: HTTP ") +
+                   QString::number(status));
+}
+
+} // namespace
+
+QUrl transportEndpoint(const SonosSpeaker& speaker) {
+    return speaker.endpoint(speaker.transportPath, QString::fromLatin1(ControlPath::transport));
+}
+
+void SpeakerControl::sendSOAPAction(const QUrl& endpoint, const QString& service, const QString& action,
+                                    const QString& body, Completion completion) const {
+    auto finished = [weak = std::weak_ptr(m_background), action, endpoint,
+                     completion = std::move(completion)](const HttpResult& result) {
+        const int status = result.response ? result.response->status : 0;
+        const auto background = weak.lock();
+        if (background && isLocalNetworkDenial(result.error))
+            background->noteLocalNetworkDenial();
+        const bool succeeded = !result.error && (status == 200 || status == 204);
+        if (background && !succeeded)
+            logFailure(*background, action, endpoint, status);
+        if (completion)
+            completion(succeeded);
+    };
+    m_background->start(soapRequest(endpoint, service, action, body), std::move(finished));
+}
+
+void SpeakerControl::setAVTransportURI(const QUrl& endpoint, const QString& uri,
+                                       Completion completion) const {
+    sendSOAPAction(endpoint, transportService(), QStringLiteral("SetAVTransportURI"),
+                   setTransportUriBody(uri), std::move(completion));
+}
+
+void SpeakerControl::detachIfGrouped(const SonosSpeaker& speaker, Completion then) const {
+    const bool isGrouped = speaker.groupCoordinatorId && *speaker.groupCoordinatorId != speaker.id;
+    if (!speaker.isZofra() && isGrouped)
+        sendTransportAction(speaker, QStringLiteral("BecomeCoordinatorOfStandaloneGroup"), instance(),
+                            std::move(then));
+    else
+        then(true);
+}
+
+void SpeakerControl::play(const SonosSpeaker& speaker, Completion completion) const {
+    sendTransportAction(speaker, QStringLiteral("Play"), instance() + QStringLiteral("<Speed>1</Speed>"),
+                        std::move(completion));
+}
+
+void SpeakerControl::pause(const SonosSpeaker& speaker, Completion completion) const {
+    sendTransportAction(speaker, QStringLiteral("Pause"), instance(), std::move(completion));
+}
+
+void SpeakerControl::stop(const SonosSpeaker& speaker) const {
+    sendTransportAction(speaker, QStringLiteral("Stop"), instance(), {});
+}
+
+void SpeakerControl::setVolume(const SonosSpeaker& speaker, int percent) const {
+    const auto endpoint =
+        speaker.endpoint(speaker.renderingPath, QString::fromLatin1(ControlPath::rendering));
+    sendSOAPAction(endpoint, QStringLiteral("RenderingControl:1"), QStringLiteral("SetVolume"),
+                   setVolumeBody(percent), {});
+}
+
+void SpeakerControl::join(const SonosSpeaker& follower, const SonosSpeaker& coordinator,
+                          Completion completion) const {
+    setAVTransportURI(transportEndpoint(follower), QStringLiteral("x-rincon:") + coordinator.id,
+                      std::move(completion));
+}
+
+void SpeakerControl::sendTransportAction(const SonosSpeaker& speaker, const QString& action,
+                                         const QString& body, Completion completion) const {
+    sendSOAPAction(transportEndpoint(speaker), transportService(), action, body, std::move(completion));
+}
+
+} // namespace zofra

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "speakers/SpeakerLookup.h"
+
+#include "speakers/DescriptionRequest.h"
+#include "speakers/NetworkPlayerProtocol.h"
+#include "speakers/SoapRequest.h"
+#include "speakers/SpeakerDiscovery.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace zofra {
+
+namespace {
+
+constexpr std::chrono::seconds descriptionTimeout{3};
+constexpr std::size_t maxTopologyBytes = 1024 * 1024;
+
+HttpRequest topologyRequest(const SonosSpeaker& speaker) {
+    const auto endpoint = speaker.endpoint(speaker.topologyPath, QString::fromLatin1(ControlPath::topology));
+    auto request = soapRequest(endpoint, QStringLiteral("ZoneGroupTopology:1"),
+                               QStringLiteral("GetZoneGroupState"), QString());
+    request.maxBodyBytes = maxTopologyBytes;
+    return request;
+}
+
+} // namespace
+
+SpeakerLookup::SpeakerLookup(std::shared_ptr<SpeakerBackground> background)
+    : m_background(std::move(background))
+    , m_fetcher(m_background) {}
+
+QList<SonosSpeaker> SpeakerLookup::discoverSpeakers(const QList<QUrl>& addresses) {
+    fetchDescriptions(addresses);
+    const auto members = askForTopology();
+    fetchUnknownMembers(members);
+    for (const auto& member : members) {
+        const auto speaker = m_speakers.find(member.uuid);
+        if (speaker != m_speakers.end())
+            applyTopology(*speaker, member);
+    }
+    auto speakers = m_speakers.values();
+    std::stable_sort(speakers.begin(), speakers.end(),
+                     [](const SonosSpeaker& a, const SonosSpeaker& b) { return comesBefore(a, b); });
+    return speakers;
+}
+
+void SpeakerLookup::fetchDescriptions(const QList<QUrl>& addresses) {
+    QList<QUrl> toAsk;
+    for (const auto& address : addresses) {
+        if (m_asked.size() < SpeakerDiscovery::maxAddresses && !m_asked.contains(address)) {
+            m_asked.insert(address);
+            toAsk.append(address);
+        }
+    }
+    // In this order, whatever order the answers come in, so that of two addresses of one player the same one
+    // is kept on each run.
+    std::sort(toAsk.begin(), toAsk.end());
+    std::vector<HttpRequest> requests;
+    for (const auto& address : std::as_const(toAsk))
+        requests.push_back(descriptionRequest(address, descriptionTimeout));
+    std::vector<std::optional<SonosSpeaker>> found(requests.size());
+    m_fetcher.fetchTexts(std::move(requests), [&](std::size_t index, const QString& text) {
+        found[index] = NetworkPlayerProtocol::speaker(text, toAsk[static_cast<qsizetype>(index)]);
+    });
+    for (const auto& speaker : found) {
+        if (speaker && !m_speakers.contains(speaker->id))
+            m_speakers.insert(speaker->id, *speaker);
+    }
+}
+
+QList<PlayerTopologyMember> SpeakerLookup::askForTopology() const {
+    std::vector<HttpRequest> requests;
+    for (const auto& speaker : m_speakers)
+        requests.push_back(topologyRequest(speaker));
+    // By speaker, not by arrival: which answer counts as the later one is the same on each run.
+    QList<QList<PlayerTopologyMember>> answers(m_speakers.size());
+    qsizetype kept = 0;
+    m_fetcher.fetchTexts(std::move(requests), [&](std::size_t index, const QString& text) {
+        auto members = NetworkPlayerProtocol::topology(text);
+        if (kept + members.size() > maxMembers)
+            return;
+        kept += members.size();
+        answers[static_cast<qsizetype>(index)] = std::move(members);
+    });
+    return NetworkPlayerProtocol::merge(answers);
+}
+
+void SpeakerLookup::fetchUnknownMembers(const QList<PlayerTopologyMember>& members) {
+    QList<QUrl> addresses;
+    for (const auto& member : members) {
+        if (member.descriptionURL && !m_speakers.contains(member.uuid))
+            addresses.append(*member.descriptionURL);
+    }
+    fetchDescriptions(addresses);
+}
+
+void applyTopology(SonosSpeaker& speaker, const PlayerTopologyMember& member) {
+    if (!member.zoneName.isEmpty())
+        speaker.roomName = member.zoneName;
+    speaker.isVisible = member.isVisible;
+    if (!member.coordinator.isEmpty())
+        speaker.groupCoordinatorId = member.coordinator;
+    speaker.isCoordinator = member.coordinator.isEmpty() || member.coordinator == speaker.id;
+}
+
+} // namespace zofra
