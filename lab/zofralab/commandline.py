@@ -74,7 +74,7 @@ def run_command(options):
 def _run_inside(lab, options, command):
     from .session import Session  # the sound server and the bus are not needed for `ctl`
     with Session(lab.run_dir, with_sound=not options.own_sound, with_bus=not options.own_bus) as session:
-        env = program_environment(lab, session.sound, session.bus)
+        env = program_environment(lab, session)
         if options.state:
             with open(options.state, "w", encoding="utf-8") as file:
                 json.dump({**lab.info, "environment": session.environment(), "enter": lab.enter()}, file, indent=1)

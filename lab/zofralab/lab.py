@@ -5,7 +5,6 @@ import json
 import os
 import select
 import subprocess
-import sys
 import tempfile
 import time
 
@@ -133,17 +132,11 @@ class _Switches:
         return lambda **args: self._lab.call(self._service, command, **args)
 
 
-def program_environment(lab, sound=None, bus=None):
-    """The environment for a program that is to meet the lab and nothing else."""
+def program_environment(lab, session=None):
+    """The environment for a program that is to meet the lab (and the private session) and nothing else."""
     env = clean_environment()
     env["ZOFRA_LAB_ENDPOINTS"] = lab.endpoints
     env["ZOFRA_LAB_CONTROL"] = lab.info["control"]
-    if sound is not None:
-        env["PULSE_SERVER"] = sound.server
-    if bus is not None:
-        env.update(bus.environment())
+    if session is not None:
+        env.update(session.environment())
     return env
-
-
-if __name__ == "__main__":
-    sys.exit("start lab/lab instead")
