@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/XdgFolders.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace zofra::xdg {
+namespace {
+
+QStringList list(const char* variable) {
+    return qEnvironmentVariable(variable).split(u':', Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+QString configHome() {
+    const auto set = qEnvironmentVariable("XDG_CONFIG_HOME");
+    return set.startsWith(u'/') ? QDir::cleanPath(set) : QDir::homePath() + QStringLiteral("/.config");
+}
+
+QStringList configDirs() {
+    QStringList folders;
+    for (const auto& folder : list("XDG_CONFIG_DIRS")) {
+        if (folder.startsWith(u'/'))
+            folders += QDir::cleanPath(folder);
+    }
+    return folders.isEmpty() ? QStringList{QStringLiteral("/etc/xdg")} : folders;
+}
+
+QStringList currentDesktops() {
+    return list("XDG_CURRENT_DESKTOP");
+}
+
+QString findProgram(const QString& name) {
+    for (const auto& folder : list("PATH")) {
+        const QFileInfo file(folder + u'/' + name);
+        if (folder.startsWith(u'/') && file.isFile() && file.isExecutable())
+            return file.filePath();
+    }
+    return {};
+}
+
+} // namespace zofra::xdg
