@@ -16,8 +16,8 @@ enum class TimeControlStatus { paused, waitingToPlayAtSpecifiedRate, playing };
 /// One stream to be played: its address, and what can happen to it. Main thread only.
 class StreamItem {
 public:
-    explicit StreamItem(QUrl url)
-        : url(std::move(url)) {}
+    explicit StreamItem(QUrl address)
+        : url(std::move(address)) {}
 
     const QUrl url;
     /// The data ran dry while playing; told once per stall.
