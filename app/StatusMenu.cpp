@@ -1,0 +1,189 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/StatusMenu.h"
+
+#include "app/StatusMenuTexts.h"
+#include "app/VolumePercent.h"
+
+#include <array>
+#include <cmath>
+#include <utility>
+
+namespace zofra {
+
+namespace {
+
+MenuItem actionItem(QString title, StatusMenuActions::Action action, const char* actionName) {
+    MenuItem item;
+    item.title = std::move(title);
+    item.action = std::move(action);
+    item.actionName = QString::fromLatin1(actionName);
+    return item;
+}
+
+MenuItem disabledItem(QString title) {
+    MenuItem item;
+    item.title = std::move(title);
+    item.isEnabled = false;
+    return item;
+}
+
+MenuItem submenuItem(QString title, Menu submenu) {
+    MenuItem item;
+    item.title = std::move(title);
+    item.submenu = std::move(submenu);
+    return item;
+}
+
+void setIcon(MenuItem& item, const char* name, QString description = {}) {
+    item.iconName = QString::fromLatin1(name);
+    item.iconDescription = std::move(description);
+}
+
+MenuItem::CheckState onIf(bool condition) {
+    return condition ? MenuItem::CheckState::on : MenuItem::CheckState::off;
+}
+
+/// Builds the menu's parts for one state.
+class Builder {
+public:
+    Builder(const StatusMenuState& state, const LanguageManager& languages, const StatusMenuActions& actions)
+        : m_state(state)
+        , m_languages(languages)
+        , m_actions(actions)
+        , m_language(languages.currentLanguage()) {}
+
+    [[nodiscard]] MenuItem playStop() const {
+        MenuItem item = actionItem(menutexts::playStop(m_state.isPlaying, m_language),
+                                   m_actions.togglePlayRadio, "togglePlayRadio");
+        item.keyEquivalent = QStringLiteral("p");
+        setIcon(item, m_state.isPlaying ? "speaker.wave.2.fill" : "play.fill",
+                menutexts::playStopIcon(m_state.isPlaying, m_language));
+        return item;
+    }
+
+    [[nodiscard]] MenuItem stations() const {
+        Menu menu;
+        for (const RadioStation station : RadioStation::allCases) {
+            MenuItem item = actionItem(station.displayName() + QStringLiteral(" – ") + station.genre(),
+                                       m_actions.selectStationFromMenuItem, "selectStationFromMenuItem");
+            item.representedObject = station;
+            item.identity = station.rawValue();
+            item.state = onIf(station == m_state.currentStation);
+            menu.push_back(std::move(item));
+        }
+        MenuItem parent =
+            submenuItem(m_languages.stationMenuTitle(m_state.currentStation.displayName()), std::move(menu));
+        setIcon(parent, "antenna.radiowaves.left.and.right", menutexts::stationIcon(m_language));
+        return parent;
+    }
+
+    [[nodiscard]] MenuItem outputs() const {
+        Menu menu;
+        MenuItem local =
+            actionItem(menutexts::thisComputer(m_language), m_actions.selectOutputMac, "selectOutputMac");
+        local.state = onIf(m_state.activeTarget == AudioOutputTarget::localMac());
+        menu.push_back(std::move(local));
+        menu.push_back(MenuItem::separator());
+        appendRooms(menu);
+        menu.push_back(MenuItem::separator());
+        MenuItem everywhere = actionItem(menutexts::playEverywhere(m_language),
+                                         m_actions.selectOutputEverywhere, "selectOutputEverywhere");
+        everywhere.state = onIf(m_state.activeTarget == AudioOutputTarget::sonosEverywhere());
+        everywhere.toolTip = menutexts::playEverywhereToolTip(m_language);
+        menu.push_back(std::move(everywhere));
+        menu.push_back(MenuItem::separator());
+        menu.push_back(actionItem(menutexts::search(m_language), m_actions.rescanSonos, "rescanSonos"));
+        MenuItem parent =
+            submenuItem(m_languages.outputMenuTitle(m_state.activeTargetTitle), std::move(menu));
+        setIcon(parent, "hifispeaker.2.fill", menutexts::outputIcon(m_language));
+        return parent;
+    }
+
+    [[nodiscard]] MenuItem volumes() const {
+        const std::array<std::pair<QString, float>, 5> steps{{{QStringLiteral("100 %"), 1.0F},
+                                                              {QStringLiteral("75 %"), 0.75F},
+                                                              {QStringLiteral("50 %"), 0.5F},
+                                                              {QStringLiteral("25 %"), 0.25F},
+                                                              {menutexts::mute(m_language), 0.0F}}};
+        Menu menu;
+        for (const auto& [title, value] : steps) {
+            MenuItem item = actionItem(title, m_actions.setVolumeFromMenuItem, "setVolumeFromMenuItem");
+            item.representedObject = value;
+            item.identity = QString::number(static_cast<double>(value));
+            item.state = onIf(std::fabs(m_state.volume - value) < 0.12F);
+            menu.push_back(std::move(item));
+        }
+        MenuItem parent =
+            submenuItem(m_languages.volumeMenuTitle(volumePercent(m_state.volume)), std::move(menu));
+        setIcon(parent, "speaker.wave.2.fill", menutexts::volumeIcon(m_language));
+        return parent;
+    }
+
+    void appendSongs(Menu& menu) const {
+        MenuItem now = disabledItem(m_languages.nowPlayingHeader(m_state.currentSongText));
+        setIcon(now, "music.note", menutexts::nowPlayingIcon(m_language));
+        menu.push_back(std::move(now));
+        if (!m_state.nextSongText || m_state.nextSongText->isEmpty())
+            return;
+        MenuItem next = disabledItem(m_languages.upNextHeader(*m_state.nextSongText));
+        setIcon(next, "forward.end.fill", menutexts::upNextIcon(m_language));
+        menu.push_back(std::move(next));
+    }
+
+    [[nodiscard]] MenuItem about() const {
+        MenuItem item =
+            actionItem(menutexts::about(m_language), m_actions.showAboutWindow, "showAboutWindow");
+        setIcon(item, "info.circle");
+        return item;
+    }
+
+    [[nodiscard]] MenuItem quit() const {
+        MenuItem item = actionItem(menutexts::quit(m_language), m_actions.quit, "quit");
+        setIcon(item, "power");
+        return item;
+    }
+
+private:
+    void appendRooms(Menu& menu) const {
+        if (m_state.rooms.empty()) {
+            menu.push_back(disabledItem(m_state.emptyStateMessage));
+            if (m_state.localNetworkDenied)
+                menu.push_back(actionItem(menutexts::allowLocalNetwork(m_language),
+                                          m_actions.openLocalNetworkSettings, "openLocalNetworkSettings"));
+            return;
+        }
+        for (const auto& [room, title] : m_state.rooms) {
+            MenuItem item = actionItem(title, m_actions.selectOutputSonos, "selectOutputSonos");
+            item.representedObject = room;
+            item.identity = room.id();
+            item.state = onIf(m_state.activeTarget == AudioOutputTarget::sonos(room.id()));
+            menu.push_back(std::move(item));
+        }
+    }
+
+    const StatusMenuState& m_state;
+    const LanguageManager& m_languages;
+    const StatusMenuActions& m_actions;
+    AppLanguage m_language;
+};
+
+} // namespace
+
+Menu statusMenu(const StatusMenuState& state, const LanguageManager& languages,
+                const StatusMenuActions& actions) {
+    const Builder builder(state, languages, actions);
+    Menu menu;
+    menu.push_back(builder.playStop());
+    menu.push_back(builder.stations());
+    menu.push_back(builder.outputs());
+    menu.push_back(builder.volumes());
+    menu.push_back(MenuItem::separator());
+    builder.appendSongs(menu);
+    menu.push_back(MenuItem::separator());
+    menu.push_back(builder.about());
+    menu.push_back(MenuItem::separator());
+    menu.push_back(builder.quit());
+    return menu;
+}
+
+} // namespace zofra

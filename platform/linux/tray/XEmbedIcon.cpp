@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/tray/XEmbedIcon.h"
+
+#include <QWheelEvent>
+
+#include <utility>
+
+namespace zofra {
+
+XEmbedIcon::XEmbedIcon(Handlers handlers)
+    : m_handlers(std::move(handlers)) {
+    connect(this, &QSystemTrayIcon::activated, this, [this](ActivationReason reason) {
+        if (reason == Trigger || reason == DoubleClick)
+            m_handlers.clicked(ButtonEvent::leftMouseUp);
+        else if (reason == Context)
+            m_handlers.clicked(ButtonEvent::rightMouseUp);
+        else if (reason == MiddleClick)
+            m_handlers.secondaryActivate();
+    });
+}
+
+bool XEmbedIcon::isAvailable() {
+    return QSystemTrayIcon::isSystemTrayAvailable();
+}
+
+bool XEmbedIcon::event(QEvent* event) {
+    if (event->type() == QEvent::Wheel) {
+        const int delta = static_cast<QWheelEvent*>(event)->angleDelta().y();
+        if (delta != 0)
+            m_handlers.scroll(delta);
+        return true;
+    }
+    return QSystemTrayIcon::event(event);
+}
+
+} // namespace zofra
