@@ -14,38 +14,37 @@ CERTIFICATES = ("good", "foreign", "expired", "wrong_name", "self_signed")
 
 
 class Certificates:
-    """TLS contexts by what is wrong with them, made when first asked for."""
+    """Certificates by what is wrong with them, made when first asked for."""
 
     def __init__(self, world):
         self._world = world
-        self._contexts = {}
-        self._foreign = None
+        self._issued = {}
 
     def context(self, kind, names):
         """A server context; `kind` is one of CERTIFICATES."""
+        issued = self.issue(kind, names)
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.load_cert_chain(issued.certificate, issued.key)
+        return context
+
+    def issue(self, kind, names):
+        """The certificate files; `kind` is one of CERTIFICATES."""
         if kind not in CERTIFICATES:
             raise ValueError(f"certificate {kind!r} is none of {', '.join(CERTIFICATES)}")
         key = kind, tuple(names)
-        if key not in self._contexts:
-            issued = self._issue(kind, names)
-            context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
-            context.load_cert_chain(issued.certificate, issued.key)
-            self._contexts[key] = context
-        return self._contexts[key]
+        if key not in self._issued:
+            self._issued[key] = self._make(kind, names)
+        return self._issued[key]
 
-    def _issue(self, kind, names):
+    def _make(self, kind, names):
         if kind == "good":
             return self._world.authority.issue(names)
         if kind == "wrong_name":
             return self._world.authority.issue(["somebody-else.test"])
         if kind == "expired":
             return self._world.authority.issue(names, "20200101000000Z", "20200201000000Z")
-        if kind == "foreign":
-            if self._foreign is None:
-                self._foreign = Authority(os.path.join(self._world.run_dir, "foreign"), "Foreign authority")
-            return self._foreign.issue(names)
-        lonely = Authority(os.path.join(self._world.run_dir, f"lonely{len(self._contexts)}"), names[0])
-        return lonely.issue_own(names)
+        authority = Authority(os.path.join(self._world.run_dir, f"{kind}-{names[0]}"), "Foreign authority")
+        return authority.issue(names) if kind == "foreign" else authority.issue_own(names)
 
 
 class FaultServer:

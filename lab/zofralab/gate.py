@@ -81,7 +81,7 @@ class Gate:
         """Reset every present connection, as a failing router does. Returns how many."""
         writers = [writer for pair in self._live.values() for writer in pair]
         for writer in writers:
-            _reset(writer)
+            reset_connection(writer)
         return len(self._live)
 
     def finish(self):
@@ -108,7 +108,7 @@ class Gate:
             try:
                 back_reader, back_writer = await asyncio.open_connection("127.0.0.1", backend)
             except OSError:
-                _reset(writer)
+                reset_connection(writer)
                 return
             self._live[key].append(back_writer)
             await self._relay((reader, writer), (back_reader, back_writer), record)
@@ -129,8 +129,8 @@ class Gate:
             task.cancel()
         await asyncio.gather(up, down, return_exceptions=True)
         if failed:
-            _reset(front[1])
-            _reset(back[1])
+            reset_connection(front[1])
+            reset_connection(back[1])
 
     async def _pump(self, reader, writer, record, counter):
         while data := await reader.read(CHUNK):
@@ -141,7 +141,7 @@ class Gate:
             await writer.drain()
 
 
-def _reset(writer):
+def reset_connection(writer):
     """Close with a reset instead of an orderly end."""
     try:
         writer.get_extra_info("socket").setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
