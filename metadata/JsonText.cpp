@@ -17,13 +17,15 @@ public:
         , m_end(bytes.cend()) {}
 
     [[nodiscard]] bool accepts() {
+        char previous = 0;
         while (m_at != m_end) {
             const char byte = *m_at++;
             if (byte == '"' && !skipString())
                 return false;
-            // "1." is no number; a point outside of strings can only be a decimal one.
-            if (byte == '.' && (m_at == m_end || !isDigit(*m_at)))
+            // Neither "1." nor ".5" is a number; a point outside of strings can only be a decimal one.
+            if (byte == '.' && (!isDigit(previous) || m_at == m_end || !isDigit(*m_at)))
                 return false;
+            previous = byte;
         }
         return true;
     }

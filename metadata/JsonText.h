@@ -16,8 +16,8 @@ namespace zofra {
 /// Reads one JSON document, an array or an object, nested at most 1024 deep; absent when it is anything else.
 ///
 /// Stricter than the library underneath, which lets pass raw control characters in strings, unknown escapes,
-/// halves of surrogate pairs and numbers that end in a point. Where a key stands twice in an object, the last
-/// one counts. A pure function, callable from any thread.
+/// halves of surrogate pairs and numbers that begin or end with a point. Where a key stands twice in an
+/// object, the last one counts. A pure function, callable from any thread.
 [[nodiscard]] std::optional<QJsonDocument> parseJsonText(const QByteArray& utf8);
 
 } // namespace zofra

@@ -7,8 +7,6 @@
 
 #include <QJsonArray>
 
-#include <cmath>
-
 namespace zofra {
 
 namespace {
@@ -83,9 +81,9 @@ std::optional<double> timestamp(const QJsonValue& value) {
     const auto text = value.toString().trimmed().toUtf8();
     if (!isDecimalNumber(text))
         return std::nullopt;
-    // A number too small for a double is zero here, which is close enough; one too great is infinite.
-    const double seconds = text.toDouble();
-    return std::isfinite(seconds) ? std::optional(seconds) : std::nullopt;
+    bool fits = false;
+    const double seconds = text.toDouble(&fits);
+    return fits ? std::optional(seconds) : std::nullopt;
 }
 
 std::optional<OnAirItem> selectBest(const std::vector<OnAirItem>& items, double now) {

@@ -39,14 +39,14 @@ std::optional<QString> scraperPath(RadioStation station) {
 }
 
 std::optional<ScraperPage> ScraperPage::fromBody(const QByteArray& body) {
-    static const QRegularExpression titleExpression(QStringLiteral(R"("title"\s*:\s*"([^"]+)")"));
-    static const QRegularExpression artistExpression(QStringLiteral(R"("artist"\s*:\s*"([^"]+)")"));
-    static const QRegularExpression trackExpression(QStringLiteral(R"("track"\s*:\s*"([^"]+)")"));
-    const auto text = textFromUtf8(body);
-    if (!text)
+    static const QRegularExpression titleExpression(uR"re("title"\s*:\s*"([^"]+)")re"_qs);
+    static const QRegularExpression artistExpression(uR"re("artist"\s*:\s*"([^"]+)")re"_qs);
+    static const QRegularExpression trackExpression(uR"re("track"\s*:\s*"([^"]+)")re"_qs);
+    const auto decoded = textFromUtf8(body);
+    if (!decoded)
         return std::nullopt;
-    return ScraperPage{firstCapture(titleExpression, *text), firstCapture(artistExpression, *text),
-                       firstCapture(trackExpression, *text)};
+    return ScraperPage{firstCapture(titleExpression, *decoded), firstCapture(artistExpression, *decoded),
+                       firstCapture(trackExpression, *decoded)};
 }
 
 std::optional<QString> ScraperPage::text() const {
