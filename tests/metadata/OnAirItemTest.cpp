@@ -72,8 +72,7 @@ INSTANTIATE_TEST_SUITE_P(Decimal, Timestamp,
                                          Stamp(u"-3"_qs, -3.0), Stamp(u"+3"_qs, 3.0), Stamp(u".5"_qs, 0.5),
                                          Stamp(u"5."_qs, 5.0), Stamp(u"1e3"_qs, 1000.0),
                                          Stamp(u"1E+3"_qs, 1000.0), Stamp(u"12e-1"_qs, 1.2),
-                                         Stamp(u"007"_qs, 7.0), Stamp(u"0"_qs, 0.0),
-                                         Stamp(u"1e-400"_qs, 0.0)));
+                                         Stamp(u"007"_qs, 7.0), Stamp(u"0"_qs, 0.0)));
 INSTANTIATE_TEST_SUITE_P(
     Other, Timestamp,
     testing::Values(Stamp(QString(), {}), Stamp(u"  "_qs, {}), Stamp(u"12x"_qs, {}), Stamp(u"1 2"_qs, {}),
