@@ -3,6 +3,8 @@
 
 from __future__ import annotations
 
+from xml.sax.saxutils import escape
+
 from . import services as s
 from .soap import INVALID_ARGS, Call, UpnpFault
 from .state import Player, Transport
@@ -167,13 +169,27 @@ def _position_info(call: Call) -> dict[str, str]:
     return {
         "Track": "1" if uri else "0",
         "TrackDuration": "0:00:00",
-        "TrackMetaData": leader.transport.metadata if leader is call.player else "NOT_IMPLEMENTED",
+        "TrackMetaData": _track(uri) if uri else "",
         "TrackURI": uri,
         "RelTime": call.house.streams.elapsed(leader),
         "AbsTime": "NOT_IMPLEMENTED",
         "RelCount": "2147483647",
         "AbsCount": "2147483647",
     }
+
+
+def _track(uri: str) -> str:
+    """What a player says of the stream itself; the title an owner gave is in GetMediaInfo."""
+    spaces = (
+        'xmlns:dc="http://purl.org/dc/elements/1.1/" xmlns:upnp="urn:schemas-upnp-org:metadata-1-0/upnp/" '
+        'xmlns:r="urn:schemas-rinconnetworks-com:metadata-1-0/" xmlns="urn:schemas-upnp-org:metadata-1-0/DIDL-Lite/"'
+    )
+    kind, title = escape(uri.partition(":")[0]), escape(uri.rpartition("/")[2])
+    return (
+        f'<DIDL-Lite {spaces}><item id="-1" parentID="-1" restricted="true">'
+        f'<res protocolInfo="{kind}:*:*:*">{escape(uri)}</res><r:streamContent></r:streamContent>'
+        f"<dc:title>{title}</dc:title><upnp:class>object.item</upnp:class></item></DIDL-Lite>"
+    )
 
 
 @s.AV_TRANSPORT.action("GetTransportSettings", _ID, "PlayMode RecQualityMode")

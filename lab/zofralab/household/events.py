@@ -136,11 +136,17 @@ def _properties(player: Player, service: s.Service) -> dict[str, str]:
             f'<AVTransportURI val="{_attribute(player.transport.uri)}"/>',
         )
     if service is s.RENDERING:
-        return _last_change(
-            "RCS",
-            f'<Volume channel="Master" val="{player.volume}"/><Mute channel="Master" val="{int(player.mute)}"/>',
-        )
+        return _last_change("RCS", _rendering(player))
     return {}
+
+
+def _rendering(player: Player) -> str:
+    # One value for each channel, as real players tell them: readers expect a list.
+    rows = [("Volume", "Master", player.volume), ("Volume", "LF", 100), ("Volume", "RF", 100)]
+    rows += [("Mute", "Master", int(player.mute)), ("Mute", "LF", 0), ("Mute", "RF", 0)]
+    rows += [("Loudness", "Master", int(player.loudness))]
+    channels = "".join(f'<{name} channel="{channel}" val="{value}"/>' for name, channel, value in rows)
+    return f'{channels}<Bass val="{player.bass}"/><Treble val="{player.treble}"/>'
 
 
 def _last_change(space: str, inner: str) -> dict[str, str]:

@@ -67,6 +67,7 @@ class Crowd:
         ip_batch(lines + [f"route replace local {half} dev lo table main" for half in _HALVES])
         listener = socket.socket(socket.AF_INET, socket.SOCK_STREAM)
         listener.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+        listener.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEPORT, 1)
         listener.bind(("", PORT))
         self._server = await asyncio.start_server(self._accept, sock=listener, backlog=256)
 

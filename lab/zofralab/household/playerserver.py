@@ -6,6 +6,8 @@ from __future__ import annotations
 import asyncio
 import contextlib
 import os
+import socket
+import struct
 import time
 from dataclasses import dataclass, field
 from http import HTTPStatus
@@ -87,7 +89,8 @@ class PlayerServer:
 
     async def open(self) -> None:
         self._server = await asyncio.start_server(
-            self._accept, self._player.ip, PORT, limit=_MAX_HEAD, backlog=64
+            # The port is shared with whoever stands in for all other addresses.
+            self._accept, self._player.ip, PORT, limit=_MAX_HEAD, backlog=64, reuse_port=True
         )
 
     async def close(self) -> None:
@@ -120,7 +123,8 @@ class PlayerServer:
             writer.close()
 
     async def _serve(self, reader: asyncio.StreamReader, writer: asyncio.StreamWriter) -> None:
-        head = await asyncio.wait_for(reader.readuntil(b"\r\n\r\n"), _IDLE)
+        async with asyncio.timeout(_IDLE):
+            head = await reader.readuntil(b"\r\n\r\n")
         peer = "%s:%s" % writer.get_extra_info("peername")[:2]
         entry = self._house.recorder.request(self._player.uuid, self._player.ip, peer, head)
         request = parse_head(head)
@@ -134,6 +138,8 @@ class PlayerServer:
             return
         except Reset as reset:
             if reset.hard:
+                linger_not = struct.pack("ii", 1, 0)
+                writer.get_extra_info("socket").setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, linger_not)
                 writer.transport.abort()
             return
         entry.status, entry.answered = answer.status, time.monotonic()
@@ -147,7 +153,8 @@ class PlayerServer:
         if 0 < size <= _MAX_BODY:
             if request.headers.get("expect", "").lower() == "100-continue":
                 writer.write(b"HTTP/1.1 100 Continue\r\n\r\n")
-            request.body = await asyncio.wait_for(reader.readexactly(size), _IDLE)
+            async with asyncio.timeout(_IDLE):
+                request.body = await reader.readexactly(size)
         entry.body = request.body.decode("latin-1")
         entry.action = peek_action(request.headers.get("soapaction", ""))
         if entry.action:

@@ -43,6 +43,8 @@ class Search:
     to: str
     kind: str
     data: str
+    #: Written as the protocol wants it, to the last byte; players answer less than that.
+    well_formed: bool = False
     answers: int = 0
 
 

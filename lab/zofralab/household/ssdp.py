@@ -1,19 +1,18 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Port 1900 of a household: strict about what it answers, and answering strangers' searches too."""
+"""Port 1900 of a household: what players answer to searches, strangers' searches included."""
 
 from __future__ import annotations
 
 import asyncio
 import contextlib
 import random
-import re
 import socket
 import struct
 from dataclasses import dataclass
 from typing import Any, Coroutine, Iterable, Optional
 
-from . import descriptions
-from .playerserver import HttpRequest, parse_head
+from . import descriptions, services
+from .playerserver import parse_head
 from .recorder import Recorder
 from .state import Player
 
@@ -34,23 +33,35 @@ class Search:
 
 
 def read_search(data: bytes, *, to_all: bool) -> Optional[Search]:
-    """The search in a datagram, read as strictly as the protocol is written; nothing when it is not one."""
-    if not data.endswith(b"\r\n\r\n"):
-        return None
-    request = parse_head(data[:-4])
+    """The search in a datagram; nothing when it is not one.
+
+    As forgiving as real players, which answer searches that end in the middle of the last line or name the extension
+    without its quotes. Whether a search keeps to the letter is for `is_well_formed`.
+    """
+    request = parse_head(data.rstrip(b"\r\n"))
     if request is None or (request.method, request.target, request.version) != ("M-SEARCH", "*", "HTTP/1.1"):
         return None
-    return _checked(request, to_all)
-
-
-def _checked(request: HttpRequest, to_all: bool) -> Optional[Search]:
     headers = request.headers
-    if headers.get("man") != '"ssdp:discover"' or not headers.get("host") or not headers.get("st"):
+    if headers.get("man", "").strip('"') != "ssdp:discover" or not headers.get("st"):
         return None
     wait = headers.get("mx", "")
-    if to_all and (not re.fullmatch(r"\d{1,3}", wait) or int(wait) < 1):
+    if to_all and not (wait.isdigit() and int(wait) >= 1):
         return None
     return Search(headers["st"], min(int(wait) if wait.isdigit() else 0, _LONGEST_MX))
+
+
+def is_well_formed(data: bytes) -> bool:
+    """Whether a search to all is written as the protocol wants it, to the last byte."""
+    request = parse_head(data[:-4]) if data.endswith(b"\r\n\r\n") else None
+    if request is None or read_search(data, to_all=True) is None:
+        return False
+    headers = request.headers
+    return headers["man"] == '"ssdp:discover"' and headers.get("host") == f"{GROUP}:{PORT}" and b"\n" not in data.replace(
+        b"\r\n", b""
+    )
+
+
+_MEMBER_OF = {id(x): "_MS" for x in services.SERVER} | {id(x): "_MR" for x in services.RENDERER}
 
 
 def names(player: Player) -> list[tuple[str, str]]:
@@ -61,7 +72,9 @@ def names(player: Player) -> list[tuple[str, str]]:
     if player.can_play and not player.model.is_companion:
         for kind, suffix in ((descriptions.MEDIA_SERVER, "MS"), (descriptions.MEDIA_RENDERER, "MR")):
             found += [(f"{base}_{suffix}", f"{base}_{suffix}"), (kind, f"{base}_{suffix}::{kind}")]
-    found += [(service.type, f"{base}::{service.type}") for _, service in descriptions.offered(player)]
+    for _, service in descriptions.offered(player):
+        holder = _MEMBER_OF.get(id(service), "") if not player.model.is_companion else ""
+        found.append((service.type, f"{base}{holder}::{service.type}"))
     return found
 
 
@@ -231,6 +244,7 @@ class Responder:
             return
         kind = "multicast" if to == GROUP else "unicast" if to in self._own else "broadcast"
         entry = self._recorder.search(f"{peer[0]}:{peer[1]}", to, kind, data)
+        entry.well_formed = is_well_formed(data)
         search = read_search(data, to_all=kind != "unicast")
         if search is None:
             return

@@ -7,7 +7,7 @@ import asyncio
 import contextlib
 import ssl
 import time
-from typing import Callable, Optional
+from typing import Awaitable, Callable, Optional, TypeVar
 from urllib.parse import urljoin, urlsplit
 
 from .avtransport import RADIO
@@ -19,6 +19,7 @@ _REDIRECTS = 5
 _CONNECT = 5.0
 _SILENCE = 10.0
 _HEAD = 32 * 1024
+_Value = TypeVar("_Value")
 
 
 class StreamError(Exception):
@@ -80,19 +81,18 @@ class Streams:
         return f"{seconds // 3600}:{seconds // 60 % 60:02d}:{seconds % 60:02d}"
 
     async def _fetch(self, player: Player, urls: list[str]) -> None:
-        failure = ""
+        failures = []
         for url in urls:
             try:
                 await self._follow(player, url)
-                failure = "stream ended"
-                break
+                failures.append(f"{url}: ended")
             except (OSError, StreamError, asyncio.TimeoutError, asyncio.IncompleteReadError) as error:
-                failure = f"{url}: {error or type(error).__name__}"
-                if player.transport.state == "PLAYING":
-                    break
+                failures.append(f"{url}: {error or type(error).__name__}")
+            if player.transport.state == "PLAYING":
+                break
         self._running.pop(player, None)
         self._since.pop(player, None)
-        player.stream.error = failure
+        player.stream.error = "; ".join(failures)
         player.transport.state, player.transport.status = "STOPPED", "ERROR_OCCURRED"
         self._changed(player)
 
@@ -109,7 +109,7 @@ class Streams:
         reader, writer = await self._connect(url)
         try:
             writer.write(_request(player, url))
-            status, headers = _parse_head(await asyncio.wait_for(reader.readuntil(b"\r\n\r\n"), _SILENCE))
+            status, headers = _parse_head(await _within(_SILENCE, reader.readuntil(b"\r\n\r\n")))
             if status in (301, 302, 303, 307, 308) and "location" in headers:
                 return headers["location"]
             if status != 200:
@@ -137,20 +137,27 @@ class Streams:
             ssl=self._tls if secure else None,
             server_hostname=parts.hostname if secure else None,
         )
-        return await asyncio.wait_for(opening, _CONNECT)
+        return await _within(_CONNECT, opening)
 
     async def _count(self, player: Player, url: str, content_type: str, reader: asyncio.StreamReader) -> None:
         count = player.stream
         count.url, count.content_type, count.error = url, content_type, ""
         count.bytes_now = 0
         count.opened += 1
-        while data := await asyncio.wait_for(reader.read(_CHUNK), _SILENCE):
+        while data := await _within(_SILENCE, reader.read(_CHUNK)):
             count.bytes_now += len(data)
             count.bytes_total += len(data)
             if player.transport.state != "PLAYING":
                 self._since[player] = time.monotonic()
                 player.transport.state = "PLAYING"
                 self._changed(player)
+
+
+async def _within(seconds: float, work: Awaitable[_Value]) -> _Value:
+    # Not asyncio.wait_for: that loses a cancellation which comes together with the result, and a player that was told
+    # to stop would go on.
+    async with asyncio.timeout(seconds):
+        return await work
 
 
 def _addresses(uri: str) -> list[str]:
