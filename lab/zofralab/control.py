@@ -72,7 +72,7 @@ class ControlClient:
             raise ControlError(f"no lab answers at {path}: {error}") from error
         self._file = self._socket.makefile("rb")
 
-    def call(self, service, command, **args):
+    def call(self, service, command, /, **args):
         """Throw one switch and return its answer."""
         request = json.dumps({"service": service, "command": command, "args": args}).encode() + b"\n"
         with self._lock:

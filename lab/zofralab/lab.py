@@ -79,7 +79,7 @@ class Lab:
     def __exit__(self, *_):
         self.stop()
 
-    def call(self, service, command, **args):
+    def call(self, service, command, /, **args):
         """Throw a switch: `lab.call("icecast", "stop_mount", station="zofra", codec="aac")`."""
         return self._control.call(service, command, **args)
 

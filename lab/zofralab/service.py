@@ -36,7 +36,7 @@ class Service:
         """What the service adds to endpoints.ini: {section: {key: host}}."""
         return {}
 
-    async def command(self, name, **args):
+    async def command(self, name, /, **args):
         """Carry out one switch."""
         method = getattr(self, "do_" + name, None)
         if method is None:

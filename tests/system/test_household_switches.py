@@ -173,29 +173,32 @@ def test_a_player_at_another_address_is_the_same_player(house, visitor):
         house.come_back(player=OFFICE, ip="10.77.0.200")
 
 
-def test_unused_addresses_say_nothing_with_and_without_the_detour(house, visitor):
-    assert visitor.get("10.77.0.150", timeout=0.7).end in ("timeout", "errno 113")
-    house.detour(present=True)
+@pytest.mark.parametrize(
+    "mode, end, most", [("absent", ("timeout", "errno 113"), 4), ("dropped", ("timeout",), 4), ("refused", ("errno 111",), 0.5)]
+)
+def test_addresses_that_are_nobodys(house, visitor, mode, end, most):
+    house.others(mode=mode)
     began = time.monotonic()
-    assert visitor.get("10.77.0.151", timeout=4).end == "timeout"
-    assert time.monotonic() - began >= 4, "an answer would have come back at once"
+    assert visitor.get("10.77.0.150", timeout=3.5).end in end
+    assert most - 1.5 < time.monotonic() - began < most
+    assert visitor.get(KITCHEN).status == 200, "players are not concerned"
+    house.others(mode="absent")
     assert visitor.get(KITCHEN).status == 200
-    house.detour(present=False)
-    assert visitor.get(KITCHEN).status == 200
+    assert visitor.get("10.77.0.151", timeout=0.3).end == "timeout"
 
 
 def test_a_crowd_holds_every_connection_and_counts_them(house, visitor, household_stranger):
-    house.crowd(present=True)
+    house.others(mode="held")
     assert household_stranger.hold("10.77.0.200", 1400, 40, 0.3) == 40
     assert household_stranger.hold("10.77.0.1", 1400, 3, 0.1) == 3
     counters = house.counters()
     assert counters["most_at_once"] == 40 and counters["connections"] == 43 and counters["reached"] == 2
     eventually(lambda: house.counters()["open_now"] == 0, "the connections to end")
     assert visitor.get(KITCHEN).status == 200
-    house.crowd(present=False)
-    assert visitor.get("10.77.0.200", timeout=0.5).end == "timeout"
-    house.detour(present=False)
-    assert visitor.get(KITCHEN).status == 200
+    for mode, end in (("refused", "errno 111"), ("dropped", "timeout"), ("absent", "timeout")):
+        house.others(mode=mode)
+        assert visitor.get("10.77.0.200", timeout=0.5).end == end
+        assert visitor.get(KITCHEN).status == 200
 
 
 def test_connections_at_once_are_counted_for_the_house_and_each_player(house, visitor, household_stranger):
