@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/linux/IniDocument.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QString>
+
+#include <chrono>
+#include <variant>
+
+namespace zofra {
+
+/// Reading and replacing a settings file. Callable from any thread.
+namespace inifile {
+
+/// Why a file could not be read or written: "No space left on device".
+struct Problem {
+    QString reason;
+};
+
+/// A larger file is none of ours.
+inline constexpr qint64 maxFileBytes = 16 * 1024 * 1024;
+
+/// What the file holds; an empty document when there is none.
+[[nodiscard]] std::variant<IniDocument, Problem> read(const QString& path);
+
+/// Under a lock that every program using this function respects: reads the file, sets `values` in it and
+/// replaces it in one step, with the mode it had. A link is followed. Returns what the file now holds.
+[[nodiscard]] std::variant<IniDocument, Problem>
+merge(const QString& path, const QHash<QByteArray, QByteArray>& values, std::chrono::milliseconds lockWait);
+
+} // namespace inifile
+} // namespace zofra

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/EndpointsLayers.h"
+
+#include "tests/support/PrintQt.h"
+#include "tests/support/ScopedEnvironment.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace zofra {
+namespace {
+
+class EndpointsLayersTest : public testing::Test {
+protected:
+    EndpointsLayersTest() {
+        environment.set("XDG_CONFIG_DIRS", path("strong").toUtf8() + ":" + path("weak").toUtf8());
+        environment.set("XDG_CONFIG_HOME", path("home").toUtf8());
+    }
+    [[nodiscard]] QString path(const char* name) const { return folder.filePath(QString::fromUtf8(name)); }
+    QString put(const char* name, const QByteArray& bytes) const {
+        const auto file = path(name) + QStringLiteral("/zofrazofra/endpoints.ini");
+        QDir().mkpath(QFileInfo(file).path());
+        QFile out(file);
+        EXPECT_TRUE(out.open(QIODevice::WriteOnly));
+        out.write("[metadata]\n" + bytes);
+        return file;
+    }
+    static ServiceHosts loaded(const std::optional<QString>& file = {}) {
+        const auto result = loadServiceHosts(file);
+        const auto* refusal = std::get_if<QString>(&result);
+        EXPECT_EQ(refusal, nullptr) << (refusal ? refusal->toStdString() : "");
+        return refusal ? ServiceHosts() : std::get<ServiceHosts>(result);
+    }
+
+    test::ScopedEnvironment environment;
+    QTemporaryDir folder;
+};
+
+TEST_F(EndpointsLayersTest, areBuiltInWhereThereIsNoFile) {
+    EXPECT_EQ(loaded().onAirHost(), QStringLiteral("core-search.radioplayer.cloud"));
+    EXPECT_EQ(endpointsFiles(), (QStringList{path("weak") + QStringLiteral("/zofrazofra/endpoints.ini"),
+                                             path("strong") + QStringLiteral("/zofrazofra/endpoints.ini"),
+                                             path("home") + QStringLiteral("/zofrazofra/endpoints.ini")}));
+}
+
+TEST_F(EndpointsLayersTest, areLaidOverEachOtherKeyByKey) {
+    put("weak", "on_air=weak\nscraper=weak\nlive_socket=weak\n");
+    put("strong", "on_air=strong\nscraper=strong\n");
+    put("home", "on_air=home\n");
+    auto hosts = loaded();
+    EXPECT_EQ(hosts.liveSocketHost(), QStringLiteral("weak"));
+    EXPECT_EQ(hosts.scraperHost(), QStringLiteral("strong"));
+    EXPECT_EQ(hosts.onAirHost(), QStringLiteral("home"));
+    hosts = loaded(put("given", "on_air=given\n"));
+    EXPECT_EQ(hosts.onAirHost(), QStringLiteral("given"));
+    EXPECT_EQ(hosts.scraperHost(), QStringLiteral("strong"));
+}
+
+TEST_F(EndpointsLayersTest, areRefusedWithTheFileThatIsWrong) {
+    const auto wrong = put("home", "on_air=a b\n");
+    EXPECT_EQ(std::get<QString>(loadServiceHosts({})),
+              wrong + QStringLiteral(":2: on_air = a b: is no host name"));
+    put("home", "on_air=a\n");
+    EXPECT_EQ(std::get<QString>(loadServiceHosts(path("absent.ini"))),
+              path("absent.ini") + QStringLiteral(": no such file"));
+}
+
+} // namespace
+} // namespace zofra

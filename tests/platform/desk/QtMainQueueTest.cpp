@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/QtMainQueue.h"
+
+#include "tests/support/EventLoop.h"
+
+#include <QEventLoop>
+#include <QThread>
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <optional>
+#include <thread>
+#include <vector>
+
+namespace zofra {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::steady_clock;
+using test::spinUntil;
+
+TEST(QtMainQueue, runsLaterAndInOrder) {
+    const test::TestApplication application;
+    QtMainQueue queue;
+    std::vector<int> order;
+    queue.async([&] {
+        order.push_back(1);
+        queue.async([&] { order.push_back(3); });
+    });
+    queue.async([&] { order.push_back(2); });
+    EXPECT_TRUE(order.empty());
+    ASSERT_TRUE(spinUntil([&] { return order.size() == 3; }));
+    EXPECT_EQ(order, (std::vector{1, 2, 3}));
+}
+
+TEST(QtMainQueue, bringsWorkOfManyThreadsToTheMainThread) {
+    const test::TestApplication application;
+    QtMainQueue queue;
+    std::vector<std::vector<int>> seen(4);
+    int count = 0;
+    std::vector<std::thread> threads;
+    for (std::size_t t = 0; t < seen.size(); ++t) {
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < 1000; ++i)
+                queue.async([&, t, i] {
+                    EXPECT_TRUE(QThread::currentThread() == QCoreApplication::instance()->thread());
+                    seen[t].push_back(i);
+                    ++count;
+                });
+        });
+    }
+    EXPECT_TRUE(spinUntil([&] { return count == 4000; }));
+    for (auto& thread : threads)
+        thread.join();
+    for (const auto& numbers : seen)
+        EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end()));
+}
+
+TEST(QtMainQueue, keepsRunningInsideANestedEventLoop) {
+    const test::TestApplication application;
+    QtMainQueue queue;
+    std::vector<int> order;
+    QEventLoop nested;
+    queue.async([&] {
+        order.push_back(1);
+        nested.exec();
+        order.push_back(4);
+    });
+    queue.async([&] {
+        order.push_back(2);
+        queue.async([&] {
+            order.push_back(3);
+            nested.quit();
+        });
+    });
+    ASSERT_TRUE(spinUntil([&] { return order.size() == 4; }));
+    EXPECT_EQ(order, (std::vector{1, 2, 3, 4}));
+}
+
+TEST(QtMainQueue, runsDelayedWorkNeverEarly) {
+    const test::TestApplication application;
+    QtMainQueue queue;
+    const auto start = steady_clock::now();
+    std::vector<int> order;
+    std::optional<steady_clock::duration> late;
+    queue.asyncAfter(60ms, [&] {
+        order.push_back(2);
+        late = steady_clock::now() - start;
+    });
+    std::thread([&] { queue.asyncAfter(20ms, [&] { order.push_back(1); }); }).join();
+    queue.asyncAfter(-5ms, [&] { order.push_back(0); });
+    ASSERT_TRUE(spinUntil([&] { return order.size() == 3; }));
+    EXPECT_EQ(order, (std::vector{0, 1, 2}));
+    EXPECT_GE(*late, 60ms);
+}
+
+TEST(QtMainQueue, repeatsATimerUntilItIsDestroyed) {
+    const test::TestApplication application;
+    QtMainQueue queue;
+    int ticks = 0;
+    auto timer = queue.startTimer(1ms, MainQueue::Repeat::forever, [&] { ++ticks; });
+    ASSERT_TRUE(spinUntil([&] { return ticks == 3; }));
+    timer.reset();
+    bool isOver = false;
+    queue.asyncAfter(20ms, [&] { isOver = true; });
+    ASSERT_TRUE(spinUntil([&] { return isOver; }));
+    EXPECT_EQ(ticks, 3);
+}
+
+TEST(QtMainQueue, firesASingleTimerOnce) {
+    const test::TestApplication application;
+    QtMainQueue queue;
+    int ticks = 0;
+    const auto timer = queue.startTimer(1ms, MainQueue::Repeat::once, [&] { ++ticks; });
+    bool isOver = false;
+    queue.asyncAfter(30ms, [&] { isOver = true; });
+    ASSERT_TRUE(spinUntil([&] { return isOver; }));
+    EXPECT_EQ(ticks, 1);
+}
+
+TEST(QtMainQueue, letsATimersHandlerDestroyTheTimer) {
+    const test::TestApplication application;
+    QtMainQueue queue;
+    int ticks = 0;
+    std::unique_ptr<Timer> timer;
+    auto captured = std::make_shared<int>(7);
+    timer = queue.startTimer(1ms, MainQueue::Repeat::forever, [&, captured] {
+        timer.reset();
+        ticks += *captured;
+    });
+    captured.reset();
+    bool isOver = false;
+    queue.asyncAfter(20ms, [&] { isOver = true; });
+    ASSERT_TRUE(spinUntil([&] { return isOver; }));
+    EXPECT_EQ(ticks, 7);
+}
+
+TEST(QtMainQueue, outlivesTheApplication) {
+    std::optional<QtMainQueue> queue;
+    std::unique_ptr<Timer> timer;
+    int ran = 0;
+    {
+        const test::TestApplication application;
+        queue.emplace();
+        timer = queue->startTimer(1ms, MainQueue::Repeat::forever, [&] { ++ran; });
+    }
+    ran = 0;
+    queue->async([&] { ++ran; });
+    queue->asyncAfter(0ms, [&] { ++ran; });
+    std::thread([&] { queue->async([&] { ++ran; }); }).join();
+    timer.reset();
+    queue.reset();
+    EXPECT_EQ(ran, 0);
+}
+
+TEST(QtMainQueue, dropsItsWorkWhenItEnds) {
+    const test::TestApplication application;
+    int ran = 0;
+    auto held = std::make_shared<int>(0);
+    const std::weak_ptr<int> watched = held;
+    {
+        QtMainQueue queue;
+        queue.async([&ran, held = std::move(held)] { ++ran; });
+        queue.asyncAfter(0ms, [&] { ++ran; });
+    }
+    EXPECT_TRUE(watched.expired());
+    QCoreApplication::processEvents();
+    EXPECT_EQ(ran, 0);
+}
+
+} // namespace
+} // namespace zofra
