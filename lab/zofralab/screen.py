@@ -33,10 +33,11 @@ type=statusnotifier
 class VirtualScreen:
     """Starts in `directory`; `prefix` puts every program where the radio runs. Start it from the main thread."""
 
-    def __init__(self, directory, environment, prefix=(), size="1280x800"):
+    def __init__(self, directory, environment, prefix=(), size="1280x800", panel=True):
         self._directory = directory
         self._prefix = list(prefix)
         self._size = size
+        self._with_panel = panel
         self._processes = []
         self.environment = {**environment, "XDG_CONFIG_HOME": os.path.join(directory, "desktop-config"),
                             "XDG_CURRENT_DESKTOP": "LXQt", "XDG_SESSION_TYPE": "x11", "HOME": directory}
@@ -54,6 +55,8 @@ class VirtualScreen:
             raise RuntimeError("the virtual display did not start")
         self.environment["DISPLAY"] = f":{number}"
         self._spawn(["openbox", "--sm-disable"])
+        if not self._with_panel:
+            return self
         config = os.path.join(self.environment["XDG_CONFIG_HOME"], "lxqt", "panel.conf")
         with open(config, "w", encoding="ascii") as file:
             file.write(PANEL_CONFIG)
