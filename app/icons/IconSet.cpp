@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/icons/IconSet.h"
+
+#include <QFile>
+#include <QIconEngine>
+#include <QPainter>
+#include <QSvgRenderer>
+
+#include <algorithm>
+
+// Outside of any namespace, as the macro asks for. Needed because the resources live in a static library.
+static void registerIconResources() {
+    Q_INIT_RESOURCE(icons);
+}
+
+namespace zofra {
+
+namespace {
+
+constexpr int cacheBytes = 2 * 1024 * 1024;
+constexpr int longestEdge = 4096;
+
+QString pathOf(const QString& name) {
+    return QStringLiteral(":/zofra/icons/%1.svg").arg(name);
+}
+
+// Qt's renderer takes currentColor from nowhere, so the colour is written into the drawing.
+QByteArray drawing(const QString& name, const QColor& color) {
+    QFile file(pathOf(name));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return file.readAll().replace("currentColor", color.name(QColor::HexRgb).toLatin1());
+}
+
+QImage render(const QString& name, QSize pixels, const QColor& color) {
+    if (pixels.isEmpty() || std::max(pixels.width(), pixels.height()) > longestEdge)
+        return {};
+    const QByteArray source = drawing(name, color);
+    if (source.isEmpty())
+        return {};
+    QSvgRenderer renderer(source);
+    if (!renderer.isValid())
+        return {};
+    QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setOpacity(color.alphaF());
+    const QSizeF fitted = renderer.viewBoxF().size().scaled(QSizeF(pixels), Qt::KeepAspectRatio);
+    renderer.render(&painter, QRectF(QPointF((pixels.width() - fitted.width()) / 2,
+                                             (pixels.height() - fitted.height()) / 2),
+                                     fitted));
+    return image;
+}
+
+/// Renders on demand at whatever size and ratio is drawn.
+class DrawingEngine final : public QIconEngine {
+public:
+    DrawingEngine(QString name, const QColor& color)
+        : m_name(std::move(name))
+        , m_color(color) {}
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
+        const qreal ratio = painter->device() ? painter->device()->devicePixelRatioF() : 1.0;
+        painter->drawPixmap(rect, pixmap(rect.size() * ratio, mode, state));
+    }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State) override {
+        QColor color = m_color;
+        if (mode == QIcon::Disabled)
+            color.setAlphaF(color.alphaF() * 0.4F);
+        return QPixmap::fromImage(render(m_name, size, color));
+    }
+    QIconEngine* clone() const override { return new DrawingEngine(m_name, m_color); }
+    QString key() const override { return QStringLiteral("zofra-drawing"); }
+    QString iconName() override { return m_name; }
+    bool isNull() override { return !IconSet::contains(m_name); }
+
+private:
+    QString m_name;
+    QColor m_color;
+};
+
+} // namespace
+
+IconSet::IconSet()
+    : m_pixmaps(cacheBytes) {
+    registerIconResources();
+}
+
+bool IconSet::contains(const QString& name) {
+    registerIconResources();
+    return QFile::exists(pathOf(name));
+}
+
+QImage IconSet::image(const QString& name, QSize pixels, const QColor& color) const {
+    return render(name, pixels, color);
+}
+
+QPixmap IconSet::pixmap(const QString& name, QSize size, qreal devicePixelRatio, const QColor& color) const {
+    const QSize pixels = (QSizeF(size) * devicePixelRatio).toSize();
+    const QString key = QStringLiteral("%1/%2x%3/%4/%5")
+                            .arg(name)
+                            .arg(pixels.width())
+                            .arg(pixels.height())
+                            .arg(devicePixelRatio)
+                            .arg(color.name(QColor::HexArgb));
+    if (const QPixmap* kept = m_pixmaps.object(key))
+        return *kept;
+    QPixmap pixmap = QPixmap::fromImage(render(name, pixels, color));
+    if (pixmap.isNull())
+        return pixmap;
+    pixmap.setDevicePixelRatio(devicePixelRatio);
+    m_pixmaps.insert(key, new QPixmap(pixmap), pixels.width() * pixels.height() * 4);
+    return pixmap;
+}
+
+QIcon IconSet::icon(const QString& name, const QColor& color) const {
+    return QIcon(new DrawingEngine(name, color));
+}
+
+} // namespace zofra

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/panel/ElidedLabel.h"
+#include "app/panel/TextButton.h"
+#include "stations/AppLanguage.h"
+
+#include <QWidget>
+
+#include <functional>
+
+namespace zofra {
+
+/// Who made this, and a link to write to them; the link goes to a line of its own where one line is too
+/// short.
+class CreditLine final : public QWidget {
+public:
+    CreditLine(const PanelLook& look, QWidget* parent);
+
+    void setLanguage(AppLanguage language);
+    std::function<void()> onLink;
+    [[nodiscard]] LinkButton* link() const { return m_link; }
+
+    [[nodiscard]] QSize sizeHint() const override {
+        return {minimumSizeHint().width(), heightForWidth(width())};
+    }
+    [[nodiscard]] QSize minimumSizeHint() const override;
+    [[nodiscard]] bool hasHeightForWidth() const override { return true; }
+    [[nodiscard]] int heightForWidth(int width) const override;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    [[nodiscard]] bool fitsOneLine(int width) const;
+    [[nodiscard]] int dotWidth() const;
+    void place();
+
+    const PanelLook& m_look;
+    ElidedLabel* m_text;
+    LinkButton* m_link;
+};
+
+} // namespace zofra

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/panel/ElidedLabel.h"
+
+#include "app/panel/DisplayText.h"
+
+#include <QFontMetrics>
+#include <QHelpEvent>
+#include <QPaintEvent>
+#include <QToolTip>
+
+#include <algorithm>
+#include <cmath>
+
+namespace zofra {
+
+ElidedLabel::ElidedLabel(const PanelLook& look, const Style& style, QWidget* parent)
+    : QLabel(parent)
+    , m_look(look)
+    , m_style(style) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setSizePolicy(style.room == Room::insists ? QSizePolicy::Fixed : QSizePolicy::Expanding,
+                  QSizePolicy::Fixed);
+}
+
+void ElidedLabel::setContent(const QString& text) {
+    const QString shown = displayText(text);
+    if (shown == m_text)
+        return;
+    m_text = shown;
+    setAccessibleName(m_text);
+    if (m_style.room == Room::insists)
+        updateGeometry();
+    update();
+}
+
+bool ElidedLabel::isElided() const {
+    return QFontMetrics(textFont(), this).horizontalAdvance(m_text) > textRect().width();
+}
+
+QFont ElidedLabel::textFont() const {
+    QFont font = m_look.metrics.font(m_style.size, m_style.weight);
+    if (m_style.letterSpacing > 0)
+        font.setLetterSpacing(QFont::PercentageSpacing, 100 + 100 * m_style.letterSpacing);
+    return font;
+}
+
+QRect ElidedLabel::textRect() const {
+    const int bleed = m_style.bleed == Bleed::likeButtons ? m_look.metrics.bleed() : 0;
+    return rect().adjusted(bleed, bleed, -bleed, -bleed);
+}
+
+QSize ElidedLabel::sizeHint() const {
+    const QFontMetrics metrics(textFont(), this);
+    const int bleed = m_style.bleed == Bleed::likeButtons ? m_look.metrics.bleed() : 0;
+    const int line = std::max(metrics.height(), m_look.metrics.px(m_style.size * 1.35));
+    return {metrics.horizontalAdvance(m_text) + 1 + 2 * bleed, line + 2 * bleed};
+}
+
+QSize ElidedLabel::minimumSizeHint() const {
+    QSize size = sizeHint();
+    if (m_style.room == Room::givesWay)
+        size.setWidth(std::min(size.width(), m_look.metrics.px(24)));
+    return size;
+}
+
+void ElidedLabel::paintEvent(QPaintEvent* event) {
+    QPainter painter(this);
+    painter.fillRect(event->rect(), backdropColor(m_look.theme, m_style.backdrop));
+    painter.setFont(textFont());
+    painter.setPen(m_style.ink == Ink::dim ? m_look.theme.dim : m_look.theme.text);
+    const QRect room = textRect();
+    const QString shown = QFontMetrics(painter.font(), this).elidedText(m_text, Qt::ElideRight, room.width());
+    painter.drawText(room, static_cast<int>(m_style.alignment | Qt::AlignVCenter) | Qt::TextSingleLine,
+                     shown);
+}
+
+bool ElidedLabel::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip)
+        return QLabel::event(event);
+    if (isElided())
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), toolTipText(m_text), this, rect());
+    else
+        QToolTip::hideText();
+    return true;
+}
+
+} // namespace zofra

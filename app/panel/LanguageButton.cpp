@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/panel/LanguageButton.h"
+
+#include "app/panel/PanelTexts.h"
+
+#include <QEasingCurve>
+#include <QStyle>
+
+namespace zofra {
+
+namespace {
+
+constexpr int fadeMilliseconds = 150;
+
+QEasingCurve easeInOut() {
+    QEasingCurve curve(QEasingCurve::BezierSpline);
+    curve.addCubicBezierSegment({0.42, 0}, {0.58, 1}, {1, 1});
+    return curve;
+}
+
+} // namespace
+
+LanguageButton::LanguageButton(const PanelLook& look, AppLanguage language, QWidget* parent)
+    : PanelButton(look, parent)
+    , m_language(language) {
+    setCheckable(true);
+    setToolTip(panelText::languageName(language));
+    setAccessibleName(panelText::languageName(language));
+    m_fade.setDuration(fadeMilliseconds);
+    m_fade.setEasingCurve(easeInOut());
+    connect(&m_fade, &QVariantAnimation::valueChanged, this, [this](const QVariant& value) {
+        m_mark = value.toReal();
+        update();
+    });
+}
+
+void LanguageButton::setCurrent(bool isCurrent, Change change) {
+    const qreal goal = isCurrent ? 1 : 0;
+    if (isCurrent == isChecked() && (m_mark == goal || m_fade.state() == QAbstractAnimation::Running))
+        return;
+    setChecked(isCurrent);
+    m_fade.stop();
+    // A desktop without animations says so through its style.
+    const bool animates = style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0;
+    if (change == Change::fades && animates && isVisible()) {
+        m_fade.setStartValue(m_mark);
+        m_fade.setEndValue(goal);
+        m_fade.start();
+    } else {
+        m_mark = goal;
+        update();
+    }
+}
+
+QSize LanguageButton::bodySize() const {
+    return {look().metrics.px(40), look().metrics.px(30)};
+}
+
+qreal LanguageButton::radius() const {
+    return look().metrics.scaled(8);
+}
+
+void LanguageButton::paintBody(QPainter& painter, const QRect& body) {
+    const PanelTheme& theme = look().theme;
+    const PanelMetrics& metrics = look().metrics;
+    if (m_mark > 0) {
+        fillRounded(painter, body, radius(), mixed(theme.accentText, theme.window, 0.16 * m_mark));
+        QColor line = theme.accentText;
+        line.setAlphaF(static_cast<float>(m_mark));
+        strokeRounded(painter, body, radius(), line, metrics.scaled(theme.isHighContrast ? 2.5 : 1.5));
+    } else if (underMouse() || isDown()) {
+        fillRounded(painter, body, radius(), isDown() ? theme.pressed : theme.hover);
+    }
+    const QSize size(metrics.px(24), metrics.px(16));
+    const QRect flag(
+        QPoint(body.center().x() - (size.width() - 1) / 2, body.center().y() - (size.height() - 1) / 2),
+        size);
+    const qreal ratio = painter.paintEngine()->paintDevice()->devicePixelRatioF();
+    QBrush cloth(look().icons.pixmap(QLatin1String("flag-") + rawValue(m_language), size, ratio, theme.text));
+    painter.save();
+    painter.translate(flag.topLeft());
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(cloth);
+    painter.drawRoundedRect(QRectF(QPointF(0, 0), QSizeF(size)), metrics.scaled(3), metrics.scaled(3));
+    painter.restore();
+    // White stripes need an edge on a light ground, black ones on a dark ground.
+    QColor hem = theme.text;
+    hem.setAlphaF(0.12F);
+    strokeRounded(painter, flag, metrics.scaled(3), hem, 1);
+}
+
+} // namespace zofra

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/icons/IconSet.h"
+#include "app/panel/PanelMetrics.h"
+#include "app/panel/PanelTheme.h"
+
+#include <QPaintEngine>
+#include <QPainter>
+#include <QRectF>
+
+namespace zofra {
+
+/// What every part of the panel paints and measures with. Owned by the panel, which changes it and repaints;
+/// parts keep a reference and read it anew each time.
+struct PanelLook {
+    PanelTheme theme;
+    PanelMetrics metrics;
+    const IconSet& icons;
+};
+
+/// What a part stands on. Parts paint it themselves, so that repainting one repaints nothing behind it.
+enum class Backdrop { window, card };
+
+[[nodiscard]] inline QColor backdropColor(const PanelTheme& theme, Backdrop backdrop) {
+    return backdrop == Backdrop::card ? theme.card : theme.window;
+}
+
+/// Draws the drawing `name` into `square`, sharp at the painter's device ratio.
+void paintIcon(QPainter& painter, const PanelLook& look, const QString& name, const QRect& square,
+               const QColor& color);
+
+/// Fills a rounded rectangle.
+void fillRounded(QPainter& painter, const QRectF& rect, qreal radius, const QColor& color);
+
+/// Draws a rounded line of `width` lying inside `rect`.
+void strokeRounded(QPainter& painter, const QRectF& rect, qreal radius, const QColor& color, qreal width);
+
+} // namespace zofra

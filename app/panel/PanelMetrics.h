@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QFont>
+
+namespace zofra {
+
+/// Sizes of the panel. Everything is drawn for text of 14 pixels and grows with the desktop's font from
+/// there, so that large fonts find room. All lengths are device-independent pixels.
+class PanelMetrics {
+public:
+    PanelMetrics() = default;
+    /// `font` is the desktop's; `logicalDpi` that of the screen the panel is on.
+    PanelMetrics(const QFont& font, qreal logicalDpi);
+
+    /// A length of the drawing, scaled and on whole pixels, at least 1.
+    [[nodiscard]] int px(qreal length) const;
+    [[nodiscard]] qreal scaled(qreal length) const { return length * m_scale; }
+    /// The desktop's family at `size` (pixels of the drawing) and `weight`.
+    [[nodiscard]] QFont font(qreal size, QFont::Weight weight = QFont::Normal) const;
+
+    /// Room that every part keeps around itself for its focus ring.
+    [[nodiscard]] int bleed() const { return px(4); }
+
+    friend bool operator==(const PanelMetrics&, const PanelMetrics&) = default;
+
+private:
+    QFont m_font;
+    qreal m_dpi = 96;
+    qreal m_scale = 1;
+};
+
+} // namespace zofra

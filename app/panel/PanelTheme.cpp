@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/panel/PanelTheme.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace zofra {
+
+namespace {
+
+constexpr double textContrast = 4.5;
+constexpr double highTextContrast = 7.0;
+
+double luminance(const QColor& color) {
+    const auto linear = [](float channel) {
+        const double c = channel;
+        return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+// What the toolkit shows when no desktop has said anything.
+bool isToolkitHighlight(const QColor& color) {
+    static constexpr std::array<QRgb, 2> defaults{0xff308cc6, 0xff000080};
+    return std::find(defaults.begin(), defaults.end(), color.rgb()) != defaults.end();
+}
+
+std::optional<QColor> accentOf(const DesktopAppearance& desktop, const QPalette& palette) {
+    if (desktop.accent)
+        return desktop.accent;
+    const QColor highlight = palette.color(QPalette::Active, QPalette::Highlight);
+    // A grey selection is a matter of taste in selections; a grey play button would look switched off.
+    if (isToolkitHighlight(highlight) || highlight.alpha() < 255 || highlight.hslSaturationF() < 0.15F)
+        return std::nullopt;
+    return highlight;
+}
+
+// Moves `color` towards `goal` until it reaches `ratio` against `ground`; at most all the way.
+QColor readable(const QColor& color, const QColor& ground, const QColor& goal, double ratio) {
+    for (int step = 0; step <= 20; ++step) {
+        const QColor candidate = mixed(goal, color, step / 20.0);
+        if (contrastRatio(candidate, ground) >= ratio)
+            return candidate;
+    }
+    return goal;
+}
+
+// Text on the accent colour is white where a slight darkening of the surface allows it, since that is what
+// people know from buttons; on pale colours it is dark.
+void setAccent(PanelTheme& theme, const QColor& accent, double ratio) {
+    const QColor ink(0x1b, 0x05, 0x08);
+    const QColor white = Qt::white;
+    theme.accent = accent;
+    if (!theme.isDark && contrastRatio(white, accent) >= 3.0) {
+        theme.onAccent = white;
+        theme.accent = readable(accent, white, Qt::black, ratio);
+    } else if (contrastRatio(ink, accent) >= ratio) {
+        theme.onAccent = ink;
+    } else if (contrastRatio(white, accent) >= ratio) {
+        theme.onAccent = white;
+    } else {
+        theme.onAccent =
+            contrastRatio(white, accent) > contrastRatio(Qt::black, accent) ? white : QColor(Qt::black);
+        theme.accent =
+            readable(accent, theme.onAccent, theme.onAccent == white ? Qt::black : Qt::white, ratio);
+    }
+    theme.accentText = readable(accent, theme.window, theme.isDark ? Qt::white : Qt::black, ratio);
+}
+
+void setGrounds(PanelTheme& theme) {
+    if (theme.isDark) {
+        theme.window = theme.isHighContrast ? QColor(Qt::black) : QColor(0x1f2024);
+        theme.card = theme.isHighContrast ? QColor(Qt::black) : QColor(0x292a2f);
+        theme.line = theme.isHighContrast ? QColor(0xd0d0d4) : QColor(0x3a3b42);
+        theme.text = theme.isHighContrast ? QColor(Qt::white) : QColor(0xf2f2f5);
+        theme.dim = theme.isHighContrast ? QColor(0xe6e6ea) : QColor(0xa0a3ad);
+        theme.hover = QColor(0x34353b);
+        theme.pressed = QColor(0x3f4048);
+    } else {
+        theme.window = theme.isHighContrast ? QColor(Qt::white) : QColor(0xfbfbfd);
+        theme.card = Qt::white;
+        theme.line = theme.isHighContrast ? QColor(0x3a3b42) : QColor(0xe4e5ea);
+        theme.text = theme.isHighContrast ? QColor(Qt::black) : QColor(0x1d1e22);
+        theme.dim = theme.isHighContrast ? QColor(0x26272c) : QColor(0x6b6e78);
+        theme.hover = QColor(0xf0f1f5);
+        theme.pressed = QColor(0xe4e5ea);
+    }
+}
+
+} // namespace
+
+double contrastRatio(const QColor& a, const QColor& b) {
+    const double la = luminance(a);
+    const double lb = luminance(b);
+    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
+}
+
+QColor mixed(const QColor& top, const QColor& bottom, double share) {
+    const auto channel = [share](int t, int b) {
+        return static_cast<int>(std::lround(t * share + b * (1 - share)));
+    };
+    return {channel(top.red(), bottom.red()), channel(top.green(), bottom.green()),
+            channel(top.blue(), bottom.blue())};
+}
+
+PanelTheme PanelTheme::make(const DesktopAppearance& desktop, const QPalette& palette) {
+    PanelTheme theme;
+    const QColor window = palette.color(QPalette::Active, QPalette::Window);
+    const QColor text = palette.color(QPalette::Active, QPalette::WindowText);
+    switch (desktop.colorScheme) {
+    case DesktopAppearance::ColorScheme::dark:
+        theme.isDark = true;
+        break;
+    case DesktopAppearance::ColorScheme::light:
+        theme.isDark = false;
+        break;
+    case DesktopAppearance::ColorScheme::unsaid:
+        theme.isDark = luminance(window) < luminance(text);
+        break;
+    }
+    // Pure black on pure white, or the reverse, is what contrast themes are made of.
+    theme.isHighContrast =
+        desktop.contrast == DesktopAppearance::Contrast::high || contrastRatio(window, text) > 20.5;
+    setGrounds(theme);
+    const QColor house = theme.isDark ? QColor(0xff4d5e) : QColor(0xc8102e);
+    setAccent(theme, accentOf(desktop, palette).value_or(house),
+              theme.isHighContrast ? highTextContrast : textContrast);
+    return theme;
+}
+
+} // namespace zofra

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/panel/AppearanceSource.h"
+
+#include <QDBusConnection>
+#include <QDBusVariant>
+#include <QObject>
+#include <QString>
+#include <QVariant>
+
+namespace zofra {
+
+/// Asks the desktop portal how programs should look and listens for changes. Never waits for it: until it has
+/// answered, and where there is none, nothing is known. Main thread only.
+class PortalAppearance final : public QObject {
+    Q_OBJECT
+
+public:
+    /// `source` outlives this object.
+    explicit PortalAppearance(AppearanceSource& source);
+
+    /// Asks the portal on this bus; call again for a new connection.
+    void attach(const QDBusConnection& bus);
+
+    /// Lays one setting of "org.freedesktop.appearance" over `appearance`. Unknown keys, wrong types and
+    /// colours outside 0..1 (which say "none") leave nothing set.
+    static void apply(DesktopAppearance& appearance, const QString& key, const QVariant& value);
+
+private Q_SLOTS:
+    void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+
+private:
+    AppearanceSource& m_source;
+};
+
+} // namespace zofra

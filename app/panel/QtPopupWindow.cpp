@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/panel/QtPopupWindow.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QPointer>
+#include <QScreen>
+#include <QVBoxLayout>
+#include <QWindow>
+
+#include <utility>
+
+namespace zofra {
+
+namespace {
+
+/// The window itself; exactly as large as the panel in it.
+class HostWindow final : public QWidget {
+public:
+    HostWindow(PopupPanelContent content, const PanelEnvironment& environment) {
+        auto* rows = new QVBoxLayout(this);
+        rows->setContentsMargins(0, 0, 0, 0);
+        rows->setSizeConstraint(QLayout::SetFixedSize);
+        auto* view = new AboutPopupView(std::move(content), environment, this);
+        rows->addWidget(view);
+    }
+
+    std::function<void()> onClosed;
+
+protected:
+    void closeEvent(QCloseEvent* event) override {
+        event->accept();
+        if (onClosed)
+            onClosed();
+    }
+};
+
+class QtPopupWindow final : public PopupWindow {
+public:
+    QtPopupWindow(PopupPanelContent content, const PanelEnvironment& environment,
+                  std::shared_ptr<QByteArray> token)
+        : m_host(new HostWindow(std::move(content), environment))
+        , m_token(std::move(token)) {
+        m_host->onClosed = [this] { tellClosing(); };
+    }
+    QtPopupWindow(const QtPopupWindow&) = delete;
+    QtPopupWindow& operator=(const QtPopupWindow&) = delete;
+    ~QtPopupWindow() override {
+        // Perhaps from within one of the window's own event handlers, so it ends later.
+        m_host->onClosed = nullptr;
+        m_host->hide();
+        m_host->deleteLater();
+    }
+
+    void setTitle(const QString& title) override { m_host->setWindowTitle(title); }
+
+    void setStyle(unsigned styleMask) override {
+        Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint;
+        if ((styleMask & static_cast<unsigned>(WindowStyle::titled)) != 0)
+            flags |= Qt::WindowTitleHint | Qt::WindowSystemMenuHint;
+        if ((styleMask & static_cast<unsigned>(WindowStyle::closable)) != 0)
+            flags |= Qt::WindowCloseButtonHint;
+        m_host->setWindowFlags(flags);
+    }
+
+    void center() override {
+        const QScreen* screen = m_host->screen();
+        m_host->adjustSize();
+        const QRect room = screen->availableGeometry();
+        m_host->move(room.center() - QPoint(m_host->width() / 2, m_host->height() / 2));
+    }
+
+    void makeKeyAndOrderFront() override {
+        const QByteArray token = std::exchange(*m_token, QByteArray());
+        if (m_host->isMinimized())
+            m_host->showNormal();
+        else
+            m_host->show();
+        m_host->raise();
+        // Qt takes the token of a start from here when a window asks for the keyboard, and forgets it then.
+        if (!token.isEmpty() && QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+            qputenv("XDG_ACTIVATION_TOKEN", token);
+        m_host->activateWindow();
+    }
+
+    void close() override { m_host->close(); }
+
+private:
+    void tellClosing() {
+        // A copy: the handler may destroy this window and with it the handler.
+        if (const auto handler = std::exchange(onWillClose, nullptr))
+            handler(*this);
+    }
+
+    HostWindow* m_host;
+    std::shared_ptr<QByteArray> m_token;
+};
+
+} // namespace
+
+std::unique_ptr<PopupWindow> QtPopupWindowFactory::makeWindow(PopupPanelContent content) {
+    return std::make_unique<QtPopupWindow>(std::move(content), m_environment, m_token);
+}
+
+} // namespace zofra
