@@ -83,16 +83,17 @@ class Events:
         return len(self._subscriptions)
 
     def _tell(self, subscription: Subscription) -> None:
-        task = asyncio.get_running_loop().create_task(self._send(subscription, subscription.key))
+        # What is told is how things are now, not how they are when it is sent.
+        sending = self._send(subscription, subscription.key, _property_set(subscription).encode())
+        task = asyncio.get_running_loop().create_task(sending)
         subscription.key += 1
         self._sending.add(task)
         task.add_done_callback(self._sending.discard)
 
-    async def _send(self, subscription: Subscription, key: int) -> None:
+    async def _send(self, subscription: Subscription, key: int, body: bytes) -> None:
         # The answer to SUBSCRIBE has to be there before the first notification is.
         await asyncio.sleep(0.02)
         parts = urlsplit(subscription.callback)
-        body = _property_set(subscription).encode()
         head = (
             f"NOTIFY {parts.path or '/'} HTTP/1.1\r\nHOST: {parts.netloc}\r\n"
             f"CONTENT-TYPE: text/xml\r\nCONTENT-LENGTH: {len(body)}\r\nNT: upnp:event\r\nNTS: upnp:propchange\r\n"

@@ -13,7 +13,6 @@ from .dispatch import dispatch
 from .events import Events
 from .playerserver import Answer, HttpRequest, PlayerServer
 from .names import Resolver
-from .network import Crowd
 from .recorder import Recorder
 from .router import RouterServer
 from .scenes import Scene
@@ -37,7 +36,6 @@ class House:
         self.events = Events()
         self.streams = Streams(self.changed, resolver, _trust(authority))
         self.responder = Responder(interface, self.recorder, seed=1)
-        self.crowd = Crowd(self.recorder.connections)
         self.scene = Scene()
         #: Seconds a player takes for any answer.
         self.latency = _LATENCY
@@ -139,7 +137,6 @@ class House:
         await server.open()
 
     async def _clear(self) -> None:
-        await self.crowd.close()
         await self.set_router("", "")
         self.responder.silenced = False
         self.latency = _LATENCY

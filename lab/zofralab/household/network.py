@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The ways in which the rest of the home network does not answer, or all of it does."""
+"""What the addresses of the home network do that are nobody's."""
 
 from __future__ import annotations
 
@@ -15,43 +15,66 @@ from .recorder import Gauge
 
 _HALVES = [str(half) for half in ipaddress.ip_network(addresses.HOME_NETWORK).subnets()]
 
+#: "absent": nobody there, as at home: the program's kernel waits for a neighbour that never comes.
+#: "dropped": packets get to the house and are dropped without a word.
+#: "refused": connections are refused at once, which makes a scan quick.
+#: "held": connections to port 1400 are taken, and nothing is ever said: so probes in flight can be counted.
+MODES = ("absent", "dropped", "refused", "held")
 
-class Detour:
-    """Routes in the program's namespace that lead every address of the home network through the house.
 
-    Without them nobody answers for an unused address, which is what a home network does: the program's kernel waits
-    for a neighbour that never comes. With them the house gets every packet, and since it does not forward, drops what
-    is not its own without a word; the table of neighbours, which all namespaces of a machine share, then holds one
-    entry instead of 254.
+class Others:
+    """Sets the mode. Real players keep theirs, whatever it is.
+
+    All modes but the first lead the whole subnet through the house, by routes in the program's namespace. The table of
+    neighbours, which all namespaces of a machine share and which a few silent subnets fill, then holds one entry
+    instead of 254.
     """
 
-    def __init__(self, cable: Any) -> None:
+    def __init__(self, cable: Any, gauge: Gauge) -> None:
         self._cable = cable
-        self._up = False
+        self._mode = "absent"
+        self._crowd = _Crowd(gauge)
 
-    def open(self) -> None:
-        if not self._up:
-            for half in _HALVES:
-                self._cable.in_program(
-                    *f"ip route replace {half} via {addresses.ROUTER_ADDRESS}".split(),
-                    *f"dev {addresses.PROGRAM_INTERFACE} onlink".split(),
-                )
-            self._up = True
+    @property
+    def reached(self) -> int:
+        """How many different addresses took a connection while held."""
+        return len(self._crowd.reached)
 
-    def close(self) -> None:
-        if self._up:
-            for half in _HALVES:
-                # Gone already when the cable was pulled in between.
-                self._cable.in_program(*f"ip route del {half}".split(), check=False)
-            self._up = False
+    async def set_mode(self, mode: str) -> None:
+        if mode not in MODES:
+            raise ValueError(f"other addresses are {', '.join(MODES)}, not {mode!r}")
+        before, self._mode = self._mode, mode
+        if before == mode:
+            return
+        if before == "held":
+            await self._crowd.close()
+        self._lead_through_house(mode != "absent")
+        self._own_all(mode in ("refused", "held"))
+        if mode == "held":
+            await self._crowd.open()
+
+    def _lead_through_house(self, wanted: bool) -> None:
+        for half in _HALVES:
+            if wanted:
+                route = f"replace {half} via {addresses.ROUTER_ADDRESS} dev {addresses.PROGRAM_INTERFACE} onlink"
+            else:
+                route = f"del {half}"
+            # Gone already when the cable was pulled in between.
+            self._cable.in_program("ip", "route", *route.split(), check=wanted)
+
+    def _own_all(self, wanted: bool) -> None:
+        """Whether every address is the house's own; where nobody listens the kernel then refuses."""
+        verb = "replace" if wanted else "flush"
+        # The route to the program itself has to be the most specific one, or its answers never leave the house.
+        routes = [f"{addresses.PROGRAM_ADDRESS}/32 dev {addresses.HOUSE_INTERFACE}"]
+        routes += [f"local {half} dev lo table main" for half in _HALVES]
+        if not wanted:
+            routes = [f"exact {addresses.PROGRAM_ADDRESS}/32"] + [f"exact {half} type local" for half in _HALVES]
+        ip_batch([f"route {verb} {route}" for route in routes])
 
 
-class Crowd:
-    """Every address of the home network takes connections at port 1400, and says nothing, ever.
-
-    That is how many probes are in flight is counted: each that is, is a connection held here. Real players keep their
-    own, more specific, sockets.
-    """
+class _Crowd:
+    """Listens for every address that is not a player's."""
 
     def __init__(self, gauge: Gauge) -> None:
         self._gauge = gauge
@@ -60,11 +83,7 @@ class Crowd:
         self.reached: set[str] = set()
 
     async def open(self) -> None:
-        if self._server is not None:
-            return
-        # More specific than the routes below, so that answers still find the program.
-        lines = [f"route replace {addresses.PROGRAM_ADDRESS}/32 dev {addresses.HOUSE_INTERFACE}"]
-        ip_batch(lines + [f"route replace local {half} dev lo table main" for half in _HALVES])
+        self.reached.clear()
         listener = socket.socket(socket.AF_INET, socket.SOCK_STREAM)
         listener.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
         listener.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEPORT, 1)
@@ -72,17 +91,13 @@ class Crowd:
         self._server = await asyncio.start_server(self._accept, sock=listener, backlog=256)
 
     async def close(self) -> None:
-        if self._server is None:
-            return
-        self._server.close()
-        self._server = None
+        if self._server is not None:
+            self._server.close()
+            self._server = None
         for task in list(self._tasks):
             task.cancel()
         if self._tasks:
             await asyncio.wait(self._tasks, timeout=2)
-        self.reached.clear()
-        ip_batch([f"route del local {half} dev lo table main" for half in _HALVES])
-        ip_batch([f"route del {addresses.PROGRAM_ADDRESS}/32 dev {addresses.HOUSE_INTERFACE}"])
 
     async def _accept(self, reader: asyncio.StreamReader, writer: asyncio.StreamWriter) -> None:
         task = asyncio.current_task()

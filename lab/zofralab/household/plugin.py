@@ -13,7 +13,7 @@ from ..service import Service
 from . import scenes
 from .house import House
 from .names import Resolver
-from .network import Detour
+from .network import Others
 
 _FIRST_SCENE = "twelve"
 _ROUTER_IP = "10.77.0.254"
@@ -28,18 +28,19 @@ class Household(Service):
         super().__init__(world)
         resolver = Resolver(addresses.DNS_ADDRESS)
         self._house = House(world.cable, addresses.HOUSE_INTERFACE, resolver, world.authority.certificate)
-        self._detour = Detour(world.cable)
+        self._others = Others(world.cable, self._house.recorder.connections)
 
     async def start(self) -> None:
         await self._house.open()
         await self._house.furnish(scenes.build(_FIRST_SCENE))
 
     async def stop(self) -> None:
+        # The routes end with their namespaces.
         await self._house.close()
 
     async def reset(self) -> None:
-        """The household of the first scene, as new; nothing recorded; other addresses silent as at home."""
-        self._detour.close()
+        """The household of the first scene, as new; nothing recorded; other addresses nobody's, as at home."""
+        await self._others.set_mode("absent")
         await self._house.furnish(scenes.build(_FIRST_SCENE))
 
     # What there is.
@@ -73,7 +74,7 @@ class Household(Service):
     def do_counters(self) -> dict[str, Any]:
         """How many requests, answers by status, and the most connections that were ever open at once."""
         counters = self._house.recorder.counters()
-        return {**counters, "subscriptions": len(self._house.events), "reached": len(self._house.crowd.reached)}
+        return {**counters, "subscriptions": len(self._house.events), "reached": self._others.reached}
 
     def do_forget(self) -> None:
         """Empties the records; everything else stays as it is."""
@@ -113,17 +114,9 @@ class Household(Service):
 
     # The rest of the network.
 
-    def do_detour(self, present: bool = True) -> None:
-        """Unused addresses are swallowed by the house instead of failing to be neighbours (`network.Detour`)."""
-        self._detour.open() if present else self._detour.close()
-
-    async def do_crowd(self, present: bool = True) -> None:
-        """All 254 addresses take connections and never answer (implies `detour`)."""
-        if present:
-            self._detour.open()
-            await self._house.crowd.open()
-        else:
-            await self._house.crowd.close()
+    async def do_others(self, mode: str = "absent") -> None:
+        """What the addresses do that are nobody's: absent, dropped, refused or held (`network.MODES`)."""
+        await self._others.set_mode(mode)
 
     # What its owner does.
 

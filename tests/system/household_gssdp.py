@@ -1,0 +1,47 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""GSSDP as a judge: another implementation of the search protocol, on either side of the cable.
+
+    household_gssdp.py publish INTERFACE TARGET USN LOCATION    answers searches until standard input ends
+    household_gssdp.py browse INTERFACE TARGET SECONDS          searches, and prints what it found as JSON
+"""
+
+import json
+import sys
+
+import gi
+
+gi.require_version("GSSDP", "1.6")
+from gi.repository import GLib, GSSDP  # noqa: E402
+
+
+def client(interface):
+    """The other side of the cable, at the standard port."""
+    made = GSSDP.Client.new_full(interface, None, 1900, GSSDP.UDAVersion.VERSION_1_0)
+    return made
+
+
+def publish(interface, target, usn, location):
+    """Offers one resource."""
+    group = GSSDP.ResourceGroup.new(client(interface))
+    group.add_resource_simple(target, usn, location)
+    group.set_available(True)
+    loop = GLib.MainLoop()
+    GLib.io_add_watch(sys.stdin.fileno(), GLib.PRIORITY_DEFAULT, GLib.IOCondition.HUP, lambda *_: loop.quit())
+    print("ready", flush=True)
+    loop.run()
+
+
+def browse(interface, target, seconds):
+    """Collects what is available."""
+    found = {}
+    browser = GSSDP.ResourceBrowser.new(client(interface), target)
+    browser.connect("resource-available", lambda _, usn, locations: found.update({usn: list(locations)}))
+    browser.set_active(True)
+    loop = GLib.MainLoop()
+    GLib.timeout_add(int(float(seconds) * 1000), loop.quit)
+    loop.run()
+    print(json.dumps(found))
+
+
+if __name__ == "__main__":
+    {"publish": publish, "browse": browse}[sys.argv[1]](*sys.argv[2:])
