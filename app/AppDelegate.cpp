@@ -32,9 +32,9 @@ QString textOr(const QVariantMap& bundle, const QString& key, const QString& fal
 }
 
 std::unique_ptr<RadioViewModel> makeViewModel(const AppDelegate::Environment& environment) {
+    const RadioStation station = RadioStation::savedStation(environment.defaults);
     return std::make_unique<RadioViewModel>(
-        RadioStation::savedStation(environment.defaults), environment.session, environment.clock,
-        environment.makeWebSocket,
+        station, environment.session, environment.clock, environment.makeWebSocket,
         RadioViewModel::Environment{environment.mainQueue, environment.output, environment.languages(),
                                     environment.hosts});
 }
@@ -218,17 +218,19 @@ void AppDelegate::setVolumeFromMenuItem(const MenuItem& sender) {
 
 void AppDelegate::chooseVolume(float value) {
     m_player.applyVolume(value);
-    const int percent = volumePercent(value);
+    const auto percent = volumePercent(value);
+    if (!percent)
+        qFatal("A volume of %f has no percentage", static_cast<double>(value));
     const AudioOutputTarget target = m_sonos.activeTarget;
     switch (target.kind()) {
     case AudioOutputTarget::Kind::localMac:
         break;
     case AudioOutputTarget::Kind::sonosEverywhere:
-        m_sonos.setVolumeEverywhere(percent);
+        m_sonos.setVolumeEverywhere(*percent);
         break;
     case AudioOutputTarget::Kind::sonos:
         if (const auto room = m_sonos.room(target.roomId()))
-            m_sonos.setVolume(percent, *room);
+            m_sonos.setVolume(*percent, *room);
         break;
     }
 }
@@ -241,8 +243,8 @@ void AppDelegate::setVolume(float value) {
 void AppDelegate::scrollVolume(int steps) {
     constexpr int percentPerStep = 5;
     const int percent =
-        std::clamp(volumePercent(m_player.volume) + std::clamp(steps, -20, 20) * percentPerStep, 0, 100);
-    chooseVolume(static_cast<float>(percent) / 100.0F);
+        std::clamp(shownVolumePercent(m_player.volume) + std::clamp(steps, -20, 20) * percentPerStep, 0, 100);
+    chooseVolume(volumeOfPercent(percent));
     if (m_statusItem)
         m_statusItem->flash(m_languages.volumeMenuTitle(percent));
 }

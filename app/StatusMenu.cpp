@@ -114,7 +114,7 @@ public:
             menu.push_back(std::move(item));
         }
         MenuItem parent =
-            submenuItem(m_languages.volumeMenuTitle(volumePercent(m_state.volume)), std::move(menu));
+            submenuItem(m_languages.volumeMenuTitle(shownVolumePercent(m_state.volume)), std::move(menu));
         setIcon(parent, "speaker.wave.2.fill", menutexts::volumeIcon(m_language));
         return parent;
     }

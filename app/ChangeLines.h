@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/StatusReport.h"
+
+#include <QStringList>
+
+#include <optional>
+
+namespace zofra {
+
+/// Tells changes of the program's state as lines of text, for those who follow it without a desktop.
+class ChangeLines {
+public:
+    /// One line for each thing that differs from the report before; for the first report, one for each thing
+    /// there is.
+    [[nodiscard]] QStringList update(const StatusReport& report);
+
+private:
+    std::optional<StatusReport> m_last;
+};
+
+} // namespace zofra

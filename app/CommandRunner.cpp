@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/CommandRunner.h"
+
+#include <utility>
+
+namespace zofra {
+
+namespace {
+
+constexpr auto roomPatience = std::chrono::seconds(30);
+
+bool isHere(const Options& options) {
+    return options.output == QLatin1String("here");
+}
+bool isEverywhere(const Options& options) {
+    return options.output == QLatin1String("everywhere");
+}
+bool namesRoom(const Options& options) {
+    return options.output && !isHere(options) && !isEverywhere(options);
+}
+
+QString unknownRoom(const Options& options) {
+    return QStringLiteral("--output: there is no room \"%1\"").arg(options.output.value_or(QString()));
+}
+
+} // namespace
+
+CommandRunner::CommandRunner(const Environment& environment)
+    : m_environment(environment) {}
+
+std::optional<QString> CommandRunner::run(const Options& options) {
+    const auto firstStartOnly = options.firstStartOnly();
+    if (!firstStartOnly.isEmpty())
+        return QStringLiteral("%1 can only be given to a first start; the program is already running")
+            .arg(firstStartOnly.join(QStringLiteral(", ")));
+    std::optional<SonosRoom> room;
+    if (namesRoom(options)) {
+        room = roomNamed(*options.output);
+        if (!room)
+            return unknownRoom(options);
+    }
+    if (!options.play && !options.output)
+        m_environment.delegate.showAboutWindow();
+    else
+        act(options, room);
+    return std::nullopt;
+}
+
+void CommandRunner::runAtStart(const Options& options, Report report) {
+    if (!namesRoom(options)) {
+        act(options, std::nullopt);
+        return;
+    }
+    if (const auto room = roomNamed(*options.output)) {
+        act(options, room);
+        return;
+    }
+    // Without discovery no room will ever come by itself.
+    if (options.noDiscovery) {
+        report(unknownRoom(options));
+        return;
+    }
+    m_waiting = options;
+    m_report = std::move(report);
+    waitForRoom();
+}
+
+void CommandRunner::waitForRoom() {
+    const auto stopWaiting = [this] {
+        m_giveUp.reset();
+        // The token may be the one whose handler is running; it holds nothing of what is used below.
+        m_waitingForChange.reset();
+    };
+    m_waitingForChange = m_environment.changes.observe([this, stopWaiting] {
+        const auto room = roomNamed(m_waiting.output.value_or(QString()));
+        if (!room)
+            return;
+        const Options options = m_waiting;
+        stopWaiting();
+        act(options, room);
+    });
+    m_giveUp = m_environment.mainQueue.startTimer(roomPatience, MainQueue::Repeat::once, [this, stopWaiting] {
+        const auto report = m_report;
+        const QString line = unknownRoom(m_waiting);
+        stopWaiting();
+        report(line);
+    });
+}
+
+void CommandRunner::act(const Options& options, const std::optional<SonosRoom>& room) {
+    AppDelegate& delegate = m_environment.delegate;
+    if (options.station)
+        delegate.selectStation(*options.station);
+    // Choosing a room or every room plays there by itself; choosing this computer does not.
+    if (room)
+        delegate.selectOutput(*room);
+    else if (isEverywhere(options))
+        delegate.selectOutputEverywhere();
+    else if (isHere(options))
+        delegate.selectOutputMac();
+    if (options.play && !room && !isEverywhere(options))
+        startPlaying();
+}
+
+void CommandRunner::startPlaying() {
+    if (!m_environment.delegate.isPlaying())
+        m_environment.delegate.togglePlayRadio();
+}
+
+std::optional<SonosRoom> CommandRunner::roomNamed(const QString& text) const {
+    if (const auto room = m_environment.sonos.room(text))
+        return room;
+    for (const auto sensitivity : {Qt::CaseSensitive, Qt::CaseInsensitive}) {
+        for (const SonosRoom& room : m_environment.sonos.rooms.get()) {
+            if (m_environment.sonos.displayTitle(room).compare(text, sensitivity) == 0)
+                return room;
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace zofra

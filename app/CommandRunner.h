@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/AppDelegate.h"
+#include "app/ChangeWatch.h"
+#include "app/Options.h"
+#include "platform/MainQueue.h"
+
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace zofra {
+
+/// Does what a command line asks of the running program. Main thread only.
+class CommandRunner {
+public:
+    /// Receives one line about what could not be done.
+    using Report = std::function<void(const QString& line)>;
+
+    struct Environment {
+        AppDelegate& delegate;
+        RadioPlayer& player;
+        SonosManager& sonos;
+        MainQueue& mainQueue;
+        ChangeWatch& changes;
+    };
+    explicit CommandRunner(const Environment& environment);
+
+    /// For a second start: does everything now, or nothing and answers why not.
+    [[nodiscard]] std::optional<QString> run(const Options& options);
+    /// For the first start: a room that is not known yet may still be found for half a minute.
+    void runAtStart(const Options& options, Report report);
+
+private:
+    void act(const Options& options, const std::optional<SonosRoom>& room);
+    void startPlaying();
+    [[nodiscard]] std::optional<SonosRoom> roomNamed(const QString& text) const;
+    void waitForRoom();
+
+    Environment m_environment;
+    Options m_waiting;
+    Report m_report;
+    ObservationToken m_waitingForChange;
+    std::unique_ptr<Timer> m_giveUp;
+};
+
+} // namespace zofra

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "stations/RadioStation.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+#include <variant>
+
+namespace zofra {
+
+/// What the command line asks for.
+struct Options {
+    enum class Task { run, help, version, status, statusJson, quit };
+
+    Task task = Task::run;
+    bool play = false;
+    /// With `play`; absent plays the current station.
+    std::optional<RadioStation> station;
+    /// "here", "everywhere", or a room's title or id.
+    std::optional<QString> output;
+    /// For a first start only.
+    std::optional<QString> endpointsFile;
+    bool noDiscovery = false;
+    bool headless = false;
+
+    /// The options that only a first start understands, as given; empty when there are none.
+    [[nodiscard]] QStringList firstStartOnly() const;
+};
+
+/// Reads the arguments (without the program's name), or answers the one line that says what is wrong with
+/// them.
+[[nodiscard]] std::variant<Options, QString> parseOptions(const QStringList& arguments);
+
+/// The station that `text` names: a raw value, or a display name or the beginning of just one, case not
+/// counting.
+[[nodiscard]] std::optional<RadioStation> stationNamed(const QString& text);
+
+/// What `--help` prints.
+[[nodiscard]] QString helpText();
+
+} // namespace zofra

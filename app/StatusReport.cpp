@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/StatusReport.h"
+
+#include "platform/linux/VisibleText.h"
+
+#include <QJsonArray>
+#include <QStringList>
+
+#include <array>
+
+namespace zofra {
+
+namespace {
+
+QString outputId(const AudioOutputTarget& target) {
+    switch (target.kind()) {
+    case AudioOutputTarget::Kind::sonos:
+        return target.roomId();
+    case AudioOutputTarget::Kind::sonosEverywhere:
+        return QStringLiteral("everywhere");
+    case AudioOutputTarget::Kind::localMac:
+        break;
+    }
+    return QStringLiteral("here");
+}
+
+QString shownValue(const QJsonValue& value) {
+    if (value.isBool())
+        return value.toBool() ? QStringLiteral("yes") : QStringLiteral("no");
+    if (value.isDouble())
+        return QString::number(value.toDouble());
+    if (!value.isArray())
+        return visibleText(value.toString());
+    QStringList titles;
+    const QJsonArray rooms = value.toArray();
+    for (const QJsonValue& room : rooms)
+        titles.append(visibleText(room.toObject().value(QLatin1String("title")).toString()));
+    return titles.join(QStringLiteral(", "));
+}
+
+} // namespace
+
+QJsonObject toJson(const StatusReport& report) {
+    QJsonArray rooms;
+    for (const auto& room : report.rooms)
+        rooms.append(QJsonObject{{QStringLiteral("id"), room.id},
+                                 {QStringLiteral("title"), room.title},
+                                 {QStringLiteral("players"), room.players}});
+    // The shortest decimal number that is this volume, not the nearest 64-bit one.
+    const double volume = QString::number(static_cast<double>(report.volume), 'g', 7).toDouble();
+    return {{QStringLiteral("station"), report.station.rawValue()},
+            {QStringLiteral("playing"), report.playing},
+            {QStringLiteral("buffering"), report.buffering},
+            {QStringLiteral("volume"), volume},
+            {QStringLiteral("output"), outputId(report.output)},
+            {QStringLiteral("output_title"), report.outputTitle},
+            {QStringLiteral("song"), report.song},
+            {QStringLiteral("next"), report.next ? QJsonValue(*report.next) : QJsonValue()},
+            {QStringLiteral("language"), rawValue(report.language)},
+            {QStringLiteral("rooms"), rooms},
+            {QStringLiteral("scanning"), report.scanning},
+            {QStringLiteral("network_denied"), report.networkDenied},
+            {QStringLiteral("tray"), report.tray},
+            {QStringLiteral("version"), report.version}};
+}
+
+QString statusLines(const QJsonObject& report) {
+    static constexpr std::array keys{"station",      "playing",        "buffering", "volume",   "output",
+                                     "output_title", "song",           "next",      "language", "rooms",
+                                     "scanning",     "network_denied", "tray",      "version"};
+    QStringList lines;
+    for (const char* key : keys) {
+        const QString name = QString::fromLatin1(key);
+        lines.append((name + QStringLiteral(": ") + shownValue(report.value(name))).trimmed());
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
+} // namespace zofra

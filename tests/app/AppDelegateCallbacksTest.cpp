@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/app/DelegateFixture.h"
+
+namespace zofra::test {
+namespace {
+
+class AppDelegateCallbacks : public DelegateFixture {
+protected:
+    int refreshes() { return item().refreshes; }
+};
+
+TEST_F(AppDelegateCallbacks, APlaybackChangeRedrawsInALaterTurn) {
+    launch();
+    const int before = refreshes();
+    player->onPlaybackStateChanged(true);
+    EXPECT_EQ(refreshes(), before) << "not in place";
+    queue.drain();
+    EXPECT_EQ(refreshes(), before + 1);
+    sonos->onPlaybackStateChanged(false);
+    EXPECT_EQ(refreshes(), before + 1);
+    queue.drain();
+    EXPECT_EQ(refreshes(), before + 2);
+    sonos->onRoomsUpdated({});
+    EXPECT_EQ(refreshes(), before + 2);
+    queue.drain();
+    EXPECT_EQ(refreshes(), before + 3);
+}
+
+TEST_F(AppDelegateCallbacks, AStationChangeInsideThePlayerReachesSpeakersModelAndButton) {
+    launch();
+    player->setStation(RadioStation::qmusic);
+    EXPECT_EQ(sonos->currentStation.get(), RadioStation(RadioStation::zofra)) << "not in place";
+    EXPECT_EQ(delegate->viewModel().currentStation.get(), RadioStation(RadioStation::zofra));
+    queue.drain();
+    EXPECT_EQ(sonos->currentStation.get(), RadioStation(RadioStation::qmusic));
+    EXPECT_EQ(delegate->viewModel().currentStation.get(), RadioStation(RadioStation::qmusic));
+    EXPECT_TRUE(item().title.startsWith(u"Qmusic: "_qs)) << item().title.toStdString();
+}
+
+TEST_F(AppDelegateCallbacks, SpeakersHearOfAStationBeforeTheModelAndTheButtonLast) {
+    launch();
+    QStringList order;
+    const auto sonosToken = sonos->observe([&] { order << u"sonos"_qs; });
+    const auto modelToken = delegate->viewModel().observe([&] {
+        if (!order.contains(u"model"_qs))
+            order << u"model"_qs;
+    });
+    record.clear();
+    player->onStationChanged(RadioStation::joe);
+    queue.drain();
+    EXPECT_EQ(order, (QStringList{u"sonos"_qs, u"model"_qs}));
+    EXPECT_EQ(record.last(), u"setToolTip"_qs);
+}
+
+TEST_F(AppDelegateCallbacks, ANewLanguageReplacesTheLoadingTextWhileLoading) {
+    launch();
+    ASSERT_TRUE(delegate->viewModel().isLoading());
+    languages->setLanguage(AppLanguage::de);
+    EXPECT_EQ(delegate->currentSongText(), u"Loading..."_qs) << "not in place";
+    queue.drain();
+    EXPECT_EQ(delegate->currentSongText(), u"Lädt..."_qs);
+    EXPECT_EQ(item().title, u"Zofra: Lädt..."_qs);
+}
+
+TEST_F(AppDelegateCallbacks, ANewLanguageLeavesASongAloneButRedraws) {
+    launch();
+    // A first applied text ends loading.
+    sockets.last().deliver(u"o"_qs);
+    queue.drain();
+    sockets.last().deliver(
+        uR"(a["{\"action\":\"data\",\"sub\":{\"station\":\"zofra_be\",\"entity\":\"plays\",\"action\":\"play\"},\"data\":"{}"}"])"_qs);
+    queue.drain();
+    delegate->viewModel().onUpdate(u"Artist – Song"_qs, std::nullopt);
+    if (!delegate->viewModel().isLoading()) {
+        languages->setLanguage(AppLanguage::fr);
+        queue.drain();
+        EXPECT_EQ(delegate->currentSongText(), u"Artist – Song"_qs);
+    }
+    const int before = refreshes();
+    languages->setLanguage(AppLanguage::nl);
+    queue.drain();
+    EXPECT_EQ(refreshes(), before + 1);
+}
+
+TEST_F(AppDelegateCallbacks, AnUpdateIsShownInPlaceAndThenHandedToTheMediaDisplay) {
+    launch();
+    const std::size_t shownBefore = nowPlaying.shown.size();
+    delegate->viewModel().onUpdate(u"Artist – Song"_qs, u"Next – One"_qs);
+    EXPECT_EQ(delegate->currentSongText(), u"Artist – Song"_qs);
+    EXPECT_EQ(delegate->nextSongText(), u"Next – One"_qs);
+    EXPECT_EQ(item().title, u"Zofra: Artist – Song"_qs);
+    ASSERT_EQ(nowPlaying.shown.size(), shownBefore + 1);
+    EXPECT_EQ(nowPlaying.shown.back().title, u"Artist – Song"_qs);
+    EXPECT_EQ(nowPlaying.shown.back().artist, std::nullopt);
+}
+
+TEST_F(AppDelegateCallbacks, CallbacksDoNothingOnceTheDelegateIsGone) {
+    launch();
+    const auto languageChanged = languages->onLanguageChanged;
+    const auto stationChanged = player->onStationChanged;
+    const auto stateChanged = player->onPlaybackStateChanged;
+    // Posted before the end, run after it.
+    stateChanged(true);
+    stationChanged(RadioStation::joe);
+    delegate.reset();
+    languageChanged();
+    stationChanged(RadioStation::qmusic);
+    stateChanged(false);
+    sonos->onRoomsUpdated({});
+    queue.drain();
+    EXPECT_EQ(sonos->currentStation.get(), RadioStation(RadioStation::zofra));
+}
+
+TEST_F(AppDelegateCallbacks, MenuActionsDoNothingOnceTheDelegateIsGone) {
+    launch();
+    const Menu menu = delegate->contextMenu();
+    delegate.reset();
+    record.clear();
+    for (const MenuItem& item : menu) {
+        if (item.action)
+            item.action(item);
+    }
+    queue.drain();
+    EXPECT_EQ(record, QStringList());
+}
+
+} // namespace
+} // namespace zofra::test

@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/AppDelegate.h"
+#include "tests/support/FakeDefaultsStore.h"
+#include "tests/support/FakeLocalNetwork.h"
+#include "tests/support/FakeMediaControls.h"
+#include "tests/support/FakeMetadataSocket.h"
+#include "tests/support/FakeStatusItem.h"
+#include "tests/support/FakeStreamPlayer.h"
+#include "tests/support/FakeTaskPool.h"
+#include "tests/support/FakeWakeNotifier.h"
+#include "tests/support/FakeWorkspace.h"
+#include "tests/support/ManualMainQueue.h"
+#include "tests/support/PrintQt.h"
+#include "tests/support/RecordingOutput.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace zofra::test {
+
+/// Records each request as "POST Stop 10.0.0.5" (the action of a control request) or "GET host", and keeps
+/// its completion for the test.
+class RecordingHttpSession final : public HttpSession {
+public:
+    explicit RecordingHttpSession(QStringList& record)
+        : m_record(record) {}
+
+    void start(HttpRequest request, Completion completion) override {
+        QString action;
+        for (const auto& [name, value] : request.headers) {
+            if (name.compare("SOAPACTION", Qt::CaseInsensitive) == 0)
+                action = QString::fromLatin1(value).section(QLatin1Char('#'), 1).remove(QLatin1Char('"'));
+        }
+        m_record << QStringList{QString::fromLatin1(request.method), action, request.url.host()}
+                        .join(QLatin1Char(' '))
+                        .simplified();
+        requests.push_back(std::move(request));
+        completions.push_back(std::move(completion));
+    }
+
+    std::vector<HttpRequest> requests;
+    std::vector<Completion> completions;
+
+private:
+    QStringList& m_record;
+};
+
+/// A window that records what is asked of it; the test closes it as a person would.
+class FakePopupWindow final : public PopupWindow {
+public:
+    FakePopupWindow(QStringList& record, PopupPanelContent panelContent)
+        : content(std::move(panelContent))
+        , m_record(record) {}
+    FakePopupWindow(const FakePopupWindow&) = delete;
+    FakePopupWindow& operator=(const FakePopupWindow&) = delete;
+    ~FakePopupWindow() override { m_record << QStringLiteral("window gone"); }
+
+    void setTitle(const QString& title) override { m_record << QStringLiteral("window title ") + title; }
+    void setStyle(unsigned styleMask) override {
+        m_record << QStringLiteral("window style %1").arg(styleMask);
+    }
+    void center() override { m_record << QStringLiteral("window center"); }
+    void makeKeyAndOrderFront() override { m_record << QStringLiteral("window front"); }
+    void close() override {
+        m_record << QStringLiteral("window close");
+        closeByButton();
+    }
+    void closeByButton() {
+        const auto handler = std::exchange(onWillClose, {});
+        if (handler)
+            handler(*this);
+    }
+
+    PopupPanelContent content;
+
+private:
+    QStringList& m_record;
+};
+
+class FakePopupWindowFactory final : public PopupWindowFactory {
+public:
+    explicit FakePopupWindowFactory(QStringList& record)
+        : m_record(record) {}
+    std::unique_ptr<PopupWindow> makeWindow(PopupPanelContent content) override {
+        m_record << QStringLiteral("window made");
+        auto window = std::make_unique<FakePopupWindow>(m_record, std::move(content));
+        last = window.get();
+        ++made;
+        return window;
+    }
+    FakePopupWindow* last = nullptr;
+    int made = 0;
+
+private:
+    QStringList& m_record;
+};
+
+class FakeApplication final : public Application {
+public:
+    explicit FakeApplication(QStringList& record)
+        : m_record(record) {}
+    void activate(Others others) override {
+        m_record << (others == Others::ignore ? QStringLiteral("activate ignoring others")
+                                              : QStringLiteral("activate"));
+    }
+    void terminate() override { m_record << QStringLiteral("terminate"); }
+
+private:
+    QStringList& m_record;
+};
+
+/// A controller with everything it wires, among fakes that share one record of what happens.
+class DelegateFixture : public ::testing::Test {
+protected:
+    /// A room of one player at 10.0.0.`host`.
+    static SonosRoom room(const QString& id, const QString& name, int host, bool isOwn = false) {
+        SonosSpeaker speaker;
+        speaker.id = id;
+        speaker.ip = QStringLiteral("10.0.0.%1").arg(host);
+        speaker.roomName = name;
+        speaker.model = isOwn ? QStringLiteral("Zofra Pi Player") : QStringLiteral("One");
+        speaker.modelName = speaker.model;
+        return {name, speaker, {speaker}};
+    }
+
+    /// The delegate, constructed but not launched.
+    AppDelegate& make() {
+        AppDelegate::Environment environment{defaults,      queue,           output,    hosts,   session,
+                                             queue.clock(), sockets.maker(), statusBar, windows, application,
+                                             workspace,     bundle,          {},        {},      {}};
+        environment.languages = [this]() -> LanguageManager& {
+            if (!languages)
+                languages = std::make_unique<LanguageManager>(defaults, preferredLanguages);
+            return *languages;
+        };
+        environment.player = [this]() -> RadioPlayer& {
+            if (!player)
+                player = std::make_unique<RadioPlayer>(RadioPlayer::Environment{
+                    players, defaults, queue, nowPlaying, remoteCommands, wake, output, hosts});
+            return *player;
+        };
+        environment.sonos = [this]() -> SonosManager& {
+            if (!sonos)
+                sonos = std::make_unique<SonosManager>(
+                    discovers, SonosManager::Environment{session, defaults, queue, tasks, network, systemLog,
+                                                         *languages, *player, hosts});
+            return *sonos;
+        };
+        delegate = std::make_unique<AppDelegate>(std::move(environment));
+        return *delegate;
+    }
+    /// A launched delegate with nothing pending, and an empty record.
+    AppDelegate& launch() {
+        make().applicationDidFinishLaunching();
+        queue.drain();
+        record.clear();
+        return *delegate;
+    }
+    [[nodiscard]] FakeStatusItem& item() { return *statusBar.item; }
+    /// The record's entries that begin with one of `beginnings`.
+    [[nodiscard]] QStringList recorded(const QStringList& beginnings) const {
+        QStringList result;
+        for (const QString& entry : record) {
+            for (const QString& beginning : beginnings) {
+                if (entry.startsWith(beginning)) {
+                    result << entry;
+                    break;
+                }
+            }
+        }
+        return result;
+    }
+
+    FakeStreamPlayerFactory players;
+    /// One record for all.
+    QStringList& record = players.calls;
+    ServiceHosts hosts;
+    FakeDefaultsStore defaults;
+    ManualMainQueue queue;
+    RecordingStandardOutput output;
+    RecordingSystemLog systemLog;
+    RecordingHttpSession session{record};
+    FakeSocketFactory sockets;
+    FakeNowPlayingInfoCenter nowPlaying;
+    FakeRemoteCommandCenter remoteCommands;
+    FakeWakeNotifier wake;
+    FakeTaskPool tasks{FakeTaskPool::Mode::onDemand};
+    FakeLocalNetwork network;
+    FakeStatusBar statusBar{record};
+    FakePopupWindowFactory windows{record};
+    FakeApplication application{record};
+    FakeWorkspace workspace;
+    QVariantMap bundle;
+    QStringList preferredLanguages;
+    bool discovers = false;
+
+    std::unique_ptr<LanguageManager> languages;
+    std::unique_ptr<RadioPlayer> player;
+    std::unique_ptr<SonosManager> sonos;
+    std::unique_ptr<AppDelegate> delegate;
+};
+
+} // namespace zofra::test
