@@ -53,7 +53,8 @@ public:
 
     /// Adds an interface that is up and running, with a broadcast address unless that is empty.
     void addInterface(const QString& name, const QString& ip, const QString& broadcast) {
-        const unsigned int flags = IFF_UP | IFF_RUNNING | (broadcast.isEmpty() ? 0U : IFF_BROADCAST);
+        constexpr unsigned int usable = IFF_UP | IFF_RUNNING;
+        const unsigned int flags = broadcast.isEmpty() ? usable : usable | IFF_BROADCAST;
         addresses.push_back(
             {name, AF_INET, flags, ip, broadcast.isEmpty() ? std::nullopt : std::optional(broadcast)});
     }

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "speakers/SpeakerBackground.h"
+#include "tests/support/FakeHttpSession.h"
+#include "tests/support/FakeLocalNetwork.h"
+#include "tests/support/FakeTaskPool.h"
+#include "tests/support/ManualMainQueue.h"
+#include "tests/support/RecordingOutput.h"
+
+#include <QList>
+
+#include <memory>
+
+namespace zofra::test {
+
+/// A manager's inner state in a world of fakes, everything on the test's thread.
+struct Background {
+    FakeHttpSession session;
+    ManualMainQueue mainQueue;
+    FakeTaskPool tasks{FakeTaskPool::Mode::inPlace};
+    FakeLocalNetwork network;
+    RecordingSystemLog log;
+    QList<bool> denials;
+    std::shared_ptr<SpeakerBackground> state = std::make_shared<SpeakerBackground>(
+        SpeakerBackground::Outside{session, mainQueue, tasks, network, log},
+        [this](bool denied) { denials.append(denied); });
+};
+
+} // namespace zofra::test

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "speakers/TextFetcher.h"
+
+#include "tests/speakers/Background.h"
+#include "tests/speakers/Samples.h"
+#include "tests/support/PrintQt.h"
+
+#include <chrono>
+#include <gtest/gtest.h>
+
+namespace zofra {
+namespace {
+
+using test::answered;
+using test::Background;
+using test::failed;
+
+HttpRequest request(int host, std::chrono::milliseconds timeout = std::chrono::seconds(3)) {
+    HttpRequest result;
+    result.url = test::descriptionUrl(host);
+    result.timeout = timeout;
+    return result;
+}
+
+class Fetcher : public testing::Test {
+protected:
+    std::optional<QString> fetch(const HttpResult& result) {
+        background.session.automatic = [result](const HttpRequest&) { return result; };
+        return fetcher.fetchText(request(5));
+    }
+
+    Background background;
+    TextFetcher fetcher{background.state};
+};
+
+TEST_F(Fetcher, GivesTheBodyOfStatus200) {
+    EXPECT_EQ(fetch(answered(200, QStringLiteral("Küche"))), QStringLiteral("Küche"));
+    EXPECT_EQ(fetch(answered(200)), QString()) << "an empty body is a text";
+}
+
+TEST_F(Fetcher, RepairsBytesThatAreNoText) {
+    EXPECT_EQ(fetch({HttpResponse{200, "a\xFF"}, std::nullopt}), QStringLiteral("a\uFFFD"));
+}
+
+TEST_F(Fetcher, GivesNothingOfAnyOtherStatusOrFailure) {
+    for (const int status : {201, 204, 206, 301, 403, 404, 500})
+        EXPECT_FALSE(fetch(answered(status, QStringLiteral("text")))) << status;
+    EXPECT_FALSE(fetch(failed(HttpError::Code::tooLarge)));
+    EXPECT_FALSE(fetch({}));
+    EXPECT_TRUE(background.log.lines.empty()) << "nothing of it is logged";
+}
+
+TEST_F(Fetcher, NotesADenial) {
+    EXPECT_FALSE(fetch(failed(HttpError::Code::cannotConnect)));
+    background.mainQueue.drain();
+    EXPECT_TRUE(background.denials.isEmpty());
+    EXPECT_FALSE(fetch(failed(HttpError::Code::notConnected)));
+    background.mainQueue.drain();
+    EXPECT_EQ(background.denials, QList<bool>{true});
+}
+
+TEST_F(Fetcher, WaitsNoLongerThanTheRequestsOwnTimeout) {
+    // The session keeps the request open for ever; its completion then comes too late.
+    EXPECT_FALSE(fetcher.fetchText(request(5, std::chrono::milliseconds(1))));
+    ASSERT_EQ(background.session.open.size(), 1U) << "it is not cancelled";
+    background.session.answer(200, "late");
+    EXPECT_FALSE(fetcher.fetchText(request(6, std::chrono::milliseconds(0))));
+}
+
+TEST_F(Fetcher, FetchesEveryTextOnce) {
+    background.session.automatic = [](const HttpRequest& r) {
+        return r.url.host().endsWith(u'3') ? answered(404) : answered(200, r.url.host());
+    };
+    std::vector<HttpRequest> requests;
+    for (int host = 0; host < 100; ++host)
+        requests.push_back(request(host));
+    QStringList texts(100);
+    int received = 0;
+    fetcher.fetchTexts(std::move(requests), [&](std::size_t index, const QString& text) {
+        texts[static_cast<qsizetype>(index)] = text;
+        ++received;
+    });
+    EXPECT_EQ(received, 90);
+    EXPECT_EQ(background.session.requests.size(), 100U);
+    for (int host = 0; host < 100; ++host)
+        EXPECT_EQ(texts[host], host % 10 == 3 ? QString() : QStringLiteral("10.0.0.%1").arg(host));
+}
+
+TEST_F(Fetcher, FetchesNothingForNothing) {
+    fetcher.fetchTexts({}, [](std::size_t, const QString&) { ADD_FAILURE(); });
+    EXPECT_TRUE(background.session.requests.empty());
+}
+
+TEST_F(Fetcher, StopsAtTheManagersEnd) {
+    background.state->end();
+    EXPECT_FALSE(fetcher.fetchText(request(5)));
+    EXPECT_TRUE(background.session.requests.empty());
+}
+
+} // namespace
+} // namespace zofra
