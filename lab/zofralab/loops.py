@@ -4,7 +4,8 @@
 Encoding eighteen streams all day would cost most of a processor; sending frames that exist already costs nothing.
 The tone fits a whole number of times into the loop, the frames are cut from the middle of a longer encoding, and the
 MP3 encoder may not borrow bits from one frame for another, so that the last frame is followed by the first as by
-any other.
+any other. A hiss far below the tone makes every frame different: a listener who comes in the middle of a frame, as with any
+icecast, could otherwise take a pattern that repeats itself for the beginning of frames.
 """
 
 import os
@@ -15,8 +16,9 @@ import tempfile
 from .process import clean_environment
 from .stations import FRAME_SAMPLES, LOOP_FRAMES, SAMPLE_RATE, TONE_PEAK, TONES
 
-VERSION = "1"
+VERSION = "2"
 SKIPPED_FRAMES = 24
+HISS_PEAK = 0.002
 ENCODER = {"aac": ["-c:a", "aac", "-b:a", "128k", "-f", "adts"],
            "mp3": ["-c:a", "libmp3lame", "-b:a", "128k", "-reservoir", "0", "-write_xing", "0", "-id3v2_version", "0",
                    "-f", "mp3"]}
@@ -76,7 +78,8 @@ def _encode_all(directory):
             tones = [(raw, hertz) for (raw, other), hertz in TONES.items() if other == codec]
             for index, (raw, hertz) in enumerate(tones):
                 inputs += ["-f", "lavfi", "-i",
-                           f"aevalsrc={TONE_PEAK}*sin(2*PI*{hertz!r}*t):s={SAMPLE_RATE}:d=4"]
+                           f"aevalsrc={TONE_PEAK}*sin(2*PI*{hertz!r}*t)+{HISS_PEAK}*(2*random(0)-1)"
+                           f":s={SAMPLE_RATE}:d=4"]
                 outputs += ["-map", str(index), "-ac", "2", *ENCODER[codec], os.path.join(work, f"{raw}.{codec}")]
             subprocess.run(["ffmpeg", "-v", "error", "-nostdin", *inputs, *outputs], check=True,
                            env=clean_environment())

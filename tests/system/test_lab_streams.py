@@ -40,7 +40,8 @@ def test_every_stream_decodes_to_its_own_tone_without_a_seam(lab, tmp_path, raw,
     assert (status, code) == (28, 200)  # it would have gone on
     assert size > 50_000
     samples = decode(target)
-    windows = [hearing.listen(samples[at:at + WINDOW]) for at in range(RATE // 2, len(samples) - WINDOW, WINDOW)]
+    # Without the very end, where the last frame was cut off.
+    windows = [hearing.listen(samples[at:at + WINDOW]) for at in range(RATE // 2, len(samples) - RATE // 4, WINDOW)]
     assert len(windows) > 40  # two seconds and more: at least one seam is in it
     assert {what for what, _ in windows} == {(raw, codec)}
     loudness = [rms for _, rms in windows]
