@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/CommandRunner.h"
+
+#include "tests/app/DelegateFixture.h"
+
+namespace zofra::test {
+namespace {
+
+class CommandRunnerTest : public DelegateFixture {
+protected:
+    void SetUp() override {
+        launch();
+        changes = std::make_unique<ChangeWatch>(queue, std::vector<Observable*>{player.get(), sonos.get()});
+        runner = std::make_unique<CommandRunner>(
+            CommandRunner::Environment{*delegate, *player, *sonos, queue, *changes});
+    }
+    static Options play(std::optional<RadioStation> station = std::nullopt) {
+        Options options;
+        options.play = true;
+        options.station = station;
+        return options;
+    }
+    static Options output(const QString& name) {
+        Options options;
+        options.output = name;
+        return options;
+    }
+    void runAtStart(const Options& options) {
+        runner->runAtStart(options, [this](const QString& line) { reports << line; });
+    }
+
+    std::unique_ptr<ChangeWatch> changes;
+    std::unique_ptr<CommandRunner> runner;
+    QStringList reports;
+    SonosRoom kitchen = room(u"RINCON_K"_qs, u"Kitchen"_qs, 5);
+};
+
+TEST_F(CommandRunnerTest, NothingAskedShowsTheWindow) {
+    EXPECT_EQ(runner->run({}), std::nullopt);
+    queue.drain();
+    EXPECT_EQ(windows.made, 1);
+}
+
+TEST_F(CommandRunnerTest, PlayStartsButNeverStops) {
+    EXPECT_EQ(runner->run(play()), std::nullopt);
+    EXPECT_TRUE(player->isPlaying);
+    EXPECT_EQ(runner->run(play()), std::nullopt);
+    EXPECT_TRUE(player->isPlaying);
+    EXPECT_EQ(runner->run(play(RadioStation::joe)), std::nullopt);
+    EXPECT_EQ(player->currentStation.get(), RadioStation(RadioStation::joe));
+    EXPECT_TRUE(player->isPlaying);
+    queue.drain();
+    EXPECT_EQ(windows.made, 0);
+}
+
+TEST_F(CommandRunnerTest, AStationIsChosenBeforeItIsPlayed) {
+    EXPECT_EQ(runner->run(play(RadioStation::qmusic)), std::nullopt);
+    EXPECT_EQ(players.urls(), std::vector<QUrl>{RadioStation(RadioStation::qmusic).streamAAC(hosts)});
+}
+
+TEST_F(CommandRunnerTest, ARoomIsKnownByIdOrTitle) {
+    sonos->rooms = QList<SonosRoom>{kitchen};
+    for (const QString& name : {u"RINCON_K"_qs, u"Kitchen"_qs, u"kitchen"_qs}) {
+        sonos->activeTarget = AudioOutputTarget::localMac();
+        EXPECT_EQ(runner->run(output(name)), std::nullopt);
+        EXPECT_EQ(sonos->activeTarget.get(), AudioOutputTarget::sonos(u"RINCON_K"_qs));
+    }
+    EXPECT_EQ(runner->run(output(u"Attic"_qs)), u"--output: there is no room \"Attic\""_qs);
+}
+
+TEST_F(CommandRunnerTest, AnUnknownRoomLeavesTheRestUndone) {
+    Options options = output(u"Attic"_qs);
+    options.play = true;
+    options.station = RadioStation::joe;
+    EXPECT_NE(runner->run(options), std::nullopt);
+    EXPECT_EQ(player->currentStation.get(), RadioStation(RadioStation::zofra));
+    EXPECT_FALSE(player->isPlaying);
+}
+
+TEST_F(CommandRunnerTest, HereAndEverywhere) {
+    EXPECT_EQ(runner->run(output(u"everywhere"_qs)), std::nullopt);
+    EXPECT_EQ(sonos->activeTarget.get(), AudioOutputTarget::sonosEverywhere());
+    EXPECT_EQ(runner->run(output(u"here"_qs)), std::nullopt);
+    EXPECT_EQ(sonos->activeTarget.get(), AudioOutputTarget::localMac());
+    EXPECT_FALSE(player->isPlaying);
+    Options both = output(u"here"_qs);
+    both.play = true;
+    EXPECT_EQ(runner->run(both), std::nullopt);
+    EXPECT_TRUE(player->isPlaying);
+}
+
+TEST_F(CommandRunnerTest, ARoomIsStartedOnlyOnce) {
+    sonos->rooms = QList<SonosRoom>{kitchen};
+    Options options = output(u"Kitchen"_qs);
+    options.play = true;
+    EXPECT_EQ(runner->run(options), std::nullopt);
+    EXPECT_EQ(recorded({u"POST"_qs}), QStringList{u"POST SetAVTransportURI 10.0.0.5"_qs});
+}
+
+TEST_F(CommandRunnerTest, WhatBelongsToAFirstStartIsRefused) {
+    Options options = play();
+    options.headless = true;
+    options.endpointsFile = u"x"_qs;
+    const auto refusal = runner->run(options);
+    ASSERT_TRUE(refusal);
+    EXPECT_TRUE(refusal->startsWith(u"--endpoints, --headless"_qs)) << refusal->toStdString();
+    EXPECT_FALSE(player->isPlaying);
+}
+
+TEST_F(CommandRunnerTest, AtTheStartARoomMayStillTurnUp) {
+    runAtStart(output(u"Kitchen"_qs));
+    EXPECT_EQ(sonos->activeTarget.get(), AudioOutputTarget::localMac());
+    sonos->rooms = QList<SonosRoom>{room(u"RINCON_B"_qs, u"Bath"_qs, 6)};
+    queue.drain();
+    EXPECT_EQ(sonos->activeTarget.get(), AudioOutputTarget::localMac());
+    sonos->rooms = QList<SonosRoom>{kitchen};
+    queue.drain();
+    EXPECT_EQ(sonos->activeTarget.get(), AudioOutputTarget::sonos(u"RINCON_K"_qs));
+    queue.advance(std::chrono::minutes(1));
+    EXPECT_EQ(reports, QStringList());
+}
+
+TEST_F(CommandRunnerTest, ARoomThatNeverTurnsUpIsToldOnce) {
+    runAtStart(output(u"Kitchen"_qs));
+    queue.advance(std::chrono::milliseconds(29999));
+    EXPECT_EQ(reports, QStringList());
+    queue.advance(std::chrono::milliseconds(1));
+    EXPECT_EQ(reports, QStringList{u"--output: there is no room \"Kitchen\""_qs});
+    sonos->rooms = QList<SonosRoom>{kitchen};
+    queue.drain();
+    EXPECT_EQ(sonos->activeTarget.get(), AudioOutputTarget::localMac()) << "too late";
+}
+
+TEST_F(CommandRunnerTest, WithoutDiscoveryNoRoomIsWaitedFor) {
+    Options options = output(u"Kitchen"_qs);
+    options.noDiscovery = true;
+    runAtStart(options);
+    EXPECT_EQ(reports.size(), 1);
+    EXPECT_EQ(queue.pendingTimers(), 1U) << "only the poll";
+}
+
+TEST_F(CommandRunnerTest, AtTheStartNothingAskedShowsNothing) {
+    Options options;
+    options.headless = true;
+    runAtStart(options);
+    queue.drain();
+    EXPECT_EQ(windows.made, 0);
+    EXPECT_EQ(reports, QStringList());
+}
+
+TEST_F(CommandRunnerTest, ChangesAreToldOncePerTurn) {
+    int told = 0;
+    const auto token = changes->observe([&] { ++told; });
+    player->volume = 0.1F;
+    player->volume = 0.2F;
+    sonos->isScanning = true;
+    EXPECT_EQ(told, 0);
+    queue.drain();
+    EXPECT_EQ(told, 1);
+    changes->touch();
+    queue.drain();
+    EXPECT_EQ(told, 2);
+    player->volume = 0.3F;
+    changes.reset();
+    queue.drain();
+    EXPECT_EQ(told, 2);
+}
+
+} // namespace
+} // namespace zofra::test

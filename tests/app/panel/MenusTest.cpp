@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/panel/PanelMenus.h"
+#include "tests/app/panel/PanelWorld.h"
+
+#include <QAction>
+
+#include <gtest/gtest.h>
+
+namespace zofra::test {
+namespace {
+
+QStringList linesOf(const QList<PanelMenuEntry>& entries) {
+    QStringList lines;
+    for (const PanelMenuEntry& entry : entries) {
+        if (entry.kind == PanelMenuEntry::Kind::separator)
+            lines << u"---"_qs;
+        else if (entry.kind == PanelMenuEntry::Kind::message)
+            lines << u"("_qs + entry.text + u")"_qs;
+        else
+            lines << (entry.mark == PanelMenuEntry::Mark::on ? u"* "_qs : u"  "_qs) + entry.text;
+    }
+    return lines;
+}
+
+TEST(StationMenu, ListsEveryStationWithNameAndGenreAndMarksTheCurrentOne) {
+    EXPECT_EQ(linesOf(stationMenuEntries(RadioStation::joe)),
+              (QStringList{
+                  u"  Zofra – Alternative Rock & Indie"_qs, u"  Qmusic – Hits & Pop"_qs,
+                  u"* JOE – 80s, 90s & Pop Classics"_qs, u"  Zofra Class X – Classics & Classic Rock"_qs,
+                  u"  Radio Contact – Feel Good & Hits"_qs, u"  Bel RTL – Info, Talk & Pop"_qs,
+                  u"  Inside Radio – Pop & Contemporary Hits"_qs, u"  Sud Radio Belgique – Variété & Pop"_qs,
+                  u"  Sud Radio Hainaut – Regional Mons & Pop"_qs}));
+}
+
+TEST(OutputMenu, WithoutRoomsSaysWhyAndOffersEverythingElse) {
+    PanelWorld world;
+    EXPECT_EQ(linesOf(outputMenuEntries(world.sonos, AppLanguage::en)),
+              (QStringList{u"* This Mac"_qs, u"(No Sonos or Zofra devices found)"_qs,
+                           u"  Everywhere (All Rooms)"_qs, u"---"_qs,
+                           u"  Search for Sonos and Zofra devices..."_qs, u"  Allow Local Network …"_qs}));
+}
+
+TEST(OutputMenu, SaysWhatTheSpeakerManagerSaysOfItsEmptiness) {
+    PanelWorld world(u"de"_qs);
+    world.sonos.isScanning = true;
+    EXPECT_EQ(linesOf(outputMenuEntries(world.sonos, AppLanguage::de)).at(1), u"(Suche läuft …)"_qs);
+    world.sonos.localNetworkDenied = true;
+    EXPECT_EQ(linesOf(outputMenuEntries(world.sonos, AppLanguage::de)).at(1),
+              u"(Kein Zugriff aufs lokale Netzwerk)"_qs);
+}
+
+TEST(OutputMenu, ListsTheRoomsAndMarksTheTarget) {
+    PanelWorld world;
+    world.sonos.rooms =
+        QList<SonosRoom>{makeRoom(u"A"_qs, u"Bath"_qs), makeRoom(u"B"_qs, u"Kitchen & <i>Bar</i>"_qs)};
+    world.sonos.activeTarget = AudioOutputTarget::sonos(u"B"_qs);
+    EXPECT_EQ(linesOf(outputMenuEntries(world.sonos, AppLanguage::en)),
+              (QStringList{u"  This Mac"_qs, u"  Bath"_qs, u"* Kitchen & <i>Bar</i>"_qs,
+                           u"  Everywhere (All Rooms)"_qs, u"---"_qs,
+                           u"  Search for Sonos and Zofra devices..."_qs, u"  Allow Local Network …"_qs}));
+    world.sonos.activeTarget = AudioOutputTarget::sonosEverywhere();
+    EXPECT_EQ(linesOf(outputMenuEntries(world.sonos, AppLanguage::en)).at(3), u"* Everywhere (All Rooms)"_qs);
+}
+
+TEST(OutputMenu, GivesRoomsOfOneNameTitlesThatTellThemApart) {
+    PanelWorld world;
+    SonosRoom own = makeRoom(u"B"_qs, u"Kitchen"_qs);
+    own.coordinator.model = u"Zofra Pi Player"_qs;
+    own.speakers = {own.coordinator};
+    world.sonos.rooms = QList<SonosRoom>{makeRoom(u"A"_qs, u"Kitchen"_qs), own};
+    const QStringList lines = linesOf(outputMenuEntries(world.sonos, AppLanguage::en));
+    EXPECT_EQ(lines.at(1), u"  Kitchen (Sonos)"_qs);
+    EXPECT_EQ(lines.at(2), u"  Kitchen (Zofra)"_qs);
+}
+
+TEST(OutputMenu, ExplainsPlayingEverywhere) {
+    PanelWorld world;
+    for (const PanelMenuEntry& entry : outputMenuEntries(world.sonos, AppLanguage::fr)) {
+        const bool isEverywhere = entry.text == u"Partout (Toutes les pièces)"_qs;
+        EXPECT_EQ(entry.help.isEmpty(), !isEverywhere) << entry.text.toStdString();
+    }
+}
+
+TEST(PanelMenu, ShowsTextAsItIs) {
+    PanelWorld world;
+    world.sonos.rooms = QList<SonosRoom>{makeRoom(u"A"_qs, u"R&B \u202Eroom\n"_qs)};
+    const auto view = world.makeView();
+    view->show();
+    PanelWorld::settle();
+    MenuButton* button = menuButtons(*view).at(1);
+    button->openMenu();
+    const QAction* room = button->openedMenu()->actions().at(1);
+    EXPECT_EQ(room->text(), u"R&&B room "_qs);
+    EXPECT_TRUE(room->isCheckable());
+    EXPECT_FALSE(room->isChecked());
+    EXPECT_TRUE(button->openedMenu()->actions().at(0)->isChecked());
+    EXPECT_EQ(button->openedMenu()->parentWidget(), button);
+}
+
+TEST(PanelMenu, FollowsTheStateWhileItIsOpen) {
+    PanelWorld world;
+    const auto view = world.makeView();
+    view->show();
+    PanelWorld::settle();
+    MenuButton* button = menuButtons(*view).at(1);
+    button->openMenu();
+    PanelMenu* menu = button->openedMenu();
+    ASSERT_TRUE(menu->isVisible());
+    menu->setActiveAction(menu->actions().at(4));
+    const QString active = menu->activeAction()->text();
+    world.sonos.rooms = QList<SonosRoom>{makeRoom(u"A"_qs, u"Bath"_qs), makeRoom(u"B"_qs, u"Kitchen"_qs)};
+    PanelWorld::settle();
+    EXPECT_EQ(menu->actions().at(1)->text(), u"Bath"_qs);
+    EXPECT_EQ(menu->actions().size(), 7);
+    // Whoever was about to search still is.
+    ASSERT_NE(menu->activeAction(), nullptr);
+    EXPECT_EQ(menu->activeAction()->text(), active);
+}
+
+TEST(PanelMenu, LeavesEqualLinesAlone) {
+    PanelWorld world;
+    const auto view = world.makeView();
+    view->show();
+    MenuButton* button = menuButtons(*view).at(0);
+    button->openMenu();
+    const QList<QAction*> before = button->openedMenu()->actions();
+    world.viewModel.currentSong = u"Another"_qs;
+    PanelWorld::settle();
+    EXPECT_EQ(button->openedMenu()->actions(), before);
+}
+
+TEST(PanelMenu, ChoosingALineDoesWhatItSays) {
+    PanelWorld world;
+    world.findPlayer(u"RINCON_1"_qs, u"Kitchen"_qs);
+    const auto view = world.makeView();
+    view->show();
+    PanelWorld::settle();
+    const QList<MenuButton*> buttons = menuButtons(*view);
+
+    buttons.at(0)->openMenu();
+    buttons.at(0)->openedMenu()->actions().at(2)->trigger();
+    EXPECT_EQ(world.player.currentStation.get(), RadioStation::joe);
+    EXPECT_EQ(world.calls, QStringList{u"updateStatusBarButton"_qs});
+
+    const auto choose = [&](int line) {
+        buttons.at(1)->openMenu();
+        buttons.at(1)->openedMenu()->actions().at(line)->trigger();
+        buttons.at(1)->openedMenu()->close();
+        PanelWorld::settle();
+    };
+    choose(1);
+    EXPECT_EQ(world.sonos.activeTarget.get(), AudioOutputTarget::sonos(u"RINCON_1"_qs));
+    EXPECT_EQ(buttons.at(1)->title(), u"Kitchen"_qs);
+    choose(2);
+    EXPECT_EQ(world.sonos.activeTarget.get(), AudioOutputTarget::sonosEverywhere());
+    choose(0);
+    EXPECT_EQ(world.sonos.activeTarget.get(), AudioOutputTarget::localMac());
+    EXPECT_EQ(buttons.at(1)->title(), u"This Mac"_qs);
+    const int listings = world.network.listings();
+    choose(4);
+    EXPECT_GT(world.network.listings(), listings);
+    choose(5);
+    ASSERT_EQ(world.workspace.opened.size(), 1U);
+    EXPECT_EQ(world.workspace.opened[0].scheme(), u"x-apple.systempreferences"_qs);
+}
+
+} // namespace
+} // namespace zofra::test

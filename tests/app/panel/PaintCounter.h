@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QApplication>
+#include <QEvent>
+#include <QMap>
+#include <QObject>
+#include <QWidget>
+
+namespace zofra::test {
+
+/// Counts the paint events of every widget of the program while it lives.
+class PaintCounter final : public QObject {
+public:
+    PaintCounter() { qApp->installEventFilter(this); }
+
+    [[nodiscard]] int of(const QWidget* widget) const { return m_paints.value(widget); }
+    [[nodiscard]] int all() const {
+        int sum = 0;
+        for (const int count : m_paints)
+            sum += count;
+        return sum;
+    }
+    void forget() { m_paints.clear(); }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Paint && watched->isWidgetType())
+            ++m_paints[static_cast<QWidget*>(watched)];
+        return false;
+    }
+
+private:
+    QMap<const QWidget*, int> m_paints;
+};
+
+} // namespace zofra::test

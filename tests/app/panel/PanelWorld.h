@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/panel/AboutPopupView.h"
+#include "app/panel/AppearanceSource.h"
+#include "app/panel/MenuButton.h"
+#include "metadata/RadioViewModel.h"
+#include "playback/RadioPlayer.h"
+#include "speakers/SonosManager.h"
+#include "stations/LanguageManager.h"
+#include "tests/support/FakeDefaultsStore.h"
+#include "tests/support/FakeHttpSession.h"
+#include "tests/support/FakeLocalNetwork.h"
+#include "tests/support/FakeMediaControls.h"
+#include "tests/support/FakeMetadataSocket.h"
+#include "tests/support/FakeStreamPlayer.h"
+#include "tests/support/FakeTaskPool.h"
+#include "tests/support/FakeWakeNotifier.h"
+#include "tests/support/ManualMainQueue.h"
+#include "tests/support/PrintQt.h"
+#include "tests/support/RecordingOutput.h"
+
+#include <QCoreApplication>
+#include <QUrl>
+
+#include <memory>
+#include <vector>
+
+namespace zofra::test {
+
+/// A login item in memory.
+class FakeLoginItem final : public LoginItem {
+public:
+    bool isEnabled() const override {
+        ++reads;
+        return enabled;
+    }
+    std::optional<QString> registerItem() override { return change(true, QStringLiteral("register")); }
+    std::optional<QString> unregisterItem() override { return change(false, QStringLiteral("unregister")); }
+
+    bool enabled = false;
+    std::optional<QString> failure;
+    QStringList calls;
+    mutable int reads = 0;
+
+private:
+    std::optional<QString> change(bool goal, const QString& call) {
+        calls << call;
+        if (!failure)
+            enabled = goal;
+        return failure;
+    }
+};
+
+/// Remembers what was to be opened.
+class RecordingWorkspace final : public Workspace {
+public:
+    void open(const QUrl& url) override { opened.push_back(url); }
+    std::vector<QUrl> opened;
+};
+
+[[nodiscard]] inline SonosRoom makeRoom(const QString& id, const QString& name) {
+    SonosSpeaker speaker;
+    speaker.id = id;
+    speaker.ip = QStringLiteral("192.0.2.7");
+    speaker.roomName = name;
+    speaker.model = QStringLiteral("Sonos One");
+    return {name, speaker, {speaker}};
+}
+
+/// The station menu's button and the output menu's, in this order.
+[[nodiscard]] inline QList<MenuButton*> menuButtons(const QWidget& view) {
+    QList<MenuButton*> found;
+    const auto children = view.findChildren<QPushButton*>();
+    for (QPushButton* child : children) {
+        if (auto* button = dynamic_cast<MenuButton*>(child))
+            found << button;
+    }
+    return found;
+}
+
+/// Everything the panel shows and moves, real, over fakes of what is outside of the program.
+class PanelWorld {
+public:
+    explicit PanelWorld(const QString& language = QStringLiteral("en"),
+                        RadioStation station = RadioStation::qmusic)
+        : stored(rememberStation(station))
+        , languages(defaults, {language})
+        , player({streams, defaults, queue, nowPlaying, commands, wake, output, hosts})
+        , sonos(false, {http, defaults, queue, tasks, network, log, languages, player, hosts})
+        , viewModel(station, http, queue.clock(), sockets.maker(), {queue, output, languages, hosts}) {}
+
+    /// The panel, not yet shown.
+    std::unique_ptr<AboutPopupView> makeView() {
+        PopupPanelContent content{QStringLiteral("1.0 (Build 1)"),
+                                  viewModel,
+                                  [this] { calls << QStringLiteral("close"); },
+                                  player,
+                                  sonos,
+                                  languages,
+                                  [this] { calls << QStringLiteral("updateStatusBarButton"); }};
+        return std::make_unique<AboutPopupView>(std::move(content), environment());
+    }
+
+    PanelEnvironment environment() { return {loginItem, output, workspace, icons, appearance}; }
+
+    /// Lets the event loop turn until nothing is waiting.
+    static void settle() {
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents();
+    }
+
+    /// Lets the speaker manager find one player, in a room of its own, and forgets the requests it took.
+    void findPlayer(const QString& id, const QString& roomName) {
+        const QString url = QStringLiteral("http://192.0.2.7:1400/xml/device_description.xml");
+        network.addInterface(QStringLiteral("eth0"), QStringLiteral("192.0.2.5"), QString());
+        network.scripts[QStringLiteral("192.0.2.5")].datagrams = {
+            "HTTP/1.1 200 OK\r\nLOCATION: " + url.toUtf8() +
+            "\r\nST: urn:schemas-upnp-org:device:ZonePlayer:1\r\n\r\n"};
+        const QByteArray description =
+            QStringLiteral("<root><device><deviceType>urn:schemas-upnp-org:device:ZonePlayer:1</deviceType>"
+                           "<UDN>uuid:%1</UDN><roomName>%2</roomName><modelName>Sonos One</modelName>"
+                           "</device></root>")
+                .arg(id, roomName.toHtmlEscaped())
+                .toUtf8();
+        http.automatic = [description](const HttpRequest& request) {
+            const bool isDescription = request.url.path() == QLatin1String("/xml/device_description.xml");
+            return HttpResult{
+                HttpResponse{isDescription ? 200 : 500, isDescription ? description : QByteArray()},
+                std::nullopt};
+        };
+        sonos.discoverDevices(false);
+        queue.drain();
+        http.automatic = nullptr;
+        http.requests.clear();
+    }
+
+    /// The SOAP actions sent so far, in order, each with the value it sets where that is a volume.
+    QStringList soapActions() const {
+        QStringList actions;
+        for (const HttpRequest& request : http.requests) {
+            for (const auto& [name, value] : request.headers) {
+                if (name == "SOAPACTION")
+                    actions << QString::fromUtf8(value).section(QLatin1Char('#'), 1).chopped(1);
+            }
+            const QString body = QString::fromUtf8(request.body);
+            if (body.contains(QLatin1String("<DesiredVolume>")))
+                actions.last() +=
+                    QLatin1Char(' ') +
+                    body.section(QLatin1String("<DesiredVolume>"), 1).section(QLatin1Char('<'), 0, 0);
+        }
+        return actions;
+    }
+
+    /// Paths of all requests sent so far.
+    QStringList requestPaths() const {
+        QStringList paths;
+        for (const HttpRequest& request : http.requests)
+            paths << request.url.path();
+        return paths;
+    }
+
+    ManualMainQueue queue;
+    FakeDefaultsStore defaults;
+    FakeHttpSession http;
+    FakeTaskPool tasks{FakeTaskPool::Mode::inPlace};
+    FakeLocalNetwork network;
+    RecordingSystemLog log;
+    RecordingStandardOutput output;
+    FakeStreamPlayerFactory streams;
+    FakeNowPlayingInfoCenter nowPlaying;
+    FakeRemoteCommandCenter commands;
+    FakeWakeNotifier wake;
+    FakeSocketFactory sockets;
+    ServiceHosts hosts;
+    bool stored;
+    LanguageManager languages;
+    RadioPlayer player;
+    SonosManager sonos;
+    RadioViewModel viewModel;
+    FakeLoginItem loginItem;
+    RecordingWorkspace workspace;
+    IconSet icons;
+    AppearanceSource appearance;
+    /// What happened, in order, as far as the test listens.
+    QStringList calls;
+
+private:
+    bool rememberStation(RadioStation station) {
+        RadioStation::setSavedStation(defaults, station);
+        return true;
+    }
+};
+
+} // namespace zofra::test

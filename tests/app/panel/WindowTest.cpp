@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/panel/QtPopupWindow.h"
+#include "tests/app/panel/PanelWorld.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QScreen>
+#include <QWindow>
+
+#include <gtest/gtest.h>
+
+namespace zofra::test {
+namespace {
+
+class PopupWindowTest : public ::testing::Test {
+protected:
+    PopupWindowTest()
+        : factory(world.environment()) {}
+    ~PopupWindowTest() override {
+        window.reset();
+        PanelWorld::settle();
+    }
+
+    void open() {
+        window = factory.makeWindow({QStringLiteral("1.0 (Build 1)"), world.viewModel,
+                                     [this] {
+                                         world.calls << QStringLiteral("onClose");
+                                         window->close();
+                                     },
+                                     world.player, world.sonos, world.languages, [] {}});
+        window->onWillClose = [this](PopupWindow& closing) {
+            EXPECT_EQ(&closing, window.get());
+            world.calls << QStringLiteral("willClose");
+            window.reset();
+        };
+        window->setTitle(QStringLiteral("Zofra Zofra"));
+        window->setStyle(3);
+        window->center();
+        window->makeKeyAndOrderFront();
+        PanelWorld::settle();
+    }
+    static QWidgetList windows() {
+        QWidgetList shown;
+        const auto all = QApplication::topLevelWidgets();
+        for (QWidget* widget : all) {
+            if (widget->isVisible())
+                shown << widget;
+        }
+        return shown;
+    }
+
+    PanelWorld world;
+    QtPopupWindowFactory factory;
+    std::unique_ptr<PopupWindow> window;
+};
+
+TEST_F(PopupWindowTest, IsTitledAndClosableOnly) {
+    open();
+    ASSERT_EQ(windows().size(), 1);
+    const QWidget* host = windows().first();
+    EXPECT_EQ(host->windowTitle(), u"Zofra Zofra"_qs);
+    const Qt::WindowFlags flags = host->windowFlags();
+    EXPECT_TRUE(flags.testFlag(Qt::WindowTitleHint));
+    EXPECT_TRUE(flags.testFlag(Qt::WindowCloseButtonHint));
+    EXPECT_FALSE(flags.testFlag(Qt::WindowMinimizeButtonHint));
+    EXPECT_FALSE(flags.testFlag(Qt::WindowMaximizeButtonHint));
+    EXPECT_EQ(host->windowType(), Qt::Window);
+    EXPECT_TRUE(host->isWindow());
+}
+
+TEST_F(PopupWindowTest, IsAsLargeAsThePanelAndFollowsIt) {
+    open();
+    const QWidget* host = windows().first();
+    const auto* view = host->findChild<AboutPopupView*>();
+    EXPECT_EQ(host->size(), view->size());
+    EXPECT_EQ(host->minimumSize(), host->maximumSize());
+    const int height = host->height();
+    world.viewModel.nextSong = std::optional(u"Next"_qs);
+    PanelWorld::settle();
+    EXPECT_GT(host->height(), height);
+    EXPECT_EQ(host->size(), view->size());
+}
+
+TEST_F(PopupWindowTest, StandsInTheMiddleOfTheScreen) {
+    open();
+    const QPoint off = windows().first()->geometry().center() -
+                       QGuiApplication::primaryScreen()->availableGeometry().center();
+    EXPECT_LE(off.manhattanLength(), 4);
+}
+
+TEST_F(PopupWindowTest, ComesForwardAgainWithoutASecondWindow) {
+    open();
+    window->makeKeyAndOrderFront();
+    PanelWorld::settle();
+    EXPECT_EQ(windows().size(), 1);
+}
+
+TEST_F(PopupWindowTest, TellsOnceThatItCloses) {
+    open();
+    windows().first()->close();
+    PanelWorld::settle();
+    EXPECT_EQ(world.calls, QStringList{u"willClose"_qs});
+    EXPECT_TRUE(windows().isEmpty());
+}
+
+TEST_F(PopupWindowTest, ClosesByEscapeAndReturnThroughThePanel) {
+    for (const int key : {int(Qt::Key_Escape), int(Qt::Key_Return)}) {
+        world.calls.clear();
+        open();
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(windows().first()->focusWidget(), &press);
+        PanelWorld::settle();
+        EXPECT_EQ(world.calls, (QStringList{u"onClose"_qs, u"willClose"_qs})) << key;
+        EXPECT_TRUE(windows().isEmpty());
+    }
+}
+
+TEST_F(PopupWindowTest, EndsWithItsOwnerWithoutAWord) {
+    open();
+    window.reset();
+    PanelWorld::settle();
+    EXPECT_TRUE(world.calls.isEmpty());
+    EXPECT_TRUE(windows().isEmpty());
+}
+
+TEST_F(PopupWindowTest, ClosingItDoesNotEndTheProgram) {
+    bool isOver = false;
+    const auto connection =
+        QObject::connect(qApp, &QGuiApplication::lastWindowClosed, qApp, [&isOver] { isOver = true; });
+    open();
+    windows().first()->close();
+    PanelWorld::settle();
+    QObject::disconnect(connection);
+    EXPECT_FALSE(isOver);
+}
+
+} // namespace
+} // namespace zofra::test
