@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/net/CurlHttpSession.h"
+
+#include "platform/linux/net/CurlWorker.h"
+
+#include <utility>
+
+namespace zofra {
+
+CurlHttpSession::CurlHttpSession(std::optional<QString> extraAuthorityFile)
+    : m_worker(std::make_shared<CurlWorker>(std::move(extraAuthorityFile))) {}
+
+CurlHttpSession::~CurlHttpSession() {
+    m_worker->stop();
+}
+
+void CurlHttpSession::start(HttpRequest request, Completion completion) {
+    m_worker->submit(std::move(request), std::move(completion));
+}
+
+} // namespace zofra

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/HttpSession.h"
+
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+namespace zofra {
+
+class CurlWorker;
+
+/// HTTP over libcurl, on one thread named "zofra-http" that starts with the first request.
+///
+/// At most 64 requests are under way at a time, 48 of them to local hosts, so that a search for speakers does
+/// not keep the others waiting; further ones wait their turn, and a request's timeout runs from its turn on.
+/// Nothing is cached, no cookie kept, no body decompressed. Proxies are honoured as the environment sets
+/// them, except for local hosts. Servers are verified against the system's authorities and those of an extra
+/// file.
+///
+/// Destroying the session returns at once: requests under way are given up in the background and no
+/// completion is called any more. It waits only for a completion that is being called at that moment by the
+/// session's thread.
+class CurlHttpSession final : public HttpSession {
+public:
+    explicit CurlHttpSession(std::optional<QString> extraAuthorityFile = std::nullopt);
+    ~CurlHttpSession() override;
+    CurlHttpSession(const CurlHttpSession&) = delete;
+    CurlHttpSession& operator=(const CurlHttpSession&) = delete;
+
+    void start(HttpRequest request, Completion completion) override;
+
+private:
+    std::shared_ptr<CurlWorker> m_worker;
+};
+
+} // namespace zofra

@@ -1,0 +1,284 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/net/CurlTransfer.h"
+
+#include "platform/linux/net/LocalHost.h"
+#include "platform/linux/net/LogText.h"
+
+#include <QLatin1String>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <limits>
+#include <sys/socket.h>
+#include <utility>
+
+namespace zofra {
+
+namespace {
+
+constexpr long maxRedirects = 5;
+/// Of all responses to a request together, redirects included.
+constexpr std::size_t maxHeaderBytes = 128 * 1024;
+
+bool isToken(QByteArrayView name) {
+    return !name.isEmpty() && std::all_of(name.begin(), name.end(), [](char c) {
+        return c > ' ' && c < 0x7f && !QByteArrayView("()<>@,;:\\\"/[]?={}").contains(c);
+    });
+}
+
+bool isFieldValue(QByteArrayView value) {
+    return std::none_of(value.begin(), value.end(),
+                        [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
+}
+
+HttpError refusalOf(HttpError::Code code, const QString& description) {
+    return {code, 0, description};
+}
+
+} // namespace
+
+CurlTransfer::CurlTransfer(HttpRequest request, const TrustedAuthorities& authorities)
+    : m_request(std::move(request))
+    , m_easy(curl_easy_init()) {
+    if (!m_easy) {
+        m_refusal = refusalOf(HttpError::Code::other, QStringLiteral("No request could be made."));
+        return;
+    }
+    const auto scheme = m_request.url.scheme();
+    if (!m_request.url.isValid() || m_request.url.host().isEmpty() ||
+        (scheme != QLatin1String("http") && scheme != QLatin1String("https"))) {
+        m_refusal =
+            refusalOf(HttpError::Code::unsupportedUrl, QStringLiteral("The address is not one of the web."));
+        return;
+    }
+    if (!isToken(m_request.method) || !setUpHeaders()) {
+        m_refusal = refusalOf(HttpError::Code::other,
+                              QStringLiteral("The request's method or a header is malformed."));
+        return;
+    }
+    curl_easy_setopt(easy(), CURLOPT_URL, m_request.url.toEncoded(QUrl::RemoveFragment).constData());
+    curl_easy_setopt(easy(), CURLOPT_ERRORBUFFER, m_errorText.data());
+    setUpMethod();
+    setUpLimits();
+    setUpVerification(authorities);
+}
+
+void CurlTransfer::setUpLimits() {
+    const auto timeout =
+        std::clamp<std::int64_t>(m_request.timeout.count(), 1, std::numeric_limits<int>::max());
+    curl_easy_setopt(easy(), CURLOPT_TIMEOUT_MS, static_cast<long>(timeout));
+    curl_easy_setopt(easy(), CURLOPT_NOSIGNAL, 1L);
+    // A name that is still being looked up when the request ends is left to itself instead of being waited
+    // for.
+    curl_easy_setopt(easy(), CURLOPT_QUICK_EXIT, 1L);
+
+    const bool startsSecure = m_request.url.scheme() == QLatin1String("https");
+    curl_easy_setopt(easy(), CURLOPT_PROTOCOLS_STR, "http,https");
+    curl_easy_setopt(easy(), CURLOPT_REDIR_PROTOCOLS_STR, startsSecure ? "https" : "http,https");
+    curl_easy_setopt(easy(), CURLOPT_FOLLOWLOCATION, 1L);
+    curl_easy_setopt(easy(), CURLOPT_MAXREDIRS, maxRedirects);
+    curl_easy_setopt(
+        easy(), CURLOPT_PREREQFUNCTION, +[](void* self, char*, char*, int, int) {
+            return static_cast<CurlTransfer*>(self)->beforeRequest();
+        });
+    curl_easy_setopt(easy(), CURLOPT_PREREQDATA, this);
+
+    // Header names keep their spelling only before HTTP/2.
+    curl_easy_setopt(easy(), CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
+    curl_easy_setopt(easy(), CURLOPT_HTTP09_ALLOWED, 0L);
+    if (isLocalHost(m_request.url.host()))
+        curl_easy_setopt(easy(), CURLOPT_PROXY, "");
+
+    const auto cap = std::min<std::size_t>(m_request.maxBodyBytes, std::numeric_limits<int>::max());
+    if (cap > 0) // 0 means no limit there; a cap of 0 is kept by the reading side
+        curl_easy_setopt(easy(), CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(cap));
+    curl_easy_setopt(
+        easy(), CURLOPT_WRITEFUNCTION, +[](const char* bytes, std::size_t, std::size_t size, void* self) {
+            return static_cast<CurlTransfer*>(self)->receiveBody(bytes, size);
+        });
+    curl_easy_setopt(easy(), CURLOPT_WRITEDATA, this);
+    curl_easy_setopt(
+        easy(), CURLOPT_HEADERFUNCTION, +[](const char*, std::size_t, std::size_t size, void* self) {
+            return static_cast<CurlTransfer*>(self)->receiveHeader(size);
+        });
+    curl_easy_setopt(easy(), CURLOPT_HEADERDATA, this);
+    curl_easy_setopt(
+        easy(), CURLOPT_OPENSOCKETFUNCTION, +[](void* self, curlsocktype, curl_sockaddr* address) {
+            return static_cast<CurlTransfer*>(self)->openSocket(*address);
+        });
+    curl_easy_setopt(easy(), CURLOPT_OPENSOCKETDATA, this);
+}
+
+void CurlTransfer::setUpVerification(const TrustedAuthorities& authorities) {
+    curl_easy_setopt(easy(), CURLOPT_SSL_VERIFYPEER, 1L);
+    curl_easy_setopt(easy(), CURLOPT_SSL_VERIFYHOST, 2L);
+    curl_easy_setopt(easy(), CURLOPT_SSLVERSION, CURL_SSLVERSION_TLSv1_2);
+    curl_easy_setopt(easy(), CURLOPT_CAINFO, authorities.file ? authorities.file->constData() : nullptr);
+    curl_easy_setopt(easy(), CURLOPT_CAPATH,
+                     authorities.directory ? authorities.directory->constData() : nullptr);
+    if (!authorities.pem)
+        return;
+    curl_blob blob{const_cast<char*>(authorities.pem->constData()),
+                   static_cast<std::size_t>(authorities.pem->size()), CURL_BLOB_NOCOPY};
+    curl_easy_setopt(easy(), CURLOPT_CAINFO_BLOB, &blob);
+}
+
+void CurlTransfer::setUpMethod() {
+    const bool isPost = m_request.method == "POST";
+    if (isPost || !m_request.body.isEmpty()) {
+        curl_easy_setopt(easy(), CURLOPT_POST, 1L);
+        curl_easy_setopt(easy(), CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(m_request.body.size()));
+        curl_easy_setopt(easy(), CURLOPT_POSTFIELDS, m_request.body.constData());
+    }
+    if (m_request.method == "HEAD")
+        curl_easy_setopt(easy(), CURLOPT_NOBODY, 1L);
+    else if (!isPost && (m_request.method != "GET" || !m_request.body.isEmpty()))
+        curl_easy_setopt(easy(), CURLOPT_CUSTOMREQUEST, m_request.method.constData());
+}
+
+bool CurlTransfer::setUpHeaders() {
+    for (const auto& [name, value] : m_request.headers) {
+        if (!isToken(name) || !isFieldValue(value))
+            return false;
+        // libcurl takes "Name:" as an order to leave the header out and "Name;" as an empty value.
+        addHeader(value.trimmed().isEmpty() ? name + ';' : name + ": " + value);
+    }
+    if (m_request.cachePolicy == HttpRequest::CachePolicy::ignoreLocalAndRemote) {
+        if (!hasHeader("Cache-Control"))
+            addHeader("Cache-Control: no-cache");
+        if (!hasHeader("Pragma"))
+            addHeader("Pragma: no-cache");
+    }
+    // What libcurl would add of its own accord.
+    addHeader("Expect:");
+    if (!hasHeader("Content-Type"))
+        addHeader("Content-Type:");
+    curl_easy_setopt(easy(), CURLOPT_HTTPHEADER, m_headers.get());
+    return true;
+}
+
+void CurlTransfer::addHeader(const QByteArray& line) {
+    auto* const list = curl_slist_append(m_headers.get(), line.constData());
+    if (list == nullptr)
+        return;
+    static_cast<void>(m_headers.release());
+    m_headers.reset(list);
+}
+
+bool CurlTransfer::hasHeader(QByteArrayView name) const {
+    return std::any_of(m_request.headers.begin(), m_request.headers.end(), [name](const auto& header) {
+        return header.first.compare(name, Qt::CaseInsensitive) == 0;
+    });
+}
+
+std::size_t CurlTransfer::receiveBody(const char* bytes, std::size_t size) {
+    if (size > m_request.maxBodyBytes ||
+        static_cast<std::size_t>(m_body.size()) > m_request.maxBodyBytes - size) {
+        m_isTooLarge = true;
+        return CURL_WRITEFUNC_ERROR;
+    }
+    m_body.append(bytes, static_cast<qsizetype>(size));
+    return size;
+}
+
+std::size_t CurlTransfer::receiveHeader(std::size_t size) {
+    m_headerBytes += size;
+    if (m_headerBytes <= maxHeaderBytes)
+        return size;
+    m_isTooLarge = true;
+    return CURL_WRITEFUNC_ERROR;
+}
+
+/// Each request of a chain of redirects comes by here, with its connection made and nothing sent.
+int CurlTransfer::beforeRequest() {
+    const char* scheme = nullptr;
+    curl_easy_getinfo(easy(), CURLINFO_SCHEME, &scheme);
+    const bool isSecure = QByteArrayView(scheme).compare("https", Qt::CaseInsensitive) == 0;
+    m_isDowngrade = m_hasBeenSecure && !isSecure;
+    m_hasBeenSecure = isSecure;
+    return m_isDowngrade ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
+}
+
+curl_socket_t CurlTransfer::openSocket(const curl_sockaddr& address) {
+    const int descriptor = socket(address.family, address.socktype | SOCK_CLOEXEC, address.protocol);
+    // The library says nothing of why a socket could not even be made.
+    m_socketErrno = descriptor < 0 ? errno : 0;
+    return descriptor < 0 ? CURL_SOCKET_BAD : descriptor;
+}
+
+HttpResult CurlTransfer::result(CURLcode code) {
+    if (code != CURLE_OK)
+        return {std::nullopt, error(code)};
+    long status = 0;
+    curl_easy_getinfo(easy(), CURLINFO_RESPONSE_CODE, &status);
+    return {HttpResponse{static_cast<int>(status), std::move(m_body)}, std::nullopt};
+}
+
+HttpError CurlTransfer::error(CURLcode code) const {
+    const int systemErrno = connectErrno(code);
+    auto text =
+        QString::fromUtf8(m_errorText.front() != '\0' ? m_errorText.data() : curl_easy_strerror(code));
+    if (m_isTooLarge)
+        text = QStringLiteral("The answer is larger than allowed.");
+    if (m_isDowngrade)
+        text = QStringLiteral("A redirect leads from a secure address to an insecure one.");
+    return {errorCode(code, systemErrno), systemErrno, oneLine(text)};
+}
+
+int CurlTransfer::connectErrno(CURLcode code) const {
+    if (code != CURLE_COULDNT_CONNECT)
+        return 0;
+    long systemErrno = 0;
+    curl_easy_getinfo(easy(), CURLINFO_OS_ERRNO, &systemErrno);
+    return systemErrno != 0 ? static_cast<int>(systemErrno) : m_socketErrno;
+}
+
+HttpError::Code CurlTransfer::errorCode(CURLcode code, int systemErrno) const {
+    if (m_isTooLarge)
+        return HttpError::Code::tooLarge;
+    if (m_isDowngrade)
+        return HttpError::Code::unsupportedUrl;
+    switch (code) {
+    case CURLE_COULDNT_CONNECT:
+        return systemErrno == EPERM || systemErrno == EACCES || systemErrno == ENETUNREACH
+                   ? HttpError::Code::notConnected
+                   : HttpError::Code::cannotConnect;
+    case CURLE_OPERATION_TIMEDOUT:
+        return HttpError::Code::timedOut;
+    case CURLE_COULDNT_RESOLVE_HOST:
+    case CURLE_COULDNT_RESOLVE_PROXY:
+        return HttpError::Code::cannotFindHost;
+    case CURLE_FILESIZE_EXCEEDED:
+        return HttpError::Code::tooLarge;
+    case CURLE_TOO_MANY_REDIRECTS:
+        return HttpError::Code::tooManyRedirects;
+    case CURLE_URL_MALFORMAT:
+        return HttpError::Code::unsupportedUrl;
+    case CURLE_UNSUPPORTED_PROTOCOL: {
+        // Also what an answer that is no HTTP comes to; then there was no header.
+        long status = 0;
+        curl_easy_getinfo(easy(), CURLINFO_RESPONSE_CODE, &status);
+        return status >= 300 && status < 400 ? HttpError::Code::unsupportedUrl : HttpError::Code::other;
+    }
+    case CURLE_SSL_CONNECT_ERROR:
+    case CURLE_PEER_FAILED_VERIFICATION:
+    case CURLE_SSL_CERTPROBLEM:
+    case CURLE_SSL_CIPHER:
+    case CURLE_SSL_CACERT_BADFILE:
+    case CURLE_SSL_ISSUER_ERROR:
+    case CURLE_USE_SSL_FAILED:
+        return HttpError::Code::secureConnectionFailed;
+    case CURLE_SEND_ERROR:
+    case CURLE_RECV_ERROR:
+    case CURLE_GOT_NOTHING:
+    case CURLE_PARTIAL_FILE:
+        return HttpError::Code::connectionLost;
+    case CURLE_ABORTED_BY_CALLBACK:
+        return HttpError::Code::cancelled;
+    default:
+        return HttpError::Code::other;
+    }
+}
+
+} // namespace zofra

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+namespace zofra {
+
+/// Where the certificates stand that vouch for servers: the system's, and those of one more file where one
+/// was named. A plain value.
+///
+/// A directory with one file per authority is preferred over one bundle of all of them: OpenSSL then reads
+/// the one it needs, while a bundle is parsed as a whole for each connection.
+struct TrustedAuthorities {
+    /// PEM file, for libraries that take one beside a directory.
+    std::optional<QByteArray> file;
+    /// Directory with hashed names.
+    std::optional<QByteArray> directory;
+    /// PEM text, when two files have to be laid together because there is no directory.
+    std::optional<QByteArray> pem;
+
+    /// Looks at the file system. `libraryBundle` is the bundle that the library was built with, if any.
+    [[nodiscard]] static TrustedAuthorities find(const std::optional<QString>& extraAuthorityFile,
+                                                 const QByteArray& libraryBundle);
+};
+
+} // namespace zofra

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Networks that refuse the connection attempt itself. Each test starts this program once more, inside a
+// network namespace of its own where routes are as the test wants them.
+#include "tests/platform/net/HttpHarness.h"
+
+#include <QCoreApplication>
+#include <QProcess>
+#include <QTemporaryFile>
+
+#include <cerrno>
+
+namespace zofra::test {
+namespace {
+
+using Code = HttpError::Code;
+
+/// Runs the disabled test `name` in a new network namespace, after `setUp` (shell commands).
+void runInNamespace(const QString& name, const QString& setUp) {
+    const QStringList unshare{u"--user"_qs, u"--map-root-user"_qs, u"--net"_qs, u"--mount"_qs};
+    if (QProcess::execute(u"unshare"_qs, unshare + QStringList{u"true"_qs}) != 0)
+        GTEST_SKIP() << "skipped: no network namespace can be made here";
+    QProcess inner;
+    inner.setProcessChannelMode(QProcess::MergedChannels);
+    const auto command = setUp + u" && exec "_qs + QCoreApplication::applicationFilePath() +
+                         u" --gtest_also_run_disabled_tests --gtest_filter=InNamespace.DISABLED_"_qs + name;
+    inner.start(u"unshare"_qs, unshare + QStringList{u"sh"_qs, u"-c"_qs, command});
+    ASSERT_TRUE(inner.waitForFinished(60'000));
+    const auto output = inner.readAll();
+    EXPECT_EQ(inner.exitCode(), 0) << output.toStdString();
+    EXPECT_TRUE(output.contains("[  PASSED  ] 1 test")) << output.toStdString();
+}
+
+void expectFailure(const QString& url, Code code, int systemErrno) {
+    CurlHttpSession session;
+    const auto result = fetch(session, url);
+    ASSERT_TRUE(result.error) << url.toStdString();
+    EXPECT_EQ(result.error->code, code) << result.error->localizedDescription.toStdString();
+    EXPECT_EQ(result.error->systemErrno, systemErrno) << result.error->localizedDescription.toStdString();
+}
+
+TEST(InNamespace, DISABLED_NoRouteAtAll) {
+    expectFailure(u"http://192.168.77.5:1400/x"_qs, Code::notConnected, ENETUNREACH);
+    expectFailure(u"http://127.0.0.1:1400/x"_qs, Code::notConnected, ENETUNREACH);
+}
+TEST(InNamespace, DISABLED_ProhibitedRoute) {
+    expectFailure(u"http://192.168.77.5:1400/x"_qs, Code::notConnected, EACCES);
+}
+TEST(InNamespace, DISABLED_UnreachableHost) {
+    expectFailure(u"http://192.168.77.5:1400/x"_qs, Code::cannotConnect, EHOSTUNREACH);
+}
+TEST(InNamespace, DISABLED_RejectedByTheFirewall) {
+    expectFailure(u"http://127.0.0.1:1400/x"_qs, Code::cannotConnect, ECONNREFUSED);
+}
+TEST(InNamespace, DISABLED_SilentNameServer) {
+    // The name server swallows every question; the request for the address must not wait for it, nor must the
+    // end.
+    CurlHttpSession session;
+    auto request = requestFor(u"http://radio.example/"_qs);
+    request.timeout = 500ms;
+    Pending lookup(session, request);
+    LoopbackServer server(serving([](const QByteArray&) { return response(200, "x"); }));
+    EXPECT_TRUE(fetch(session, server.url(u"/"_qs)).response);
+    EXPECT_EQ(codeOf(lookup.get()), Code::timedOut);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(fetch(session, server.url(u"/"_qs)).response);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 2s) << "the session went on at once";
+}
+
+TEST(CurlRoutes, NoRouteAtAllMeansNotConnected) {
+    runInNamespace(u"NoRouteAtAll"_qs, u"true"_qs);
+}
+TEST(CurlRoutes, AProhibitedRouteMeansNotConnected) {
+    runInNamespace(u"ProhibitedRoute"_qs, u"ip link set lo up && ip route add prohibit 192.168.77.0/24"_qs);
+}
+TEST(CurlRoutes, AnUnreachableHostMeansCannotConnect) {
+    runInNamespace(u"UnreachableHost"_qs,
+                   u"ip link set lo up && ip route add unreachable 192.168.77.0/24"_qs);
+}
+TEST(CurlRoutes, ARefusalMeansCannotConnect) {
+    runInNamespace(u"RejectedByTheFirewall"_qs, u"ip link set lo up"_qs);
+}
+TEST(CurlRoutes, ASilentNameServerHoldsUpNobody) {
+    QTemporaryFile resolver;
+    ASSERT_TRUE(resolver.open());
+    resolver.write("nameserver 192.0.2.53\n");
+    resolver.close();
+    runInNamespace(
+        u"SilentNameServer"_qs,
+        u"mount --bind "_qs + resolver.fileName() +
+            u" /etc/resolv.conf && ip link set lo up && ip link add zofra0 type veth peer name zofra1 && "
+            u"ip addr add 192.0.2.1/24 dev zofra0 && ip link set zofra0 up && ip link set zofra1 up && "
+            u"ip neigh add 192.0.2.53 lladdr 02:00:00:00:00:01 dev zofra0"_qs);
+}
+
+} // namespace
+} // namespace zofra::test

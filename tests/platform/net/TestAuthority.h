@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QFile>
+#include <QProcess>
+#include <QString>
+#include <QTemporaryDir>
+
+#include <stdexcept>
+#include <string>
+
+namespace zofra::test {
+
+/// A certificate and its key, as PEM files.
+struct TlsIdentity {
+    QString certificateFile;
+    QString keyFile;
+};
+
+/// A certificate authority that lives as long as this object, made with the openssl program.
+class TestAuthority {
+public:
+    TestAuthority() {
+        run({u"req"_qs, u"-x509"_qs, u"-newkey"_qs, u"ec"_qs, u"-pkeyopt"_qs,
+             u"ec_paramgen_curve:prime256v1"_qs, u"-nodes"_qs, u"-days"_qs, u"2"_qs, u"-subj"_qs,
+             u"/CN=Throwaway"_qs, u"-keyout"_qs, path(u"ca.key"_qs), u"-out"_qs, path(u"ca.pem"_qs)});
+    }
+
+    [[nodiscard]] QString certificateFile() const { return path(u"ca.pem"_qs); }
+
+    /// `names` as in a subjectAltName: "IP:127.0.0.1,DNS:localhost".
+    [[nodiscard]] TlsIdentity identityFor(const QString& names) {
+        const auto stem = u"server"_qs + QString::number(++m_count);
+        const TlsIdentity identity{path(stem + u".pem"_qs), path(stem + u".key"_qs)};
+        run({u"req"_qs, u"-newkey"_qs, u"ec"_qs, u"-pkeyopt"_qs, u"ec_paramgen_curve:prime256v1"_qs,
+             u"-nodes"_qs, u"-subj"_qs, u"/CN=server"_qs, u"-keyout"_qs, identity.keyFile, u"-out"_qs,
+             path(stem + u".csr"_qs)});
+        QFile extensions(path(stem + u".ext"_qs));
+        if (!extensions.open(QIODevice::WriteOnly))
+            throw std::runtime_error("cannot write");
+        extensions.write("subjectAltName=" + names.toUtf8() + "\n");
+        extensions.close();
+        run({u"x509"_qs, u"-req"_qs, u"-days"_qs, u"1"_qs, u"-in"_qs, path(stem + u".csr"_qs), u"-CA"_qs,
+             path(u"ca.pem"_qs), u"-CAkey"_qs, path(u"ca.key"_qs), u"-CAcreateserial"_qs, u"-extfile"_qs,
+             extensions.fileName(), u"-out"_qs, identity.certificateFile});
+        return identity;
+    }
+
+private:
+    [[nodiscard]] QString path(const QString& name) const { return m_folder.filePath(name); }
+
+    static void run(const QStringList& arguments) {
+        QProcess openssl;
+        openssl.start(u"openssl"_qs, arguments);
+        if (!openssl.waitForFinished(20'000) || openssl.exitCode() != 0)
+            throw std::runtime_error("openssl: " + openssl.readAllStandardError().toStdString());
+    }
+
+    QTemporaryDir m_folder;
+    int m_count = 0;
+};
+
+} // namespace zofra::test
