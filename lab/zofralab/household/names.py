@@ -7,7 +7,7 @@ import asyncio
 import ipaddress
 import secrets
 import struct
-from typing import Optional
+from typing import Optional, cast
 
 _TYPE_A = 1
 _WAIT = 3.0
@@ -51,8 +51,7 @@ class _Asker(asyncio.DatagramProtocol):
         self._done = done
 
     def connection_made(self, transport: asyncio.BaseTransport) -> None:
-        assert isinstance(transport, asyncio.DatagramTransport)
-        transport.sendto(self._question)
+        cast(asyncio.DatagramTransport, transport).sendto(self._question)
 
     def datagram_received(self, data: bytes, addr: tuple[str, int]) -> None:
         if data[:2] == self._question[:2] and not self._done.done():

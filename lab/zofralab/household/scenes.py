@@ -113,10 +113,12 @@ def large() -> Scene:
 
 
 def mixed() -> Scene:
-    """Three ordinary players, one of them with a sub, and two companions that tell their own topology."""
+    """A room of two grouped players that is not led by the one with the smaller id, one of them with a sub; two more
+    rooms, whose names need care; and two companions that tell their own topology, one named like a room."""
     make = _Maker()
     house = Household("Sonos_LabHousehold00000000000000004")
     salon = house.add(make.player("Salon", m.PLAY5))
+    house.join(house.add(make.player("Salon", m.PLAY5)), salon)
     house.bond_sub(salon, house.add(make.player("Sub", m.SUB_MINI)))
     house.add(make.player("Hall & Stairs", m.ONE))
     house.add(make.player("Küche <1>", m.ONE))

@@ -43,6 +43,7 @@ class Streams:
         if player in self._running:
             return
         player.transport.status = "OK"
+        player.stream.bytes_now = 0
         urls = _addresses(player.transport.uri)
         if not urls:
             player.transport.state = "PLAYING"

@@ -1,0 +1,44 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""How long finding players takes and what it costs. Figures are printed; run with nothing beside it."""
+
+import json
+
+import pytest
+
+from speakers_support import RESCAN, binary, house, rooms, system_log  # noqa: F401
+from zofralab.household import measure
+
+pytestmark = pytest.mark.measured
+
+
+def show(name, figures):
+    print(f"{name}: {json.dumps({k: round(v, 3) for k, v in figures.items()})}")
+
+
+def test_32_players_are_found_and_grouped_in_three_seconds(radio, house):
+    figures = measure.found_and_grouped(house, radio)
+    show("found_and_grouped", figures)
+    assert figures["grouped_s"] <= 3.0
+    assert figures["shown_s"] <= 3.2
+
+
+@pytest.mark.slow
+def test_a_silent_subnet_costs_twelve_seconds_and_little_else(radio, house, system_log):
+    figures = measure.silent_subnet(house, radio, system_log)
+    show("silent_subnet", figures)
+    assert 11 <= figures["scan_s"] <= 12.1
+    assert figures["cpu_s"] <= 0.3
+
+
+@pytest.mark.slow
+def test_runs_leave_nothing_behind(radio, rooms, house, status_bar, system_log):
+    house.scene(scene="many", count=8)
+    radio.start(headless=False, discovery=True)
+    rooms.wait_scanned()
+    menu = status_bar.wait_for_item().menu
+    held = measure.repeated_runs(radio, system_log, lambda: menu.choose(*RESCAN), 20)
+    # The first runs may warm caches.
+    early, late = held[4], held[-1]
+    show("memory_kb", {"early": early["memory"], "late": late["memory"]})
+    assert late["threads"] <= early["threads"] and late["descriptors"] <= early["descriptors"]
+    assert late["memory"] - early["memory"] < 1024
