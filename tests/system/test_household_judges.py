@@ -15,7 +15,6 @@ import pytest
 from household_support import (  # noqa: F401
     HERE, MULTICAST, PYTHON, ROOT, SEARCH, ZONE_PLAYER, house, household_lab, household_stranger,
 )
-from zofralab.netns import enter_command
 from zofralab.process import clean_environment, terminate
 
 GSSDP = os.path.join(HERE, "household_gssdp.py")
@@ -37,7 +36,10 @@ def published(house, household_lab):
     """A stranger's player in a house that is empty otherwise, offered by GSSDP."""
     # First: GSSDP keeps to one of the addresses that the interface has.
     house.scene(scene="empty")
-    command = [*enter_command(household_lab.info["pid"]), PYTHON, GSSDP, "publish", "house0", ZONE_PLAYER,
+    enter = ["nsenter", "--target", str(household_lab.info["pid"]), "--net"]
+    if os.geteuid() != 0:
+        enter += ["--user", "--preserve-credentials"]
+    command = [*enter, "--", PYTHON, GSSDP, "publish", "house0", ZONE_PLAYER,
                f"uuid:RINCON_STRICT::{ZONE_PLAYER}", "http://10.77.0.1:1400/xml/device_description.xml"]
     child = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
                              env=clean_environment())
