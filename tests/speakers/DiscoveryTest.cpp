@@ -326,7 +326,7 @@ TEST_F(Discovery, EachInterfaceIsSearchedByItself) {
     background.network.scripts[QStringLiteral("10.0.1.2")].datagrams = {playerAnswer(9), playerAnswer(10)};
     players = {9, 10};
     run();
-    EXPECT_EQ(background.network.opened, (std::vector<QString>{localIp, QStringLiteral("10.0.1.2")}));
+    EXPECT_EQ(background.network.opened(), (std::vector<QString>{localIp, QStringLiteral("10.0.1.2")}));
     EXPECT_EQ(logged()[3], QStringLiteral("[Sonos] wlan0: 2 SSDP-Antworten"));
     EXPECT_EQ(idsFound(), (QStringList{QStringLiteral("10"), QStringLiteral("9")}));
 }

@@ -39,16 +39,18 @@ public:
     };
 
     std::vector<InterfaceAddress> interfaceAddresses() const override {
-        const std::scoped_lock lock(m_mutex);
-        ++m_listings;
+        const std::scoped_lock lock(m_records->mutex);
+        ++m_records->listings;
         return addresses;
     }
 
     std::unique_ptr<UdpSearchSocket> openSearchSocket(const QString& ip) override {
-        const std::scoped_lock lock(m_mutex);
-        opened.push_back(ip);
         const auto script = scripts.value(ip);
-        return script.opens ? std::make_unique<Socket>(*this, ip, script) : nullptr;
+        {
+            const std::scoped_lock lock(m_records->mutex);
+            m_records->opened.push_back(ip);
+        }
+        return script.opens ? std::make_unique<Socket>(m_records, ip, script) : nullptr;
     }
 
     /// Adds an interface that is up and running, with a broadcast address unless that is empty.
@@ -59,53 +61,53 @@ public:
             {name, AF_INET, flags, ip, broadcast.isEmpty() ? std::nullopt : std::optional(broadcast)});
     }
 
-    [[nodiscard]] std::vector<Sent> sent() const {
-        const std::scoped_lock lock(m_mutex);
-        return m_sent;
-    }
-    [[nodiscard]] int receives() const {
-        const std::scoped_lock lock(m_mutex);
-        return m_receives;
-    }
-    [[nodiscard]] int openSockets() const {
-        const std::scoped_lock lock(m_mutex);
-        return m_openSockets;
-    }
-    [[nodiscard]] int listings() const {
-        const std::scoped_lock lock(m_mutex);
-        return m_listings;
-    }
+    [[nodiscard]] std::vector<Sent> sent() const { return read(&Records::sent); }
+    /// Local addresses of the sockets asked for, in order.
+    [[nodiscard]] std::vector<QString> opened() const { return read(&Records::opened); }
+    [[nodiscard]] int receives() const { return read(&Records::receives); }
+    [[nodiscard]] int openSockets() const { return read(&Records::openSockets); }
+    [[nodiscard]] int listings() const { return read(&Records::listings); }
 
     std::vector<InterfaceAddress> addresses;
     QMap<QString, Script> scripts;
-    std::vector<QString> opened;
 
 private:
+    /// Outlives the network, as sockets do.
+    struct Records {
+        std::mutex mutex;
+        std::vector<Sent> sent;
+        std::vector<QString> opened;
+        int receives = 0;
+        int openSockets = 0;
+        int listings = 0;
+    };
+
     class Socket final : public UdpSearchSocket {
     public:
-        Socket(FakeLocalNetwork& network, QString ip, Script script)
-            : m_network(network)
+        Socket(std::shared_ptr<Records> records, QString ip, Script script)
+            : m_records(std::move(records))
             , m_ip(std::move(ip))
             , m_script(std::move(script)) {
-            ++m_network.m_openSockets;
+            const std::scoped_lock lock(m_records->mutex);
+            ++m_records->openSockets;
         }
         Socket(const Socket&) = delete;
         Socket& operator=(const Socket&) = delete;
         ~Socket() override {
-            const std::scoped_lock lock(m_network.m_mutex);
-            --m_network.m_openSockets;
+            const std::scoped_lock lock(m_records->mutex);
+            --m_records->openSockets;
         }
         int send(const QString& address, std::uint16_t port, const QByteArray& datagram) override {
-            const std::scoped_lock lock(m_network.m_mutex);
-            m_network.m_sent.push_back({m_ip, address, port, datagram});
+            const std::scoped_lock lock(m_records->mutex);
+            m_records->sent.push_back({m_ip, address, port, datagram});
             return m_script.sendErrno.value(address, 0);
         }
         std::optional<QByteArray> receive() override {
             if (m_script.onReceive)
                 m_script.onReceive();
             {
-                const std::scoped_lock lock(m_network.m_mutex);
-                ++m_network.m_receives;
+                const std::scoped_lock lock(m_records->mutex);
+                ++m_records->receives;
             }
             if (m_script.datagrams.empty()) {
                 m_now += std::chrono::milliseconds(250);
@@ -118,17 +120,19 @@ private:
         [[nodiscard]] std::chrono::steady_clock::time_point now() const override { return m_now; }
 
     private:
-        FakeLocalNetwork& m_network;
+        std::shared_ptr<Records> m_records;
         QString m_ip;
         Script m_script;
         std::chrono::steady_clock::time_point m_now;
     };
 
-    mutable std::mutex m_mutex;
-    std::vector<Sent> m_sent;
-    int m_receives = 0;
-    int m_openSockets = 0;
-    mutable int m_listings = 0;
+    template<typename Value>
+    Value read(Value Records::*field) const {
+        const std::scoped_lock lock(m_records->mutex);
+        return (*m_records).*field;
+    }
+
+    std::shared_ptr<Records> m_records = std::make_shared<Records>();
 };
 
 } // namespace zofra::test

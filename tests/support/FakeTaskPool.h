@@ -20,6 +20,8 @@ public:
         inPlace,
         /// On the test's thread, in `runAll`.
         onDemand,
+        /// The same, but what a running task submits runs in place, so that it may be waited for.
+        onDemandThenInPlace,
         /// Each on a thread of its own; the pool's end waits for them.
         threads,
     };
@@ -30,15 +32,15 @@ public:
     ~FakeTaskPool() override { join(); }
 
     void async(std::function<void()> work) override {
-        if (m_mode == Mode::inPlace) {
+        if (m_mode == Mode::inPlace || m_isRunning) {
             work();
             return;
         }
         const std::scoped_lock lock(m_mutex);
-        if (m_mode == Mode::onDemand)
-            m_waiting.push_back(std::move(work));
-        else
+        if (m_mode == Mode::threads)
             m_threads.emplace_back(std::move(work));
+        else
+            m_waiting.push_back(std::move(work));
     }
 
     /// Runs what waits, also what comes meanwhile.
@@ -52,7 +54,9 @@ public:
                 work = std::move(m_waiting.front());
                 m_waiting.pop_front();
             }
+            m_isRunning = m_mode == Mode::onDemandThenInPlace;
             work();
+            m_isRunning = false;
         }
     }
     [[nodiscard]] std::size_t waiting() const {
@@ -76,6 +80,8 @@ public:
 
 private:
     Mode m_mode;
+    /// Set by the test's thread only, in modes that know no other.
+    bool m_isRunning = false;
     mutable std::mutex m_mutex;
     std::deque<std::function<void()>> m_waiting;
     std::vector<std::thread> m_threads;
