@@ -18,6 +18,7 @@ class HttpService(Service):
 
     How a request is answered is a dictionary; everything in it is optional:
         form= (what a healthy service may answer, see the subclass)
+        song=[ARTIST, TITLE]                      another song than the programme's
         status= content_type= body= | base64=     another answer
         delay=SECONDS                             later
         hang=true | "headers" | "body"            never / never after the headers / never after half of the body
@@ -48,8 +49,8 @@ class HttpService(Service):
         """The raw value of the station that a request target is about, or None."""
         raise NotImplementedError
 
-    def healthy(self, station, form, request):
-        """(content type, body) in one of the forms that a healthy service has."""
+    def healthy(self, station, how, request):
+        """(content type, body) in one of the forms that a healthy service has: how["form"], how["song"]."""
         raise NotImplementedError
 
     async def start(self):
@@ -174,7 +175,7 @@ class HttpService(Service):
             return how.get("content_type", "application/json"), body, how.get("status", 200), ""
         if station is None:
             return "text/plain", b"Not found\n", 404, ""
-        content_type, body = self.healthy(station, how.get("form", ""), record)
+        content_type, body = self.healthy(station, how, record)
         return how.get("content_type", content_type), body, how.get("status", 200), ""
 
     async def _send_huge(self, writer, size):

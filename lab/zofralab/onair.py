@@ -10,7 +10,7 @@ from urllib.parse import parse_qs, urlsplit
 
 from . import addresses
 from .httpd import HttpService
-from .programme import SONG_SECONDS
+from .programme import SONG_SECONDS, Song
 from .stations import LIVE, STATIONS
 
 
@@ -32,10 +32,13 @@ class OnAir(HttpService):
             return None
         return next((s.raw for s in STATIONS if s.on_air_id == wanted), None)
 
-    def healthy(self, station, form, request):
+    def healthy(self, station, how, request):
         """The answer in one of the forms above."""
+        form = how.get("form", "")
         item = next(s for s in STATIONS if s.raw == station)
-        entries = [] if form == "empty" else self._entries(item, form)
+        song = Song(*how["song"], time.time() - 30) if "song" in how else self.world.services[
+            "livefeed"].programme.song(station)
+        entries = [] if form == "empty" else self._entries(item, form, song)
         results = {item.on_air_id: entries} if entries else {}
         document = {"responseStatus": "SUCCESS", "total": len(entries), "results": results}
         if form == "error":
@@ -49,11 +52,10 @@ class OnAir(HttpService):
             raise ValueError(f"no form {form!r}")
         return "application/json; charset=utf-8", text.encode()
 
-    def _entries(self, item, form):
+    def _entries(self, item, form, song):
         info = {"type": "SI", "rpId": item.on_air_id, "serviceName": item.title, "name": "", "artistName": "",
                 "description": "Always on", "imageUrl": "https://img.example/l.png", "song": False}
         show = self._entry(item, form, "PI", "The Long Afternoon", "", time.time() - 3600, 7200, False)
-        song = self.world.services["livefeed"].programme.song(item.raw)
         playing = self._entry(item, form, "PE_E", song.title, song.artist, song.started, SONG_SECONDS * 1000, True)
         if form == "info":
             return [info]
@@ -84,9 +86,11 @@ class Scraper(HttpService):
         """By the path."""
         return next((s.raw for s in LIVE if s.scraper_path == urlsplit(target).path), None)
 
-    def healthy(self, station, form, request):
+    def healthy(self, station, how, request):
         """The answer in one of the forms above."""
-        song = self.world.services["livefeed"].programme.song(station)
+        form = how.get("form", "")
+        song = Song(*how["song"], time.time()) if "song" in how else self.world.services[
+            "livefeed"].programme.song(station)
         document = {"alias": urlsplit(request["target"]).path[1:], "stationId": 1, "updated": int(time.time())}
         if form in ("", "title", "page"):
             document["title"] = f"{song.artist} - {song.title}"

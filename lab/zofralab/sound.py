@@ -134,16 +134,21 @@ class Ears:
     def wait_for(self, what, timeout, since=None, seconds=0.25):
         """Wait until `what` ((station, codec) or None for silence) has been heard for `seconds` on end after `since`
         (default: the moment of the call). Returns the moment at which it began."""
+        return self.wait_for_any((what,), timeout, since, seconds)[0]
+
+    def wait_for_any(self, choices, timeout, since=None, seconds=0.25):
+        """Like `wait_for` for whichever of `choices` comes first; returns (moment, what)."""
         since = time.monotonic() if since is None else since
         seen = []
 
         def heard():
             seen[:] = self.spans(since)
-            return next((span for span in seen if span.what == what and span.seconds >= seconds), None)
+            return next((span for span in seen if span.what in choices and span.seconds >= seconds), None)
         try:
-            return wait_until(heard, timeout, f"to hear {what}", 0.05).start
+            span = wait_until(heard, timeout, f"to hear one of {choices}", 0.05)
         except TimeoutError as error:
             raise AssertionError(f"{error}; heard {describe(seen, since)}") from None
+        return span.start, span.what
 
     def loudness(self, start, end):
         """Root mean square between two moments, full scale being 1."""
