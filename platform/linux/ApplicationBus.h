@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/Observable.h"
+#include "platform/linux/SessionBus.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVariantList>
+#include <QVariantMap>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace zofra {
+
+namespace dbus {
+class ExportedObject;
+struct Interface;
+} // namespace dbus
+
+/// What a desktop hands over with a request, so that a window may take the focus.
+struct Activation {
+    QString desktopStartupId;
+    QString activationToken;
+
+    /// From and to the map that travels on the bus.
+    [[nodiscard]] static Activation fromPlatformData(const QVariantMap& data);
+    [[nodiscard]] QVariantMap platformData() const;
+    /// What this process was started with ($DESKTOP_STARTUP_ID, $XDG_ACTIVATION_TOKEN).
+    [[nodiscard]] static Activation fromEnvironment();
+
+    friend bool operator==(const Activation&, const Activation&) = default;
+};
+
+/// What a second start is to print and to exit with.
+struct RunReply {
+    int exitStatus = 0;
+    /// Nothing is printed when it is empty.
+    QString line;
+
+    friend bool operator==(const RunReply&, const RunReply&) = default;
+};
+
+/// The one running program on the session bus: be.zofra.ZofraZofra with org.freedesktop.Application, and the
+/// program's own interface for a second start. Callbacks not set answer with an error. Main thread only,
+/// callbacks included.
+class ApplicationBus final {
+public:
+    /// `bus` must outlive it.
+    explicit ApplicationBus(SessionBus& bus);
+    ~ApplicationBus();
+    ApplicationBus(const ApplicationBus&) = delete;
+    ApplicationBus& operator=(const ApplicationBus&) = delete;
+
+    enum class Claim { acquired, anotherIsRunning, noBus };
+    /// Tries to become the one running program; waits for the bus for `timeout` at most. Unless another is
+    /// running, the name is claimed again whenever the bus has come back. To be called after the callbacks
+    /// are set.
+    [[nodiscard]] Claim tryAcquire(std::chrono::milliseconds timeout = std::chrono::seconds(2));
+
+    std::function<void(const Activation&)> onActivate;
+    std::function<void(const QStringList& uris, const Activation&)> onOpen;
+    std::function<void(const QString& action, const QVariantList& parameter, const Activation&)>
+        onActivateAction;
+    /// A second start with options.
+    std::function<RunReply(const QVariantMap& options)> onRun;
+    /// The state as JSON text.
+    std::function<QString()> onStatus;
+
+private:
+    [[nodiscard]] dbus::Interface applicationInterface();
+    [[nodiscard]] dbus::Interface ownInterface();
+
+    SessionBus& m_bus;
+    std::unique_ptr<dbus::ExportedObject> m_object;
+    ObservationToken m_connected;
+    ObservationToken m_disconnected;
+};
+
+/// The running program as a second start sees it. Every call waits for its answer, at most for `timeout`, and
+/// is absent when there was none.
+class RunningApplication final {
+public:
+    explicit RunningApplication(const QDBusConnection& connection,
+                                std::chrono::milliseconds timeout = std::chrono::seconds(5));
+
+    [[nodiscard]] std::optional<RunReply> run(const QVariantMap& options) const;
+    [[nodiscard]] std::optional<QString> status() const;
+    /// True when the running program has answered.
+    [[nodiscard]] bool activate(const Activation& activation) const;
+
+private:
+    [[nodiscard]] std::optional<QVariantList> call(const QString& interface, const QString& method,
+                                                   const QVariantList& arguments) const;
+    QDBusConnection m_connection;
+    std::chrono::milliseconds m_timeout;
+};
+
+} // namespace zofra

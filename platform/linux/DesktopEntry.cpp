@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/DesktopEntry.h"
+
+#include <algorithm>
+
+namespace zofra::desktopentry {
+namespace {
+
+QString unescapedString(const QString& text) {
+    QString result;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] != u'\\' || i + 1 == text.size()) {
+            result += text[i];
+            continue;
+        }
+        const auto c = text[++i];
+        if (c == u's')
+            result += u' ';
+        else if (c == u'n')
+            result += u'\n';
+        else if (c == u't')
+            result += u'\t';
+        else if (c == u'r')
+            result += u'\r';
+        else
+            result += c;
+    }
+    return result;
+}
+
+} // namespace
+
+QString escapedString(const QString& text) {
+    QString result;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const auto c = text[i];
+        if (c == u'\\')
+            result += QStringLiteral("\\\\");
+        else if (c == u'\n')
+            result += QStringLiteral("\\n");
+        else if (c == u'\t')
+            result += QStringLiteral("\\t");
+        else if (c == u'\r')
+            result += QStringLiteral("\\r");
+        else if (c == u' ' && i == 0)
+            result += QStringLiteral("\\s");
+        else
+            result += c;
+    }
+    return result;
+}
+
+QString execArgument(const QString& argument) {
+    static const QString reserved = QStringLiteral(" \t\n\"'\\><~|&;$*?#()`=");
+    QString text = argument;
+    // A percent sign begins a field code.
+    text.replace(u'%', QStringLiteral("%%"));
+    const bool mustBeQuoted = text.isEmpty() || std::any_of(text.cbegin(), text.cend(),
+                                                            [](QChar c) { return reserved.contains(c); });
+    if (!mustBeQuoted)
+        return text;
+    QString quoted = QStringLiteral("\"");
+    for (const auto c : std::as_const(text)) {
+        if (c == u'"' || c == u'`' || c == u'$' || c == u'\\')
+            quoted += u'\\';
+        quoted += c;
+    }
+    return escapedString(quoted + u'"');
+}
+
+QHash<QString, QString> mainGroup(const QByteArray& file) {
+    QHash<QString, QString> values;
+    bool isInside = false;
+    for (const auto& raw : file.split('\n')) {
+        const auto line = QString::fromUtf8(raw).trimmed();
+        if (line.startsWith(u'[')) {
+            isInside = line == QStringLiteral("[Desktop Entry]");
+            continue;
+        }
+        const auto equals = line.indexOf(u'=');
+        if (!isInside || equals < 1 || line.startsWith(u'#'))
+            continue;
+        const auto key = line.left(equals).trimmed();
+        if (!values.contains(key))
+            values.insert(key, unescapedString(line.mid(equals + 1).trimmed()));
+    }
+    return values;
+}
+
+} // namespace zofra::desktopentry

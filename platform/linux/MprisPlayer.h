@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/MediaControls.h"
+#include "platform/Observable.h"
+#include "platform/linux/SessionBus.h"
+
+#include <QString>
+#include <QVariantMap>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace zofra {
+
+namespace dbus {
+class ExportedObject;
+struct Interface;
+} // namespace dbus
+
+/// The media player on the session bus (org.mpris.MediaPlayer2.zofrazofra): what media keys, lock screens and
+/// media controls of desktops see and send. Works with and without a bus. Main thread only, callbacks
+/// included.
+class MprisPlayer final : public NowPlayingInfoCenter, public RemoteCommandCenter {
+public:
+    /// `bus` must outlive it.
+    explicit MprisPlayer(SessionBus& bus);
+    ~MprisPlayer() override;
+    MprisPlayer(const MprisPlayer&) = delete;
+    MprisPlayer& operator=(const MprisPlayer&) = delete;
+
+    void setNowPlayingInfo(const NowPlayingInfo& info) override;
+    void setTogglePlayPauseHandler(Handler handler) override;
+    void setPlayHandler(Handler handler) override;
+    void setPauseHandler(Handler handler) override;
+
+    enum class PlaybackState { stopped, paused, playing };
+    void setPlaybackState(PlaybackState state);
+    /// 0 to 1.
+    void setVolume(double volume);
+
+    /// A client asks for this volume, 0 to 1. It is shown once `setVolume` says so.
+    std::function<void(double)> onVolumeRequested;
+    /// Absent where there is nothing to raise.
+    std::function<void()> onRaise;
+    std::function<void()> onQuit;
+
+private:
+    [[nodiscard]] dbus::Interface rootInterface();
+    [[nodiscard]] dbus::Interface playerInterface();
+    [[nodiscard]] QVariantMap metadata() const;
+    [[nodiscard]] QString playbackStatus() const;
+    void appearOn(QDBusConnection connection);
+    void requestName(QDBusConnection connection, const QString& name);
+
+    SessionBus& m_bus;
+    /// The name that is ours on the bus; empty when none is.
+    QString m_ownedName;
+    std::optional<NowPlayingInfo> m_info;
+    /// Counts the songs, for their ids.
+    quint64 m_track = 0;
+    PlaybackState m_state = PlaybackState::stopped;
+    double m_volume = 0;
+    Handler m_toggle;
+    Handler m_play;
+    Handler m_pause;
+
+    std::unique_ptr<dbus::ExportedObject> m_object;
+    ObservationToken m_connected;
+    ObservationToken m_disconnected;
+};
+
+} // namespace zofra

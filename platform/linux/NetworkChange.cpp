@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/NetworkChange.h"
+
+#include <QFile>
+#include <QList>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <ifaddrs.h>
+#include <linux/netlink.h>
+#include <linux/rtnetlink.h>
+#include <net/if.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+#include <utility>
+
+namespace zofra {
+namespace {
+
+constexpr auto gatheringTime = std::chrono::milliseconds(300);
+/// Pieces of news read in one go; more are read in a next turn.
+constexpr int maxReads = 64;
+
+void appendInterfaces(QList<QByteArray>& lines) {
+    ifaddrs* list = nullptr;
+    if (::getifaddrs(&list) != 0)
+        return;
+    for (const auto* entry = list; entry; entry = entry->ifa_next) {
+        QByteArray line(entry->ifa_name);
+        line += (entry->ifa_flags & IFF_UP) ? " up" : " down";
+        line += (entry->ifa_flags & IFF_RUNNING) ? " running" : "";
+        const auto family = entry->ifa_addr ? entry->ifa_addr->sa_family : AF_UNSPEC;
+        // An interface that is down keeps its addresses, but nothing can be reached from them.
+        if ((entry->ifa_flags & IFF_UP) && (family == AF_INET || family == AF_INET6)) {
+            std::array<char, NI_MAXHOST> host{};
+            const socklen_t length = family == AF_INET ? sizeof(sockaddr_in) : sizeof(sockaddr_in6);
+            if (::getnameinfo(entry->ifa_addr, length, host.data(), host.size(), nullptr, 0,
+                              NI_NUMERICHOST) == 0)
+                line += ' ' + QByteArray(host.data());
+        }
+        lines += line;
+    }
+    ::freeifaddrs(list);
+}
+
+/// Default routes: where the destination and its length are zero.
+void appendRoutes(QList<QByteArray>& lines) {
+    QFile four(QStringLiteral("/proc/net/route"));
+    if (four.open(QIODevice::ReadOnly)) {
+        for (const auto& line : four.readAll().split('\n')) {
+            const auto fields = line.simplified().split(' ');
+            if (fields.size() > 7 && fields[1] == "00000000" && fields[7] == "00000000")
+                lines += "route " + fields[0] + ' ' + fields[2];
+        }
+    }
+    QFile six(QStringLiteral("/proc/net/ipv6_route"));
+    if (six.open(QIODevice::ReadOnly)) {
+        for (const auto& line : six.readAll().split('\n')) {
+            const auto fields = line.simplified().split(' ');
+            if (fields.size() > 9 && fields[1] == "00" && fields[0] == QByteArray(32, '0') &&
+                fields[9] != "lo")
+                lines += "route " + fields[9] + ' ' + fields[4];
+        }
+    }
+}
+
+} // namespace
+
+NetworkChange::NetworkChange(MainQueue& queue)
+    : m_queue(queue)
+    , m_socket(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_ROUTE)) {
+    if (m_socket < 0)
+        return;
+    sockaddr_nl address{};
+    address.nl_family = AF_NETLINK;
+    address.nl_groups =
+        RTMGRP_LINK | RTMGRP_IPV4_IFADDR | RTMGRP_IPV6_IFADDR | RTMGRP_IPV4_ROUTE | RTMGRP_IPV6_ROUTE;
+    if (::bind(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+        return;
+    m_last = snapshot();
+    m_notifier = std::make_unique<QSocketNotifier>(m_socket, QSocketNotifier::Read);
+    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
+                     [this] { newsArrived(); });
+}
+
+NetworkChange::~NetworkChange() {
+    m_notifier.reset();
+    if (m_socket >= 0)
+        ::close(m_socket);
+}
+
+ObservationToken NetworkChange::observeChanged(std::function<void()> handler) {
+    return m_observers.add(std::move(handler));
+}
+
+void NetworkChange::newsArrived() {
+    // What the news say is looked up afterwards; that there are some is enough. Lost ones count as well.
+    std::array<char, 8192> buffer{};
+    for (int i = 0; i < maxReads && ::recv(m_socket, buffer.data(), buffer.size(), 0) >= 0; ++i) {
+    }
+    if (!m_gathering)
+        m_gathering = m_queue.startTimer(gatheringTime, MainQueue::Repeat::once, [this] { compare(); });
+}
+
+void NetworkChange::compare() {
+    m_gathering.reset();
+    auto now = snapshot();
+    if (now == std::exchange(m_last, now))
+        return;
+    m_observers.notify();
+}
+
+QByteArray NetworkChange::snapshot() {
+    QList<QByteArray> lines;
+    appendInterfaces(lines);
+    appendRoutes(lines);
+    std::sort(lines.begin(), lines.end());
+    // An interface stands there once for each kind of address.
+    lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
+    return lines.join('\n');
+}
+
+} // namespace zofra

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/MainQueue.h"
+#include "platform/Observable.h"
+
+#include <QByteArray>
+#include <QSocketNotifier>
+
+#include <functional>
+#include <memory>
+
+namespace zofra {
+
+/// Tells when the computer's network has changed: an interface came up or went, an address or a default route
+/// came or went. The kernel's news are gathered for a moment, and what leaves everything as it was (renewed
+/// leases) is not told. Main thread only.
+class NetworkChange final {
+public:
+    /// `queue` must outlive it.
+    explicit NetworkChange(MainQueue& queue);
+    ~NetworkChange();
+    NetworkChange(const NetworkChange&) = delete;
+    NetworkChange& operator=(const NetworkChange&) = delete;
+
+    [[nodiscard]] ObservationToken observeChanged(std::function<void()> handler);
+
+    /// The present state as text, for comparison.
+    [[nodiscard]] static QByteArray snapshot();
+
+private:
+    void newsArrived();
+    void compare();
+
+    MainQueue& m_queue;
+    int m_socket = -1;
+    std::unique_ptr<QSocketNotifier> m_notifier;
+    std::unique_ptr<Timer> m_gathering;
+    QByteArray m_last;
+    ObserverList<> m_observers;
+};
+
+} // namespace zofra

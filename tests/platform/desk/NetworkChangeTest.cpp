@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/NetworkChange.h"
+
+#include "tests/support/EventLoop.h"
+#include "tests/support/ManualMainQueue.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <net/if.h>
+#include <sched.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace zofra {
+namespace {
+
+using namespace std::chrono_literals;
+using test::spinUntil;
+
+/// This thread in an empty network of its own, where only a loopback interface is, and that is down.
+class OwnNetwork {
+public:
+    OwnNetwork()
+        : m_before(::open("/proc/thread-self/ns/net", O_RDONLY | O_CLOEXEC))
+        , m_isOwn(m_before >= 0 && ::unshare(CLONE_NEWNET) == 0) {}
+    ~OwnNetwork() {
+        if (m_isOwn) {
+            EXPECT_EQ(::setns(m_before, CLONE_NEWNET), 0);
+        }
+        ::close(m_before);
+    }
+    OwnNetwork(const OwnNetwork&) = delete;
+    OwnNetwork& operator=(const OwnNetwork&) = delete;
+    [[nodiscard]] bool isOwn() const { return m_isOwn; }
+
+    enum class Loopback { up, down };
+    static void setLoopback(Loopback state) {
+        const int control = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+        ifreq request{};
+        std::strcpy(request.ifr_name, "lo");
+        EXPECT_EQ(::ioctl(control, SIOCGIFFLAGS, &request), 0);
+        const auto up = static_cast<short>(IFF_UP);
+        request.ifr_flags =
+            static_cast<short>(state == Loopback::up ? request.ifr_flags | up : request.ifr_flags & ~up);
+        EXPECT_EQ(::ioctl(control, SIOCSIFFLAGS, &request), 0) << std::strerror(errno);
+        ::close(control);
+    }
+
+private:
+    int m_before;
+    bool m_isOwn;
+};
+
+TEST(NetworkChange, tellsWhenAnInterfaceComesAndGoes) {
+    const test::TestApplication application;
+    const OwnNetwork network;
+    if (!network.isOwn())
+        GTEST_SKIP() << "skipped: no right to make a network namespace";
+    test::ManualMainQueue queue;
+    NetworkChange change(queue);
+    int told = 0;
+    const auto token = change.observeChanged([&] { ++told; });
+    EXPECT_EQ(queue.pendingTimers(), 0U) << "nothing is due while nothing happens";
+
+    OwnNetwork::setLoopback(OwnNetwork::Loopback::up);
+    ASSERT_TRUE(spinUntil([&] { return queue.pendingTimers() == 1; }));
+    EXPECT_EQ(told, 0) << "the news are gathered first";
+    queue.advance(300ms);
+    EXPECT_EQ(told, 1);
+
+    OwnNetwork::setLoopback(OwnNetwork::Loopback::down);
+    ASSERT_TRUE(spinUntil([&] { return queue.pendingTimers() == 1; }));
+    queue.advance(300ms);
+    EXPECT_EQ(told, 2);
+}
+
+TEST(NetworkChange, doesNotTellWhatChangesBackAtOnce) {
+    const test::TestApplication application;
+    const OwnNetwork network;
+    if (!network.isOwn())
+        GTEST_SKIP() << "skipped: no right to make a network namespace";
+    test::ManualMainQueue queue;
+    NetworkChange change(queue);
+    int told = 0;
+    const auto token = change.observeChanged([&] { ++told; });
+    OwnNetwork::setLoopback(OwnNetwork::Loopback::up);
+    OwnNetwork::setLoopback(OwnNetwork::Loopback::down);
+    ASSERT_TRUE(spinUntil([&] { return queue.pendingTimers() == 1; }));
+    queue.advance(300ms);
+    EXPECT_EQ(told, 0);
+}
+
+TEST(NetworkChange, seesInterfacesInItsSnapshot) {
+    const OwnNetwork network;
+    if (!network.isOwn())
+        GTEST_SKIP() << "skipped: no right to make a network namespace";
+    EXPECT_EQ(NetworkChange::snapshot(), QByteArray("lo down"));
+    OwnNetwork::setLoopback(OwnNetwork::Loopback::up);
+    EXPECT_TRUE(NetworkChange::snapshot().contains("lo up running 127.0.0.1"));
+}
+
+} // namespace
+} // namespace zofra
