@@ -174,7 +174,8 @@ def test_a_player_at_another_address_is_the_same_player(house, visitor):
 
 
 @pytest.mark.parametrize(
-    "mode, end, most", [("absent", ("timeout", "errno 113"), 4), ("dropped", ("timeout",), 4), ("refused", ("errno 111",), 0.5)]
+    "mode, end, most",
+    [("absent", ("timeout", "errno 113"), 4), ("dropped", ("timeout",), 4), ("refused", ("errno 111",), 0.5)],
 )
 def test_addresses_that_are_nobodys(house, visitor, mode, end, most):
     house.others(mode=mode)

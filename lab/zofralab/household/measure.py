@@ -1,9 +1,9 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """How long a program takes to find players, and what that costs it; measured from outside.
 
-`house` are the switches of the household, `log` is a `systemlog.SystemLog` that the program writes to, `radio` a program
-that is not started yet (`start`, `pid`, `lines`, `memory`, `threads`, `descriptors` as in the system tests). All times are
-`time.monotonic()`, which the house and the log share.
+`house` are the switches of the household, `log` is a `systemlog.SystemLog` that the program writes to, `radio` a
+program that is not started yet (`start`, `pid`, `lines`, `memory`, `threads`, `descriptors` as in the system tests).
+All times are `time.monotonic()`, which the house and the log share.
 """
 
 from __future__ import annotations
@@ -21,7 +21,7 @@ _NOBODY = r"\[Sonos\] Keine erreichbaren Netzwerk-Player gefunden\."
 
 def found_and_grouped(house: Any, radio: Any, count: int = 32) -> dict[str, float]:
     """Seconds from the first search datagram of a start until the last topology answer, and until the program names
-    the rooms on standard output. Addresses that are nobody's refuse, so that the scan of the first run is no part of it.
+    the rooms on standard output. Addresses that are nobody's refuse, so that the scan of a first run takes no time.
     """
     house.scene(scene="many", count=count)
     house.others(mode="refused")

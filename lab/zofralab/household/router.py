@@ -32,8 +32,8 @@ class RouterServer:
             await asyncio.wait_for(reader.readuntil(b"\r\n\r\n"), 10)
             self.requests += 1
             body = ROUTER.encode()
-            head = f"HTTP/1.1 200 OK\r\nContent-Type: text/xml\r\nContent-Length: {len(body)}\r\nConnection: close\r\n\r\n"
-            writer.write(head.encode() + body)
+            rows = ["HTTP/1.1 200 OK", "Content-Type: text/xml", f"Content-Length: {len(body)}", "Connection: close"]
+            writer.write("\r\n".join([*rows, "", ""]).encode() + body)
             await writer.drain()
         except (OSError, asyncio.TimeoutError, asyncio.IncompleteReadError, asyncio.LimitOverrunError):
             pass

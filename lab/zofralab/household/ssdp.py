@@ -56,9 +56,9 @@ def is_well_formed(data: bytes) -> bool:
     if request is None or read_search(data, to_all=True) is None:
         return False
     headers = request.headers
-    return headers["man"] == '"ssdp:discover"' and headers.get("host") == f"{GROUP}:{PORT}" and b"\n" not in data.replace(
-        b"\r\n", b""
-    )
+    has_bare_newline = b"\n" in data.replace(b"\r\n", b"")
+    quoted = headers["man"] == '"ssdp:discover"'
+    return quoted and headers.get("host") == f"{GROUP}:{PORT}" and not has_bare_newline
 
 
 _MEMBER_OF = {id(x): "_MS" for x in services.SERVER} | {id(x): "_MR" for x in services.RENDERER}
@@ -105,15 +105,19 @@ def _own_headers(player: Player) -> list[str]:
     return rows
 
 
-def notification(player: Player, target: str, usn: str, kind: str) -> bytes:
-    """An announcement; `kind` is "ssdp:alive" or "ssdp:byebye"."""
-    rows = ["NOTIFY * HTTP/1.1", f"HOST: {GROUP}:{PORT}"]
-    if kind == "ssdp:alive":
-        rows += ["CACHE-CONTROL: max-age = 1800", f"LOCATION: {player.location}"]
-    rows += [f"NT: {target}", f"NTS: {kind}"]
-    if kind == "ssdp:alive":
-        rows.append(f"SERVER: {player.server}")
-    rows += [f"USN: {usn}", *_own_headers(player)]
+def notification(player: Player, target: str, usn: str) -> bytes:
+    """The announcement of a device that has come."""
+    rows = [
+        "NOTIFY * HTTP/1.1",
+        f"HOST: {GROUP}:{PORT}",
+        "CACHE-CONTROL: max-age = 1800",
+        f"LOCATION: {player.location}",
+        f"NT: {target}",
+        "NTS: ssdp:alive",
+        f"SERVER: {player.server}",
+        f"USN: {usn}",
+        *_own_headers(player),
+    ]
     return ("\r\n".join(rows) + "\r\n\r\n").encode()
 
 
@@ -192,7 +196,7 @@ class Responder:
         self._remember(player.ip)
         self._players[player.ip] = player
         if player.switches.ssdp != "silent" and not self.silenced:
-            self._announce(player, "ssdp:alive")
+            self._announce(player)
 
     def remove(self, player: Player) -> None:
         self._players.pop(player.ip, None)
@@ -270,8 +274,8 @@ class Responder:
         wait = self._random.uniform(0, within * 0.9)
         self._start(self._send(ip, datagrams, peer, wait))
 
-    def _announce(self, player: Player, kind: str) -> None:
-        datagrams = [notification(player, t, u, kind) for t, u in names(player)]
+    def _announce(self, player: Player) -> None:
+        datagrams = [notification(player, t, u) for t, u in names(player)]
         self._start(self._send(player.ip, datagrams, (GROUP, PORT), 0.05))
 
     def _start(self, work: Coroutine[Any, Any, None]) -> None:

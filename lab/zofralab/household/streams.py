@@ -26,6 +26,10 @@ class StreamError(Exception):
     """The stream could not be opened."""
 
 
+class NoSuchStream(StreamError):
+    """The server answered, and it was no. Asking it in another way is of no use."""
+
+
 class Streams:
     """One running fetch for each player that leads a playing group."""
 
@@ -87,6 +91,9 @@ class Streams:
             try:
                 await self._follow(player, url)
                 failures.append(f"{url}: ended")
+            except NoSuchStream as error:
+                failures.append(f"{url}: {error}")
+                break
             except (OSError, StreamError, asyncio.TimeoutError, asyncio.IncompleteReadError) as error:
                 failures.append(f"{url}: {error or type(error).__name__}")
             if player.transport.state == "PLAYING":
@@ -114,7 +121,7 @@ class Streams:
             if status in (301, 302, 303, 307, 308) and "location" in headers:
                 return headers["location"]
             if status != 200:
-                raise StreamError(f"HTTP {status}")
+                raise NoSuchStream(f"HTTP {status}")
             await self._count(player, url, headers.get("content-type", ""), reader)
             return None
         except asyncio.LimitOverrunError:
