@@ -113,9 +113,13 @@ InterfaceAddress describe(const ifaddrs& entry) {
         return address;
     address.family = entry.ifa_addr->sa_family;
     address.ip = numericText(*entry.ifa_addr);
-    // Without the flag the same field holds the other end of a point-to-point link.
-    if ((entry.ifa_flags & IFF_BROADCAST) != 0 && entry.ifa_broadaddr != nullptr)
-        address.broadcast = numericText(*entry.ifa_broadaddr);
+    // The same field holds the other end of a point-to-point link, or once more the address itself where
+    // there is no broadcast address.
+    if ((entry.ifa_flags & IFF_BROADCAST) != 0 && entry.ifa_broadaddr != nullptr) {
+        const auto broadcast = numericText(*entry.ifa_broadaddr);
+        if (!broadcast.isEmpty() && broadcast != address.ip)
+            address.broadcast = broadcast;
+    }
     return address;
 }
 
