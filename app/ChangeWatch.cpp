@@ -14,10 +14,13 @@ void ChangeWatch::touch() {
     if (m_isPosted)
         return;
     m_isPosted = true;
-    // Observers hear before a field changes; a turn later all of them have.
+    // Observers hear before a field changes. A turn later it has, and what others do about it has been
+    // posted; a further turn later that is done as well.
     m_mainQueue.async(m_lifetime.guard([this] {
-        m_isPosted = false;
-        m_observers.notify();
+        m_mainQueue.async(m_lifetime.guard([this] {
+            m_isPosted = false;
+            m_observers.notify();
+        }));
     }));
 }
 

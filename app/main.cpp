@@ -1,4 +1,152 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-int main() {
-    return 0;
+#include "app/AppDelegate.h"
+#include "app/DisplayProbe.h"
+#include "app/Options.h"
+#include "app/Program.h"
+#include "app/RemoteOptions.h"
+#include "app/StatusReport.h"
+#include "platform/linux/EndpointsLayers.h"
+
+#include <QApplication>
+#include <QDBusConnectionInterface>
+#include <QJsonDocument>
+
+#include <chrono>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <thread>
+
+namespace {
+
+using namespace zofra;
+
+enum ExitStatus : int { fine = 0, failed = 1, misused = 2 };
+
+int refuse(ExitStatus status, const QString& line) {
+    std::fprintf(stderr, "zofrazofra: %s\n", qUtf8Printable(line));
+    return status;
+}
+
+int print(const QString& text) {
+    std::printf("%s\n", qUtf8Printable(text));
+    return std::fflush(stdout) == 0 ? fine : failed;
+}
+
+QString versionLine() {
+    return QStringLiteral("zofrazofra ") +
+           versionText({{QStringLiteral("CFBundleShortVersionString"), QStringLiteral(ZOFRA_VERSION)},
+                        {QStringLiteral("CFBundleVersion"), QStringLiteral(ZOFRA_BUILD_NUMBER)}});
+}
+
+int printStatus(const QDBusConnection& bus, Options::Task task) {
+    const auto json = RunningApplication(bus).status();
+    if (!json)
+        return refuse(failed, QStringLiteral("the program is not running"));
+    if (task == Options::Task::statusJson)
+        return print(*json);
+    return print(statusLines(QJsonDocument::fromJson(json->toUtf8()).object()));
+}
+
+/// Until the running program has left the bus, so that a next start is a first one again.
+void waitForTheEnd(const QDBusConnection& bus) {
+    for (int i = 0; i < 100 && bus.interface()->isServiceRegistered(QStringLiteral("be.zofra.ZofraZofra"));
+         ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+}
+
+int handOver(const QDBusConnection& bus, const Options& options) {
+    const RunningApplication running(bus);
+    const QVariantMap map = toVariantMap(options);
+    if (map.isEmpty())
+        return running.activate(Activation::fromEnvironment())
+                   ? fine
+                   : refuse(failed, QStringLiteral("the running program does not answer"));
+    const auto reply = running.run(map);
+    if (!reply)
+        return refuse(failed, options.task == Options::Task::quit
+                                  ? QStringLiteral("the program is not running")
+                                  : QStringLiteral("the running program does not answer"));
+    if (options.task == Options::Task::quit && reply->exitStatus == fine)
+        waitForTheEnd(bus);
+    if (!reply->line.isEmpty())
+        std::fprintf(stderr, "zofrazofra: %s\n", qUtf8Printable(reply->line));
+    return reply->exitStatus;
+}
+
+/// Asks the running program for something, without becoming one.
+int askRunning(const std::optional<QDBusConnection>& bus, const Options& options) {
+    if (!bus)
+        return refuse(failed, QStringLiteral("there is no session bus to find the running program on"));
+    if (options.task == Options::Task::quit)
+        return handOver(*bus, options);
+    return printStatus(*bus, options.task);
+}
+
+int start(const Options& options, bool hasDisplay) {
+    // None of these is ever destroyed: see Program.
+    auto& mainQueue = *new QtMainQueue;
+    auto& sessionBus = *new SessionBus(SessionBus::Kind::session, mainQueue);
+    if (options.task != Options::Task::run)
+        return askRunning(sessionBus.connection(), options);
+
+    auto& applicationBus = *new ApplicationBus(sessionBus);
+    if (applicationBus.tryAcquire() == ApplicationBus::Claim::anotherIsRunning)
+        return handOver(*sessionBus.connection(), options);
+
+    auto hosts = loadServiceHosts(options.endpointsFile);
+    if (const auto* refusal = std::get_if<QString>(&hosts))
+        return refuse(misused, *refusal);
+    if (!hasDisplay && !options.headless)
+        return refuse(failed,
+                      QStringLiteral("there is no display to show the status item on (try --headless)"));
+
+    auto& program = *new Program({options, std::get<ServiceHosts>(hosts),
+                                  options.headless ? Program::Display::none : Program::Display::present},
+                                 mainQueue, sessionBus, applicationBus);
+    return program.run();
+}
+
+std::unique_ptr<QCoreApplication> makeApplication(const Options& options, int& argc, char** argv,
+                                                  bool& hasDisplay) {
+    QCoreApplication::setApplicationName(QStringLiteral("zofrazofra"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(ZOFRA_VERSION));
+    const bool needsDisplay = options.task == Options::Task::run && !options.headless;
+    const auto display = needsDisplay ? usableDisplay() : std::nullopt;
+    hasDisplay = display.has_value();
+    if (!hasDisplay)
+        return std::make_unique<QCoreApplication>(argc, argv);
+    qputenv("QT_QPA_PLATFORM", display->toUtf8());
+    QGuiApplication::setDesktopFileName(QStringLiteral("be.zofra.ZofraZofra"));
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    return std::make_unique<QApplication>(argc, argv);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    prepareStandardStreams();
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    const auto parsed = parseOptions(arguments);
+    if (const auto* refusal = std::get_if<QString>(&parsed))
+        return refuse(misused, *refusal);
+    const auto& options = std::get<Options>(parsed);
+    if (options.task == Options::Task::help)
+        return print(helpText());
+    if (options.task == Options::Task::version)
+        return print(versionLine());
+
+    bool hasDisplay = false;
+    // The toolkit must not take options of ours for its own.
+    int toolkitArgc = 1;
+    const auto application = makeApplication(options, toolkitArgc, argv, hasDisplay);
+    // The toolkit sets the user's locale; the audio engine must read numbers with points.
+    std::setlocale(LC_NUMERIC, "C");
+    const int status = start(options, hasDisplay);
+    // Threads may still be at work: whatever they use must not be taken apart under them.
+    std::fflush(nullptr);
+    std::_Exit(status);
 }

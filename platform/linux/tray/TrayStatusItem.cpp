@@ -79,8 +79,10 @@ StatusNotifierObject::Handlers TrayStatusItem::itemHandlers() {
             onSecondaryActivate();
     };
     handlers.scroll = [this](int delta) { scrolled(delta); };
-    // Read, and cleared, by the next window that asks to be activated.
-    handlers.activationToken = [](const QString& token) { qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8()); };
+    handlers.activationToken = [this](const QString& token) {
+        if (m_environment.activationToken)
+            m_environment.activationToken(token.toUtf8());
+    };
     handlers.pixmaps = [this](const QString& symbolName) { return pixmaps(symbolName); };
     return handlers;
 }

@@ -32,6 +32,8 @@ public:
         TraySession session;
         /// The item has been taken by a panel.
         std::function<void()> registered;
+        /// A panel passes on the right to the keyboard.
+        std::function<void(const QByteArray& token)> activationToken;
     };
     explicit TrayStatusItem(Environment environment);
     ~TrayStatusItem() override;

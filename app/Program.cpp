@@ -1,0 +1,270 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/Program.h"
+
+#include "app/Desktop.h"
+#include "app/RemoteOptions.h"
+#include "platform/linux/PreferredLanguages.h"
+#include "platform/linux/net/QtMetadataSocket.h"
+
+#include <QCoreApplication>
+#include <QJsonDocument>
+
+#include <cstdio>
+#include <utility>
+
+namespace zofra {
+
+namespace {
+
+Program* s_current = nullptr;
+
+/// How long the speakers have to take in that they shall stop.
+constexpr auto lastRequestsLimit = std::chrono::milliseconds(1000);
+constexpr auto lastRequestsLook = std::chrono::milliseconds(20);
+constexpr auto settingsLimit = std::chrono::milliseconds(500);
+
+QVariantMap bundle() {
+    return {{QStringLiteral("CFBundleShortVersionString"), QStringLiteral(ZOFRA_VERSION)},
+            {QStringLiteral("CFBundleVersion"), QStringLiteral(ZOFRA_BUILD_NUMBER)}};
+}
+
+void writeError(const QString& line) {
+    std::fprintf(stderr, "zofrazofra: %s\n", qUtf8Printable(line));
+}
+
+} // namespace
+
+/// The program as the desktop sees it, and its end: at once where nothing is under way, else as soon as the
+/// speakers have heard, within a second.
+class Program::Ending final : public Application {
+public:
+    explicit Ending(Program& program)
+        : m_program(program) {}
+
+    // Windows ask for the keyboard themselves when they are shown.
+    void activate(Others) override {}
+
+    void terminate() override {
+        if (m_isEnding)
+            return;
+        m_isEnding = true;
+        m_program.m_desktop->hideEverything();
+        m_program.m_mainQueue.async([this] { lookOrLeave(); });
+        m_limit =
+            m_program.m_mainQueue.startTimer(lastRequestsLimit, MainQueue::Repeat::once, [] { leave(); });
+    }
+
+private:
+    void lookOrLeave() {
+        if (m_program.m_session.underWay() == 0)
+            leave();
+        else
+            m_look = m_program.m_mainQueue.startTimer(lastRequestsLook, MainQueue::Repeat::forever, [this] {
+                if (m_program.m_session.underWay() == 0)
+                    leave();
+            });
+    }
+    static void leave() { QCoreApplication::exit(0); }
+
+    Program& m_program;
+    bool m_isEnding = false;
+    std::unique_ptr<Timer> m_look;
+    std::unique_ptr<Timer> m_limit;
+};
+
+Program::Program(Configuration configuration, QtMainQueue& mainQueue, SessionBus& sessionBus,
+                 ApplicationBus& applicationBus)
+    : m_configuration(std::move(configuration))
+    , m_mainQueue(mainQueue)
+    , m_sessionBus(sessionBus)
+    , m_applicationBus(applicationBus)
+    , m_systemBus(SessionBus::Kind::system, m_mainQueue)
+    , m_defaults(IniDefaultsStore::defaultPath(), m_tasks, IniDefaultsStore::reportTo(m_systemLog))
+    , m_http(m_configuration.hosts.extraAuthorityFile())
+    , m_session(m_http)
+    , m_wake(m_systemBus)
+    , m_networkChange(m_mainQueue)
+    , m_media(m_sessionBus)
+    , m_streams(m_mainQueue, m_systemLog, {m_configuration.hosts.extraAuthorityFile()})
+    , m_workspace(m_sessionBus) {
+    s_current = this;
+    if (m_configuration.display == Display::present)
+        m_desktop = makeDesktop(
+            Desktop::Environment{m_sessionBus, m_mainQueue, m_defaults, m_output, m_workspace, [] {}});
+    else
+        m_desktop = makeNoDesktop();
+    m_application = std::make_unique<Ending>(*this);
+}
+
+Program::~Program() {
+    s_current = nullptr;
+}
+
+Program& Program::current() {
+    Q_ASSERT(s_current);
+    return *s_current;
+}
+
+std::unique_ptr<LanguageManager> Program::makeLanguages() {
+    return std::make_unique<LanguageManager>(m_defaults, preferredLanguages());
+}
+
+std::unique_ptr<RadioPlayer> Program::makePlayer() {
+    return std::make_unique<RadioPlayer>(RadioPlayer::Environment{
+        m_streams, m_defaults, m_mainQueue, m_media, m_media, m_wake, m_output, m_configuration.hosts});
+}
+
+std::unique_ptr<SonosManager> Program::makeSonos() {
+    return std::make_unique<SonosManager>(
+        !m_configuration.options.noDiscovery,
+        SonosManager::Environment{m_session, m_defaults, m_mainQueue, m_tasks, m_network, m_systemLog,
+                                  LanguageManager::shared(), RadioPlayer::shared(), m_configuration.hosts});
+}
+
+AppDelegate::Environment Program::delegateEnvironment() {
+    return {m_defaults,
+            m_mainQueue,
+            m_output,
+            m_configuration.hosts,
+            m_session,
+            systemClock(),
+            qtWebSockets(m_configuration.hosts.extraAuthorityFile()),
+            m_desktop->statusBar(),
+            m_desktop->windows(),
+            *m_application,
+            m_workspace,
+            bundle(),
+            []() -> LanguageManager& { return LanguageManager::shared(); },
+            []() -> RadioPlayer& { return RadioPlayer::shared(); },
+            []() -> SonosManager& { return SonosManager::shared(); }};
+}
+
+int Program::run() {
+    m_delegate = std::make_unique<AppDelegate>(delegateEnvironment());
+    m_signals = std::make_unique<UnixSignals>([this] { m_delegate->quit(); });
+    connectApplicationBus();
+    connectMediaControls();
+    connectChanges();
+    m_delegate->applicationDidFinishLaunching();
+    m_commands = std::make_unique<CommandRunner>(CommandRunner::Environment{
+        *m_delegate, RadioPlayer::shared(), SonosManager::shared(), m_mainQueue, *m_changes});
+    m_commands->runAtStart(m_configuration.options, writeError);
+    m_changes->touch();
+    const int status = QCoreApplication::exec();
+    finish();
+    return status;
+}
+
+void Program::connectApplicationBus() {
+    m_applicationBus.onActivate = [this](const Activation& activation) { raise(activation); };
+    m_applicationBus.onOpen = [this](const QStringList&, const Activation& activation) { raise(activation); };
+    m_applicationBus.onActivateAction = [this](const QString& action, const QVariantList&,
+                                               const Activation&) {
+        if (action == QLatin1String("quit")) {
+            m_delegate->quit();
+        } else if (action == QLatin1String("play")) {
+            Options options;
+            options.play = true;
+            static_cast<void>(m_commands->run(options));
+        }
+    };
+    m_applicationBus.onRun = [this](const QVariantMap& options) { return runRequest(options); };
+    m_applicationBus.onStatus = [this] {
+        return QString::fromUtf8(QJsonDocument(toJson(report())).toJson(QJsonDocument::Compact));
+    };
+}
+
+RunReply Program::runRequest(const QVariantMap& map) {
+    const auto request = fromVariantMap(map);
+    if (const auto* refusal = std::get_if<QString>(&request))
+        return {2, *refusal};
+    const auto& options = std::get<Options>(request);
+    if (options.task == Options::Task::quit) {
+        m_delegate->quit();
+        return {};
+    }
+    if (const auto refusal = m_commands->run(options))
+        return {1, *refusal};
+    return {};
+}
+
+void Program::raise(const Activation& activation) {
+    m_desktop->setActivationToken(
+        (activation.activationToken.isEmpty() ? activation.desktopStartupId : activation.activationToken)
+            .toUtf8());
+    m_delegate->showAboutWindow();
+}
+
+void Program::connectMediaControls() {
+    m_media.onVolumeRequested = [this](double volume) { m_delegate->setVolume(static_cast<float>(volume)); };
+    m_media.onQuit = [this] { m_delegate->quit(); };
+    if (m_configuration.display == Display::present)
+        m_media.onRaise = [this] { m_delegate->showAboutWindow(); };
+    showMediaState();
+}
+
+void Program::connectChanges() {
+    m_changes = std::make_unique<ChangeWatch>(
+        m_mainQueue, std::vector<Observable*>{&RadioPlayer::shared(), &SonosManager::shared(),
+                                              &LanguageManager::shared(), &m_delegate->viewModel()});
+    m_observations.push_back(m_changes->observe([this] { changed(); }));
+    // Streams that wait before they are tried again need not wait any longer.
+    m_observations.push_back(m_wake.observeDidWake([this] { m_streams.tryNow(); }));
+    m_observations.push_back(m_networkChange.observeChanged([this] { m_streams.tryNow(); }));
+}
+
+void Program::changed() {
+    showMediaState();
+    if (StatusItem* item = m_delegate->statusItem())
+        item->menuDidChange();
+    writeChangeLines();
+}
+
+void Program::writeChangeLines() {
+    if (!m_configuration.options.headless)
+        return;
+    for (const QString& line : m_lines.update(report()))
+        m_output.writeLine(line);
+}
+
+void Program::showMediaState() {
+    using State = MprisPlayer::PlaybackState;
+    const RadioPlayer& player = RadioPlayer::shared();
+    m_media.setPlaybackState(player.isPlaying ? State::playing
+                             : player.player  ? State::paused
+                                              : State::stopped);
+    m_media.setVolume(static_cast<double>(player.volume.get()));
+}
+
+StatusReport Program::report() const {
+    const RadioPlayer& player = RadioPlayer::shared();
+    const SonosManager& sonos = SonosManager::shared();
+    StatusReport report;
+    report.station = player.currentStation;
+    report.playing = m_delegate->isPlaying();
+    report.buffering = report.playing && player.isPlaying && player.isBuffering;
+    report.volume = player.volume;
+    report.output = sonos.activeTarget;
+    report.outputTitle = sonos.activeTargetTitle();
+    report.song = m_delegate->currentSongText();
+    if (const auto& next = m_delegate->nextSongText(); next && !next->isEmpty())
+        report.next = *next;
+    report.language = LanguageManager::shared().currentLanguage();
+    for (const SonosRoom& room : sonos.rooms.get())
+        report.rooms.push_back({room.id(), sonos.displayTitle(room), room.speakers.size()});
+    report.scanning = sonos.isScanning;
+    report.networkDenied = sonos.localNetworkDenied;
+    const StatusItem* item = m_delegate->statusItem();
+    report.tray = statusItemModeName(item ? item->mode() : StatusItemMode::none);
+    report.version = versionText(bundle());
+    return report;
+}
+
+void Program::finish() {
+    writeChangeLines();
+    // What was chosen last must not be lost; the files are small.
+    if (!m_defaults.flush(settingsLimit))
+        writeError(QStringLiteral("not every setting could be kept"));
+}
+
+} // namespace zofra

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/AppDelegate.h"
+#include "app/ChangeLines.h"
+#include "app/ChangeWatch.h"
+#include "app/CommandRunner.h"
+#include "app/ControlRequestCount.h"
+#include "app/Options.h"
+#include "app/StatusReport.h"
+#include "app/UnixSignals.h"
+#include "platform/linux/ApplicationBus.h"
+#include "platform/linux/DesktopWorkspace.h"
+#include "platform/linux/IniDefaultsStore.h"
+#include "platform/linux/LogindWake.h"
+#include "platform/linux/MprisPlayer.h"
+#include "platform/linux/NetworkChange.h"
+#include "platform/linux/QtMainQueue.h"
+#include "platform/linux/SessionBus.h"
+#include "platform/linux/StandardOutputWriter.h"
+#include "platform/linux/SyslogLog.h"
+#include "platform/linux/ThreadTaskPool.h"
+#include "platform/linux/audio/MpvStreamPlayerFactory.h"
+#include "platform/linux/lan/LinuxLocalNetwork.h"
+#include "platform/linux/net/CurlHttpSession.h"
+
+#include <memory>
+#include <optional>
+
+namespace zofra {
+
+class Desktop;
+
+/// The running program: makes the real parts of the platform, hands them to the core, and connects both to
+/// the buses. One for each process; what it holds is never destroyed, for threads of the parts may still be
+/// at work when the program ends. Main thread only.
+class Program {
+public:
+    enum class Display { none, present };
+    struct Configuration {
+        Options options;
+        ServiceHosts hosts;
+        Display display = Display::none;
+    };
+
+    /// `sessionBus` and `mainQueue` outlive it. `applicationBus` is ours already, or there is no bus.
+    Program(Configuration configuration, QtMainQueue& mainQueue, SessionBus& sessionBus,
+            ApplicationBus& applicationBus);
+    ~Program();
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    /// The one that exists; there must be one.
+    [[nodiscard]] static Program& current();
+
+    /// Launches and runs until the program is asked to end. Returns its exit status.
+    [[nodiscard]] int run();
+
+    // What the shared instances are made with.
+    [[nodiscard]] std::unique_ptr<LanguageManager> makeLanguages();
+    [[nodiscard]] std::unique_ptr<RadioPlayer> makePlayer();
+    [[nodiscard]] std::unique_ptr<SonosManager> makeSonos();
+
+private:
+    class Ending;
+
+    [[nodiscard]] AppDelegate::Environment delegateEnvironment();
+    void connectMediaControls();
+    void connectApplicationBus();
+    void connectChanges();
+    [[nodiscard]] RunReply runRequest(const QVariantMap& options);
+    void raise(const Activation& activation);
+    void changed();
+    void writeChangeLines();
+    void showMediaState();
+    [[nodiscard]] StatusReport report() const;
+    void finish();
+
+    Configuration m_configuration;
+    QtMainQueue& m_mainQueue;
+    SessionBus& m_sessionBus;
+    ApplicationBus& m_applicationBus;
+    SessionBus m_systemBus;
+    ThreadTaskPool m_tasks;
+    SyslogLog m_systemLog;
+    StandardOutputWriter m_output;
+    IniDefaultsStore m_defaults;
+    CurlHttpSession m_http;
+    ControlRequestCount m_session;
+    LinuxLocalNetwork m_network;
+    LogindWake m_wake;
+    NetworkChange m_networkChange;
+    MprisPlayer m_media;
+    MpvStreamPlayerFactory m_streams;
+    DesktopWorkspace m_workspace;
+    std::unique_ptr<Desktop> m_desktop;
+    std::unique_ptr<Application> m_application;
+    std::unique_ptr<AppDelegate> m_delegate;
+    std::unique_ptr<ChangeWatch> m_changes;
+    std::unique_ptr<CommandRunner> m_commands;
+    std::unique_ptr<UnixSignals> m_signals;
+    ChangeLines m_lines;
+    std::vector<ObservationToken> m_observations;
+};
+
+} // namespace zofra
