@@ -4,8 +4,8 @@
 Encoding eighteen streams all day would cost most of a processor; sending frames that exist already costs nothing.
 The tone fits a whole number of times into the loop, the frames are cut from the middle of a longer encoding, and the
 MP3 encoder may not borrow bits from one frame for another, so that the last frame is followed by the first as by
-any other. A hiss far below the tone makes every frame different: a listener who comes in the middle of a frame, as with any
-icecast, could otherwise take a pattern that repeats itself for the beginning of frames.
+any other. A hiss far below the tone makes every frame different: a listener who comes in the middle of a frame, as
+with any icecast, could otherwise take a pattern that repeats itself for the beginning of frames.
 """
 
 import os

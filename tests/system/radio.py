@@ -75,7 +75,8 @@ class Radio:
     def wait_ready(self, timeout=10.0):
         """Wait until it answers `--status`."""
         def ready():
-            assert self.process.poll() is None, f"the program ended with {self.process.returncode}:\n{self.transcript()}"
+            ended = self.process.poll()
+            assert ended is None, f"the program ended with {ended}:\n{self.transcript()}"
             return self.ask("--status", "--json").returncode == 0
         wait_until(ready, timeout, "the program to answer", 0.05)
 
@@ -187,6 +188,11 @@ class Radio:
         """Its proportional set size in kilobytes."""
         with open(f"/proc/{self.pid}/smaps_rollup", encoding="ascii") as file:
             return int(re.search(r"^Pss:\s+(\d+) kB", file.read(), re.M).group(1))
+
+    def peak_memory(self):
+        """The largest resident set it ever had, in kilobytes."""
+        with open(f"/proc/{self.pid}/status", encoding="ascii") as file:
+            return int(re.search(r"^VmHWM:\s+(\d+) kB", file.read(), re.M).group(1))
 
     # Its place on the bus.
 

@@ -185,7 +185,8 @@ def test_the_scraper_has_a_page_for_every_live_station(lab):
 @pytest.mark.parametrize("how, expected", [
     ({"status": 500}, (0, 500)), ({"hang": True}, (28, 0)), ({"hang": "headers"}, (28, 200)),
     ({"hang": "body"}, (28, 200)), ({"close": True}, (52, 0)), ({"reset": True}, (56, 0)), ({"short": True}, (18, 200)),
-    ({"body": "nonsense"}, (0, 200)), ({"redirect": 3}, (0, 200)), ({"redirect": "http://onair.zofra.test/"}, (7, 302))],
+    ({"body": "nonsense"}, (0, 200)), ({"redirect": 3}, (0, 200)),
+    ({"redirect": "http://onair.zofra.test/"}, (7, 302))],
     ids=str)
 def test_http_services_misbehave_on_demand(lab, how, expected):
     lab.onair.answer(**how)

@@ -70,7 +70,7 @@ def test_the_request_is_what_the_service_expects(start, lab):
     {"status": 500}, {"status": 404}, {"body": "nonsense"}, {"body": ""}, {"form": "empty"}, {"form": "error"},
     {"body": "[1,2]"}, {"body": '{"results":{"6":{}}}'}, {"close": True}, {"reset": True}, {"short": True},
     {"huge": 64_000_000}, {"redirect": 6}, {"redirect": "http://onair.zofra.test/056/qp/v3/onair?rpIds=6"},
-    {"redirect": "file:///etc/hostname"}, {"base64": "/////w=="}], ids=str)
+    {"redirect": "file:///etc/hostname"}, {"base64": "/////w=="}], ids=lambda how: str(how)[:40])
 def test_a_failed_answer_is_asked_for_once_more_after_two_seconds(start, lab, how):
     lab.onair.answer(**how)
     radio = start()
@@ -105,19 +105,22 @@ def test_a_wrong_certificate_is_refused(start, lab, kind):
     assert lab.onair.requests() == [] and songs(radio) == [LOADING]
 
 
+@pytest.mark.slow
 def test_a_huge_answer_is_cut_off_while_it_comes(start, lab):
-    radio = start("zofra")
-    radio.wait_line("song: .* – .*")
-    before = radio.memory()
+    lab.onair.answer(song=["By", "Song"])
+    radio = start("bel_rtl")
+    radio.wait_line("song: By – Song")
+    before = radio.peak_memory()
     lab.onair.answer(huge=64_000_000)
-    assert radio.ask("--play", "bel_rtl").returncode == 0
-    asked(lab, "onair", 3)
-    sent = wait_until(lambda: lab.onair.connections()[-1]["closed"] and lab.onair.connections(), 10, "it to leave")
-    assert max(connection["sent"] for connection in sent) < 8_000_000
-    assert radio.memory() - before < 40_000  # the engine for sound has been loaded meanwhile
+    asked(lab, "onair", 3, 25)  # the next round and its second attempt
+    wait_until(lambda: lab.onair.connections()[-1]["closed"], 10, "it to leave")
+    # What is between the two ends is in the kernel's buffers.
+    assert max(connection["sent"] for connection in lab.onair.connections()) < 8_000_000
+    assert radio.peak_memory() - before < 6_000
+    assert songs(radio) == [LOADING, "By – Song"]
 
 
-def test_a_slow_answer_counts_and_a_hanging_one_is_given_up_after_six_seconds(start, lab):
+def test_a_slow_answer_counts(start, lab):
     lab.onair.queue(answers=[{"delay": 5, "song": ["Slow", "But Sure"]}])
     start("bel_rtl").wait_line("song: Slow – But Sure", 7)
 
@@ -131,10 +134,23 @@ def test_a_hanging_service_is_given_up_after_six_seconds(start, lab, hang):
     radio = start("zofra")
     first = asked(lab, "onair", 1)[0]
     scraped = asked(lab, "scraper", 1)[0]
-    assert 5.9 <= scraped["at"] - first["at"] <= 7.0
+    # The six seconds began before the request had come.
+    assert 5.5 <= scraped["at"] - first["at"] <= 7.0
     radio.wait_line("song: From - Scraper")
-    retry = asked(lab, "onair", 2)[1]
-    assert 1.9 <= retry["at"] - scraped["at"] <= 3.0
+    # The scraper's answer is newer than a second attempt would be: the service is left alone until the next round.
+    assert asked(lab, "onair", 2, 20)[1]["at"] - first["at"] >= 14
+
+
+@pytest.mark.slow
+def test_with_both_services_failing_each_is_asked_twice_in_a_round(start, lab):
+    no_live_feed(lab)
+    lab.onair.answer(status=500)
+    lab.scraper.answer(status=500)
+    radio = start("zofra")
+    rounds = asked(lab, "onair", 3, 25)
+    assert 1.9 <= rounds[1]["at"] - rounds[0]["at"] <= 3.0 and rounds[2]["at"] - rounds[0]["at"] >= 14
+    assert len([r for r in lab.scraper.requests() if r["at"] < rounds[2]["at"] - 0.5]) == 2
+    assert songs(radio) == [LOADING]
 
 
 @pytest.mark.parametrize("station", ["zofra", "qmusic", "joe", "zofra_class_x"])
@@ -149,7 +165,8 @@ def test_the_scraper_takes_over_for_stations_with_a_live_feed(start, lab, statio
 
 
 @pytest.mark.parametrize("how, shown", [
-    ({"form": "tracks", "song": ["By", "Song"]}, "By – Song"), ({"form": "page", "song": ["By", "Song"]}, "By - Song"),
+    ({"form": "tracks", "song": ["By", "Song"]}, "By – Song"),
+    ({"form": "page", "song": ["By", "Song"]}, "By - Song"),
     ({"form": "none"}, "Zofra"), ({"body": '{"title" :  "one", "title": "two"}'}, "one"),
     ({"body": r'{"title":"\u00e9t\u00e9 \/ Thunder"}'}, r"\u00e9t\u00e9 \/ Thunder"),
     ({"body": '{"title":"","artist":"A","track":"T"}'}, "A – T"), ({"body": "nothing at all"}, "Zofra")], ids=str)

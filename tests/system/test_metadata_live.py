@@ -100,9 +100,11 @@ def event(title, station="zofra_be"):
 
 
 @pytest.mark.parametrize("text", [
-    'a["not json"]', "a[nonsense", 'a[{"action":"data"}]', "a[]", 'a["{\\"action\\":\\"data\\",\\"data\\":\\"{broken\\"}"]',
+    'a["not json"]', "a[nonsense", 'a[{"action":"data"}]', "a[]",
+    'a["{\\"action\\":\\"data\\",\\"data\\":\\"{broken\\"}"]',
     frame(event("Wrong", "qmusic_be")), frame(event("Wrong"), action="meta"), frame({"station": "zofra_be"}),
-    frame({"station": "zofra_be", "data": {"title": 5}}), "x", "", "hello", "H", 'm"x"'], ids=lambda t: t[:34] or "empty")
+    frame({"station": "zofra_be", "data": {"title": 5}}), "x", "", "hello", "H", 'm"x"'],
+    ids=lambda t: t[:34] or "empty")
 def test_garbage_changes_nothing_and_the_connection_is_kept(radio, lab, text):
     without_http(lab)
     radio.start()
@@ -194,7 +196,8 @@ def test_silence_for_forty_five_seconds_renews_the_socket(radio, lab):
     first = joined(lab)
     lab.livefeed.behave(mute=True)
     muted = time.monotonic()
-    second = wait_until(lambda: len(lab.livefeed.sessions()) > 1 and lab.livefeed.sessions()[1], 75, "a new socket", 0.2)
+    second = wait_until(lambda: len(lab.livefeed.sessions()) > 1 and lab.livefeed.sessions()[1], 75, "a new socket",
+                        0.2)
     lab.livefeed.behave(mute=False)
     assert 44.0 <= second["opened"] - muted <= 62.0
     # On one of the ticks, which began with the program.

@@ -11,7 +11,7 @@ from zofralab.process import wait_until
 HOSTILE = {
     "ampersand": "Salt & Iron &amp; &quit;", "underscores": "_50_50__x", "markup": "<b>bold</b> <img src='x'/>",
     "line breaks": "one\ntwo\r\nthree\u2028four\u2029five", "control": "a\x00b\x07c\x1b[31md\x7fe\x85f",
-    "bidi": "abc\u202egnp.exe\u2066\u2067\u200f", "tabs and blanks": "a\t\tb  c", "emoji": "日本 😀 e\u0301",
+    "bidi": "abc\u202egnp.exe\u2066\u2067\u200f", "bidi that closes": "a\u202cb\u2069\u2069c", "tabs and blanks": "a\t\tb  c", "emoji": "日本 😀 e\u0301",
     "long": "lang " * 820, "one long word": "x" * 4096, "quotes": "\"it's\" \\ `$(id)` %s %1 {0}",
 }
 
@@ -29,9 +29,17 @@ def shown(radio, lab, status_bar):
 
 
 def visible(text):
-    """Whether a text has nothing that moves, breaks or hides other text."""
-    return not any(unicodedata.category(c) in ("Cc", "Zl", "Zp") or c in "\u202a\u202b\u202c\u202d\u202e\u2066\u2067"
-                   "\u2068\u2069\u200e\u200f" for c in text)
+    """Whether a text is one line that keeps to itself: no control characters, no breaks, and whatever turns the
+    direction of writing is closed again within the text and closes nothing outside of it."""
+    if any(unicodedata.category(c) in ("Cc", "Zl", "Zp") for c in text):
+        return False
+    open_ones = []
+    for c in text:
+        if c in "\u202a\u202b\u202d\u202e\u2066\u2067\u2068":
+            open_ones.append("\u2069" if c >= "\u2066" else "\u202c")
+        elif c in "\u202c\u2069" and (not open_ones or open_ones.pop() != c):
+            return False
+    return not open_ones
 
 
 @pytest.mark.parametrize("title", HOSTILE.values(), ids=HOSTILE.keys())

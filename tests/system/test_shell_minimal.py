@@ -175,16 +175,28 @@ def test_the_menu_offers_what_the_program_can(radio, status_bar):
     assert menu.children[0].label == "Play Radio" and menu.children[-1].label == "Quit Zofra Zofra"
 
 
-def test_ids_of_an_old_menu_do_nothing(radio, status_bar):
+def entries_of(entry):
+    """{id: label} of a whole menu."""
+    found = {entry.identity: entry.label}
+    for child in entry.children:
+        found.update(entries_of(child))
+    return found
+
+
+def test_an_id_never_means_two_things_and_unknown_ids_do_nothing(radio, status_bar):
     radio.start(headless=False)
     menu = status_bar.wait_for_item().menu
-    old = find(menu.open(), "Quit Zofra Zofra").identity
-    new = find(menu.open(), "Quit Zofra Zofra").identity
-    assert old != new
-    menu.event(old)
-    menu.event(987654)
+    meaning = {}
+    for option in ("joe", "qmusic", "bel_rtl"):
+        assert radio.ask("--play", option).returncode == 0
+        radio.wait_status(playing=True)
+        for identity, label in entries_of(menu.open()).items():
+            assert identity == 0 or meaning.setdefault(identity, label) == label
+    shown = entries_of(menu.open())
+    for identity in [*(set(meaning) - set(shown)), max(meaning) + 1000, -5]:
+        menu.event(identity)
     menu.open()
-    assert radio.process.poll() is None
+    assert radio.process.poll() is None and radio.status()["station"] == "bel_rtl" and radio.status()["playing"]
 
 
 def test_quit_from_the_menu(radio, status_bar):
