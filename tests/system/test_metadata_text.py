@@ -11,7 +11,8 @@ from zofralab.process import wait_until
 HOSTILE = {
     "ampersand": "Salt & Iron &amp; &quit;", "underscores": "_50_50__x", "markup": "<b>bold</b> <img src='x'/>",
     "line breaks": "one\ntwo\r\nthree\u2028four\u2029five", "control": "a\x00b\x07c\x1b[31md\x7fe\x85f",
-    "bidi": "abc\u202egnp.exe\u2066\u2067\u200f", "bidi that closes": "a\u202cb\u2069\u2069c", "tabs and blanks": "a\t\tb  c", "emoji": "日本 😀 e\u0301",
+    "bidi": "abc\u202egnp.exe\u2066\u2067\u200f",
+    "bidi that closes": "a\u202cb\u2069\u2069c", "tabs and blanks": "a\t\tb  c", "emoji": "日本 😀 e\u0301",
     "long": "lang " * 820, "one long word": "x" * 4096, "quotes": "\"it's\" \\ `$(id)` %s %1 {0}",
 }
 
