@@ -55,7 +55,7 @@ bool ServerConnection::write(const QByteArray& bytes) {
             return false;
         m_socket.waitForBytesWritten(slice);
     }
-    return m_socket.state() == QAbstractSocket::ConnectedState;
+    return !m_stopping && m_socket.state() == QAbstractSocket::ConnectedState;
 }
 
 bool ServerConnection::flood(const QByteArray& bytes, std::chrono::milliseconds patience) {
@@ -66,7 +66,7 @@ bool ServerConnection::flood(const QByteArray& bytes, std::chrono::milliseconds 
             return false;
         m_socket.waitForBytesWritten(slice);
     }
-    return m_socket.state() == QAbstractSocket::ConnectedState;
+    return !m_stopping && m_socket.state() == QAbstractSocket::ConnectedState;
 }
 
 void ServerConnection::pause(std::chrono::milliseconds time) {

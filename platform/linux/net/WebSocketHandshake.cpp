@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/net/WebSocketHandshake.h"
+
+#include <QCryptographicHash>
+#include <QList>
+
+#include <algorithm>
+#include <utility>
+
+namespace zofra {
+
+namespace {
+
+constexpr qsizetype maxAnswerBytes = 16 * 1024;
+
+/// The values of every header `name`, joined with commas as if they stood in one line; absent when there is
+/// none.
+std::optional<QByteArray> headerValue(const QList<QByteArray>& lines, const QByteArray& name) {
+    std::optional<QByteArray> value;
+    for (const auto& line : lines) {
+        const auto colon = line.indexOf(':');
+        if (colon < 0 || line.first(colon).compare(name, Qt::CaseInsensitive) != 0)
+            continue;
+        const auto more = line.sliced(colon + 1).trimmed();
+        value = value ? *value + ',' + more : more;
+    }
+    return value;
+}
+
+bool hasToken(const std::optional<QByteArray>& value, const QByteArray& token) {
+    if (!value)
+        return false;
+    const auto tokens = value->split(',');
+    return std::any_of(tokens.begin(), tokens.end(), [&token](const QByteArray& one) {
+        return one.trimmed().compare(token, Qt::CaseInsensitive) == 0;
+    });
+}
+
+QByteArray hostHeader(const QUrl& url) {
+    auto host = url.host(QUrl::FullyEncoded).toLatin1();
+    if (host.contains(':'))
+        host = '[' + host + ']';
+    return url.port() < 0 ? host : host + ':' + QByteArray::number(url.port());
+}
+
+QByteArray target(const QUrl& url) {
+    auto path = url.path(QUrl::FullyEncoded).toLatin1();
+    if (path.isEmpty())
+        path = "/";
+    return url.hasQuery() ? path + '?' + url.query(QUrl::FullyEncoded).toLatin1() : path;
+}
+
+} // namespace
+
+WebSocketHandshake::WebSocketHandshake(QUrl url, const QByteArray& nonce)
+    : m_url(std::move(url))
+    , m_key(nonce.toBase64()) {}
+
+QByteArray WebSocketHandshake::request() const {
+    return "GET " + target(m_url) + " HTTP/1.1\r\nHost: " + hostHeader(m_url) +
+           "\r\nUpgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Key: " + m_key +
+           "\r\nSec-WebSocket-Version: 13\r\nUser-Agent: Mozilla/5.0\r\n\r\n";
+}
+
+QByteArray WebSocketHandshake::acceptFor(const QByteArray& key) {
+    return QCryptographicHash::hash(key + "258EAFA5-E914-47DA-95CA-C5AB0DC85B11", QCryptographicHash::Sha1)
+        .toBase64();
+}
+
+std::optional<std::variant<WebSocketHandshake::Accepted, WebSocketHandshake::Refused>>
+WebSocketHandshake::receive(const QByteArray& bytes) {
+    const QByteArray endOfHead = "\r\n\r\n";
+    // The end may lie across two pieces; what was searched before need not be searched again.
+    const auto from = std::max<qsizetype>(0, m_received.size() - endOfHead.size());
+    m_received += bytes;
+    const auto end = m_received.indexOf(endOfHead, from);
+    if (end < 0 && m_received.size() <= maxAnswerBytes)
+        return std::nullopt;
+    if (end < 0 || end > maxAnswerBytes)
+        return Refused{QStringLiteral("The server's answer is too long.")};
+    if (auto refused = check(m_received.first(end)))
+        return *refused;
+    return Accepted{m_received.sliced(end + endOfHead.size())};
+}
+
+std::optional<WebSocketHandshake::Refused> WebSocketHandshake::check(const QByteArray& head) const {
+    auto lines = head.split('\n');
+    for (auto& line : lines) {
+        if (line.endsWith('\r'))
+            line.chop(1);
+    }
+    const auto status = lines.takeFirst();
+    if (!status.startsWith("HTTP/1.1 ") || (status.size() > 12 && status[12] != ' '))
+        return Refused{QStringLiteral("The server does not speak HTTP.")};
+    if (const auto code = status.sliced(9).first(std::min<qsizetype>(3, status.size() - 9)); code != "101")
+        return Refused{QStringLiteral("The server answered with status ") + QString::fromLatin1(code) +
+                       QStringLiteral(" instead of opening a web socket.")};
+    // Neither extensions nor sub-protocols were offered, so none may be chosen.
+    if (!hasToken(headerValue(lines, "Upgrade"), "websocket") ||
+        !hasToken(headerValue(lines, "Connection"), "upgrade") ||
+        headerValue(lines, "Sec-WebSocket-Accept") != acceptFor(m_key) ||
+        !headerValue(lines, "Sec-WebSocket-Extensions").value_or(QByteArray()).isEmpty() ||
+        headerValue(lines, "Sec-WebSocket-Protocol").has_value())
+        return Refused{QStringLiteral("The server's answer does not open a web socket.")};
+    return std::nullopt;
+}
+
+} // namespace zofra

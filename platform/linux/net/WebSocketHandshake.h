@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QUrl>
+
+#include <optional>
+#include <variant>
+
+namespace zofra {
+
+/// The opening handshake of a web socket, RFC 6455 section 4, from the client's side. Pure code without a
+/// socket.
+class WebSocketHandshake {
+public:
+    /// `nonce`: 16 random bytes.
+    WebSocketHandshake(QUrl url, const QByteArray& nonce);
+
+    [[nodiscard]] QByteArray request() const;
+
+    struct Refused {
+        QString reason;
+    };
+    struct Accepted {
+        /// What already belongs to the open socket.
+        QByteArray rest;
+    };
+    /// Takes what the server sends; absent while the answer is not whole.
+    [[nodiscard]] std::optional<std::variant<Accepted, Refused>> receive(const QByteArray& bytes);
+
+    /// What the server has to answer to `key`.
+    [[nodiscard]] static QByteArray acceptFor(const QByteArray& key);
+
+private:
+    [[nodiscard]] std::optional<Refused> check(const QByteArray& head) const;
+
+    QUrl m_url;
+    QByteArray m_key;
+    QByteArray m_received;
+};
+
+} // namespace zofra

@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/net/WebSocketWire.h"
+
+#include <QStringDecoder>
+#include <QtEndian>
+
+#include <algorithm>
+#include <array>
+
+namespace zofra {
+
+namespace {
+
+constexpr std::uint16_t protocolError = 1002;
+constexpr std::uint16_t noCodeGiven = 1005;
+constexpr std::uint16_t invalidPayload = 1007;
+constexpr std::uint16_t messageTooBig = 1009;
+constexpr std::uint64_t maxControlBytes = 125;
+
+/// Codes that may stand in a close frame.
+bool mayBeSent(std::uint16_t closeCode) {
+    constexpr std::array<std::uint16_t, 4> never{1004, 1005, 1006, 1015};
+    return closeCode >= 1000 && closeCode < 5000 &&
+           std::find(never.begin(), never.end(), closeCode) == never.end();
+}
+
+std::optional<QString> strictUtf8(QByteArrayView bytes) {
+    QStringDecoder decoder(QStringDecoder::Utf8,
+                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    QString text = decoder.decode(bytes);
+    return decoder.hasError() ? std::nullopt : std::optional(text);
+}
+
+} // namespace
+
+std::optional<WebSocketEvent> WebSocketReader::next(QByteArrayView& input) {
+    while (!m_hasEnded) {
+        if (!m_headerIsWhole) {
+            if (!readHeader(input))
+                return std::nullopt;
+            if (auto broken = checkHeader())
+                return broken;
+        }
+        const auto taken =
+            static_cast<qsizetype>(std::min<std::uint64_t>(m_left, static_cast<std::uint64_t>(input.size())));
+        (isControl() ? m_control : m_message).append(input.first(taken));
+        input = input.sliced(taken);
+        m_left -= static_cast<std::uint64_t>(taken);
+        if (m_left > 0)
+            return std::nullopt;
+        m_headerIsWhole = false;
+        auto event = endFrame();
+        m_header.clear();
+        return event;
+    }
+    input = {};
+    return std::nullopt;
+}
+
+/// The two first bytes tell how long the header is.
+qsizetype WebSocketReader::headerSize() const {
+    if (m_header.size() < 2)
+        return 2;
+    const auto length = headerByte(1) & 0x7fU;
+    return length == 127 ? 10 : length == 126 ? 4 : 2;
+}
+
+bool WebSocketReader::readHeader(QByteArrayView& input) {
+    while (m_header.size() < headerSize()) {
+        if (input.isEmpty())
+            return false;
+        const auto taken = std::min(headerSize() - m_header.size(), input.size());
+        m_header.append(input.first(taken));
+        input = input.sliced(taken);
+    }
+    m_headerIsWhole = true;
+    m_left = headerByte(1) & 0x7fU;
+    if (m_header.size() == 4)
+        m_left = qFromBigEndian<quint16>(m_header.constData() + 2);
+    else if (m_header.size() == 10)
+        m_left = qFromBigEndian<quint64>(m_header.constData() + 2);
+    return true;
+}
+
+std::optional<WebSocketEvent> WebSocketReader::checkHeader() {
+    if ((headerByte(0) & 0x70U) != 0)
+        return violation(protocolError, QStringLiteral("reserved bits are set"));
+    if ((headerByte(1) & 0x80U) != 0)
+        return violation(protocolError, QStringLiteral("a frame of the server is masked"));
+    switch (opcode()) {
+    case Opcode::continuation:
+    case Opcode::text:
+    case Opcode::binary:
+        return checkDataFrame();
+    case Opcode::close:
+    case Opcode::ping:
+    case Opcode::pong:
+        if (!isFinal() || m_left > maxControlBytes)
+            return violation(protocolError, QStringLiteral("a control frame is too long or in parts"));
+        return std::nullopt;
+    }
+    return violation(protocolError, QStringLiteral("a frame is of an unknown kind"));
+}
+
+std::optional<WebSocketEvent> WebSocketReader::checkDataFrame() {
+    const bool continues = opcode() == Opcode::continuation;
+    if (continues != m_messageOpcode.has_value())
+        return violation(protocolError, QStringLiteral("the parts of a message do not fit together"));
+    if (!continues)
+        m_messageOpcode = opcode();
+    if (m_left > m_maxMessageBytes - static_cast<std::size_t>(m_message.size()))
+        return violation(messageTooBig, QStringLiteral("a message is too long"));
+    return std::nullopt;
+}
+
+WebSocketEvent WebSocketReader::endFrame() {
+    switch (opcode()) {
+    case Opcode::ping:
+        return {WebSocketEvent::Kind::ping, {}, std::exchange(m_control, {})};
+    case Opcode::pong:
+        return {WebSocketEvent::Kind::pong, {}, std::exchange(m_control, {})};
+    case Opcode::close:
+        return endClose();
+    default:
+        return isFinal() ? endMessage() : WebSocketEvent{};
+    }
+}
+
+WebSocketEvent WebSocketReader::endMessage() {
+    const auto began = m_messageOpcode;
+    m_messageOpcode.reset();
+    auto bytes = std::exchange(m_message, {});
+    if (began == Opcode::binary)
+        return {WebSocketEvent::Kind::binary, {}, std::move(bytes)};
+    auto text = strictUtf8(bytes);
+    if (!text)
+        return violation(invalidPayload, QStringLiteral("a text is not valid UTF-8"));
+    return {WebSocketEvent::Kind::text, *std::move(text), {}};
+}
+
+WebSocketEvent WebSocketReader::endClose() {
+    m_hasEnded = true;
+    const auto payload = std::exchange(m_control, {});
+    if (payload.isEmpty())
+        return {WebSocketEvent::Kind::close, {}, {}, noCodeGiven};
+    const auto reason = payload.size() >= 2 ? strictUtf8(QByteArrayView(payload).sliced(2)) : std::nullopt;
+    const auto closeCode = reason ? qFromBigEndian<quint16>(payload.constData()) : quint16{0};
+    if (!mayBeSent(closeCode))
+        return violation(protocolError, QStringLiteral("a close frame is malformed"));
+    return {WebSocketEvent::Kind::close, *reason, {}, closeCode};
+}
+
+WebSocketEvent WebSocketReader::violation(std::uint16_t closeCode, const QString& text) {
+    m_hasEnded = true;
+    m_message = {};
+    m_control = {};
+    return {WebSocketEvent::Kind::violation, text, {}, closeCode};
+}
+
+QByteArray webSocketFrame(WebSocketOpcode opcode, QByteArrayView payload, std::uint32_t mask) {
+    constexpr std::uint8_t final = 0x80;
+    constexpr std::uint8_t masked = 0x80;
+    QByteArray frame;
+    frame.reserve(payload.size() + 14);
+    frame.append(static_cast<char>(final | static_cast<std::uint8_t>(opcode)));
+    const auto append = [&frame](auto number) {
+        std::array<char, sizeof number> bytes{};
+        qToBigEndian(number, bytes.data());
+        frame.append(bytes.data(), bytes.size());
+    };
+    if (payload.size() < 126) {
+        frame.append(static_cast<char>(masked | static_cast<std::uint8_t>(payload.size())));
+    } else if (payload.size() <= 0xffff) {
+        frame.append(static_cast<char>(masked | 126U));
+        append(static_cast<quint16>(payload.size()));
+    } else {
+        frame.append(static_cast<char>(masked | 127U));
+        append(static_cast<quint64>(payload.size()));
+    }
+    append(mask);
+    std::array<char, 4> key{};
+    qToBigEndian(mask, key.data());
+    for (qsizetype i = 0; i < payload.size(); ++i)
+        frame.append(static_cast<char>(payload[i] ^ key[static_cast<std::size_t>(i % 4)]));
+    return frame;
+}
+
+QByteArray webSocketClosePayload(std::uint16_t closeCode, const QByteArray& reason) {
+    std::array<char, 2> code{};
+    qToBigEndian(closeCode, code.data());
+    return QByteArray(code.data(), code.size()) + reason.left(maxControlBytes - code.size());
+}
+
+} // namespace zofra

@@ -1,0 +1,259 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/net/WebSocketWire.h"
+
+#include "platform/linux/net/WebSocketHandshake.h"
+#include "tests/platform/net/WebSocketBytes.h"
+#include "tests/support/PrintQt.h"
+
+#include <array>
+#include <gtest/gtest.h>
+#include <ostream>
+#include <vector>
+
+namespace zofra {
+
+inline void PrintTo(WebSocketEvent::Kind kind, std::ostream* out) {
+    constexpr std::array names{"text", "binary", "ping", "pong", "close", "part", "violation"};
+    *out << names.at(static_cast<std::size_t>(kind));
+}
+
+} // namespace zofra
+
+namespace zofra::test {
+namespace {
+
+using Kind = WebSocketEvent::Kind;
+constexpr std::size_t cap = 1000;
+
+std::vector<WebSocketEvent> readAll(WebSocketReader& reader, QByteArrayView bytes) {
+    std::vector<WebSocketEvent> events;
+    while (auto event = reader.next(bytes))
+        events.push_back(*std::move(event));
+    EXPECT_TRUE(bytes.isEmpty());
+    return events;
+}
+
+std::vector<WebSocketEvent> eventsIn(const QByteArray& bytes) {
+    WebSocketReader whole(cap);
+    auto events = readAll(whole, bytes);
+    // The same in single bytes.
+    WebSocketReader dripping(cap);
+    std::vector<WebSocketEvent> dripped;
+    for (qsizetype i = 0; i < bytes.size(); ++i) {
+        for (auto& event : readAll(dripping, QByteArrayView(bytes).sliced(i, 1)))
+            dripped.push_back(std::move(event));
+    }
+    EXPECT_EQ(events.size(), dripped.size());
+    for (std::size_t i = 0; i < std::min(events.size(), dripped.size()); ++i) {
+        EXPECT_EQ(events[i].kind, dripped[i].kind);
+        EXPECT_EQ(events[i].text, dripped[i].text);
+        EXPECT_EQ(events[i].bytes, dripped[i].bytes);
+        EXPECT_EQ(events[i].closeCode, dripped[i].closeCode);
+    }
+    return events;
+}
+
+std::uint16_t violationIn(const QByteArray& bytes) {
+    const auto events = eventsIn(bytes);
+    return !events.empty() && events.back().kind == Kind::violation ? events.back().closeCode
+                                                                    : std::uint16_t{0};
+}
+
+TEST(WebSocketReader, ReadsTextsOfEveryLengthForm) {
+    for (const qsizetype length : {0, 1, 125, 126, 127, 999, 1000}) {
+        const auto events = eventsIn(serverFrame(1, QByteArray(length, 'x')));
+        ASSERT_EQ(events.size(), 1U) << length;
+        EXPECT_EQ(events[0].kind, Kind::text);
+        EXPECT_EQ(events[0].text.size(), length);
+    }
+    WebSocketReader large(1024 * 1024);
+    const auto events = readAll(large, serverFrame(1, QByteArray(1024 * 1024, 'x')));
+    ASSERT_EQ(events.size(), 1U);
+    EXPECT_EQ(events[0].text.size(), 1024 * 1024);
+}
+
+TEST(WebSocketReader, ReadsSeveralFrames) {
+    const auto events = eventsIn(serverFrame(1, "o") + serverFrame(2, QByteArray("\0\xFF", 2)) +
+                                 serverFrame(9, "p") + serverFrame(10, "q") + serverFrame(1, "h"));
+    ASSERT_EQ(events.size(), 5U);
+    EXPECT_EQ(events[0].text, u"o"_qs);
+    EXPECT_EQ(events[1].kind, Kind::binary);
+    EXPECT_EQ(events[1].bytes, QByteArray("\0\xFF", 2));
+    EXPECT_EQ(events[2].kind, Kind::ping);
+    EXPECT_EQ(events[2].bytes, "p");
+    EXPECT_EQ(events[3].kind, Kind::pong);
+    EXPECT_EQ(events[4].text, u"h"_qs);
+}
+
+TEST(WebSocketReader, PutsPartsTogetherAroundControlFrames) {
+    const auto events = eventsIn(serverFrame(1, "D\xC3", Part::notLast) + serverFrame(9, "p") +
+                                 serverFrame(0, "\xA9j", Part::notLast) + serverFrame(0, "\xC3\xA0"));
+    ASSERT_EQ(events.size(), 4U);
+    EXPECT_EQ(events[0].kind, Kind::part);
+    EXPECT_EQ(events[1].kind, Kind::ping);
+    EXPECT_EQ(events[2].kind, Kind::part);
+    EXPECT_EQ(events[3].kind, Kind::text);
+    EXPECT_EQ(events[3].text, u"Déjà"_qs);
+}
+
+TEST(WebSocketReader, KeepsAByteOrderMark) {
+    const auto events = eventsIn(serverFrame(1, "\xEF\xBB\xBFo"));
+    ASSERT_EQ(events.size(), 1U);
+    EXPECT_EQ(events[0].text, u"\uFEFFo"_qs);
+}
+
+TEST(WebSocketReader, ReadsAClose) {
+    auto events = eventsIn(serverFrame(8, "\x0B\xB8Go away!"));
+    ASSERT_EQ(events.size(), 1U);
+    EXPECT_EQ(events[0].kind, Kind::close);
+    EXPECT_EQ(events[0].closeCode, 3000);
+    EXPECT_EQ(events[0].text, u"Go away!"_qs);
+    events = eventsIn(serverFrame(8, {}));
+    ASSERT_EQ(events.size(), 1U);
+    EXPECT_EQ(events[0].closeCode, 1005);
+}
+
+TEST(WebSocketReader, SwallowsWhatFollowsAClose) {
+    EXPECT_EQ(eventsIn(serverFrame(8, {}) + serverFrame(1, "late")).size(), 1U);
+    EXPECT_EQ(eventsIn(serverFrame(3, {}) + serverFrame(1, "late")).size(), 1U);
+}
+
+TEST(WebSocketReader, RefusesWhatTheProtocolForbids) {
+    EXPECT_EQ(violationIn(QByteArray("\xC1\x00", 2)), 1002) << "first reserved bit";
+    EXPECT_EQ(violationIn(QByteArray("\x91\x00", 2)), 1002) << "last reserved bit";
+    EXPECT_EQ(violationIn(QByteArray("\x81\x81\0\0\0\0o", 7)), 1002) << "masked";
+    for (const int opcode : {3, 4, 5, 6, 7, 11, 12, 13, 14, 15})
+        EXPECT_EQ(violationIn(serverFrame(static_cast<std::uint8_t>(opcode), {})), 1002) << opcode;
+    EXPECT_EQ(violationIn(serverFrame(9, QByteArray(126, 'x'))), 1002) << "long ping";
+    EXPECT_EQ(violationIn(serverFrame(9, "x", Part::notLast)), 1002) << "ping in parts";
+    EXPECT_EQ(violationIn(serverFrame(8, {}, Part::notLast)), 1002) << "close in parts";
+    EXPECT_EQ(violationIn(serverFrame(0, "x")), 1002) << "a continuation of nothing";
+    EXPECT_EQ(violationIn(serverFrame(1, "x", Part::notLast) + serverFrame(1, "y")), 1002)
+        << "two beginnings";
+    EXPECT_EQ(violationIn(serverFrame(8, "x")), 1002) << "half a code";
+    EXPECT_EQ(violationIn(serverFrame(8, QByteArray("\x03\xE7", 2))), 1002) << "code 999";
+    EXPECT_EQ(violationIn(serverFrame(8, QByteArray("\x03\xEE", 2))), 1002) << "code 1006";
+    EXPECT_EQ(violationIn(serverFrame(8, "\x03\xE8\xFF")), 1002) << "reason is no UTF-8";
+}
+
+TEST(WebSocketReader, RefusesTextThatIsNoUtf8) {
+    EXPECT_EQ(violationIn(serverFrame(1, "\xFF")), 1007);
+    EXPECT_EQ(violationIn(serverFrame(1, "a\xC3")), 1007);
+    EXPECT_EQ(violationIn(serverFrame(1, "\xED\xA0\x80")), 1007);
+}
+
+TEST(WebSocketReader, RefusesMessagesBeyondTheCap) {
+    EXPECT_EQ(violationIn(serverFrame(1, QByteArray(1001, 'x'))), 1009);
+    EXPECT_EQ(violationIn(serverFrame(1, QByteArray(600, 'x'), Part::notLast) +
+                          serverFrame(0, QByteArray(401, 'x'))),
+              1009);
+    EXPECT_EQ(
+        eventsIn(serverFrame(1, QByteArray(600, 'x'), Part::notLast) + serverFrame(0, QByteArray(400, 'x')))
+            .back()
+            .kind,
+        Kind::text);
+}
+
+TEST(WebSocketReader, RefusesADeclaredLengthBeforeAnyOfIt) {
+    EXPECT_EQ(violationIn(QByteArray("\x81\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", 10)), 1009);
+    EXPECT_EQ(violationIn(QByteArray("\x81\x7F\x80\0\0\0\0\0\0\0", 10)), 1009);
+    EXPECT_EQ(violationIn(QByteArray("\x81\x7F\0\0\0\x01\0\0\0\0", 10)), 1009);
+}
+
+TEST(WebSocketFrame, IsFinalAndMasked) {
+    // The masked "Hello" of RFC 6455, section 5.7.
+    EXPECT_EQ(webSocketFrame(WebSocketOpcode::text, "Hello", 0x37fa213d),
+              QByteArray("\x81\x85\x37\xfa\x21\x3d\x7f\x9f\x4d\x51\x58", 11));
+    EXPECT_EQ(webSocketFrame(WebSocketOpcode::pong, {}, 0), QByteArray("\x8a\x80\0\0\0\0", 6));
+    EXPECT_EQ(webSocketFrame(WebSocketOpcode::binary, QByteArray(126, 'x'), 0).first(4),
+              QByteArray("\x82\xfe\0\x7e", 4));
+    EXPECT_EQ(webSocketFrame(WebSocketOpcode::binary, QByteArray(65536, 'x'), 0).first(10),
+              QByteArray("\x82\xff\0\0\0\0\0\x01\0\0", 10));
+}
+
+TEST(WebSocketClosePayload, HoldsTheCodeAndAsMuchReasonAsFits) {
+    EXPECT_EQ(webSocketClosePayload(1000, {}), "\x03\xE8");
+    EXPECT_EQ(webSocketClosePayload(1000, "bye"), "\x03\xE8"
+                                                  "bye");
+    EXPECT_EQ(webSocketClosePayload(1000, QByteArray(500, 'x')).size(), 125);
+}
+
+class Handshake : public testing::Test {
+protected:
+    // Nonce and answer of RFC 6455, section 1.3.
+    WebSocketHandshake handshake{QUrl(u"wss://live.example/api/123/abc/websocket"_qs), "the sample nonce"};
+    static QByteArray accepted(const QByteArray& more = {}) {
+        return "HTTP/1.1 101 Switching Protocols\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
+               "Sec-WebSocket-Accept: s3pPLMBiTxaQ9kYGzzhZRbK+xOo=\r\n" +
+               more + "\r\n";
+    }
+    /// "open: REST", "refused", or "waiting".
+    QByteArray outcome(const QByteArray& answer) {
+        const auto result = handshake.receive(answer);
+        if (!result)
+            return "waiting";
+        if (const auto* open = std::get_if<WebSocketHandshake::Accepted>(&*result))
+            return "open: " + open->rest;
+        EXPECT_FALSE(std::get<WebSocketHandshake::Refused>(*result).reason.isEmpty());
+        return "refused";
+    }
+};
+
+TEST_F(Handshake, AsksAsTheProtocolWants) {
+    EXPECT_EQ(handshake.request(),
+              "GET /api/123/abc/websocket HTTP/1.1\r\nHost: live.example\r\nUpgrade: websocket\r\n"
+              "Connection: Upgrade\r\nSec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n"
+              "Sec-WebSocket-Version: 13\r\nUser-Agent: Mozilla/5.0\r\n\r\n");
+    const auto hostLine = [](const QString& url) {
+        const auto request = WebSocketHandshake(QUrl(url), "x").request();
+        return request.split('\n').at(1).trimmed();
+    };
+    EXPECT_EQ(hostLine(u"wss://a.example:8443/x"_qs), "Host: a.example:8443");
+    EXPECT_EQ(hostLine(u"wss://[::1]:8443/x"_qs), "Host: [::1]:8443");
+    EXPECT_TRUE(WebSocketHandshake(QUrl(u"ws://a?b=c%20d"_qs), "x")
+                    .request()
+                    .startsWith("GET /?b=c%20d HTTP/1.1\r\n"));
+}
+
+TEST_F(Handshake, OpensAndHandsOverWhatFollows) {
+    EXPECT_EQ(outcome(accepted() + serverFrame(1, "o")), "open: " + serverFrame(1, "o"));
+}
+
+TEST_F(Handshake, TakesTheAnswerInPieces) {
+    const auto answer = accepted();
+    for (qsizetype i = 0; i + 1 < answer.size(); ++i)
+        ASSERT_EQ(outcome(answer.sliced(i, 1)), "waiting") << i;
+    EXPECT_EQ(outcome("\nrest"), "open: rest");
+}
+
+TEST_F(Handshake, DoesNotMindSpellingAndCompany) {
+    EXPECT_EQ(outcome("HTTP/1.1 101\r\nserver: x\r\nUPGRADE:WebSocket\r\nconnection: keep-alive, upgrade\r\n"
+                      "sec-websocket-accept:  s3pPLMBiTxaQ9kYGzzhZRbK+xOo= \r\n\r\n"),
+              "open: ");
+}
+
+TEST_F(Handshake, RefusesEverythingElse) {
+    const std::vector<QByteArray> answers{
+        "HTTP/1.1 200 OK\r\n\r\n",
+        "HTTP/1.1 1010 X\r\nUpgrade: websocket\r\n\r\n",
+        "HTTP/1.0 101 X\r\n\r\n",
+        "garbage\r\n\r\n",
+        "\r\n\r\n",
+        "HTTP/1.1 101 X\r\n\r\n",
+        accepted().replace("s3pP", "S3pP"),
+        accepted().replace("Upgrade: websocket", "Upgrade: h2c"),
+        accepted().replace("Connection: Upgrade", "Connection: close"),
+        accepted("Sec-WebSocket-Extensions: permessage-deflate\r\n"),
+        accepted("Sec-WebSocket-Protocol: chat\r\n"),
+        accepted("Sec-WebSocket-Accept: x\r\n"),
+        QByteArray(20000, 'x'),
+        "HTTP/1.1 101 X\r\nA: " + QByteArray(17000, 'x') + "\r\n\r\n",
+    };
+    for (const auto& answer : answers) {
+        handshake = WebSocketHandshake(QUrl(u"wss://live.example/"_qs), "the sample nonce");
+        EXPECT_EQ(outcome(answer), "refused") << answer.left(80).toStdString();
+    }
+}
+
+} // namespace
+} // namespace zofra::test
