@@ -21,6 +21,7 @@
 #include <QKeyEvent>
 #include <QLayout>
 #include <QPaintEvent>
+#include <QScreen>
 #include <QSignalBlocker>
 
 #include <algorithm>
@@ -33,7 +34,8 @@ constexpr qreal panelWidth = 360;
 
 PanelLook makeLook(const PanelEnvironment& environment, const QWidget& widget) {
     return {PanelTheme::make(environment.appearance.current(), widget.palette()),
-            PanelMetrics(widget.font(), widget.logicalDpiY()), environment.icons};
+            PanelMetrics(widget.font(), widget.logicalDpiY(), widget.screen()->availableGeometry().height()),
+            environment.icons};
 }
 
 } // namespace
@@ -140,6 +142,13 @@ void AboutPopupView::updateLook() {
     const auto parts = findChildren<QWidget*>();
     for (QWidget* part : parts)
         part->update();
+}
+
+bool AboutPopupView::event(QEvent* event) {
+    const bool isHandled = QWidget::event(event);
+    if (event->type() == QEvent::LayoutRequest)
+        updateNaturalSize();
+    return isHandled;
 }
 
 void AboutPopupView::changeEvent(QEvent* event) {

@@ -52,6 +52,7 @@ public:
     [[nodiscard]] const PanelLook& look() const { return m_look; }
 
 protected:
+    bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;

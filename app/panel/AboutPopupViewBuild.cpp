@@ -156,7 +156,7 @@ void AboutPopupView::addVolume(QBoxLayout& rows) {
     m_parts.volume = new VolumeSlider(m_look, this);
     m_parts.volume->onMoved = [this](float volume) { m_actions.setVolume(volume); };
     row->addWidget(m_parts.volume);
-    ElidedLabel::Style percent = dimLabel(ElidedLabel::Room::insists);
+    ElidedLabel::Style percent = dimLabel(ElidedLabel::Room::givesWay);
     percent.alignment = Qt::AlignRight;
     m_parts.volumePercent = new ElidedLabel(m_look, percent, this);
     // As wide as its widest text, so that the slider beside it keeps its length.

@@ -18,7 +18,6 @@ constexpr qreal gap = 9;
 CheckBox::CheckBox(const PanelLook& look, QWidget* parent)
     : QCheckBox(parent)
     , m_look(look) {
-    setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -56,6 +55,12 @@ void CheckBox::paintBox(QPainter& painter, const QRect& box) const {
         // Stronger than the lines between things: this one shows where to click.
         strokeRounded(painter, box, radius, mixed(theme.dim, theme.window, 0.8), metrics.scaled(1.5));
     }
+}
+
+bool CheckBox::event(QEvent* event) {
+    const bool isHandled = QCheckBox::event(event);
+    stayOpaque(*this, *event);
+    return isHandled;
 }
 
 void CheckBox::paintEvent(QPaintEvent* event) {

@@ -28,6 +28,7 @@ public:
     IconLabel(const PanelLook& look, QString name, const Style& style, QWidget* parent);
 
     void setInk(Ink ink);
+    [[nodiscard]] const QString& name() const { return m_name; }
     [[nodiscard]] Ink ink() const { return m_style.ink; }
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }

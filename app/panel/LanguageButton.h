@@ -19,6 +19,7 @@ public:
     void setCurrent(bool isCurrent, Change change);
     /// How much of the mark is drawn, 0 to 1.
     [[nodiscard]] qreal mark() const { return m_mark; }
+    [[nodiscard]] const QVariantAnimation& fade() const { return m_fade; }
 
 protected:
     [[nodiscard]] QSize bodySize() const override;

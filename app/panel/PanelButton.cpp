@@ -8,7 +8,6 @@ namespace zofra {
 PanelButton::PanelButton(const PanelLook& look, QWidget* parent)
     : QPushButton(parent)
     , m_look(look) {
-    setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::TabFocus);
     setAutoDefault(true);
@@ -23,6 +22,12 @@ QSize PanelButton::sizeHint() const {
 QRect PanelButton::bodyRect() const {
     const int bleed = m_look.metrics.bleed();
     return rect().adjusted(bleed, bleed, -bleed, -bleed);
+}
+
+bool PanelButton::event(QEvent* event) {
+    const bool isHandled = QPushButton::event(event);
+    stayOpaque(*this, *event);
+    return isHandled;
 }
 
 void PanelButton::paintEvent(QPaintEvent* event) {

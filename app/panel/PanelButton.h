@@ -29,6 +29,7 @@ protected:
     [[nodiscard]] const PanelLook& look() const { return m_look; }
     [[nodiscard]] QRect bodyRect() const;
 
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) final;
 
 private:

@@ -5,9 +5,11 @@
 #include "app/panel/PanelMetrics.h"
 #include "app/panel/PanelTheme.h"
 
+#include <QEvent>
 #include <QPaintEngine>
 #include <QPainter>
 #include <QRectF>
+#include <QWidget>
 
 namespace zofra {
 
@@ -24,6 +26,13 @@ enum class Backdrop { window, card };
 
 [[nodiscard]] inline QColor backdropColor(const PanelTheme& theme, Backdrop backdrop) {
     return backdrop == Backdrop::card ? theme.card : theme.window;
+}
+
+/// Keeps a part opaque: called with each of its events. Styles take that attribute from buttons and sliders
+/// when they adopt them, and then every repaint would reach through to whatever lies behind.
+inline void stayOpaque(QWidget& part, const QEvent& event) {
+    if (event.type() == QEvent::Polish || event.type() == QEvent::StyleChange)
+        part.setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
 /// Draws the drawing `name` into `square`, sharp at the painter's device ratio.

@@ -9,18 +9,18 @@ namespace zofra {
 namespace {
 
 constexpr qreal drawnTextPixels = 14;
-// Below the drawing's own size the small print would no longer be legible; above this no screen is tall
-// enough.
+// The panel at its tallest, with a window's frame.
+constexpr qreal drawnHeight = 560;
+// Below the drawing's own size the small print would no longer be legible.
 constexpr qreal smallestScale = 1;
-constexpr qreal largestScale = 4;
 
 } // namespace
 
-PanelMetrics::PanelMetrics(const QFont& font, qreal logicalDpi)
+PanelMetrics::PanelMetrics(const QFont& font, qreal logicalDpi, int screenHeight)
     : m_font(font)
     , m_dpi(logicalDpi > 0 ? logicalDpi : 96) {
     const qreal pixels = font.pixelSize() > 0 ? font.pixelSize() : font.pointSizeF() * m_dpi / 72;
-    m_scale = std::clamp(pixels / drawnTextPixels, smallestScale, largestScale);
+    m_scale = std::max(std::min(pixels / drawnTextPixels, screenHeight / drawnHeight), smallestScale);
 }
 
 int PanelMetrics::px(qreal length) const {

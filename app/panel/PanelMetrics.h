@@ -10,8 +10,9 @@ namespace zofra {
 class PanelMetrics {
 public:
     PanelMetrics() = default;
-    /// `font` is the desktop's; `logicalDpi` that of the screen the panel is on.
-    PanelMetrics(const QFont& font, qreal logicalDpi);
+    /// `font` is the desktop's; `logicalDpi` and `screenHeight` are those of the screen the panel is on.
+    /// Where the font would make the panel taller than the screen, the panel stays as small as it must.
+    PanelMetrics(const QFont& font, qreal logicalDpi, int screenHeight);
 
     /// A length of the drawing, scaled and on whole pixels, at least 1.
     [[nodiscard]] int px(qreal length) const;

@@ -65,7 +65,9 @@ void setAccent(PanelTheme& theme, const QColor& accent, double ratio) {
         theme.accent =
             readable(accent, theme.onAccent, theme.onAccent == white ? Qt::black : Qt::white, ratio);
     }
-    theme.accentText = readable(accent, theme.window, theme.isDark ? Qt::white : Qt::black, ratio);
+    // Of the two grounds it stands on, the one that is nearer to it.
+    theme.accentText = theme.isDark ? readable(accent, theme.card, Qt::white, ratio)
+                                    : readable(accent, theme.window, Qt::black, ratio);
 }
 
 void setGrounds(PanelTheme& theme) {

@@ -34,7 +34,7 @@ struct PanelTheme {
     /// Surfaces in the accent colour, and what is written on them.
     QColor accent;
     QColor onAccent;
-    /// The accent colour for text, drawings and rings on `window`.
+    /// The accent colour for text, drawings and rings on `window` and `card`.
     QColor accentText;
     QColor hover;
     QColor pressed;

@@ -2,6 +2,7 @@
 #include "app/panel/QtPopupWindow.h"
 
 #include <QCloseEvent>
+#include <QFontMetrics>
 #include <QGuiApplication>
 #include <QPointer>
 #include <QScreen>
@@ -18,6 +19,8 @@ namespace {
 class HostWindow final : public QWidget {
 public:
     HostWindow(PopupPanelContent content, const PanelEnvironment& environment) {
+        // The program lives in the status bar, whether or not this window is open.
+        setAttribute(Qt::WA_QuitOnClose, false);
         auto* rows = new QVBoxLayout(this);
         rows->setContentsMargins(0, 0, 0, 0);
         rows->setSizeConstraint(QLayout::SetFixedSize);
@@ -97,6 +100,13 @@ private:
 };
 
 } // namespace
+
+void QtPopupWindowFactory::prepare() {
+    const PanelMetrics metrics(QGuiApplication::font(), 96, 0);
+    for (const QFont::Weight weight : {QFont::Normal, QFont::DemiBold, QFont::Bold})
+        static_cast<void>(
+            QFontMetrics(metrics.font(14, weight)).horizontalAdvance(QStringLiteral("Zofra Zofra")));
+}
 
 std::unique_ptr<PopupWindow> QtPopupWindowFactory::makeWindow(PopupPanelContent content) {
     return std::make_unique<QtPopupWindow>(std::move(content), m_environment, m_token);

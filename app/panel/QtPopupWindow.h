@@ -18,6 +18,10 @@ public:
 
     [[nodiscard]] std::unique_ptr<PopupWindow> makeWindow(PopupPanelContent content) override;
 
+    /// Loads what the first panel would wait for (fonts, some 10 ms of work and 4 MB), so that it appears
+    /// within a frame too. For an idle moment after the start; may be left out.
+    static void prepare();
+
     /// The token with which whoever asked for the window (a second start, a click in a panel) passes on the
     /// right to the keyboard. Used up by the next `makeKeyAndOrderFront`; an empty one is none.
     void setActivationToken(QByteArray token) { *m_token = std::move(token); }

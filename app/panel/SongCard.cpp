@@ -76,8 +76,11 @@ void SongCard::setLanguage(AppLanguage language) {
 void SongCard::setSongs(const QString& current, const std::optional<QString>& next) {
     m_now.song->setContent(current);
     m_next.song->setContent(next.value_or(QString()));
-    if (m_next.box->isVisibleTo(m_card) != next.has_value())
-        m_next.box->setVisible(next.has_value());
+    if (m_next.box->isVisibleTo(m_card) == next.has_value())
+        return;
+    m_next.box->setVisible(next.has_value());
+    // Whoever holds the card is to know its new height at once, not in a later turn.
+    m_card->updateGeometry();
 }
 
 } // namespace zofra

@@ -17,12 +17,19 @@ constexpr qreal knobSize = 18;
 constexpr qreal trackHeight = 4;
 constexpr int fullPercent = 100;
 
+// The volume of a step: the nearest one whose percentage, cut as it is everywhere, is that step again. 0.53
+// itself would come back as 52.
+float volumeAt(int percent) {
+    const float full = fullPercent;
+    const float volume = static_cast<float>(percent) / full;
+    return volume * full < static_cast<float>(percent) ? std::nextafter(volume, 1.0F) : volume;
+}
+
 } // namespace
 
 VolumeSlider::VolumeSlider(const PanelLook& look, QWidget* parent)
     : QSlider(Qt::Horizontal, parent)
     , m_look(look) {
-    setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -31,7 +38,7 @@ VolumeSlider::VolumeSlider(const PanelLook& look, QWidget* parent)
     setPageStep(10);
     connect(this, &QSlider::valueChanged, this, [this](int percent) {
         if (onMoved)
-            onMoved(static_cast<float>(percent) / static_cast<float>(fullPercent));
+            onMoved(volumeAt(percent));
     });
 }
 
@@ -73,6 +80,12 @@ void VolumeSlider::mouseMoveEvent(QMouseEvent* event) {
 void VolumeSlider::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton)
         setSliderDown(false);
+}
+
+bool VolumeSlider::event(QEvent* event) {
+    const bool isHandled = QSlider::event(event);
+    stayOpaque(*this, *event);
+    return isHandled;
 }
 
 void VolumeSlider::paintEvent(QPaintEvent* event) {

@@ -255,11 +255,6 @@ TEST(ShownPercent, IsComputedInThirtyTwoBitsAndCut) {
     EXPECT_EQ(shownPercent(3e7F), std::nullopt);
 }
 
-TEST(ShownPercent, ReturnsEveryStepOfTheSlider) {
-    for (int percent = 0; percent <= 100; ++percent)
-        EXPECT_EQ(shownPercent(static_cast<float>(percent) / 100.0F), percent);
-}
-
 TEST_F(PanelActionsTest, ClosingAsksTheHost) {
     actions.close();
     EXPECT_EQ(world.calls, QStringList{u"close"_qs});

@@ -5,7 +5,10 @@
 #include <QEvent>
 #include <QMap>
 #include <QObject>
+#include <QStringList>
 #include <QWidget>
+
+#include <typeinfo>
 
 namespace zofra::test {
 
@@ -20,6 +23,15 @@ public:
         for (const int count : m_paints)
             sum += count;
         return sum;
+    }
+    /// The classes painted, for a failing test's message.
+    [[nodiscard]] QString names() const {
+        QStringList names;
+        for (auto paint = m_paints.cbegin(); paint != m_paints.cend(); ++paint)
+            names << QStringLiteral("%1 %2 x%3")
+                         .arg(QLatin1String(typeid(*paint.key()).name()), paint.key()->accessibleName())
+                         .arg(paint.value());
+        return names.join(QLatin1String(", "));
     }
     void forget() { m_paints.clear(); }
 

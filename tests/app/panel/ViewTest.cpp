@@ -12,6 +12,7 @@
 #include <QAccessible>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QScreen>
 
 #include <gtest/gtest.h>
 
@@ -197,7 +198,24 @@ TEST_F(PanelViewTest, AChangeOfSongRepaintsTheSongAndNothingElse) {
     }
     ASSERT_NE(song, nullptr);
     EXPECT_EQ(paints.of(song), 1);
-    EXPECT_EQ(paints.all(), 1);
+    EXPECT_EQ(paints.all(), 1) << paints.names().toStdString();
+}
+
+TEST_F(PanelViewTest, EveryPartRepaintsByItself) {
+    world.viewModel.nextSong = std::optional(u"Next"_qs);
+    showPanel();
+    int parts = 0;
+    for (QWidget* part : view->findChildren<QWidget*>()) {
+        if (!part->findChildren<QWidget*>().isEmpty())
+            continue;
+        ++parts;
+        PaintCounter paints;
+        part->update();
+        PanelWorld::settle();
+        EXPECT_EQ(paints.of(part), 1) << paints.names().toStdString();
+        EXPECT_EQ(paints.all(), 1) << paints.names().toStdString();
+    }
+    EXPECT_GE(parts, 24);
 }
 
 TEST_F(PanelViewTest, NothingIsRepaintedWhenNothingDiffers) {
@@ -216,7 +234,7 @@ TEST_F(PanelViewTest, AChangeOfVolumeRepaintsSliderAndPercentageOnly) {
     world.player.volume = 0.4F;
     PanelWorld::settle();
     EXPECT_EQ(paints.of(partOf<VolumeSlider>(*view)), 1);
-    EXPECT_EQ(paints.all(), 2);
+    EXPECT_EQ(paints.all(), 2) << paints.names().toStdString();
 }
 
 TEST_F(PanelViewTest, TheSliderShowsTheVolumeWithoutSettingIt) {
@@ -254,6 +272,19 @@ TEST_F(PanelViewTest, TheSlidersRightEndIsExactlyOneAndAHundred) {
     EXPECT_EQ(world.player.volume.get(), 0.0F);
     EXPECT_TRUE(shownTexts().contains(u"0 %"_qs));
     EXPECT_FALSE(slider->isSliderDown());
+}
+
+TEST_F(PanelViewTest, EveryStepOfTheSliderStaysWhereItWasPut) {
+    showPanel();
+    auto* slider = partOf<VolumeSlider>(*view);
+    for (int percent = 0; percent <= 100; ++percent) {
+        slider->setValue(percent);
+        EXPECT_NEAR(world.player.volume.get(), static_cast<float>(percent) / 100.0F, 1e-6F);
+        EXPECT_EQ(shownPercent(world.player.volume), percent);
+        PanelWorld::settle();
+        EXPECT_EQ(slider->value(), percent);
+    }
+    EXPECT_EQ(world.player.volume.get(), 1.0F);
 }
 
 TEST_F(PanelViewTest, ArrowsMoveTheSlider) {
@@ -454,14 +485,25 @@ TEST_F(PanelViewTest, GrowsWithTheFontAndKeepsItsState) {
     showPanel();
     const QSize small = view->size();
     QFont font = view->font();
-    font.setPointSizeF(21);
+    font.setPointSizeF(13.125);
     view->setFont(font);
     PanelWorld::settle();
-    EXPECT_NEAR(view->width(), 360 * 2, 4);
-    EXPECT_GT(view->height(), small.height() * 3 / 2);
+    EXPECT_NEAR(view->width(), 360 * 1.25, 4);
+    EXPECT_NEAR(view->height(), small.height() * 1.25, 20);
     EXPECT_TRUE(partOf<CheckBox>(*view)->isChecked());
     EXPECT_TRUE(partOf<CheckBox>(*view)->isVisible());
     EXPECT_TRUE(world.loginItem.calls.isEmpty());
+}
+
+TEST_F(PanelViewTest, NeverOutgrowsTheScreen) {
+    world.viewModel.nextSong = std::optional(u"Next"_qs);
+    showPanel();
+    QFont font = view->font();
+    font.setPointSizeF(60);
+    view->setFont(font);
+    PanelWorld::settle();
+    EXPECT_LE(view->height(), view->screen()->availableGeometry().height());
+    EXPECT_GT(view->height(), view->screen()->availableGeometry().height() * 3 / 4);
 }
 
 TEST_F(PanelViewTest, FollowsTheDesktopsAppearance) {
