@@ -31,15 +31,16 @@ def shown(radio, lab, status_bar):
 
 def visible(text):
     """Whether a text is one line that keeps to itself: no control characters, no breaks, and whatever turns the
-    direction of writing is closed again within the text and closes nothing outside of it."""
+    direction of writing is closed again within the text."""
     if any(unicodedata.category(c) in ("Cc", "Zl", "Zp") for c in text):
         return False
     open_ones = []
     for c in text:
         if c in "\u202a\u202b\u202d\u202e\u2066\u2067\u2068":
             open_ones.append("\u2069" if c >= "\u2066" else "\u202c")
-        elif c in "\u202c\u2069" and (not open_ones or open_ones.pop() != c):
-            return False
+        elif c in open_ones:
+            while open_ones.pop() != c:  # closing an isolate closes every embedding inside it
+                pass
     return not open_ones
 
 
