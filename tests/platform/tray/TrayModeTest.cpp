@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/tray/TrayMode.h"
+
+#include "tests/support/ScopedEnvironment.h"
+
+#include <gtest/gtest.h>
+
+namespace zofra {
+namespace {
+
+using Way = StatusNotifierObject::Way;
+using Windows = TraySession::Windows;
+
+TraySession session(Windows windows, const QString& program, const QString& desktop = {},
+                    const QString& setting = {}) {
+    return {windows, desktop, program, setting};
+}
+
+TEST(TrayMode, DirectOnX11WithPanelsThatPassBothClicksOn) {
+    EXPECT_EQ(trayWay(session(Windows::x11, u"lxqt-panel"_qs)), Way::direct);
+    EXPECT_EQ(trayWay(session(Windows::x11, u"plasmashell"_qs)), Way::direct);
+    EXPECT_EQ(trayWay(session(Windows::x11, u"kded5"_qs, u"KDE"_qs)), Way::direct);
+    EXPECT_EQ(trayWay(session(Windows::x11, u"kded6"_qs)), Way::direct);
+}
+
+TEST(TrayMode, HostmenuForEveryOtherPanel) {
+    for (const QString& program : {u"xfce4-panel"_qs, u"gnome-shell"_qs, u"waybar"_qs, u"python3"_qs,
+                                   u"mate-panel"_qs, u"ayatana-indicator-application-service"_qs})
+        EXPECT_EQ(trayWay(session(Windows::x11, program, u"LXQt"_qs)), Way::hostmenu)
+            << program.toStdString();
+    EXPECT_EQ(trayWay(session(Windows::x11, u"kded5"_qs, u"XFCE"_qs)), Way::hostmenu)
+        << "Plasma's watcher under another panel";
+}
+
+TEST(TrayMode, HostmenuOnEveryWaylandSession) {
+    for (const QString& program : {u"lxqt-panel"_qs, u"plasmashell"_qs, u"kded6"_qs, QString()})
+        EXPECT_EQ(trayWay(session(Windows::wayland, program, u"KDE"_qs)), Way::hostmenu);
+    EXPECT_EQ(trayWay(session(Windows::other, u"plasmashell"_qs, u"KDE"_qs)), Way::hostmenu);
+}
+
+TEST(TrayMode, TheDesktopDecidesWhereTheProgramCannotBeKnown) {
+    EXPECT_EQ(trayWay(session(Windows::x11, {}, u"KDE"_qs)), Way::direct);
+    EXPECT_EQ(trayWay(session(Windows::x11, {}, u"LXQt"_qs)), Way::direct);
+    EXPECT_EQ(trayWay(session(Windows::x11, {}, u"ubuntu:GNOME"_qs)), Way::hostmenu);
+    EXPECT_EQ(trayWay(session(Windows::x11, {}, {})), Way::hostmenu);
+}
+
+TEST(TrayMode, TheSettingOverrules) {
+    EXPECT_EQ(trayWay(session(Windows::x11, u"xfce4-panel"_qs, {}, u"direct"_qs)), Way::direct);
+    EXPECT_EQ(trayWay(session(Windows::x11, u"lxqt-panel"_qs, {}, u"hostmenu"_qs)), Way::hostmenu);
+    EXPECT_EQ(trayWay(session(Windows::x11, u"lxqt-panel"_qs, {}, u"auto"_qs)), Way::direct);
+    EXPECT_EQ(trayWay(session(Windows::x11, u"lxqt-panel"_qs, {}, u"Nonsense"_qs)), Way::direct);
+}
+
+TEST(TrayMode, OnlyOnePanelReadsToolTipsAsMarkup) {
+    EXPECT_EQ(trayToolTipText(session(Windows::wayland, u"waybar"_qs)),
+              StatusNotifierObject::ToolTipText::markup);
+    EXPECT_EQ(trayToolTipText(session(Windows::wayland, u"plasmashell"_qs)),
+              StatusNotifierObject::ToolTipText::plain);
+}
+
+TEST(TrayMode, TheSessionIsReadFromTheEnvironment) {
+    test::ScopedEnvironment environment;
+    environment.unset("WAYLAND_DISPLAY");
+    environment.unset("XDG_SESSION_TYPE");
+    environment.set("XDG_CURRENT_DESKTOP", "LXQt");
+    EXPECT_EQ(traySessionFromEnvironment(u"xcb"_qs, {}).windows, Windows::x11);
+    EXPECT_EQ(traySessionFromEnvironment(u"xcb"_qs, {}).desktop, u"LXQt"_qs);
+    EXPECT_EQ(traySessionFromEnvironment(u"wayland"_qs, {}).windows, Windows::wayland);
+    EXPECT_EQ(traySessionFromEnvironment(u"wayland-egl"_qs, {}).windows, Windows::wayland);
+    EXPECT_EQ(traySessionFromEnvironment(u"offscreen"_qs, {}).windows, Windows::other);
+    environment.set("WAYLAND_DISPLAY", "wayland-1");
+    EXPECT_EQ(traySessionFromEnvironment(u"xcb"_qs, {}).windows, Windows::wayland) << "X11 inside Wayland";
+    environment.unset("WAYLAND_DISPLAY");
+    environment.set("XDG_SESSION_TYPE", "wayland");
+    EXPECT_EQ(traySessionFromEnvironment(u"xcb"_qs, {}).windows, Windows::wayland);
+}
+
+} // namespace
+} // namespace zofra
