@@ -13,7 +13,8 @@ namespace zofra {
 /// The languages of the user interface, in the order in which lists show them.
 enum class AppLanguage : std::uint8_t { en, nl, fr, de };
 
-inline constexpr std::array allAppLanguages{AppLanguage::en, AppLanguage::nl, AppLanguage::fr, AppLanguage::de};
+inline constexpr std::array allAppLanguages{AppLanguage::en, AppLanguage::nl, AppLanguage::fr,
+                                            AppLanguage::de};
 
 /// "en", "nl", "fr" or "de".
 [[nodiscard]] QString rawValue(AppLanguage language);

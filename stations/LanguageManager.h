@@ -12,11 +12,12 @@
 
 namespace zofra {
 
-/// Holds the language of the user interface and composes the texts of menu and tooltip in it. Main thread only.
+/// Holds the language of the user interface and composes the texts of menu and tooltip in it. Main thread
+/// only.
 class LanguageManager final : public Observable {
 public:
-    /// Chooses the language: the stored one, else the first of `preferredLanguages` by its first two letters, else
-    /// English. The choice is not written.
+    /// Chooses the language: the stored one, else the first of `preferredLanguages` by its first two letters,
+    /// else English. The choice is not written.
     LanguageManager(DefaultsStore& defaults, const QStringList& preferredLanguages);
 
     /// The one of the running program.

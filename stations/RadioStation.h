@@ -36,8 +36,9 @@ public:
         : m_case(value) {}
 
     /// Every station, in the order in which lists show them.
-    static constexpr std::array<Case, 9> allCases{zofra,  qmusic,      joe,              zofraClassX,    radioContact,
-                                                  belRTL, insideRadio, sudRadioBelgique, sudRadioHainaut};
+    static constexpr std::array<Case, 9> allCases{zofra,       qmusic,           joe,
+                                                  zofraClassX, radioContact,     belRTL,
+                                                  insideRadio, sudRadioBelgique, sudRadioHainaut};
 
     /// The station with exactly this raw value (case-sensitive), if any.
     [[nodiscard]] static std::optional<RadioStation> fromRawValue(QStringView rawValue);

@@ -9,8 +9,8 @@
 
 namespace zofra {
 
-/// The hosts of every service: a built-in table, overridden key by key by files. A plain value; copies are cheap.
-/// Every value is `host` or `host:port`.
+/// The hosts of every service: a built-in table, overridden key by key by files. A plain value; copies are
+/// cheap. Every value is `host` or `host:port`.
 class ServiceHosts {
 public:
     /// The built-in table.

@@ -85,8 +85,10 @@ std::optional<QStringList> DesktopWorkspace::networkSettingsCommand() {
             const auto program = xdg::findProgram(QLatin1String(known.program));
             if (program.isEmpty())
                 continue;
-            return known.argument ? QStringList{program, QString::fromLatin1(known.argument)}
-                                  : QStringList{program};
+            QStringList command{program};
+            if (known.argument)
+                command += QLatin1String(known.argument);
+            return command;
         }
     }
     return std::nullopt;
