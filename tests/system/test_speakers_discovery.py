@@ -194,6 +194,46 @@ def test_at_most_32_probes_are_in_flight_and_every_address_is_asked(radio, house
     assert counters["most_at_once"] == 32
 
 
+@pytest.mark.slow
+def test_a_run_by_the_clock_searches_again_and_scans_nothing(radio, rooms, house, system_log):
+    radio.start(discovery=True)
+    rooms.wait_scanned()
+    first = min(s["monotonic"] for s in house.searches())
+    house.forget()
+    house.others(mode="held")
+    wait_until(lambda: len(house.searches()) == 2, 70, "the search a minute later")
+    again = house.searches()[0]["monotonic"]
+    assert 58 < again - first < 63
+    assert_twelve(rooms.wait_scanned(since=again - 0.5), house)
+    counters = house.counters()
+    assert counters["reached"] == 0, "an interface that was answered is not scanned"
+    assert max(r["answered"] for r in house.requests()) - again < 3.5
+    assert {r["ip"] for r in house.requests(method="GET")} == set(ALL_TWELVE)
+
+
+def test_a_second_search_during_a_run_is_dropped(radio, rooms, house, status_bar, system_log):
+    radio.start(headless=False, discovery=True)
+    menu = status_bar.wait_for_item().menu
+    assert radio.status()["scanning"]
+    menu.choose(*RESCAN)
+    menu.choose(*RESCAN)
+    assert_twelve(rooms.wait_scanned(), house)
+    assert len(house.searches()) == 2, "one datagram each way"
+    menu.choose(*RESCAN)
+    wait_until(lambda: len(house.searches()) == 4, 5, "a search after the run")
+
+
+def test_quitting_during_a_scan_does_not_wait_for_it(radio, house, system_log):
+    house.scene(scene="empty")
+    house.others(mode="held")
+    radio.start(discovery=True)
+    system_log.wait_for(r"\[Sonos\] SSDP-Beschreibungen: \[\]")
+    wait_until(lambda: house.counters()["open_now"] == 32, 5, "probes in flight")
+    assert radio.quit(timeout=2) == 0
+    assert not logged(system_log, r".*Keine erreichbaren.*")
+    wait_until(lambda: house.counters()["open_now"] == 0, 5, "the probes to be given up")
+
+
 def test_no_discovery_asks_nobody(radio, house, system_log):
     radio.start(discovery=False)
     assert radio.status()["rooms"] == [] and not radio.status()["scanning"]
