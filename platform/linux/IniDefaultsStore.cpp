@@ -133,9 +133,9 @@ IniDefaultsStore::Report IniDefaultsStore::reportTo(SystemLog& log) {
     return [&log](const QString& line) {
         log.log(line);
         const auto text = "zofrazofra: " + line.toUtf8() + '\n';
-        // Nobody to tell is no reason to stop.
-        static_cast<void>(::write(STDERR_FILENO, text.constData(), static_cast<std::size_t>(text.size())) +
-                          0);
+        if (::write(STDERR_FILENO, text.constData(), static_cast<std::size_t>(text.size())) < 0) {
+            // Nobody to tell is no reason to stop.
+        }
     };
 }
 
