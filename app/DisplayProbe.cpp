@@ -5,77 +5,93 @@
 #include <QLibraryInfo>
 
 #include <dlfcn.h>
-#include <memory>
 
 namespace zofra {
 
 namespace {
 
-struct LibraryCloser {
-    void operator()(void* handle) const { dlclose(handle); }
+using Connection = std::shared_ptr<void>;
+
+/// A library that the toolkit brings with it, so that nothing needs to link it. Stays loaded.
+class Library {
+public:
+    explicit Library(const char* name)
+        : m_handle(dlopen(name, RTLD_LAZY | RTLD_LOCAL)) {}
+    template<typename Function>
+    [[nodiscard]] Function* function(const char* name) const {
+        return m_handle ? reinterpret_cast<Function*>(dlsym(m_handle, name)) : nullptr;
+    }
+
+private:
+    void* m_handle;
 };
-using Library = std::unique_ptr<void, LibraryCloser>;
 
-template<typename Function>
-Function* symbol(const Library& library, const char* name) {
-    return library ? reinterpret_cast<Function*>(dlsym(library.get(), name)) : nullptr;
-}
-
-/// Whether an X server answers and lets this program in. The toolkit brings the library, so nothing links it.
-bool x11Answers() {
+/// Null unless an X server answers and lets this program in.
+Connection connectX11() {
     if (qEnvironmentVariableIsEmpty("DISPLAY"))
-        return false;
-    const Library library(dlopen("libxcb.so.1", RTLD_LAZY | RTLD_LOCAL));
-    const auto connect = symbol<void*(const char*, int*)>(library, "xcb_connect");
-    const auto hasError = symbol<int(void*)>(library, "xcb_connection_has_error");
-    const auto disconnect = symbol<void(void*)>(library, "xcb_disconnect");
+        return nullptr;
+    const Library library("libxcb.so.1");
+    auto* const connect = library.function<void*(const char*, int*)>("xcb_connect");
+    auto* const hasError = library.function<int(void*)>("xcb_connection_has_error");
+    auto* const disconnect = library.function<void(void*)>("xcb_disconnect");
     if (!connect || !hasError || !disconnect)
-        return false;
-    void* connection = connect(nullptr, nullptr);
-    const bool answers = connection && hasError(connection) == 0;
-    // Also a connection in error is freed this way.
-    if (connection)
-        disconnect(connection);
-    return answers;
+        return nullptr;
+    // What is in error must be freed this way, too.
+    const Connection connection(connect(nullptr, nullptr), [disconnect](void* opened) {
+        if (opened)
+            disconnect(opened);
+    });
+    return connection && hasError(connection.get()) == 0 ? connection : nullptr;
 }
 
-bool waylandAnswers() {
+Connection connectWayland() {
     if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
-        return false;
+        return nullptr;
     const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + QStringLiteral("/platforms"));
     if (plugins.entryList({QStringLiteral("libqwayland*.so")}, QDir::Files).isEmpty())
-        return false;
-    const Library library(dlopen("libwayland-client.so.0", RTLD_LAZY | RTLD_LOCAL));
-    const auto connect = symbol<void*(const char*)>(library, "wl_display_connect");
-    const auto disconnect = symbol<void(void*)>(library, "wl_display_disconnect");
+        return nullptr;
+    const Library library("libwayland-client.so.0");
+    auto* const connect = library.function<void*(const char*)>("wl_display_connect");
+    auto* const disconnect = library.function<void(void*)>("wl_display_disconnect");
     if (!connect || !disconnect)
-        return false;
-    void* display = connect(nullptr);
-    if (display)
-        disconnect(display);
-    return display != nullptr;
+        return nullptr;
+    return Connection(connect(nullptr), [disconnect](void* opened) {
+        if (opened)
+            disconnect(opened);
+    });
+}
+
+std::optional<UsableDisplay> onlyWith(const QString& platform, const Connection& connection) {
+    if (!connection)
+        return std::nullopt;
+    return UsableDisplay{platform, connection};
+}
+
+std::optional<UsableDisplay> chosenByUser(const QString& platform) {
+    const bool isOne = !platform.contains(QLatin1Char(';'));
+    if (isOne && platform.startsWith(QLatin1String("xcb")))
+        return onlyWith(platform, connectX11());
+    if (isOne && platform.startsWith(QLatin1String("wayland")))
+        return onlyWith(platform, connectWayland());
+    return UsableDisplay{platform, nullptr};
 }
 
 } // namespace
 
-std::optional<QString> usableDisplay() {
+std::optional<UsableDisplay> usableDisplay() {
     const QString chosen = qEnvironmentVariable("QT_QPA_PLATFORM");
-    if (!chosen.isEmpty()) {
-        if (chosen.startsWith(QLatin1String("xcb")) && !chosen.contains(QLatin1Char(';')))
-            return x11Answers() ? std::optional(chosen) : std::nullopt;
-        if (chosen.startsWith(QLatin1String("wayland")) && !chosen.contains(QLatin1Char(';')))
-            return waylandAnswers() ? std::optional(chosen) : std::nullopt;
-        return chosen;
-    }
-    // Without decorations from the compositor the toolkit's windows look foreign there.
+    if (!chosen.isEmpty())
+        return chosenByUser(chosen);
+    const QString x11 = QStringLiteral("xcb");
+    const QString wayland = QStringLiteral("wayland");
+    // There the compositor leaves window frames to the programs, and the toolkit's look foreign.
     const bool isGnome = qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains(QLatin1String("GNOME"));
-    if (!isGnome && waylandAnswers())
-        return QStringLiteral("wayland");
-    if (x11Answers())
-        return QStringLiteral("xcb");
-    if (isGnome && waylandAnswers())
-        return QStringLiteral("wayland");
-    return std::nullopt;
+    if (isGnome) {
+        const auto display = onlyWith(x11, connectX11());
+        return display ? display : onlyWith(wayland, connectWayland());
+    }
+    const auto display = onlyWith(wayland, connectWayland());
+    return display ? display : onlyWith(x11, connectX11());
 }
 
 } // namespace zofra

@@ -4,6 +4,7 @@
 #include "app/Desktop.h"
 #include "app/RemoteOptions.h"
 #include "platform/linux/PreferredLanguages.h"
+#include "platform/linux/audio/LibraryPages.h"
 #include "platform/linux/net/QtMetadataSocket.h"
 
 #include <QCoreApplication>
@@ -21,6 +22,7 @@ Program* s_current = nullptr;
 /// How long the speakers have to take in that they shall stop.
 constexpr auto lastRequestsLimit = std::chrono::milliseconds(1000);
 constexpr auto lastRequestsLook = std::chrono::milliseconds(20);
+constexpr auto startupSettled = std::chrono::milliseconds(3000);
 constexpr auto settingsLimit = std::chrono::milliseconds(500);
 
 QVariantMap bundle() {
@@ -150,6 +152,8 @@ int Program::run() {
         *m_delegate, RadioPlayer::shared(), SonosManager::shared(), m_mainQueue, *m_changes});
     m_commands->runAtStart(m_configuration.options, writeError);
     m_changes->touch();
+    // Starting touches much that nobody needs afterwards.
+    m_mainQueue.asyncAfter(startupSettled, [] { LibraryPages::giveBack(); });
     const int status = QCoreApplication::exec();
     finish();
     return status;

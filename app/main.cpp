@@ -113,11 +113,12 @@ std::unique_ptr<QCoreApplication> makeApplication(const Options& options, int& a
     QCoreApplication::setApplicationName(QStringLiteral("zofrazofra"));
     QCoreApplication::setApplicationVersion(QStringLiteral(ZOFRA_VERSION));
     const bool needsDisplay = options.task == Options::Task::run && !options.headless;
-    const auto display = needsDisplay ? usableDisplay() : std::nullopt;
+    const auto display =
+        needsDisplay ? usableDisplay() : std::nullopt; // held until the toolkit has connected
     hasDisplay = display.has_value();
     if (!hasDisplay)
         return std::make_unique<QCoreApplication>(argc, argv);
-    qputenv("QT_QPA_PLATFORM", display->toUtf8());
+    qputenv("QT_QPA_PLATFORM", display->platform.toUtf8());
     QGuiApplication::setDesktopFileName(QStringLiteral("be.zofra.ZofraZofra"));
     QGuiApplication::setQuitOnLastWindowClosed(false);
     return std::make_unique<QApplication>(argc, argv);
