@@ -2,6 +2,7 @@
 """Private message buses, a client for them, and a mocked logind."""
 
 import os
+import socket
 import subprocess
 import threading
 import time
@@ -66,10 +67,18 @@ class MessageBus:
             [*DIE_WITH_PARENT, "dbus-daemon", f"--config-file={config}", "--nofork", "--nosyslog"],
             env=clean_environment(), stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
             start_new_session=True)
-        wait_until(lambda: os.path.exists(self.socket) or self._process.poll() is not None, 5, "the message bus")
+        wait_until(lambda: self._listens() or self._process.poll() is not None, 10, "the message bus")
         if self._process.poll() is not None:
             raise RuntimeError(f"dbus-daemon ended with {self._process.returncode}")
         return self
+
+    def _listens(self):
+        with socket.socket(socket.AF_UNIX, socket.SOCK_STREAM) as probe:
+            try:
+                probe.connect(self.socket)
+                return True
+            except OSError:
+                return False
 
     def stop(self):
         """End it; everybody on it is disconnected."""

@@ -5,6 +5,7 @@ import asyncio
 import base64
 import os
 import signal
+import ssl
 import time
 import xml.etree.ElementTree as ElementTree
 
@@ -63,22 +64,19 @@ class Icecast:
         return self._process is not None and self._process.poll() is None
 
     async def start(self):
-        """Start and wait until both ports take connections."""
+        """Start and wait until both ports answer."""
         # icecast refuses to run as root.
         user = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups"] if os.geteuid() == 0 else []
         self._process = self._world.spawn([*user, *(["--pdeathsig", "KILL", "--"] if user else []), "icecast2", "-c",
                                            os.path.join(self._directory, "icecast.xml")])
-        deadline = time.monotonic() + 10
-        for port in (self.plain_port, self.tls_port):
-            while True:
-                try:
-                    _, writer = await asyncio.open_connection("127.0.0.1", port)
-                    writer.close()
-                    break
-                except OSError:
-                    if not self.running or time.monotonic() > deadline:
-                        raise RuntimeError(f"icecast2 ({self.name}) does not start: {self.error_log()}") from None
-                    await asyncio.sleep(0.02)
+        deadline = time.monotonic() + 20
+        # A port that can be connected to is not enough: icecast opens its ports twice while it starts, and what came
+        # in between is reset.
+        for port, context in ((self.plain_port, None), (self.tls_port, _trusting_context())):
+            while not await _answers(port, context):
+                if not self.running or time.monotonic() > deadline:
+                    raise RuntimeError(f"icecast2 ({self.name}) does not start: {self.error_log()}")
+                await asyncio.sleep(0.02)
 
     def kill(self):
         """End it at once, as a crash does."""
@@ -110,3 +108,26 @@ class Icecast:
             writer.close()
         document = ElementTree.fromstring(answer.split(b"\r\n\r\n", 1)[1])
         return {source.get("mount"): int(source.findtext("listeners", "0")) for source in document.iter("source")}
+
+
+def _trusting_context():
+    """For asking our own server on the loopback interface whether it is there."""
+    context = ssl.SSLContext(ssl.PROTOCOL_TLS_CLIENT)
+    context.check_hostname = False
+    context.verify_mode = ssl.CERT_NONE
+    return context
+
+
+async def _answers(port, context):
+    """Whether a request is answered at this port."""
+    try:
+        reader, writer = await asyncio.open_connection("127.0.0.1", port, ssl=context)
+    except OSError:
+        return False
+    try:
+        writer.write(b"GET /status-json.xsl HTTP/1.0\r\n\r\n")
+        return (await asyncio.wait_for(reader.readline(), 5)).startswith(b"HTTP/1.")
+    except (OSError, asyncio.TimeoutError):
+        return False
+    finally:
+        writer.close()
