@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/audio/AudioEngine.h"
+
+#include <utility>
+
+namespace zofra {
+
+AudioEngine::AudioEngine(MainQueue& queue, SystemLog& log, ReconnectPacing::SteadyClock clock,
+                         ReconnectPacing::RandomFraction random, AudioCoreMaker makeCore)
+    : mainQueue(queue)
+    , pacing(clock, std::move(random))
+    , m_log(log)
+    , m_clock(std::move(clock))
+    , m_makeCore(std::move(makeCore)) {}
+
+std::unique_ptr<AudioCore> AudioEngine::takeCore() {
+    if (m_spare)
+        return std::move(m_spare);
+    return m_makeCore();
+}
+
+void AudioEngine::giveBack(std::unique_ptr<AudioCore> core) {
+    core->stop();
+    if (!m_spare)
+        m_spare = std::move(core);
+}
+
+void AudioEngine::tryNow() {
+    pacing.tryNow();
+    waitIsOver.notify();
+}
+
+void AudioEngine::report(const QString& reason) {
+    if (m_reported.contains(reason))
+        return;
+    m_reported.insert(reason);
+    m_log.log(reason);
+}
+
+} // namespace zofra

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/MainQueue.h"
+#include "platform/Observable.h"
+#include "platform/SystemLog.h"
+#include "platform/linux/audio/AudioCore.h"
+#include "platform/linux/audio/ReconnectPacing.h"
+
+#include <QSet>
+
+#include <memory>
+
+namespace zofra {
+
+/// What all stream players share: the cores, of which one is kept for the next player, and the pacing of
+/// addresses. Main thread only.
+class AudioEngine {
+public:
+    /// Queue and log outlive the engine.
+    AudioEngine(MainQueue& mainQueue, SystemLog& log, ReconnectPacing::SteadyClock clock,
+                ReconnectPacing::RandomFraction random, AudioCoreMaker makeCore);
+
+    /// A core that nobody else uses.
+    [[nodiscard]] std::unique_ptr<AudioCore> takeCore();
+    /// Silences it at once and keeps it for the next.
+    void giveBack(std::unique_ptr<AudioCore> core);
+
+    /// The network has changed or the computer has woken: every player that waits opens its stream at once.
+    void tryNow();
+
+    /// Writes `reason` to the system's log, once until `worksAgain`: a fault that lasts is not a line every
+    /// ten seconds.
+    void report(const QString& reason);
+    /// A stream sounds: the next fault is news again.
+    void worksAgain() { m_reported.clear(); }
+
+    [[nodiscard]] ReconnectPacing::Milliseconds now() const { return m_clock(); }
+
+    MainQueue& mainQueue;
+    ReconnectPacing pacing;
+    /// Told when whoever waits should wait no longer.
+    ObserverList<> waitIsOver;
+
+private:
+    SystemLog& m_log;
+    ReconnectPacing::SteadyClock m_clock;
+    AudioCoreMaker m_makeCore;
+    std::unique_ptr<AudioCore> m_spare;
+    QSet<QString> m_reported;
+};
+
+} // namespace zofra

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/audio/MpvLibrary.h"
+
+#include <dlfcn.h>
+
+namespace zofra {
+
+namespace {
+
+/// Finds the functions of a loaded library and remembers the first that is missing.
+class Symbols {
+public:
+    explicit Symbols(void* handle)
+        : m_handle(handle) {}
+
+    template<typename Function>
+    void find(Function& function, const char* name) {
+        function = reinterpret_cast<Function>(::dlsym(m_handle, name));
+        if (!function && m_missing.isEmpty())
+            m_missing = QString::fromLatin1(name);
+    }
+    [[nodiscard]] const QString& missing() const { return m_missing; }
+
+private:
+    void* m_handle;
+    QString m_missing;
+};
+
+/// The engine says in one line that no device can be used; the ALSA library would say it in ten, each time.
+void silenceAlsa() {
+    void* alsa = ::dlopen("libasound.so.2", RTLD_LAZY | RTLD_NOLOAD);
+    if (!alsa)
+        return;
+    using Handler =
+        void (*)(const char* file, int line, const char* function, int error, const char* format, ...);
+    const auto setHandler = reinterpret_cast<int (*)(Handler)>(::dlsym(alsa, "snd_lib_error_set_handler"));
+    if (setHandler)
+        setHandler([](const char*, int, const char*, int, const char*, ...) {});
+}
+
+} // namespace
+
+std::variant<std::shared_ptr<const MpvLibrary>, QString> MpvLibrary::load(const char* fileName) {
+    // Lazily: of the thousands of functions behind it, a radio needs few.
+    void* handle = ::dlopen(fileName, RTLD_LAZY | RTLD_LOCAL);
+    if (!handle) {
+        const char* reason = ::dlerror();
+        return QStringLiteral("libmpv cannot be loaded: %1")
+            .arg(reason ? QString::fromLocal8Bit(reason) : QString::fromLatin1(fileName));
+    }
+    auto library = std::make_shared<MpvLibrary>();
+    Symbols symbols(handle);
+    symbols.find(library->clientApiVersion, "mpv_client_api_version");
+    symbols.find(library->create, "mpv_create");
+    symbols.find(library->initialize, "mpv_initialize");
+    symbols.find(library->terminateDestroy, "mpv_terminate_destroy");
+    symbols.find(library->setOptionString, "mpv_set_option_string");
+    symbols.find(library->observeProperty, "mpv_observe_property");
+    symbols.find(library->setPropertyAsync, "mpv_set_property_async");
+    symbols.find(library->commandAsync, "mpv_command_async");
+    symbols.find(library->setWakeupCallback, "mpv_set_wakeup_callback");
+    symbols.find(library->waitEvent, "mpv_wait_event");
+    symbols.find(library->errorString, "mpv_error_string");
+    if (!symbols.missing().isEmpty())
+        return QStringLiteral("libmpv cannot be used: it has no %1").arg(symbols.missing());
+    const auto major = library->clientApiVersion() >> 16;
+    if (major != MPV_CLIENT_API_VERSION >> 16)
+        return QStringLiteral("libmpv cannot be used: its interface has version %1").arg(major);
+    silenceAlsa();
+    return library;
+}
+
+} // namespace zofra

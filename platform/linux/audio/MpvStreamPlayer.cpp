@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/audio/MpvStreamPlayer.h"
+
+#include <utility>
+
+namespace zofra {
+
+namespace {
+
+/// A pause up to this long goes on where it was; after a longer one the listener wants what is on the air
+/// now.
+constexpr std::chrono::milliseconds longestHeldPause{3000};
+
+} // namespace
+
+MpvStreamPlayer::MpvStreamPlayer(std::shared_ptr<AudioEngine> engine, std::shared_ptr<StreamItem> item)
+    : m_engine(std::move(engine))
+    , m_item(std::move(item)) {}
+
+MpvStreamPlayer::~MpvStreamPlayer() {
+    close();
+}
+
+void MpvStreamPlayer::play() {
+    m_state.want(EngineState::Sound::wanted);
+    m_pauseTimer.reset();
+    if (m_state.isOpen())
+        m_core->setPaused(AudioCore::Pause::no);
+    else
+        openWhenAllowed();
+    settle();
+}
+
+void MpvStreamPlayer::pause() {
+    m_state.want(EngineState::Sound::notWanted);
+    stopWaiting();
+    if (m_state.isOpen() && !m_pauseTimer) {
+        m_core->setPaused(AudioCore::Pause::yes);
+        m_pauseTimer =
+            m_engine->mainQueue.startTimer(longestHeldPause, MainQueue::Repeat::once, [this] { close(); });
+    }
+    settle();
+}
+
+void MpvStreamPlayer::setVolume(float volume) {
+    m_volume = volume;
+    if (m_core)
+        m_core->setVolume(volume);
+}
+
+void MpvStreamPlayer::replaceCurrentItem(std::shared_ptr<StreamItem> item) {
+    close();
+    m_item = std::move(item);
+    if (m_state.wanted() == EngineState::Sound::wanted)
+        openWhenAllowed();
+    settle();
+}
+
+ObservationToken MpvStreamPlayer::observeTimeControlStatus(std::function<void(TimeControlStatus)> handler) {
+    auto token = m_observers.add(handler);
+    handler(m_status);
+    return token;
+}
+
+void MpvStreamPlayer::openWhenAllowed() {
+    if (!m_item || m_openTimer)
+        return;
+    const auto wait = m_engine->pacing.waitBefore(m_item->url);
+    if (wait <= ReconnectPacing::Milliseconds(0)) {
+        openNow();
+        return;
+    }
+    m_openTimer = m_engine->mainQueue.startTimer(wait, MainQueue::Repeat::once, [this] { openNow(); });
+    m_waitIsOver = m_engine->waitIsOver.add([this] { openNow(); });
+}
+
+void MpvStreamPlayer::openNow() {
+    stopWaiting();
+    if (!m_core)
+        m_core = m_engine->takeCore();
+    m_played = ReconnectPacing::Milliseconds(0);
+    m_state.opening();
+    m_core->setVolume(m_volume);
+    m_core->setPaused(AudioCore::Pause::no);
+    m_core->load(m_item->url,
+                 m_lifetime.guard([this](const std::vector<EngineEvent>& events) { take(events); }));
+}
+
+void MpvStreamPlayer::close() {
+    stopWaiting();
+    m_pauseTimer.reset();
+    if (m_state.isOpen())
+        m_engine->pacing.closed(m_item->url, takePlayedTime());
+    m_state.closed();
+    if (m_core)
+        m_engine->giveBack(std::move(m_core));
+}
+
+void MpvStreamPlayer::stopWaiting() {
+    m_openTimer.reset();
+    m_waitIsOver.reset();
+}
+
+void MpvStreamPlayer::take(const std::vector<EngineEvent>& events) {
+    for (const auto& event : events)
+        m_state.take(event);
+    settle();
+}
+
+void MpvStreamPlayer::settle() {
+    const auto outcome = m_state.settle();
+    // Any of those who are told may end this player.
+    const auto alive = std::make_shared<bool>(false);
+    auto mark = m_lifetime.guard([alive] { *alive = true; });
+    const auto isAlive = [&] {
+        *alive = false;
+        mark();
+        return *alive;
+    };
+    const auto item = m_item;
+    if (outcome.ended)
+        connectionEnded(*outcome.ended);
+    changeStatus(outcome.status);
+    if (outcome.stalled && isAlive())
+        item->playbackStalled.notify();
+    // Not to somebody who has just paused: a fault must never bring sound back.
+    if (outcome.failed && isAlive() && m_state.wanted() == EngineState::Sound::wanted)
+        item->failedToPlayToEndTime.notify();
+}
+
+void MpvStreamPlayer::connectionEnded(EndCause cause) {
+    if (cause == EndCause::noAudioDevice)
+        m_engine->report(QStringLiteral("There is no audio device to play on"));
+    m_pauseTimer.reset();
+    m_engine->pacing.failed(m_item->url, takePlayedTime());
+    m_engine->giveBack(std::move(m_core));
+}
+
+void MpvStreamPlayer::changeStatus(TimeControlStatus status) {
+    if (status == m_status)
+        return;
+    m_status = status;
+    if (status == TimeControlStatus::playing) {
+        m_playingSince = m_engine->now();
+        m_engine->worksAgain();
+    } else if (m_playingSince) {
+        m_played += m_engine->now() - *std::exchange(m_playingSince, std::nullopt);
+    }
+    m_observers.notify(status);
+}
+
+ReconnectPacing::Milliseconds MpvStreamPlayer::takePlayedTime() {
+    if (m_playingSince)
+        m_played += m_engine->now() - *std::exchange(m_playingSince, std::nullopt);
+    return std::exchange(m_played, ReconnectPacing::Milliseconds(0));
+}
+
+} // namespace zofra

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/audio/MpvStreamPlayerFactory.h"
+
+#include "platform/linux/audio/AudioEngine.h"
+#include "platform/linux/audio/AuthorityBundle.h"
+#include "platform/linux/audio/MpvCore.h"
+#include "platform/linux/audio/MpvStreamPlayer.h"
+
+#include <QRandomGenerator>
+
+#include <utility>
+
+namespace zofra {
+
+namespace {
+
+ReconnectPacing::SteadyClock steadyClock() {
+    return [] {
+        return std::chrono::duration_cast<ReconnectPacing::Milliseconds>(
+            std::chrono::steady_clock::now().time_since_epoch());
+    };
+}
+
+} // namespace
+
+MpvStreamPlayerFactory::MpvStreamPlayerFactory(MainQueue& mainQueue, SystemLog& log,
+                                               Configuration configuration) {
+    // PipeWire's library complains on standard error where PipeWire is not installed. Here, because other
+    // threads that read the environment come later.
+    if (!qEnvironmentVariableIsSet("PIPEWIRE_DEBUG"))
+        qputenv("PIPEWIRE_DEBUG", "0");
+    MpvHandle::Recipe recipe;
+    recipe.libraryFile = configuration.libraryFile;
+    recipe.authorityFile = [bundle = std::make_shared<AuthorityBundle>(
+                                std::move(configuration.extraAuthorityFile), log)] { return bundle->file(); };
+    // The cores report to the engine that owns them; by then it is there.
+    auto self = std::make_shared<std::weak_ptr<AudioEngine>>();
+    auto makeCore = [&mainQueue, recipe, self] {
+        return std::make_unique<MpvCore>(mainQueue, recipe, [self](const QString& reason) {
+            if (const auto engine = self->lock())
+                engine->report(reason);
+        });
+    };
+    m_engine = std::make_shared<AudioEngine>(
+        mainQueue, log, steadyClock(), [] { return QRandomGenerator::global()->generateDouble(); }, makeCore);
+    *self = m_engine;
+}
+
+MpvStreamPlayerFactory::~MpvStreamPlayerFactory() = default;
+
+std::unique_ptr<StreamPlayer> MpvStreamPlayerFactory::makePlayer(std::shared_ptr<StreamItem> item) {
+    return std::make_unique<MpvStreamPlayer>(m_engine, std::move(item));
+}
+
+void MpvStreamPlayerFactory::tryNow() {
+    m_engine->tryNow();
+}
+
+} // namespace zofra

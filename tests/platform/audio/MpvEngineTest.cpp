@@ -1,0 +1,219 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/QtMainQueue.h"
+#include "platform/linux/audio/MpvStreamPlayerFactory.h"
+#include "tests/platform/audio/LoopbackServer.h"
+#include "tests/platform/audio/PrivateSoundServer.h"
+#include "tests/support/EventLoop.h"
+#include "tests/support/PrintQt.h"
+#include "tests/support/RecordingOutput.h"
+#include "tests/support/ScopedEnvironment.h"
+
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace zofra::test {
+namespace {
+
+using namespace std::chrono_literals;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Then = LoopbackServer::Then;
+
+constexpr auto waiting = TimeControlStatus::waitingToPlayAtSpecifiedRate;
+constexpr auto playing = TimeControlStatus::playing;
+
+/// Lasts longer than any test: an mpv ends on a thread of its own, some time after the test that used it.
+struct LastingSurroundings {
+    TestApplication application;
+    QtMainQueue queue;
+    RecordingSystemLog log;
+};
+LastingSurroundings& surroundings() {
+    static auto* instance = new LastingSurroundings;
+    return *instance;
+}
+
+/// The real engine on streams from this computer.
+class MpvEngine : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!::dlopen("libmpv.so.2", RTLD_LAZY | RTLD_LOCAL))
+            GTEST_SKIP() << "skipped: libmpv is not installed";
+        surroundings().log.lines.clear();
+        environment.set("PULSE_SERVER", "unix:/nonexistent");
+        environment.set("PIPEWIRE_REMOTE", "/nonexistent");
+        environment.set("ALSA_CONFIG_PATH", "/dev/null");
+    }
+
+    void play(const QUrl& url) {
+        item = std::make_shared<StreamItem>(url);
+        stall = item->playbackStalled.add([this] { ++stalls; });
+        failure = item->failedToPlayToEndTime.add([this] { ++failures; });
+        player = factory->makePlayer(item);
+        player->play();
+    }
+    bool hasSoundServer() {
+        if (!PrivateSoundServer::isAvailable())
+            return false;
+        sound = std::make_unique<PrivateSoundServer>();
+        environment.set("PULSE_SERVER", sound->address());
+        return spinUntil([this] { return sound->isListening(); });
+    }
+    /// Lets pass whatever is already on its way.
+    static void settle() {
+        bool done = false;
+        surroundings().queue.async([&] { surroundings().queue.async([&] { done = true; }); });
+        spinUntil([&] { return done; });
+    }
+
+    ScopedEnvironment environment;
+    std::unique_ptr<PrivateSoundServer> sound;
+    std::unique_ptr<MpvStreamPlayerFactory> factory = std::make_unique<MpvStreamPlayerFactory>(
+        surroundings().queue, surroundings().log, MpvStreamPlayerFactory::Configuration{});
+    std::shared_ptr<StreamItem> item;
+    std::unique_ptr<StreamPlayer> player;
+    ObservationToken stall;
+    ObservationToken failure;
+    int stalls = 0;
+    int failures = 0;
+};
+
+TEST_F(MpvEngine, isMissedInOneLineWhenTheLibraryIsMissing) {
+    MpvStreamPlayerFactory::Configuration configuration;
+    configuration.libraryFile = "libzofra-no-such-library.so";
+    factory =
+        std::make_unique<MpvStreamPlayerFactory>(surroundings().queue, surroundings().log, configuration);
+    play(QUrl(QStringLiteral("http://127.0.0.1:1/")));
+    EXPECT_EQ(failures, 0) << "never told in place";
+    ASSERT_TRUE(spinUntil([this] { return failures > 0; }));
+    player->play();
+    ASSERT_TRUE(spinUntil([this] { return failures > 1; }));
+    ASSERT_EQ(surroundings().log.lines.size(), 1U);
+    EXPECT_TRUE(surroundings().log.lines.front().startsWith(
+        QStringLiteral("libmpv cannot be loaded: libzofra-no-such")));
+}
+
+TEST_F(MpvEngine, isRefusedWhenTheLibraryIsAnother) {
+    MpvStreamPlayerFactory::Configuration configuration;
+    configuration.libraryFile = "libm.so.6";
+    factory =
+        std::make_unique<MpvStreamPlayerFactory>(surroundings().queue, surroundings().log, configuration);
+    play(QUrl(QStringLiteral("http://127.0.0.1:1/")));
+    ASSERT_TRUE(spinUntil([this] { return failures > 0; }));
+    EXPECT_THAT(surroundings().log.lines,
+                ElementsAre(QStringLiteral("libmpv cannot be used: it has no mpv_client_api_version")));
+}
+
+TEST_F(MpvEngine, failsOnARefusedPort) {
+    LoopbackServer server("audio/mpeg", silentMp3(), Then::repeatForever);
+    const auto url = server.url();
+    server.stop();
+    play(url);
+    EXPECT_EQ(player->timeControlStatus(), waiting);
+    ASSERT_TRUE(spinUntil([this] { return failures > 0; }));
+    settle();
+    EXPECT_EQ(failures, 1);
+    EXPECT_EQ(stalls, 0);
+    EXPECT_EQ(player->timeControlStatus(), waiting);
+    EXPECT_THAT(surroundings().log.lines, IsEmpty())
+        << "that a station is off the air is not the engine's to say";
+}
+
+TEST_F(MpvEngine, failsOnAPage) {
+    LoopbackServer server("text/html", "<!DOCTYPE html><html><body>" + QByteArray("<p>no</p>").repeated(2000),
+                          Then::close);
+    play(server.url());
+    ASSERT_TRUE(spinUntil([this] { return failures > 0; }));
+    EXPECT_EQ(server.requests(), 1);
+}
+
+TEST_F(MpvEngine, followsNoListToAnotherAddress) {
+    ASSERT_TRUE(hasSoundServer() || !PrivateSoundServer::isAvailable());
+    LoopbackServer elsewhere("audio/mpeg", silentMp3(), Then::repeatForever);
+    const auto url = elsewhere.url().toEncoded();
+    const std::vector<std::pair<QByteArray, QByteArray>> lists{
+        {"audio/x-mpegurl", "#EXTM3U\n#EXTINF:1,x\n" + url + "\n"},
+        {"audio/x-scpls", "[playlist]\nFile1=" + url + "\nNumberOfEntries=1\n"},
+        {"application/vnd.apple.mpegurl",
+         "#EXTM3U\n#EXT-X-TARGETDURATION:10\n#EXT-X-VERSION:3\n#EXTINF:10,\n" + url + "\n"},
+        {"text/plain", "# mpv EDL v0\n" + url + "\n"},
+    };
+    for (const auto& [type, list] : lists) {
+        LoopbackServer server(type, list, Then::close);
+        failures = 0;
+        play(server.url());
+        EXPECT_TRUE(spinUntil([this] { return failures > 0; })) << type.constData();
+        EXPECT_EQ(elsewhere.requests(), 0) << type.constData();
+    }
+}
+
+TEST_F(MpvEngine, saysInOneLineThatThereIsNoAudioDevice) {
+    LoopbackServer server("audio/mpeg", silentMp3(), Then::repeatForever);
+    play(server.url());
+    ASSERT_TRUE(spinUntil([this] { return failures > 0; }));
+    EXPECT_THAT(surroundings().log.lines, ElementsAre(QStringLiteral("There is no audio device to play on")));
+}
+
+TEST_F(MpvEngine, playsAndFailsOnceWhenTheStationGoesOffTheAir) {
+    if (!hasSoundServer())
+        GTEST_SKIP() << "skipped: pulseaudio is not installed";
+    LoopbackServer server("audio/mpeg", silentMp3(), Then::close); // A second, then the end.
+    play(server.url());
+    ASSERT_TRUE(spinUntil([this] { return player->timeControlStatus() == playing; }));
+    EXPECT_EQ(failures, 0);
+    ASSERT_TRUE(spinUntil([this] { return failures > 0; }));
+    settle();
+    EXPECT_EQ(failures, 1);
+    EXPECT_EQ(player->timeControlStatus(), waiting);
+    EXPECT_THAT(surroundings().log.lines, IsEmpty());
+}
+
+TEST_F(MpvEngine, pausesAndGoesOn) {
+    if (!hasSoundServer())
+        GTEST_SKIP() << "skipped: pulseaudio is not installed";
+    LoopbackServer server("audio/mpeg", silentMp3(), Then::repeatForever);
+    play(server.url());
+    ASSERT_TRUE(spinUntil([this] { return player->timeControlStatus() == playing; }));
+    player->pause();
+    EXPECT_EQ(player->timeControlStatus(), TimeControlStatus::paused);
+    settle();
+    player->play();
+    ASSERT_TRUE(spinUntil([this] { return player->timeControlStatus() == playing; }));
+    EXPECT_EQ(server.requests(), 1) << "the connection was held";
+    EXPECT_EQ(failures, 0);
+    EXPECT_EQ(stalls, 0);
+}
+
+TEST_F(MpvEngine, playsOneStationAfterTheOtherWithoutMixingTheirNews) {
+    if (!hasSoundServer())
+        GTEST_SKIP() << "skipped: pulseaudio is not installed";
+    LoopbackServer good("audio/mpeg", silentMp3(), Then::repeatForever);
+    LoopbackServer page("text/html", "<html>", Then::close);
+    for (int i = 0; i < 10; ++i) {
+        play(page.url());
+        play(good.url());
+        ASSERT_TRUE(spinUntil([this] { return player->timeControlStatus() == playing; })) << i;
+        settle();
+    }
+    EXPECT_EQ(failures, 0) << "the page's failures belonged to players that are gone";
+    EXPECT_EQ(good.requests(), 10);
+}
+
+TEST_F(MpvEngine, failsWhenTheSoundServerDiesAndPlaysOnTheNext) {
+    if (!hasSoundServer())
+        GTEST_SKIP() << "skipped: pulseaudio is not installed";
+    LoopbackServer server("audio/mpeg", silentMp3(), Then::repeatForever);
+    play(server.url());
+    ASSERT_TRUE(spinUntil([this] { return player->timeControlStatus() == playing; }));
+    sound->stop();
+    ASSERT_TRUE(spinUntil([this] { return failures > 0; }));
+    EXPECT_THAT(surroundings().log.lines, ElementsAre(QStringLiteral("There is no audio device to play on")));
+    sound->start();
+    ASSERT_TRUE(spinUntil([this] { return sound->isListening(); }));
+    player->play();
+    EXPECT_TRUE(spinUntil([this] { return player->timeControlStatus() == playing; }));
+}
+
+} // namespace
+} // namespace zofra::test

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/audio/MpvOptions.h"
+
+#include "platform/linux/audio/LibraryPages.h"
+#include "tests/support/PrintQt.h"
+
+#include <QRegularExpression>
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <map>
+#include <string>
+
+namespace zofra::test {
+namespace {
+
+std::map<std::string, MpvOption> byName(const QByteArray& authorityFile) {
+    std::map<std::string, MpvOption> result;
+    for (const auto& option : mpvOptions(authorityFile)) {
+        const bool isNew = result.insert({option.name, option}).second;
+        EXPECT_TRUE(isNew) << option.name << " is given twice";
+    }
+    return result;
+}
+
+TEST(MpvVolume, isCubic) {
+    EXPECT_DOUBLE_EQ(mpvVolume(1.0F), 100.0);
+    EXPECT_DOUBLE_EQ(mpvVolume(0.0F), 0.0);
+    EXPECT_DOUBLE_EQ(mpvVolume(0.125F), 50.0);
+    EXPECT_NEAR(std::pow(mpvVolume(0.5F) / 100.0, 3), 0.5, 1e-9) << "half is half the amplitude";
+}
+
+TEST(MpvVolume, staysOnItsScale) {
+    EXPECT_DOUBLE_EQ(mpvVolume(7.0F), 100.0);
+    EXPECT_DOUBLE_EQ(mpvVolume(-1.0F), 0.0);
+}
+
+TEST(MpvOptions, insistOnWhatKeepsTheListenerSafe) {
+    const auto options = byName({});
+    const std::map<std::string, QByteArray> expected{
+        {"tls-verify", "yes"},
+        {"config", "no"},
+        {"load-scripts", "no"},
+        {"load-unsafe-playlists", "no"},
+        {"demuxer", "lavf"},
+        {"network-timeout", "10"},
+        {"user-agent", "ZofraZofra/1.0"},
+        {"stream-lavf-o", "protocol_whitelist=[http,https,tcp,tls,httpproxy]"},
+        {"demuxer-lavf-o", "format_whitelist=[aac,mp3],protocol_whitelist=[http,https,tcp,tls,httpproxy]"},
+    };
+    for (const auto& [name, value] : expected) {
+        const auto option = options.find(name);
+        ASSERT_NE(option, options.end()) << name;
+        EXPECT_EQ(option->second.value, value) << name;
+        EXPECT_EQ(option->second.need, MpvOption::Need::required) << name;
+    }
+}
+
+TEST(MpvOptions, nameTheAuthoritiesWhenThereIsAFile) {
+    EXPECT_EQ(byName({}).count("tls-ca-file"), 0U);
+    const auto options = byName("/a/b.pem");
+    ASSERT_EQ(options.count("tls-ca-file"), 1U);
+    EXPECT_EQ(options.at("tls-ca-file").value, QByteArray("/a/b.pem"));
+    EXPECT_EQ(options.at("tls-ca-file").need, MpvOption::Need::required);
+}
+
+TEST(LibraryPages, comeBackByThemselvesAfterTheyWereLetGo) {
+    const QString text = QStringLiteral("ZOFRA 12").toLower();
+    EXPECT_GT(LibraryPages::giveBack(), 1'000'000U) << "at least Qt's and the C library's";
+    EXPECT_EQ(QStringLiteral("ZOFRA 12").toLower(), text);
+    EXPECT_TRUE(QRegularExpression(QStringLiteral("^zofra \\d+$")).match(text).hasMatch());
+    EXPECT_THROW(std::string().at(1), std::out_of_range) << "also the tables that unwinding reads";
+}
+
+} // namespace
+} // namespace zofra::test
