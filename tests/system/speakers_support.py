@@ -109,6 +109,12 @@ def rooms(radio, system_log):
     return Rooms(radio, system_log)
 
 
+def tell(radio, *options):
+    """Hands options to the running program, which has to take them."""
+    done = radio.ask(*options)
+    assert (done.returncode, done.stdout, done.stderr) == (0, "", "")
+
+
 def logged(system_log, pattern, since=0.0):
     """Log entries that match, as texts."""
     return [text for text in system_log.texts(since) if re.fullmatch(pattern, text)]

@@ -8,7 +8,7 @@ import pytest
 
 from speakers_support import (  # noqa: F401
     ALL_TWELVE, BEAM, COMPANION, DINING, KITCHEN, OFFICE, OLD_BEDROOM, OLD_KITCHEN, RESCAN, SEARCH, Rooms,
-    assert_request, binary, house, logged, rooms, system_log,
+    assert_request, binary, house, logged, rooms, system_log, tell,
 )
 from zofralab.process import wait_until
 
@@ -128,7 +128,7 @@ def test_a_player_at_another_address_is_the_same_room(radio, rooms, house, statu
     status_bar.wait_for_item().menu.choose(*RESCAN)
     after = rooms.wait_scanned(since=since + 0.001)
     assert [room["id"] for room in after["rooms"]] == [room["id"] for room in before["rooms"]]
-    radio.ask("--output", "Office")
+    tell(radio, "--output", "Office")
     wait_until(lambda: house.player(player="10.77.0.123")["transport"]["uri"], 5, "the stream at the new address")
 
 
@@ -144,7 +144,7 @@ def test_local_control_switched_off_shows_rooms_from_descriptions(radio, rooms, 
     titles = rooms.titles(rooms.wait_scanned())
     # Nobody says what is hidden; a sub is known by its name.
     assert "Living Room" in "".join(titles) and not any(t.startswith("Sub") for t in titles)
-    radio.ask("--output", house.player(player=BEAM)["uuid"])
+    tell(radio, "--output", house.player(player=BEAM)["uuid"])
     system_log.wait_for(rf"\[Sonos\] SOAP SetAVTransportURI an {re.escape(BEAM)} fehlgeschlagen: HTTP 403")
 
 

@@ -7,7 +7,7 @@ import pytest
 
 from speakers_support import (  # noqa: F401
     BEAM, COMPANION, CONTROLLABLE, DINING, KITCHEN, OFFICE, OLD_BEDROOM, OLD_KITCHEN, acts, assert_request, binary,
-    house, logged, rooms, stream_uri, system_log, uri_arguments,
+    house, logged, rooms, stream_uri, system_log, tell, uri_arguments,
 )
 from zofralab.process import wait_until
 
@@ -66,7 +66,7 @@ def order(house):
 
 
 def test_playing_in_a_room_sets_the_stream_and_plays_to_the_letter(playing, house):
-    assert playing.ask("--output", "Living Room").returncode == 0
+    tell(playing, "--output", "Living Room")
     wait_playing(house, BEAM)
     status = playing.wait_status(playing=True)
     assert status["output"] == house.player(player=BEAM)["uuid"] and status["output_title"] == "Living Room"
@@ -79,7 +79,7 @@ def test_playing_in_a_room_sets_the_stream_and_plays_to_the_letter(playing, hous
 
 @pytest.mark.parametrize("station, uri", URIS)
 def test_every_station_reaches_a_player(playing, house, station, uri):
-    assert playing.ask("--play", station, "--output", "Living Room").returncode == 0
+    tell(playing, "--play", station, "--output", "Living Room")
     wait_playing(house, BEAM)
     assert acts(house, "SetAVTransportURI")[-1] == (BEAM, {
         "InstanceID": "0", "CurrentURI": uri, "CurrentURIMetaData": house.player(player=BEAM)["transport"]["metadata"]})
@@ -87,16 +87,16 @@ def test_every_station_reaches_a_player(playing, house, station, uri):
 
 
 def test_a_room_by_title_id_or_not_at_all(playing, house):
-    assert playing.ask("--output", house.player(player=OFFICE)["uuid"]).returncode == 0
+    tell(playing, "--output", house.player(player=OFFICE)["uuid"])
     wait_playing(house, OFFICE)
-    assert playing.ask("--output", "Bedroom (Zofra)").returncode == 0
+    tell(playing, "--output", "Bedroom (Zofra)")
     wait_playing(house, COMPANION)
     refused = playing.ask("--output", "Cellar")
     assert refused.returncode == 1 and len((refused.stdout + refused.stderr).splitlines()) == 1
 
 
 def test_a_companion_is_spoken_to_at_the_paths_it_announces(playing, house):
-    playing.ask("--output", "Bedroom (Zofra)")
+    tell(playing, "--output", "Bedroom (Zofra)")
     wait_playing(house, COMPANION)
     stream, play = house.requests(method="POST")
     assert_request(stream, "AVTransport", "SetAVTransportURI", uri_arguments(ZOFRA), prefix="/upnp")
@@ -104,7 +104,7 @@ def test_a_companion_is_spoken_to_at_the_paths_it_announces(playing, house):
 
 
 def test_a_player_led_by_another_leaves_its_group_first(playing, house):
-    playing.ask("--output", "Dining Room")
+    tell(playing, "--output", "Dining Room")
     wait_playing(house, DINING)
     assert order(house) == [(DINING, "BecomeCoordinatorOfStandaloneGroup"), (DINING, "SetAVTransportURI"),
                             (DINING, "Play")]
@@ -120,7 +120,7 @@ def test_a_room_of_two_players_is_led_by_the_smaller_id_and_joined_by_the_other(
     radio.start(discovery=True)
     rooms.wait_scanned()
     house.forget()
-    radio.ask("--output", "Salon")
+    tell(radio, "--output", "Salon")
     wait_action(house, "SetAVTransportURI", 2)
     wait_playing(house, small["ip"])
     assert order(house) == [(small["ip"], "BecomeCoordinatorOfStandaloneGroup"), (small["ip"], "SetAVTransportURI"),
@@ -136,7 +136,7 @@ def test_pausing_reaches_who_leads_now(radio, rooms, house, status_bar):
     small = min((p for p in players if p["room"] == "Salon"), key=lambda p: p["uuid"])
     radio.start(headless=False, discovery=True)
     rooms.wait_scanned()
-    radio.ask("--output", "Salon")
+    tell(radio, "--output", "Salon")
     wait_playing(house, small["ip"])
     radio.wait_status(playing=True)
     status_bar.wait_for_item().menu.choose("Stop Radio")
@@ -147,7 +147,7 @@ def test_pausing_reaches_who_leads_now(radio, rooms, house, status_bar):
 
 
 def test_pause_and_play_again_in_a_room(radio, menu, house):
-    radio.ask("--output", "Living Room")
+    tell(radio, "--output", "Living Room")
     wait_playing(house, BEAM)
     radio.wait_status(playing=True)
     menu.choose("Stop Radio")
@@ -161,7 +161,7 @@ def test_pause_and_play_again_in_a_room(radio, menu, house):
 
 
 def test_a_failed_pause_still_counts_as_playing(radio, menu, house, system_log):
-    radio.ask("--output", "Living Room")
+    tell(radio, "--output", "Living Room")
     wait_playing(house, BEAM)
     radio.wait_status(playing=True)
     house.switch(player=BEAM, fail={"Pause": 701})
@@ -171,10 +171,10 @@ def test_a_failed_pause_still_counts_as_playing(radio, menu, house, system_log):
 
 
 def test_another_station_while_playing_is_sent_at_once(playing, house):
-    playing.ask("--output", "Living Room")
+    tell(playing, "--output", "Living Room")
     wait_playing(house, BEAM)
     playing.wait_status(playing=True)
-    playing.ask("--play", "qmusic")
+    tell(playing, "--play", "qmusic")
     wait_until(lambda: house.player(player=BEAM)["stream"]["url"].endswith("/qmusic.mp3"), 10, "the other station")
     wait_playing(house, BEAM)
     assert [a["CurrentURI"] for _, a in acts(house, "SetAVTransportURI")][-1] == QMUSIC
@@ -182,7 +182,7 @@ def test_another_station_while_playing_is_sent_at_once(playing, house):
 
 
 def test_everywhere_plays_one_group_of_players_and_each_companion(playing, house, system_log):
-    assert playing.ask("--output", "everywhere").returncode == 0
+    tell(playing, "--output", "everywhere")
     ordinary = sorted((house.player(player=ip) for ip in CONTROLLABLE - {COMPANION}), key=lambda p: p["uuid"])
     leader = ordinary[0]
     wait_action(house, "SetAVTransportURI", len(CONTROLLABLE))
@@ -201,7 +201,7 @@ def test_players_of_the_leaders_household_follow_it_everywhere(radio, rooms, hou
     players = [p for p in house.scene(scene="mixed") if p["household"] and not p["invisible"]]
     radio.start(discovery=True)
     rooms.wait_scanned()
-    radio.ask("--output", "everywhere")
+    tell(radio, "--output", "everywhere")
     leader = min(players, key=lambda p: p["uuid"])
     wait_playing(house, leader["ip"])
     wait_until(lambda: {house.player(player=p["uuid"])["coordinator"] for p in players} == {leader["uuid"]}, 10,
@@ -211,7 +211,7 @@ def test_players_of_the_leaders_household_follow_it_everywhere(radio, rooms, hou
 
 def test_a_partial_start_is_said_once_and_counts_as_playing(playing, house, system_log):
     house.switch(player=COMPANION, fail={"Play": 701})
-    playing.ask("--output", "everywhere")
+    tell(playing, "--output", "everywhere")
     system_log.wait_for(r"\[Sonos\] Wiedergabe nur auf 1 von 2 Ausgabegruppen gestartet\.")
     assert logged(system_log, r"\[Sonos\] SOAP Play .*") == [
         f"[Sonos] SOAP Play an {COMPANION} fehlgeschlagen: HTTP 500"]
@@ -220,7 +220,7 @@ def test_a_partial_start_is_said_once_and_counts_as_playing(playing, house, syst
 
 def test_no_start_at_all_is_not_playing(playing, house, system_log):
     house.switch(player=BEAM, fail={"SetAVTransportURI": 714})
-    playing.ask("--output", "Living Room")
+    tell(playing, "--output", "Living Room")
     system_log.wait_for(r"\[Sonos\] Wiedergabe nur auf 0 von 1 Ausgabegruppen gestartet\.")
     assert acts(house, "Play") == []
     assert not playing.status()["playing"]
@@ -235,7 +235,7 @@ def test_no_start_at_all_is_not_playing(playing, house, system_log):
 )
 def test_what_counts_as_success(playing, house, system_log, switches, said):
     house.switch(player=BEAM, **switches)
-    playing.ask("--output", "Living Room")
+    tell(playing, "--output", "Living Room")
     if said is None:
         wait_playing(house, BEAM)
         playing.wait_status(playing=True)
@@ -248,7 +248,7 @@ def test_what_counts_as_success(playing, house, system_log, switches, said):
 
 def test_a_player_that_never_answers_fails_after_five_seconds(playing, house, system_log):
     house.switch(player=BEAM, fail={"SetAVTransportURI": "silent"})
-    playing.ask("--output", "Living Room")
+    tell(playing, "--output", "Living Room")
     asked = wait_action(house, "SetAVTransportURI")[0]
     failed = system_log.wait_for(rf"\[Sonos\] SOAP SetAVTransportURI an {re.escape(BEAM)} fehlgeschlagen: HTTP 0")
     assert 4.5 < failed.at - asked["monotonic"] < 6
@@ -258,7 +258,7 @@ def test_volume_reaches_every_player_of_the_room_and_no_other(radio, rooms, hous
     players = house.scene(scene="mixed")
     radio.start(discovery=True)
     rooms.wait_scanned()
-    radio.ask("--output", "Salon")
+    tell(radio, "--output", "Salon")
     salon = {p["ip"] for p in players if p["room"] == "Salon"}
     radio.wait_status(playing=True)
     radio.media_player(bus).volume = 0.37
@@ -272,7 +272,7 @@ def test_volume_reaches_every_player_of_the_room_and_no_other(radio, rooms, hous
 
 @pytest.mark.parametrize("wanted, sent", [(0.0, 0), (0.25, 25), (0.29, 29), (1.0, 100)])
 def test_volume_everywhere_reaches_everyone_who_takes_commands(playing, house, bus, wanted, sent):
-    playing.ask("--output", "everywhere")
+    tell(playing, "--output", "everywhere")
     playing.wait_status(playing=True)
     playing.media_player(bus).volume = wanted
     requests = wait_action(house, "SetVolume", len(CONTROLLABLE))
@@ -288,10 +288,10 @@ def test_volume_with_output_here_stays_here(playing, house, bus):
 
 
 def test_coming_back_here_stops_everyone_who_takes_commands(playing, house):
-    playing.ask("--output", "Living Room")
+    tell(playing, "--output", "Living Room")
     wait_playing(house, BEAM)
     playing.wait_status(playing=True)
-    playing.ask("--output", "here")
+    tell(playing, "--output", "here")
     playing.wait_status(output="here", playing=False)
     requests = wait_action(house, "Stop", len(CONTROLLABLE))
     assert {r["ip"] for r in requests} == CONTROLLABLE
@@ -302,7 +302,7 @@ def test_coming_back_here_stops_everyone_who_takes_commands(playing, house):
 
 
 def test_stopping_everywhere_and_quitting_stop_the_players(radio, menu, house):
-    radio.ask("--output", "everywhere")
+    tell(radio, "--output", "everywhere")
     wait_playing(house, COMPANION)
     radio.wait_status(playing=True)
     menu.choose("Stop Radio")
@@ -319,7 +319,7 @@ def test_this_computer_falls_silent_before_a_room_begins(radio, rooms, house, ea
     radio.start("--play", "zofra", discovery=True)
     rooms.wait_scanned()
     ears.wait_for(("zofra", "aac"), 10)
-    radio.ask("--output", "Living Room")
+    tell(radio, "--output", "Living Room")
     wait_playing(house, BEAM)
     asked = wait_action(house, "SetAVTransportURI")[0]["monotonic"]
     silent = ears.wait_for(None, 5, since=asked - 2)
@@ -334,7 +334,7 @@ def test_a_room_named_at_the_start_is_waited_for(radio, house):
 
 
 def test_a_room_that_disappears_keeps_its_title(playing, house, rooms):
-    playing.ask("--output", "Office")
+    tell(playing, "--output", "Office")
     wait_playing(house, OFFICE)
     house.vanish(player=OFFICE, noticed=True)
     assert playing.status()["output_title"] == "Office"
@@ -342,7 +342,7 @@ def test_a_room_that_disappears_keeps_its_title(playing, house, rooms):
 
 def test_a_stream_that_a_player_cannot_get_is_the_players_affair(playing, house, lab):
     lab.icecast.stop_mount(station="zofra", codec="mp3")
-    playing.ask("--output", "Living Room")
+    tell(playing, "--output", "Living Room")
     playing.wait_status(playing=True)
     wait_until(lambda: house.player(player=BEAM)["transport"]["status"] == "ERROR_OCCURRED", 10, "the player's error")
     assert "404" in house.player(player=BEAM)["stream"]["error"]
