@@ -153,9 +153,15 @@ class Menu:
         return self._peer.call(self._name, self._path, MENU, method, signature, arguments, timeout)
 
     def open(self):
-        """What a panel does when its user clicks: announce it, then ask for the whole tree. Returns the root."""
+        """What a panel does when its user clicks: announce it, say that it is open, ask for the whole tree. Returns
+        the root. What is shown stays as it is until `close`."""
         self.call("AboutToShow", "(i)", (0,))
+        self.event(0, "opened")
         return self.tree()
+
+    def close(self):
+        """The user is done with it."""
+        self.event(0, "closed")
 
     def tree(self):
         """The whole tree as it is now."""
@@ -165,11 +171,25 @@ class Menu:
         """Report that something happened to an entry."""
         self.call("Event", "(isvu)", (identity, kind, GLib.Variant("i", 0), int(time.monotonic() * 1000) & 0xFFFFFFFF))
 
+    def look(self):
+        """Open, look and close: the root as it was shown."""
+        root = self.open()
+        self.close()
+        return root
+
     def choose(self, *path):
         """Open the menu and choose an entry by its texts (or by the beginnings of them, ending in "…")."""
         entry = find(self.open(), *path)
         assert entry.enabled, f"{path} is greyed out"
         self.event(entry.identity)
+        self.close()
+
+    def choose_as_gtk_does(self, identity):
+        """The menu closes before the click is reported, and nobody waits for an answer in between."""
+        for what, kind in ((0, "closed"), (identity, "clicked")):
+            arguments = GLib.Variant("(isvu)", (what, kind, GLib.Variant("i", 0), 0))
+            self._peer.connection.call(self._name, self._path, MENU, "Event", arguments, None,
+                                       Gio.DBusCallFlags.NO_AUTO_START, 5000, None, None)
 
 
 def _entry(layout):

@@ -54,7 +54,7 @@ def test_hostile_text_is_text_everywhere(radio, shown, bus, title):
     tooltip = item.tooltip
     assert len(tooltip) == 5 and all(visible(line) for line in tooltip), tooltip
     assert item.get("ToolTip")[3] == ""
-    menu = item.menu.open()
+    menu = item.menu.look()
     entries = [e for e in menu.children if e.label.startswith(("Now Playing: ", "Up Next: "))]
     assert len(entries) == 2 and not any(entry.enabled for entry in entries)
     for entry in entries:
@@ -69,7 +69,7 @@ def test_hostile_text_is_text_everywhere(radio, shown, bus, title):
 
 
 def test_an_underscore_is_no_access_key_and_an_ampersand_is_itself(shown):
-    menu = shown("_50_50 & <x>").menu.open()
+    menu = shown("_50_50 & <x>").menu.look()
     raw = [entry.properties["label"] for entry in menu.children if "Now Playing" in entry.properties.get("label", "")]
     assert raw == ["Now Playing: X – __50__50 & <x>"]
 
@@ -106,12 +106,13 @@ def test_the_menu_opens_within_a_frame_while_every_service_hangs(radio, lab, sta
     item = status_bar.wait_for_item()
     wait_until(lambda: lab.onair.requests() and lab.livefeed.connections(), 10, "everything to hang")
     menu = item.menu
-    menu.open()
+    menu.look()
     times = []
     while len(times) < 150:
         began = time.monotonic()
         menu.open()
         times.append(time.monotonic() - began)
+        menu.close()
         if len(times) == 75:
             lab.dns.answer(mode="silent")
             assert radio.ask("--play", "joe").returncode == 0  # new look-ups that nobody answers

@@ -52,7 +52,7 @@ def test_choosing_a_station_in_the_menu_is_heard_and_kept(radio, ears, status_ba
     item.menu.choose("Station (…", "Qmusic – Hits & Pop")
     ears.wait_for(("qmusic", "aac"), 10, chosen)
     wait_until(lambda: radio.setting("zofra_selected_station") == "qmusic", 3, "the setting")
-    stations = find(item.menu.open(), "Station (…")
+    stations = find(item.menu.look(), "Station (…")
     assert [entry.label for entry in stations.children if entry.checked] == ["Qmusic – Hits & Pop"]
     # Nothing of the old station after the new one began.
     after = ears.wait_for(("qmusic", "aac"), 5, chosen)

@@ -165,7 +165,7 @@ def test_a_panel_that_draws_the_menu_must_not_find_activate(radio, status_bar, b
 
 def test_the_menu_offers_what_the_program_can(radio, status_bar):
     radio.start(headless=False)
-    menu = status_bar.wait_for_item().menu.open()
+    menu = status_bar.wait_for_item().menu.look()
     stations = find(menu, "Station (Zofra)")
     assert [entry.label for entry in stations.children] == [f"{s.title} – {s.genre}" for s in STATIONS]
     assert [entry.checked for entry in stations.children] == [True] + [False] * 8
@@ -190,13 +190,28 @@ def test_an_id_never_means_two_things_and_unknown_ids_do_nothing(radio, status_b
     for option in ("joe", "qmusic", "bel_rtl"):
         assert radio.ask("--play", option).returncode == 0
         radio.wait_status(playing=True)
-        for identity, label in entries_of(menu.open()).items():
+        for identity, label in entries_of(menu.look()).items():
             assert identity == 0 or meaning.setdefault(identity, label) == label
-    shown = entries_of(menu.open())
+    shown = entries_of(menu.look())
     for identity in [*(set(meaning) - set(shown)), max(meaning) + 1000, -5]:
         menu.event(identity)
-    menu.open()
+    menu.look()
     assert radio.process.poll() is None and radio.status()["station"] == "bel_rtl" and radio.status()["playing"]
+
+
+def test_a_click_is_not_lost_when_the_song_changes_while_the_menu_is_open(radio, status_bar, lab):
+    radio.start(headless=False)
+    item = status_bar.wait_for_item()
+    wait_until(lambda: lab.livefeed.sessions() and lab.livefeed.sessions()[0]["stations"], 10, "the live feed")
+    for index, station in enumerate(STATIONS[1:4]):
+        entry = find(item.menu.open(), "Station (…", f"{station.title} – {station.genre}")
+        before = item.title
+        lab.livefeed.song(station=STATIONS[index].raw, artist="Meanwhile", title=f"Another {index}")
+        wait_until(lambda before=before: item.title != before, 5, "the song to change")
+        item.menu.choose_as_gtk_does(entry.identity)
+        radio.wait_status(station=station.raw)
+        wait_until(lambda index=index: len(lab.livefeed.sessions()) > index + 1
+                   and lab.livefeed.sessions()[index + 1]["stations"], 10, "the next live feed")
 
 
 def test_quit_from_the_menu(radio, status_bar):
@@ -210,7 +225,7 @@ def test_a_panel_that_restarts_gets_the_item_again(radio, status_bar):
     status_bar.wait_for_item()
     status_bar.disappear()
     status_bar.appear()
-    status_bar.wait_for_item().menu.open()
+    status_bar.wait_for_item().menu.look()
 
 
 def test_a_panel_that_appears_late_gets_the_item(radio, bus):
@@ -229,7 +244,7 @@ def test_a_session_bus_that_returns_gets_the_item_again(radio, session, status_b
     try:
         bar = StatusBar(peer)
         bar.appear()
-        assert bar.wait_for_item(20).menu.open().children
+        assert bar.wait_for_item(20).menu.look().children
     finally:
         peer.close()
 
@@ -240,7 +255,7 @@ def test_the_texts_follow_the_language(make_radio, status_bar):
     radio.environment["LANGUAGE"] = "nl_BE"
     radio.start(headless=False)
     item = status_bar.wait_for_item()
-    assert item.menu.open().children[0].label == "Radio afspelen"
+    assert item.menu.look().children[0].label == "Radio afspelen"
     assert item.tooltip[0] == "Zender: Zofra (Alternative Rock & Indie)"
     assert radio.setting("app_language") is None  # only a choice is kept
 
