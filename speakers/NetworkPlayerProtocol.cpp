@@ -87,6 +87,17 @@ std::optional<QString> controlPath(const QHash<QString, QString>& table, QLatin1
     return found == table.constEnd() ? std::nullopt : std::optional(*found);
 }
 
+/// Whether every text of a speaker is short enough to be kept.
+bool isKeepable(const SonosSpeaker& speaker) {
+    const auto fits = [](const QString& text) { return text.size() <= PlayerXMLLimits::fieldLength; };
+    for (const auto& text :
+         {speaker.manufacturer, speaker.transportPath, speaker.renderingPath, speaker.topologyPath}) {
+        if (text && !fits(*text))
+            return false;
+    }
+    return fits(speaker.id) && fits(speaker.roomName) && fits(speaker.model);
+}
+
 bool namesSub(const QString& model) {
     static const QRegularExpression sub(QStringLiteral("\\bSub\\b"),
                                         QRegularExpression::CaseInsensitiveOption |
@@ -153,6 +164,8 @@ std::optional<SonosSpeaker> NetworkPlayerProtocol::speaker(const QString& descri
     speaker.transportPath = controlPath(services, QLatin1String("AVTransport:1"));
     speaker.renderingPath = controlPath(services, QLatin1String("RenderingControl:1"));
     speaker.topologyPath = controlPath(services, QLatin1String("ZoneGroupTopology:1"));
+    if (!isKeepable(speaker))
+        return std::nullopt;
     speaker.isSub = !speaker.isZofra() && namesSub(speaker.model);
     return speaker;
 }

@@ -2,6 +2,7 @@
 #include "speakers/NetworkPlayerProtocol.h"
 #include "speakers/PlainOrder.h"
 #include "speakers/PlayerAddress.h"
+#include "speakers/PlayerXMLParser.h"
 
 #include <QHash>
 
@@ -11,9 +12,12 @@ namespace zofra {
 
 namespace {
 
+/// An attribute's value; one that is too long to be kept counts as missing.
 std::optional<QString> attribute(const PlayerXMLNode& node, const QString& name) {
     const auto found = node.attributes.constFind(name);
-    return found == node.attributes.constEnd() ? std::nullopt : std::optional(*found);
+    const bool isUsable =
+        found != node.attributes.constEnd() && found->size() <= PlayerXMLLimits::fieldLength;
+    return isUsable ? std::optional(*found) : std::nullopt;
 }
 
 std::optional<QUrl> location(const PlayerXMLNode& node) {

@@ -21,6 +21,8 @@ struct PlayerXMLLimits {
     static constexpr int nameLength = 1024;
     static constexpr int referenceLength = 32;
     static constexpr int elements = 20'000;
+    /// Of a name, an id or an address that is kept beyond the document.
+    static constexpr qsizetype fieldLength = 1024;
 };
 
 /// Builds a tree from the events of a streaming XML parser. One document each.

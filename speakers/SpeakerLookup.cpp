@@ -24,6 +24,17 @@ HttpRequest topologyRequest(const SonosSpeaker& speaker) {
     return request;
 }
 
+/// What keeping a report costs, in characters.
+qsizetype sizeOf(const QList<PlayerTopologyMember>& members) {
+    constexpr qsizetype record = 64;
+    qsizetype size = 0;
+    for (const auto& member : members) {
+        const auto address = member.descriptionURL ? member.descriptionURL->toEncoded().size() : 0;
+        size += record + member.uuid.size() + member.zoneName.size() + member.coordinator.size() + address;
+    }
+    return size;
+}
+
 } // namespace
 
 SpeakerLookup::SpeakerLookup(std::shared_ptr<SpeakerBackground> background)
@@ -78,9 +89,10 @@ QList<PlayerTopologyMember> SpeakerLookup::askForTopology() const {
     qsizetype kept = 0;
     m_fetcher.fetchTexts(std::move(requests), [&](std::size_t index, const QString& text) {
         auto members = NetworkPlayerProtocol::topology(text);
-        if (kept + members.size() > maxMembers)
+        const auto size = sizeOf(members);
+        if (kept + size > maxReported)
             return;
-        kept += members.size();
+        kept += size;
         answers[static_cast<qsizetype>(index)] = std::move(members);
     });
     return NetworkPlayerProtocol::merge(answers);

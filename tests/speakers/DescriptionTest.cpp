@@ -153,6 +153,18 @@ TEST(Description, OwnPlayersAreNeverSubs) {
     EXPECT_FALSE(isSub(QStringLiteral("Zofra Pi Player")));
 }
 
+TEST(Description, TextsTooLongToBeKeptAreRefused) {
+    const QString longest(1024, u'x');
+    for (const auto* element : {"roomName", "modelName", "manufacturer"}) {
+        const auto text = QStringLiteral("<%1>%2</%1>");
+        EXPECT_TRUE(readPlayer(text.arg(QString::fromLatin1(element), longest))) << element;
+        EXPECT_FALSE(readPlayer(text.arg(QString::fromLatin1(element), longest + u'x'))) << element;
+    }
+    for (const auto* type : {"AVTransport:1", "RenderingControl:1", "ZoneGroupTopology:1"})
+        EXPECT_FALSE(readPlayer(service(QString::fromLatin1(type), longest + u'x'))) << type;
+    EXPECT_FALSE(read(typeElement + QStringLiteral("<UDN>uuid:") + longest + QStringLiteral("x</UDN>")));
+}
+
 struct Captured {
     const char* file;
     const char* id;

@@ -138,6 +138,16 @@ TEST(Topology, NestingThatMultipliesMembersIsRefused) {
     EXPECT_TRUE(read(inside(40, 1024)).isEmpty());
 }
 
+TEST(Topology, AttributesTooLongToBeKeptCountAsMissing) {
+    const QString tooLong(1025, u'x');
+    EXPECT_TRUE(read(test::groupXml(a, test::memberXml(tooLong, address, kitchen))).isEmpty());
+    EXPECT_TRUE(read(test::groupXml(a, test::memberXml(a, address, tooLong))).isEmpty());
+    EXPECT_TRUE(read(test::groupXml(a, test::memberXml(a, address + tooLong, kitchen))).isEmpty());
+    const auto members = read(test::groupXml(tooLong, test::memberXml(a, address, kitchen)));
+    ASSERT_EQ(members.size(), 1);
+    EXPECT_EQ(members[0].coordinator, QString());
+}
+
 TEST(TopologyMerge, LaterRecordsWin) {
     const auto merged = NetworkPlayerProtocol::merge(
         {{member(a, true, QStringLiteral("Old"))}, {member(a, true, QStringLiteral("New"))}});
