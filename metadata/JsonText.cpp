@@ -12,9 +12,10 @@ namespace {
 /// Walks over the bytes of a document and looks only at what the library does not check itself.
 class StrictnessScanner {
 public:
-    explicit StrictnessScanner(const QByteArray& bytes)
+    StrictnessScanner(const QByteArray& bytes, JsonBudget& budget)
         : m_at(bytes.cbegin())
-        , m_end(bytes.cend()) {}
+        , m_end(bytes.cend())
+        , m_budget(budget) {}
 
     [[nodiscard]] bool accepts() {
         char previous = 0;
@@ -25,6 +26,8 @@ public:
             // Neither "1." nor ".5" is a number; a point outside of strings can only be a decimal one.
             if (byte == '.' && (!isDigit(previous) || m_at == m_end || !isDigit(*m_at)))
                 return false;
+            if ((byte == '[' || byte == '{' || byte == ',') && !takeValue())
+                return false;
             previous = byte;
         }
         return true;
@@ -32,6 +35,14 @@ public:
 
 private:
     static bool isDigit(char byte) { return byte >= '0' && byte <= '9'; }
+
+    /// What opens a list or separates its members announces one more value.
+    bool takeValue() {
+        if (m_budget.values == 0)
+            return false;
+        --m_budget.values;
+        return true;
+    }
 
     bool skipString() {
         while (m_at != m_end) {
@@ -79,6 +90,7 @@ private:
 
     QByteArray::const_iterator m_at;
     QByteArray::const_iterator m_end;
+    JsonBudget& m_budget;
 };
 
 } // namespace
@@ -92,7 +104,12 @@ std::optional<QString> textFromUtf8(const QByteArray& bytes) {
 }
 
 std::optional<QJsonDocument> parseJsonText(const QByteArray& utf8) {
-    if (!StrictnessScanner(utf8).accepts())
+    JsonBudget budget;
+    return parseJsonText(utf8, budget);
+}
+
+std::optional<QJsonDocument> parseJsonText(const QByteArray& utf8, JsonBudget& budget) {
+    if (!StrictnessScanner(utf8, budget).accepts())
         return std::nullopt;
     QJsonParseError error;
     auto document = QJsonDocument::fromJson(utf8, &error);

@@ -5,6 +5,7 @@
 #include <QJsonDocument>
 #include <QString>
 
+#include <cstddef>
 #include <optional>
 
 namespace zofra {
@@ -13,11 +14,21 @@ namespace zofra {
 /// A pure function, callable from any thread.
 [[nodiscard]] std::optional<QString> textFromUtf8(const QByteArray& bytes);
 
+/// How many values documents may hold altogether. A service's real answers have some hundred; a mebibyte of
+/// the smallest ones would keep the main thread busy for a third of a second.
+struct JsonBudget {
+    std::size_t values = 10'000;
+};
+
 /// Reads one JSON document, an array or an object, nested at most 1024 deep; absent when it is anything else.
 ///
 /// Stricter than the library underneath, which lets pass raw control characters in strings, unknown escapes,
 /// halves of surrogate pairs and numbers that begin or end with a point. Where a key stands twice in an
-/// object, the last one counts. A pure function, callable from any thread.
+/// object, the last one counts.
+///
+/// A document of more values than are left in `budget` is refused, and uses it up. Callable from any thread.
+[[nodiscard]] std::optional<QJsonDocument> parseJsonText(const QByteArray& utf8, JsonBudget& budget);
+/// The same for a document that stands alone.
 [[nodiscard]] std::optional<QJsonDocument> parseJsonText(const QByteArray& utf8);
 
 } // namespace zofra

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "metadata/LiveSocket.h"
 
-#include "metadata/JsonText.h"
 #include "metadata/ServiceUrl.h"
 
 #include <QJsonArray>
@@ -13,11 +12,12 @@ namespace zofra {
 namespace {
 
 /// The track in one element of an array frame, if it holds one for `station`.
-std::optional<ZofraLiveTrackData> liveTrackInElement(const QString& element, RadioStation station) {
-    const auto payload = SockJSDataPayload::decode(element.toUtf8());
+std::optional<ZofraLiveTrackData> liveTrackInElement(const QString& element, RadioStation station,
+                                                     JsonBudget& budget) {
+    const auto payload = SockJSDataPayload::decode(element.toUtf8(), budget);
     if (!payload || payload->action != QStringLiteral("data") || !payload->data)
         return std::nullopt;
-    auto event = ZofraLivePlayEvent::decode(payload->data->toUtf8());
+    auto event = ZofraLivePlayEvent::decode(payload->data->toUtf8(), budget);
     if (!event)
         return std::nullopt;
     if (event->station && event->station != liveSocketId(station))
@@ -26,8 +26,8 @@ std::optional<ZofraLiveTrackData> liveTrackInElement(const QString& element, Rad
 }
 
 /// The elements of an array frame; absent unless all of them are strings.
-std::optional<QStringList> elementsOfFrame(const QString& text) {
-    const auto document = parseJsonText(text.sliced(1).toUtf8());
+std::optional<QStringList> elementsOfFrame(const QString& text, JsonBudget& budget) {
+    const auto document = parseJsonText(text.sliced(1).toUtf8(), budget);
     if (!document || !document->isArray())
         return std::nullopt;
     QStringList elements;
@@ -78,12 +78,13 @@ SockJSFrameKind sockJSFrameKind(const QString& text) {
 std::optional<ZofraLiveTrackData> liveTrackInFrame(const QString& text, RadioStation station) {
     if (text.isEmpty())
         return std::nullopt;
-    const auto elements = elementsOfFrame(text);
+    JsonBudget budget;
+    const auto elements = elementsOfFrame(text, budget);
     if (!elements)
         return std::nullopt;
     // The last usable one counts, so look from the end and stop there.
     for (auto element = elements->crbegin(); element != elements->crend(); ++element) {
-        if (auto track = liveTrackInElement(*element, station))
+        if (auto track = liveTrackInElement(*element, station, budget))
             return track;
     }
     return std::nullopt;

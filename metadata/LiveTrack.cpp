@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "metadata/LiveTrack.h"
 
-#include "metadata/JsonText.h"
-
 #include <QJsonArray>
 #include <QJsonValue>
 
@@ -65,8 +63,8 @@ std::optional<Record> recordIf(Record&& record, Readings... readings) {
 }
 
 template<typename Record>
-std::optional<Record> decodeDocument(const QByteArray& utf8) {
-    const auto document = parseJsonText(utf8);
+std::optional<Record> decodeDocument(const QByteArray& utf8, JsonBudget& budget) {
+    const auto document = parseJsonText(utf8, budget);
     if (!document || !document->isObject())
         return std::nullopt;
     return Record::fromJson(document->object());
@@ -173,8 +171,8 @@ std::optional<ZofraLivePlayEvent> ZofraLivePlayEvent::fromJson(const QJsonObject
     return recordIf(std::move(event), station, entity, action, data);
 }
 
-std::optional<ZofraLivePlayEvent> ZofraLivePlayEvent::decode(const QByteArray& utf8) {
-    return decodeDocument<ZofraLivePlayEvent>(utf8);
+std::optional<ZofraLivePlayEvent> ZofraLivePlayEvent::decode(const QByteArray& utf8, JsonBudget& budget) {
+    return decodeDocument<ZofraLivePlayEvent>(utf8, budget);
 }
 
 QJsonObject ZofraLivePlayEvent::toJson() const {
@@ -194,8 +192,8 @@ std::optional<SockJSDataPayload> SockJSDataPayload::fromJson(const QJsonObject& 
     return recordIf(std::move(payload), action, ids, data);
 }
 
-std::optional<SockJSDataPayload> SockJSDataPayload::decode(const QByteArray& utf8) {
-    return decodeDocument<SockJSDataPayload>(utf8);
+std::optional<SockJSDataPayload> SockJSDataPayload::decode(const QByteArray& utf8, JsonBudget& budget) {
+    return decodeDocument<SockJSDataPayload>(utf8, budget);
 }
 
 QJsonObject SockJSDataPayload::toJson() const {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "metadata/JsonText.h"
+
 #include <QByteArray>
 #include <QJsonObject>
 #include <QString>
@@ -63,8 +65,8 @@ struct ZofraLivePlayEvent {
     std::optional<ZofraLiveTrackData> data;
 
     [[nodiscard]] static std::optional<ZofraLivePlayEvent> fromJson(const QJsonObject& object);
-    /// From a whole document.
-    [[nodiscard]] static std::optional<ZofraLivePlayEvent> decode(const QByteArray& utf8);
+    /// From a whole document, which may cost no more than `budget`.
+    [[nodiscard]] static std::optional<ZofraLivePlayEvent> decode(const QByteArray& utf8, JsonBudget& budget);
     [[nodiscard]] QJsonObject toJson() const;
     friend bool operator==(const ZofraLivePlayEvent&, const ZofraLivePlayEvent&) = default;
 };
@@ -78,8 +80,8 @@ struct SockJSDataPayload {
     std::optional<QString> data;
 
     [[nodiscard]] static std::optional<SockJSDataPayload> fromJson(const QJsonObject& object);
-    /// From a whole document.
-    [[nodiscard]] static std::optional<SockJSDataPayload> decode(const QByteArray& utf8);
+    /// From a whole document, which may cost no more than `budget`.
+    [[nodiscard]] static std::optional<SockJSDataPayload> decode(const QByteArray& utf8, JsonBudget& budget);
     [[nodiscard]] QJsonObject toJson() const;
     friend bool operator==(const SockJSDataPayload&, const SockJSDataPayload&) = default;
 };

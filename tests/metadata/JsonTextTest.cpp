@@ -58,6 +58,24 @@ TEST(ParseJsonText, GoesDownAThousandLevelsAndNoFurther) {
     EXPECT_FALSE(parseJsonText(QByteArray(1024 * 1024, '[')));
 }
 
+TEST(ParseJsonText, RefusesMoreValuesThanTheBudgetHolds) {
+    const auto listOf = [](int count) { return "[" + QByteArray("1,").repeated(count - 1) + "1]"; };
+    EXPECT_TRUE(parseJsonText(listOf(10'000)));
+    EXPECT_FALSE(parseJsonText(listOf(10'001)));
+    EXPECT_FALSE(parseJsonText("[" + QByteArray("{},").repeated(5'000) + "{}]"));
+    EXPECT_TRUE(parseJsonText("[\"" + QByteArray("[,{").repeated(20'000) + "\"]"))
+        << "what stands in a string is one value";
+}
+
+TEST(ParseJsonText, SeveralDocumentsShareABudget) {
+    JsonBudget budget{5};
+    EXPECT_TRUE(parseJsonText("[1,2]", budget));
+    EXPECT_EQ(budget.values, 3U);
+    EXPECT_TRUE(parseJsonText("{}", budget));
+    EXPECT_FALSE(parseJsonText("[1,2,3]", budget));
+    EXPECT_FALSE(parseJsonText("[]", budget)) << "used up";
+}
+
 class MalformedJson : public testing::TestWithParam<QByteArray> {};
 
 TEST_P(MalformedJson, GivesNothing) {

@@ -125,6 +125,15 @@ TEST(LiveTrackInFrame, ATrackWithNothingInItIsStillATrack) {
     EXPECT_EQ(track->formattedCurrent(), u"Radio"_qs);
 }
 
+TEST(LiveTrackInFrame, CostsABoundedEffort) {
+    const auto good = element(playEvent(u"joe_fm"_qs, u"Good"_qs));
+    const QString costly = u"["_qs + u"[],"_qs.repeated(4'000) + u"[]]"_qs;
+    EXPECT_EQ(titleIn(arrayFrame({good, costly}), RadioStation::joe), u"Good"_qs);
+    EXPECT_EQ(titleIn(arrayFrame({costly, costly, costly, good}), RadioStation::joe), u"Good"_qs)
+        << "the last one is looked at first";
+    EXPECT_EQ(titleIn(arrayFrame({good, costly, costly, costly}), RadioStation::joe), noTrack);
+}
+
 TEST(LiveTrackInFrame, WholeFrameIsDroppedWhenItIsNoListOfTexts) {
     const auto good = element(playEvent(u"joe_fm"_qs, u"Good"_qs));
     auto list = QJsonArray{good};

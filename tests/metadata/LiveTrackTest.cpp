@@ -13,6 +13,16 @@
 namespace zofra {
 namespace {
 
+std::optional<ZofraLivePlayEvent> decodeEvent(const QByteArray& utf8) {
+    JsonBudget budget;
+    return ZofraLivePlayEvent::decode(utf8, budget);
+}
+
+std::optional<SockJSDataPayload> decodePayload(const QByteArray& utf8) {
+    JsonBudget budget;
+    return SockJSDataPayload::decode(utf8, budget);
+}
+
 ZofraLiveTrackData track(std::optional<QString> title, std::optional<QString> artist) {
     ZofraLiveTrackData data;
     data.title = std::move(title);
@@ -67,7 +77,7 @@ TEST(FormattedNext, FollowsTheSameStepsButMayBeEmpty) {
 }
 
 TEST(PlayEvent, DecodesEveryField) {
-    const auto event = ZofraLivePlayEvent::decode(
+    const auto event = decodeEvent(
         R"({"station":"joe_fm","entity":"plays","action":"play","other":[1],"data":{"title":"T","slug":null,
             "artist":{"name":"A","id":3},"next":{"title":"N","artist":{"name":"M"}}}})");
     ASSERT_TRUE(event);
@@ -81,11 +91,10 @@ TEST(PlayEvent, DecodesEveryField) {
 }
 
 TEST(PlayEvent, LeavesMissingAndNullFieldsAbsent) {
-    EXPECT_EQ(ZofraLivePlayEvent::decode("{}"), ZofraLivePlayEvent{});
-    EXPECT_EQ(ZofraLivePlayEvent::decode(R"({"station":null,"entity":null,"action":null,"data":null})"),
+    EXPECT_EQ(decodeEvent("{}"), ZofraLivePlayEvent{});
+    EXPECT_EQ(decodeEvent(R"({"station":null,"entity":null,"action":null,"data":null})"),
               ZofraLivePlayEvent{});
-    const auto event =
-        ZofraLivePlayEvent::decode(R"({"data":{"title":null,"artist":{"name":null},"next":null}})");
+    const auto event = decodeEvent(R"({"data":{"title":null,"artist":{"name":null},"next":null}})");
     ASSERT_TRUE(event && event->data);
     EXPECT_EQ(event->data->title, std::nullopt);
     EXPECT_EQ(event->data->artist, ZofraLiveArtist{});
@@ -93,12 +102,12 @@ TEST(PlayEvent, LeavesMissingAndNullFieldsAbsent) {
 }
 
 TEST(PlayEvent, KeysAreCaseSensitive) {
-    EXPECT_EQ(ZofraLivePlayEvent::decode(R"({"Station":"joe_fm","STATION":5})"), ZofraLivePlayEvent{});
+    EXPECT_EQ(decodeEvent(R"({"Station":"joe_fm","STATION":5})"), ZofraLivePlayEvent{});
 }
 
 class UndecodableEvent : public testing::TestWithParam<const char*> {};
 TEST_P(UndecodableEvent, GivesNothing) {
-    EXPECT_FALSE(ZofraLivePlayEvent::decode(GetParam()));
+    EXPECT_FALSE(decodeEvent(GetParam()));
 }
 INSTANTIATE_TEST_SUITE_P(
     Documents, UndecodableEvent,
@@ -110,28 +119,27 @@ INSTANTIATE_TEST_SUITE_P(
                     R"({"data":{"next":{"artist":{"name":{}}}}})", R"({"data":{"title":"\ud800"}})"));
 
 TEST(Payload, DecodesEveryField) {
-    const auto payload =
-        SockJSDataPayload::decode(R"({"action":"data","ids":[0,-2,3],"data":"{}","key":"2"})");
+    const auto payload = decodePayload(R"({"action":"data","ids":[0,-2,3],"data":"{}","key":"2"})");
     ASSERT_TRUE(payload);
     EXPECT_EQ(payload->action, u"data"_qs);
     EXPECT_EQ(payload->ids, (std::vector<std::int64_t>{0, -2, 3}));
     EXPECT_EQ(payload->data, u"{}"_qs);
-    EXPECT_EQ(SockJSDataPayload::decode(R"({"action":null,"ids":null,"data":null})"), SockJSDataPayload{});
+    EXPECT_EQ(decodePayload(R"({"action":null,"ids":null,"data":null})"), SockJSDataPayload{});
 }
 
 TEST(Payload, TakesWholeNumbersHoweverTheyAreWritten) {
-    const auto payload = SockJSDataPayload::decode(
+    const auto payload = decodePayload(
         R"({"ids":[1.0,1e3,-0,-0.0,0e5,9223372036854775807,-9223372036854775808,1000000000000000001]})");
     ASSERT_TRUE(payload);
     EXPECT_EQ(payload->ids,
               (std::vector<std::int64_t>{1, 1000, 0, 0, 0, std::numeric_limits<std::int64_t>::max(),
                                          std::numeric_limits<std::int64_t>::min(), 1000000000000000001}));
-    EXPECT_EQ(SockJSDataPayload::decode(R"({"ids":[]})")->ids, std::vector<std::int64_t>());
+    EXPECT_EQ(decodePayload(R"({"ids":[]})")->ids, std::vector<std::int64_t>());
 }
 
 class UndecodablePayload : public testing::TestWithParam<const char*> {};
 TEST_P(UndecodablePayload, GivesNothing) {
-    EXPECT_FALSE(SockJSDataPayload::decode(GetParam()));
+    EXPECT_FALSE(decodePayload(GetParam()));
 }
 INSTANTIATE_TEST_SUITE_P(Documents, UndecodablePayload,
                          testing::Values("", "[]", R"({"action":1})", R"({"ids":1})", R"({"ids":{}})",
@@ -149,10 +157,10 @@ TEST(Records, ComeBackFromTheirOwnEncoding) {
     event.data = track(u"Song \"1\" é 😀"_qs, u"Band"_qs);
     event.data->next = nextTrack(u"Later"_qs, std::nullopt);
     const auto utf8 = QJsonDocument(event.toJson()).toJson(QJsonDocument::Compact);
-    EXPECT_EQ(ZofraLivePlayEvent::decode(utf8), event);
+    EXPECT_EQ(decodeEvent(utf8), event);
 
     const SockJSDataPayload payload{u"data"_qs, std::vector<std::int64_t>{7, -1}, QString::fromUtf8(utf8)};
-    EXPECT_EQ(SockJSDataPayload::decode(QJsonDocument(payload.toJson()).toJson()), payload);
+    EXPECT_EQ(decodePayload(QJsonDocument(payload.toJson()).toJson()), payload);
 }
 
 TEST(Records, EncodingLeavesAbsentFieldsOut) {

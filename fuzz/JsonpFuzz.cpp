@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "fuzz/FuzzBytes.h"
+#include "metadata/Jsonp.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace zofra;
+    const auto text = QString::fromUtf8(fuzz::bytes(data, size));
+    const auto inner = unwrapJSONP(text);
+    if (!inner)
+        return 0;
+    fuzz::require(!inner->isEmpty() && *inner == inner->trimmed() && text.contains(*inner));
+    // The same with a call around it.
+    fuzz::require(unwrapJSONP(u" a.b ( " + *inner + u" ) ; ;") == inner);
+    return 0;
+}
