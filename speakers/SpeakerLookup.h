@@ -26,9 +26,9 @@ public:
     /// household that answers no topology still gives its speakers, as their descriptions have them.
     [[nodiscard]] QList<SonosSpeaker> discoverSpeakers(const QList<QUrl>& addresses);
 
-    /// Members of all answers together; what comes beyond is not kept. Each of a hundred players reporting a
-    /// hundred and fifty members stays far below it.
-    static constexpr qsizetype maxMembers = 65'536;
+    /// Size of all reports together, in characters with something on top for each member; what comes beyond
+    /// is not kept. A hundred players that each report a hundred and fifty members stay far below it.
+    static constexpr qsizetype maxReported = 8 * 1024 * 1024;
 
 private:
     void fetchDescriptions(const QList<QUrl>& addresses);
