@@ -6,6 +6,7 @@
 
 #include <QCursor>
 #include <QGuiApplication>
+#include <QPainter>
 #include <QPalette>
 #include <QToolTip>
 
@@ -38,6 +39,25 @@ QString standardIconName(const QString& symbolName) {
             return standard;
     }
     return {};
+}
+
+/// A drawing with a faint edge in the opposite tone: nobody tells what colour the panel behind it has.
+QImage withEdge(const IconProvider& icons, const QString& symbolName, int pixels) {
+    const QColor color = QGuiApplication::palette().color(QPalette::WindowText);
+    const QColor opposite = color.lightness() < 128 ? QColor(Qt::white) : QColor(Qt::black);
+    const QImage glyph = icons.image(symbolName, pixels, color);
+    if (glyph.isNull())
+        return glyph;
+    const QImage edge = icons.image(symbolName, pixels, opposite);
+    QImage image(glyph.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setOpacity(0.5);
+    for (const QPoint offset : {QPoint(-1, 0), QPoint(1, 0), QPoint(0, -1), QPoint(0, 1)})
+        painter.drawImage(offset, edge);
+    painter.setOpacity(1.0);
+    painter.drawImage(0, 0, glyph);
+    return image;
 }
 
 } // namespace
@@ -222,9 +242,8 @@ void TrayStatusItem::publish() {
         m_item->setContent(content());
     if (m_xembed) {
         QIcon icon;
-        const QColor color = QGuiApplication::palette().color(QPalette::WindowText);
         for (const int pixels : std::array{16, 22, 24, 32, 48})
-            icon.addPixmap(QPixmap::fromImage(m_environment.icons.image(m_symbolName, pixels, color)));
+            icon.addPixmap(QPixmap::fromImage(withEdge(m_environment.icons, m_symbolName, pixels)));
         m_xembed->setIcon(icon);
         m_xembed->setToolTip(content().toolTip);
     }
@@ -242,9 +261,9 @@ void TrayStatusItem::popUpMenu(const Menu& menu, QPointF location) {
             onSecondaryActivate();
         return;
     }
-    QPoint anchor = m_clickPoint;
-    if (m_xembed && m_xembed->geometry().isValid())
-        anchor = m_xembed->geometry().topLeft() + location.toPoint();
+    // A panel tells where it was clicked, not where its button begins.
+    const QRect geometry = m_xembed ? m_xembed->geometry() : QRect();
+    const QPoint anchor = (geometry.isValid() ? geometry.topLeft() : m_clickPoint) + location.toPoint();
     (new WidgetMenu(menu, m_environment.icons))->popUpAndForget(anchor);
 }
 
@@ -265,9 +284,8 @@ QList<BusPixmap> TrayStatusItem::pixmaps(const QString& symbolName) {
         return m_pixmaps;
     m_pixmaps.clear();
     m_pixmapsSymbol = symbolName;
-    const QColor color = QGuiApplication::palette().color(QPalette::WindowText);
     for (const int pixels : std::array{22, 32, 48}) {
-        const QImage image = m_environment.icons.image(symbolName, pixels, color);
+        const QImage image = withEdge(m_environment.icons, symbolName, pixels);
         if (!image.isNull())
             m_pixmaps.append(BusPixmap::fromImage(image));
     }

