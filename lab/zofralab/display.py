@@ -17,25 +17,30 @@ class Display:
 
     def start(self):
         """Start and wait until programs can be shown."""
-        read_end, write_end = os.pipe()
-        try:
-            self._process = subprocess.Popen(
-                [*DIE_WITH_PARENT, "Xvfb", "-displayfd", str(write_end), "-screen", "0", self._size, "-nolisten", "tcp",
-                 "-noreset", "-ac"], env=clean_environment(), pass_fds=[write_end], stdin=subprocess.DEVNULL,
-                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
-            os.close(write_end)
-            write_end = None
-            with os.fdopen(read_end) as file:
-                read_end = None
-                number = file.readline().strip()
-        finally:
-            for end in (read_end, write_end):
-                if end is not None:
-                    os.close(end)
-        if not number:
-            raise RuntimeError("Xvfb does not start")
-        self.name = ":" + number
-        return self
+        # Left to choose by itself, the server takes a number that is free in its own network namespace, and with it
+        # the socket of a server in another one. Told a number, it respects the lock that all of them share.
+        first = 100 + os.getpid() % 400
+        for number in range(first, first + 50):
+            if not os.path.exists(f"/tmp/.X{number}-lock") and self._start_as(number):
+                self.name = f":{number}"
+                return self
+        raise RuntimeError("Xvfb does not start")
+
+    def _start_as(self, number):
+        readable, writable = os.pipe()
+        with os.fdopen(readable) as answer:
+            try:
+                self._process = subprocess.Popen(
+                    [*DIE_WITH_PARENT, "Xvfb", f":{number}", "-displayfd", str(writable), "-screen", "0", self._size,
+                     "-nolisten", "tcp", "-noreset", "-ac"], env=clean_environment(), pass_fds=[writable],
+                    stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                    start_new_session=True)
+            finally:
+                os.close(writable)
+            if answer.readline().strip() == str(number):
+                return True
+        terminate(self._process)
+        return False
 
     def stop(self):
         """End it."""
