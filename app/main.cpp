@@ -49,27 +49,38 @@ int printStatus(const QDBusConnection& bus, Options::Task task) {
     return print(statusLines(QJsonDocument::fromJson(json->toUtf8()).object()));
 }
 
+bool isRunning(const QDBusConnection& bus) {
+    return bus.interface()->isServiceRegistered(QStringLiteral("be.zofra.ZofraZofra"));
+}
+
 /// Until the running program has left the bus, so that a next start is a first one again.
-void waitForTheEnd(const QDBusConnection& bus) {
-    for (int i = 0; i < 100 && bus.interface()->isServiceRegistered(QStringLiteral("be.zofra.ZofraZofra"));
-         ++i)
+bool waitForTheEnd(const QDBusConnection& bus) {
+    for (int i = 0; i < 100 && isRunning(bus); ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    return !isRunning(bus);
+}
+
+int quitRunning(const QDBusConnection& bus, const QVariantMap& request) {
+    if (!isRunning(bus))
+        return refuse(failed, QStringLiteral("the program is not running"));
+    // The answer may be lost when the program leaves as quickly as it should: that it has left is what
+    // counts.
+    static_cast<void>(RunningApplication(bus).run(request));
+    return waitForTheEnd(bus) ? fine : refuse(failed, QStringLiteral("the running program does not answer"));
 }
 
 int handOver(const QDBusConnection& bus, const Options& options) {
     const RunningApplication running(bus);
     const QVariantMap map = toVariantMap(options);
+    if (options.task == Options::Task::quit)
+        return quitRunning(bus, map);
     if (map.isEmpty())
         return running.activate(Activation::fromEnvironment())
                    ? fine
                    : refuse(failed, QStringLiteral("the running program does not answer"));
     const auto reply = running.run(map);
     if (!reply)
-        return refuse(failed, options.task == Options::Task::quit
-                                  ? QStringLiteral("the program is not running")
-                                  : QStringLiteral("the running program does not answer"));
-    if (options.task == Options::Task::quit && reply->exitStatus == fine)
-        waitForTheEnd(bus);
+        return refuse(failed, QStringLiteral("the running program does not answer"));
     if (!reply->line.isEmpty())
         std::fprintf(stderr, "zofrazofra: %s\n", qUtf8Printable(reply->line));
     return reply->exitStatus;
