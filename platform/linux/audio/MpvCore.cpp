@@ -12,8 +12,10 @@ namespace zofra {
 
 namespace {
 
-/// mpv begins with an address within milliseconds unless it hangs.
-constexpr std::chrono::milliseconds startLimit{1000};
+/// mpv begins with an address within milliseconds unless it hangs. Looked at twice, so that a main thread
+/// that was held up has fetched the news in between.
+constexpr std::chrono::milliseconds startCheck{750};
+constexpr int startChecks = 2;
 /// Hung ones that may be left to end by themselves at a time.
 constexpr int mostEnding = 3;
 /// Events fetched in one go; a bound, never reached by a healthy mpv.
@@ -100,12 +102,13 @@ void MpvCore::handleReady(std::shared_ptr<MpvHandle> handle, const QString& reas
 
 void MpvCore::startLoading() {
     m_handle->command(++m_lastCommand, "loadfile", m_url.toEncoded());
+    m_startChecks = 0;
     m_startTimer =
-        m_mainQueue.startTimer(startLimit, MainQueue::Repeat::forever, [this] { replaceHungHandle(); });
+        m_mainQueue.startTimer(startCheck, MainQueue::Repeat::forever, [this] { replaceHungHandle(); });
 }
 
 void MpvCore::replaceHungHandle() {
-    if (!m_handle || MpvHandle::stillEnding() >= mostEnding)
+    if (++m_startChecks < startChecks || MpvHandle::stillEnding() >= mostEnding)
         return;
     m_startTimer.reset();
     m_handle.reset();

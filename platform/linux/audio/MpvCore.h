@@ -60,6 +60,7 @@ private:
     bool m_coreIdle = true;
     bool m_pausedForCache = false;
     std::unique_ptr<Timer> m_startTimer;
+    int m_startChecks = 0;
     Lifetime m_lifetime;
 };
 
