@@ -8,6 +8,8 @@
 #include "platform/linux/net/QtMetadataSocket.h"
 
 #include <QCoreApplication>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
 #include <QJsonDocument>
 
 #include <cstdio>
@@ -19,9 +21,8 @@ namespace {
 
 Program* s_current = nullptr;
 
-/// How long the speakers have to take in that they shall stop.
-constexpr auto lastRequestsLimit = std::chrono::milliseconds(1000);
-constexpr auto lastRequestsLook = std::chrono::milliseconds(20);
+constexpr auto endLimit = std::chrono::milliseconds(1000);
+constexpr auto endLook = std::chrono::milliseconds(50);
 constexpr auto startupSettled = std::chrono::milliseconds(3000);
 constexpr auto settingsLimit = std::chrono::milliseconds(500);
 
@@ -36,8 +37,8 @@ void writeError(const QString& line) {
 
 } // namespace
 
-/// The program as the desktop sees it, and its end: at once where nothing is under way, else as soon as the
-/// speakers have heard, within a second.
+/// The program as the desktop sees it, and its end: once the speakers have heard that they shall stop and the
+/// buses what was last said on them, within a second.
 class Program::Ending final : public Application {
 public:
     explicit Ending(Program& program)
@@ -47,31 +48,39 @@ public:
     void activate(Others) override {}
 
     void terminate() override {
-        if (m_isEnding)
+        if (m_limit)
             return;
-        m_isEnding = true;
         m_program.m_desktop->hideEverything();
-        m_program.m_mainQueue.async([this] { lookOrLeave(); });
-        m_limit =
-            m_program.m_mainQueue.startTimer(lastRequestsLimit, MainQueue::Repeat::once, [] { leave(); });
+        m_limit = m_program.m_mainQueue.startTimer(endLimit, MainQueue::Repeat::once, [] { leave(); });
+        // Who asked for the end may have more to say, a panel for instance that it has closed the menu.
+        m_look =
+            m_program.m_mainQueue.startTimer(endLook, MainQueue::Repeat::forever, [this] { leaveIfDone(); });
     }
 
 private:
-    void lookOrLeave() {
-        if (m_program.m_session.underWay() == 0)
+    void leaveIfDone() {
+        if (m_program.m_session.underWay() > 0)
+            return;
+        m_look.reset();
+        const auto bus = m_program.m_sessionBus.connection();
+        if (!bus) {
             leave();
-        else
-            m_look = m_program.m_mainQueue.startTimer(lastRequestsLook, MainQueue::Repeat::forever, [this] {
-                if (m_program.m_session.underWay() == 0)
-                    leave();
-            });
+            return;
+        }
+        // Messages leave in their order: when this one is answered, those before it are out.
+        const auto call = QDBusMessage::createMethodCall(
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"));
+        m_lastCall = std::make_unique<QDBusPendingCallWatcher>(bus->asyncCall(call));
+        QObject::connect(m_lastCall.get(), &QDBusPendingCallWatcher::finished, m_lastCall.get(),
+                         [] { leave(); });
     }
     static void leave() { QCoreApplication::exit(0); }
 
     Program& m_program;
-    bool m_isEnding = false;
     std::unique_ptr<Timer> m_look;
     std::unique_ptr<Timer> m_limit;
+    std::unique_ptr<QDBusPendingCallWatcher> m_lastCall;
 };
 
 Program::Program(Configuration configuration, QtMainQueue& mainQueue, SessionBus& sessionBus,

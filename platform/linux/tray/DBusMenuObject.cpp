@@ -143,6 +143,7 @@ void DBusMenuObject::emitLayoutUpdated() {
 
 void DBusMenuObject::event(int id, const QString& eventId) {
     if (id == 0 && eventId == QLatin1String("opened")) {
+        m_tree.forgetMenuBefore();
         // Not every panel says when it closes the menu again.
         m_shown = m_environment.mainQueue.startTimer(longestShowing, MainQueue::Repeat::once, [this] {
             m_shown.reset();
@@ -152,7 +153,7 @@ void DBusMenuObject::event(int id, const QString& eventId) {
         m_shown.reset();
         menuDidChange();
     } else if (eventId == QLatin1String("clicked")) {
-        const MenuItem* found = m_tree.item(id);
+        const MenuItem* found = m_tree.meantBy(id);
         if (!found || !found->isEnabled || !found->action)
             return;
         // The action may rebuild the menu, or end this object.
@@ -265,8 +266,11 @@ QDBusMessage DBusMenuObject::eventGroup(const QDBusMessage& message) {
 
 QDBusMessage DBusMenuObject::aboutToShow(const QDBusMessage& message) {
     const int id = message.arguments().at(0).toInt();
-    if (id == 0)
-        return message.createReply(QVariant::fromValue(rebuild()));
+    if (id == 0) {
+        const bool needsUpdate = rebuild();
+        m_tree.forgetMenuBefore();
+        return message.createReply(QVariant::fromValue(needsUpdate));
+    }
     return m_tree.contains(id) ? message.createReply(QVariant::fromValue(false)) : unknownItem(message, id);
 }
 

@@ -85,13 +85,27 @@ DBusMenuTree::Change DBusMenuTree::replace(const Menu& menu) {
     }
     for (Node& child : root.children)
         number(child);
-    m_root = std::move(root);
+    m_former = std::exchange(m_root, std::move(root));
     return Change::content;
 }
 
 const MenuItem* DBusMenuTree::item(int id) const {
     const Node* found = id == 0 ? nullptr : node(id);
     return found ? &found->item : nullptr;
+}
+
+const MenuItem* DBusMenuTree::meantBy(int id) const {
+    if (const MenuItem* now = item(id))
+        return now;
+    const Node* former =
+        findNode(m_former.children, [id](const Node& candidate) { return candidate.id == id; });
+    if (!former)
+        return nullptr;
+    const Node* same = findNode(m_root.children, [&clicked = former->item](const Node& candidate) {
+        return candidate.item.title == clicked.title && candidate.item.actionName == clicked.actionName &&
+               candidate.item.identity == clicked.identity;
+    });
+    return same ? &same->item : nullptr;
 }
 
 std::optional<BusMenuLayout> DBusMenuTree::layout(int id, int depth, const QStringList& names) const {

@@ -31,6 +31,12 @@ public:
     [[nodiscard]] bool contains(int id) const { return node(id) != nullptr; }
     /// The item with this number; null for the root and for unknown numbers.
     [[nodiscard]] const MenuItem* item(int id) const;
+    /// The item that somebody means who chooses this number: that item, or, when the number is one of the
+    /// menu before, for the menu may change while it is being clicked, the item that now has the same text
+    /// and stands for the same.
+    [[nodiscard]] const MenuItem* meantBy(int id) const;
+    /// The menu before is shown no longer: its numbers mean nothing from now on.
+    void forgetMenuBefore() { m_former = Node(); }
     /// The item and `depth` levels below it (all when negative), with the named properties (all when empty).
     [[nodiscard]] std::optional<BusMenuLayout> layout(int id, int depth, const QStringList& names) const;
     [[nodiscard]] std::optional<QVariantMap> properties(int id, const QStringList& names) const;
@@ -52,6 +58,8 @@ private:
 
     IconProperties m_iconProperties;
     Node m_root;
+    /// The menu before.
+    Node m_former;
     int m_lastId = 0;
 };
 

@@ -145,9 +145,11 @@ TEST_F(DBusMenuObjectTest, AClickRunsTheActionOnce) {
     EXPECT_EQ(chosen.size(), 2) << "hovering, disabled items and the root do nothing";
 }
 
-TEST_F(DBusMenuObjectTest, ANumberOfAnOlderMenuDoesNothing) {
+TEST_F(DBusMenuObjectTest, AnUnknownNumberDoesNothing) {
     const auto old = getLayout();
     song_ = u"Song B"_qs;
+    getLayout();
+    song_ = u"Song C"_qs;
     const auto now = getLayout();
     for (const auto& child : old.root.children)
         event(child.id, u"clicked"_qs);
@@ -156,6 +158,21 @@ TEST_F(DBusMenuObjectTest, ANumberOfAnOlderMenuDoesNothing) {
     EXPECT_EQ(chosen, QStringList());
     event(now.root.children.at(0).id, u"clicked"_qs);
     EXPECT_EQ(chosen.size(), 1);
+}
+
+TEST_F(DBusMenuObjectTest, AClickThatArrivesAfterTheMenuHasClosedAndChangedIsNotLost) {
+    const auto layout = getLayout();
+    event(0, u"opened"_qs);
+    song_ = u"Song B"_qs;
+    object->menuDidChange();
+    queue.drain();
+    event(0, u"closed"_qs);
+    queue.drain();
+    event(layout.root.children.at(1).children.at(1).id, u"clicked"_qs);
+    EXPECT_EQ(chosen, QStringList{u"Qmusic"_qs});
+    aboutToShow();
+    event(layout.root.children.at(1).children.at(1).id, u"clicked"_qs);
+    EXPECT_EQ(chosen.size(), 1) << "another menu is being opened by now";
 }
 
 TEST_F(DBusMenuObjectTest, EventGroupsRunWhatIsKnownAndNameWhatIsNot) {

@@ -86,6 +86,27 @@ TEST(DBusMenuTree, TheSameTextForSomethingElseIsAChange) {
     EXPECT_EQ(menu.replace(second), Change::content);
 }
 
+TEST(DBusMenuTree, ANumberOfTheMenuBeforeMeansTheSameItemOfThisOne) {
+    DBusMenuTree menu = tree();
+    Menu first = sample();
+    first.at(1).submenu.at(0).representedObject = 1;
+    menu.replace(first);
+    Menu second = sample();
+    second.front().title = u"Stop"_qs;
+    second.at(1).submenu.at(0).representedObject = 2;
+    menu.replace(second);
+    EXPECT_EQ(menu.item(3), nullptr);
+    ASSERT_NE(menu.meantBy(3), nullptr);
+    EXPECT_EQ(std::any_cast<int>(menu.meantBy(3)->representedObject), 2) << "as it is now";
+    EXPECT_EQ(menu.meantBy(1), nullptr) << "what has another text by now is not what was meant";
+    second.at(1).submenu.at(0).identity = u"other"_qs;
+    menu.replace(second);
+    EXPECT_EQ(menu.meantBy(8), nullptr) << "the same text for something else";
+    EXPECT_EQ(menu.meantBy(3), nullptr) << "two menus ago";
+    EXPECT_EQ(menu.meantBy(0), nullptr);
+    EXPECT_EQ(menu.meantBy(4711), nullptr);
+}
+
 TEST(DBusMenuTree, PropertiesAreThoseOfTheProtocolWithoutItsDefaults) {
     DBusMenuTree menu = tree();
     MenuItem rich = item(u"A _b_"_qs);
