@@ -55,7 +55,7 @@ const Entry& entryOf(RadioStation station) {
 /// Paths are constants and hosts were checked when they were read, so an address that does not parse is a
 /// mistake in this program.
 QUrl secureUrl(const QString& host, const QString& path) {
-    const QUrl url(QStringLiteral("https://") + host + path, QUrl::StrictMode);
+    QUrl url(QStringLiteral("https://") + host + path, QUrl::StrictMode);
     if (!url.isValid() || url.host().isEmpty())
         qFatal("no stream address: https://%s%s", qUtf8Printable(host), qUtf8Printable(path));
     return url;

@@ -119,7 +119,7 @@ ServiceHosts::ServiceHosts()
     : m_values(builtInTable()) {}
 
 QString ServiceHosts::streamHost(const QString& stationRawValue, StreamKind kind) const {
-    const auto host = m_values.value(streamKey(stationRawValue, kind));
+    auto host = m_values.value(streamKey(stationRawValue, kind));
     Q_ASSERT(!host.isEmpty());
     return host;
 }

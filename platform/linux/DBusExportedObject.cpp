@@ -154,12 +154,11 @@ bool ExportedObject::handleMessage(const QDBusMessage& message, const QDBusConne
     if (message.interface() == QStringLiteral("org.freedesktop.DBus.Introspectable") ||
         (message.interface().isEmpty() && message.member() == QStringLiteral("Introspect")))
         return false;
-    // A handler may end this object; what is needed afterwards is on the stack.
-    const QDBusConnection answered = connection;
+    // A handler may end this object: nothing of it is touched afterwards.
     const auto result = answer(message);
     if (message.isReplyRequired()) {
-        answered.send(result.error ? message.createErrorReply(result.error->name, result.error->text)
-                                   : message.createReply(result.values));
+        connection.send(result.error ? message.createErrorReply(result.error->name, result.error->text)
+                                     : message.createReply(result.values));
     }
     if (result.afterwards)
         result.afterwards();

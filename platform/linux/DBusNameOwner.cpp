@@ -28,7 +28,7 @@ DBusNameOwner::DBusNameOwner(const QDBusConnection& connection, QString name, Ha
     ask(connection);
 }
 
-void DBusNameOwner::ask(QDBusConnection connection) {
+void DBusNameOwner::ask(const QDBusConnection& connection) {
     auto call = QDBusMessage::createMethodCall(busName, busPath, busName, QStringLiteral("GetNameOwner"));
     call << m_name;
     auto* watcher = new QDBusPendingCallWatcher(connection.asyncCall(call), &m_changed);

@@ -24,7 +24,7 @@ public:
     [[nodiscard]] QString owner() const { return m_owner; }
 
 private:
-    void ask(QDBusConnection connection);
+    void ask(const QDBusConnection& connection);
     void setOwner(const QString& owner);
 
     QString m_name;

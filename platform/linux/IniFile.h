@@ -21,7 +21,7 @@ struct Problem {
 };
 
 /// A larger file is none of ours.
-inline constexpr qint64 maxFileBytes = 16 * 1024 * 1024;
+inline constexpr qint64 maxFileBytes = 16'777'216;
 
 /// What the file holds; an empty document when there is none.
 [[nodiscard]] std::variant<IniDocument, Problem> read(const QString& path);

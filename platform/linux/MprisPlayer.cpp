@@ -65,13 +65,13 @@ MprisPlayer::~MprisPlayer() {
         dbus::releaseName(*connection, m_ownedName);
 }
 
-void MprisPlayer::appearOn(QDBusConnection connection) {
+void MprisPlayer::appearOn(const QDBusConnection& connection) {
     // First the object, so that whoever sees the name finds it.
     m_object->exportOn(connection);
     requestName(connection, busName);
 }
 
-void MprisPlayer::requestName(QDBusConnection connection, const QString& name) {
+void MprisPlayer::requestName(const QDBusConnection& connection, const QString& name) {
     dbus::requestName(connection, name, m_object.get(), [this, connection, name](dbus::NameRequest result) {
         const auto now = m_bus.connection();
         if (!now || now->name() != connection.name())

@@ -51,8 +51,8 @@ private:
     [[nodiscard]] dbus::Interface playerInterface();
     [[nodiscard]] QVariantMap metadata() const;
     [[nodiscard]] QString playbackStatus() const;
-    void appearOn(QDBusConnection connection);
-    void requestName(QDBusConnection connection, const QString& name);
+    void appearOn(const QDBusConnection& connection);
+    void requestName(const QDBusConnection& connection, const QString& name);
 
     SessionBus& m_bus;
     /// The name that is ours on the bus; empty when none is.

@@ -8,7 +8,7 @@ namespace {
 
 QString messagesLocale() {
     for (const auto* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        const auto value = qEnvironmentVariable(variable);
+        auto value = qEnvironmentVariable(variable);
         if (!value.isEmpty())
             return value;
     }

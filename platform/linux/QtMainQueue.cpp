@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/QtMainQueue.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QObject>
 #include <QTimer>
 
@@ -28,7 +30,7 @@ public:
         // The handler may destroy the timer, and with it what it has captured.
         auto shared = std::make_shared<MainQueue::Work>(std::move(handler));
         QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [shared] {
-            const auto kept = shared;
+            const auto kept = shared; // NOLINT(performance-unnecessary-copy-initialization)
             (*kept)();
         });
         m_timer.start(bounded(interval));
@@ -44,7 +46,7 @@ private:
 class QtMainQueue::State final : public std::enable_shared_from_this<State> {
 public:
     State()
-        : m_receiver(std::make_unique<QObject>()) {}
+        : m_receiver(std::make_unique<Receiver>(*this)) {}
 
     void post(Work work) {
         const std::scoped_lock lock(m_mutex);
@@ -56,26 +58,50 @@ public:
 
     void postAt(steady_clock::time_point due, Work work) {
         post([this, due, work = std::move(work)] {
-            const auto left = std::chrono::ceil<milliseconds>(due - steady_clock::now());
-            if (m_receiver)
-                QTimer::singleShot(bounded(left), Qt::PreciseTimer, m_receiver.get(), work);
+            if (!m_receiver)
+                return;
+            auto* timer = new QTimer(m_receiver.get());
+            timer->setTimerType(Qt::PreciseTimer);
+            timer->setSingleShot(true);
+            QObject::connect(timer, &QTimer::timeout, timer, [timer, work] {
+                timer->deleteLater();
+                work();
+            });
+            timer->start(bounded(std::chrono::ceil<milliseconds>(due - steady_clock::now())));
         });
     }
 
     void end() {
         std::deque<Work> dropped;
-        std::unique_ptr<QObject> receiver;
+        std::unique_ptr<Receiver> receiver;
         const std::scoped_lock lock(m_mutex);
         dropped.swap(m_posted);
         receiver.swap(m_receiver);
     }
 
 private:
+    /// Where the event loop's wake-ups arrive, on the main thread.
+    class Receiver final : public QObject {
+    public:
+        explicit Receiver(State& state)
+            : m_state(state) {}
+        bool event(QEvent* event) override {
+            if (event->type() != QEvent::User)
+                return QObject::event(event);
+            // The work may end the queue.
+            const auto kept = m_state.shared_from_this();
+            kept->runPosted();
+            return true;
+        }
+
+    private:
+        State& m_state;
+    };
+
     /// With the mutex held.
     void schedule() {
         if (!std::exchange(m_isScheduled, true))
-            QMetaObject::invokeMethod(
-                m_receiver.get(), [state = shared_from_this()] { state->runPosted(); }, Qt::QueuedConnection);
+            QCoreApplication::postEvent(m_receiver.get(), new QEvent(QEvent::User));
     }
 
     /// Runs what is posted now; what comes meanwhile waits for the next turn, so that events are not starved.
@@ -99,7 +125,7 @@ private:
     std::mutex m_mutex;
     std::deque<Work> m_posted;
     bool m_isScheduled = false;
-    std::unique_ptr<QObject> m_receiver;
+    std::unique_ptr<Receiver> m_receiver;
 };
 
 QtMainQueue::QtMainQueue()

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <semaphore>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -48,17 +49,16 @@ struct SessionBus::Attempt {
         : name(std::move(freshName)) {}
     const QString name;
     std::atomic<State> state = State::running;
+    /// Released when `state` is no longer running.
+    std::binary_semaphore finished{0};
 };
 
-SessionBus::SessionBus(Kind kind, MainQueue& mainQueue)
+SessionBus::SessionBus(Kind kind, MainQueue& mainQueue, std::chrono::milliseconds patience)
     : m_kind(kind)
     , m_mainQueue(mainQueue) {
-    const auto address = busAddress(m_kind);
-    const auto name = freshName();
-    if (!address.isEmpty() && QDBusConnection::connectToBus(address, name).isConnected())
-        connected(name);
-    else
-        scheduleRetry();
+    connectNow();
+    if (m_attempt && m_attempt->finished.try_acquire_for(patience))
+        lookAtAttempt();
 }
 
 SessionBus::~SessionBus() {
@@ -101,8 +101,10 @@ void SessionBus::connectNow() {
             const auto outcome = isConnected ? Attempt::State::connected : Attempt::State::failed;
             if (attempt->state.exchange(outcome) == Attempt::State::abandoned)
                 QDBusConnection::disconnectFromBus(attempt->name);
+            attempt->finished.release();
         }).detach();
     } catch (const std::system_error&) {
+        m_attempt.reset();
         scheduleRetry();
         return;
     }

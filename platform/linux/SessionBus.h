@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QString>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -21,7 +22,8 @@ class DBusSignal;
 class SessionBus final : public QObject {
 public:
     enum class Kind { session, system };
-    SessionBus(Kind kind, MainQueue& mainQueue);
+    /// Waits at most `patience` for the first connection; a bus that answers later is used when it does.
+    SessionBus(Kind kind, MainQueue& mainQueue, std::chrono::milliseconds patience = std::chrono::seconds(2));
     ~SessionBus() override;
 
     /// Absent while there is no bus.

@@ -19,7 +19,7 @@ void prepareStandardStreams();
 /// place later.
 class StandardOutputWriter final : public StandardOutput {
 public:
-    static constexpr qsizetype maxPendingBytes = 256 * 1024;
+    static constexpr qsizetype maxPendingBytes = 262'144;
 
     /// Writes to `descriptor`, which stays the caller's.
     explicit StandardOutputWriter(int descriptor = 1);

@@ -13,7 +13,7 @@ namespace zofra::test {
 /// Runs the event loop until `condition` holds, checking it after every event. False when `limit` passed
 /// first.
 inline bool spinUntil(const std::function<bool()>& condition,
-                      std::chrono::milliseconds limit = std::chrono::seconds(10)) {
+                      std::chrono::milliseconds limit = std::chrono::seconds(30)) {
     bool isOver = false;
     QTimer timer;
     timer.setSingleShot(true);
@@ -25,6 +25,15 @@ inline bool spinUntil(const std::function<bool()>& condition,
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     return true;
+}
+
+/// The same for a condition that no event announces: looks every millisecond.
+inline bool pollUntil(const std::function<bool()>& condition,
+                      std::chrono::milliseconds limit = std::chrono::seconds(30)) {
+    QTimer wake;
+    QObject::connect(&wake, &QTimer::timeout, &wake, [] {});
+    wake.start(std::chrono::milliseconds(1));
+    return spinUntil(condition, limit);
 }
 
 /// A Qt application for tests that need an event loop; make one at the start of the test.

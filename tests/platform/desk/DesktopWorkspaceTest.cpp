@@ -11,6 +11,7 @@
 namespace zofra {
 namespace {
 
+using test::pollUntil;
 using test::spinUntil;
 using Sandbox = DesktopWorkspace::Sandbox;
 
@@ -156,11 +157,7 @@ TEST_F(DesktopWorkspaceTest, startsTheRealOpenerQuietlyAndOnItsOwn) {
     testing::internal::CaptureStdout();
     DesktopWorkspace workspace(*bus);
     workspace.open(QUrl(QStringLiteral("https://zofra.example/")));
-    QObject here;
-    EXPECT_TRUE(spinUntil([&] {
-        QTimer::singleShot(1, &here, [] {});
-        return QFile::exists(done);
-    }));
+    EXPECT_TRUE(pollUntil([&] { return QFile::exists(done); }));
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     QFile file(result);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));

@@ -7,6 +7,7 @@
 namespace zofra {
 namespace {
 
+using test::pollUntil;
 using test::PrivateBus;
 using test::spinUntil;
 
@@ -108,10 +109,8 @@ TEST_F(LogindWakeTest, survivesAMissingBusAndListensWhenItIsBack) {
     const auto token = wake.observeDidWake([this] { ++wakes; });
     ASSERT_TRUE(daemon->start());
     startManager();
-    QObject here;
-    ASSERT_TRUE(spinUntil([&] {
+    ASSERT_TRUE(pollUntil([&] {
         queue.advance(std::chrono::milliseconds(100));
-        QTimer::singleShot(1, &here, [] {});
         return bus->connection().has_value();
     }));
     ASSERT_TRUE(isListening());

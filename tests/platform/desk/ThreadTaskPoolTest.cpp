@@ -121,14 +121,15 @@ TEST(ThreadTaskPool, endsIdleThreads) {
 }
 
 TEST(ThreadTaskPool, usesAnIdleThreadAgain) {
-    ThreadTaskPool pool({.maxThreads = 8, .idleTime = std::chrono::minutes(1)});
+    ThreadTaskPool pool({.maxThreads = 1, .idleTime = std::chrono::minutes(1)});
+    std::set<std::thread::id> threads;
     for (int i = 0; i < 100; ++i) {
-        std::promise<void> ran;
-        pool.async([&ran] { ran.set_value(); });
-        ran.get_future().wait();
+        std::promise<std::thread::id> ran;
+        pool.async([&ran] { ran.set_value(std::this_thread::get_id()); });
+        threads.insert(ran.get_future().get());
     }
-    // A thread may still be on its way to idleness when the next task comes, hence not exactly one.
-    EXPECT_LE(pool.threadCount(), 8U);
+    EXPECT_EQ(threads.size(), 1U);
+    EXPECT_EQ(pool.threadCount(), 1U);
 }
 
 TEST(ThreadTaskPool, letsGoOfATaskBeforeItRestsOnItsThread) {
