@@ -10,6 +10,8 @@ namespace {
 /// A pause up to this long goes on where it was; after a longer one the listener wants what is on the air
 /// now.
 constexpr std::chrono::milliseconds longestHeldPause{3000};
+/// A server may keep sending what never becomes sound; no time-out of the network notices that.
+constexpr std::chrono::milliseconds longestWithoutFirstSound{15000};
 
 } // namespace
 
@@ -84,11 +86,15 @@ void MpvStreamPlayer::openNow() {
     m_core->setPaused(AudioCore::Pause::no);
     m_core->load(m_item->url,
                  m_lifetime.guard([this](const std::vector<EngineEvent>& events) { take(events); }));
+    m_firstSoundTimer =
+        m_engine->mainQueue.startTimer(longestWithoutFirstSound, MainQueue::Repeat::once,
+                                       [this] { take({EngineEvent::ended(EndCause::stream)}); });
 }
 
 void MpvStreamPlayer::close() {
     stopWaiting();
     m_pauseTimer.reset();
+    m_firstSoundTimer.reset();
     if (m_state.isOpen())
         m_engine->pacing.closed(m_item->url, takePlayedTime());
     m_state.closed();
@@ -132,6 +138,7 @@ void MpvStreamPlayer::connectionEnded(EndCause cause) {
     if (cause == EndCause::noAudioDevice)
         m_engine->report(QStringLiteral("There is no audio device to play on"));
     m_pauseTimer.reset();
+    m_firstSoundTimer.reset();
     m_engine->pacing.failed(m_item->url, takePlayedTime());
     m_engine->giveBack(std::move(m_core));
 }
@@ -142,6 +149,7 @@ void MpvStreamPlayer::changeStatus(TimeControlStatus status) {
     m_status = status;
     if (status == TimeControlStatus::playing) {
         m_playingSince = m_engine->now();
+        m_firstSoundTimer.reset();
         m_engine->worksAgain();
     } else if (m_playingSince) {
         m_played += m_engine->now() - *std::exchange(m_playingSince, std::nullopt);

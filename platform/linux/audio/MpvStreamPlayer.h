@@ -51,6 +51,7 @@ private:
     std::optional<ReconnectPacing::Milliseconds> m_playingSince;
     std::unique_ptr<Timer> m_openTimer;
     std::unique_ptr<Timer> m_pauseTimer;
+    std::unique_ptr<Timer> m_firstSoundTimer;
     ObservationToken m_waitIsOver;
     Lifetime m_lifetime;
 };

@@ -81,6 +81,25 @@ TEST_F(StreamPlayerTest, setsVolumeBeforeItOpens) {
     EXPECT_THAT(radio->statuses, ElementsAre(paused, waiting, playing));
 }
 
+TEST_F(StreamPlayerTest, failsWhenWhatComesNeverBecomesSound) {
+    const auto radio = listen("https://a.example/x.aac");
+    radio->player->play();
+    queue.advance(14'999ms);
+    EXPECT_EQ(radio->failures, 0);
+    EXPECT_EQ(radio->player->timeControlStatus(), waiting);
+    queue.advance(1ms);
+    EXPECT_EQ(radio->failures, 1);
+}
+
+TEST_F(StreamPlayerTest, aStreamThatSoundsIsNotTakenForOneThatNeverWill) {
+    const auto radio = listen("https://a.example/x.aac");
+    radio->player->play();
+    cores.last().tellPlaying();
+    queue.advance(1h);
+    EXPECT_EQ(radio->failures, 0);
+    EXPECT_EQ(radio->player->timeControlStatus(), playing);
+}
+
 TEST_F(StreamPlayerTest, changesTheVolumeWhileItPlays) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
