@@ -24,7 +24,8 @@ def shown(radio, lab, status_bar):
         lab.livefeed.song(station="zofra", artist="X", title=title, next_artist="N", next_title=title)
         radio.start(headless=False)
         item = status_bar.wait_for_item()
-        wait_until(lambda: item.title.startswith("Zofra: X – "), 10, "the song")
+        # Both sources know the song, but only the live feed knows the next one.
+        wait_until(lambda: radio.status()["next"], 10, "the song and the next one")
         return item
     return show
 
