@@ -60,24 +60,27 @@ void QtMetadataSocket::resume() {
         fail(QStringLiteral("The address is not one of a web socket."));
         return;
     }
-    m_transport = std::make_unique<QSslSocket>();
-    m_transport->setProxy(QNetworkProxy::NoProxy);
-    m_transport->setReadBufferSize(pieceBytes);
-    connectSignals();
+    if (isSecure && m_trust->configurations().empty()) {
+        fail(QStringLiteral("No certificate could be read from ") + m_trust->extraAuthorityFile());
+        return;
+    }
     QTimer::singleShot(m_limits.handshakeTime, m_context.get(), [this] {
         if (m_state == State::connecting)
             fail(QStringLiteral("The connection could not be made in time."));
     });
-    if (!isSecure) {
+    connectTransport();
+}
+
+void QtMetadataSocket::connectTransport() {
+    m_transport = std::make_unique<QSslSocket>();
+    m_transport->setProxy(QNetworkProxy::NoProxy);
+    m_transport->setReadBufferSize(pieceBytes);
+    connectSignals();
+    if (m_url.scheme() != QLatin1String("wss")) {
         m_transport->connectToHost(m_url.host(), static_cast<quint16>(m_url.port(80)));
         return;
     }
-    const auto* configuration = m_trust->configuration();
-    if (configuration == nullptr) {
-        fail(QStringLiteral("No certificate could be read from ") + m_trust->extraAuthorityFile());
-        return;
-    }
-    m_transport->setSslConfiguration(*configuration);
+    m_transport->setSslConfiguration(m_trust->configurations().at(m_trustTried));
     m_transport->connectToHostEncrypted(m_url.host(), static_cast<quint16>(m_url.port(443)));
 }
 
@@ -199,9 +202,23 @@ void QtMetadataSocket::answerPing() {
         write(WebSocketOpcode::pong, *std::exchange(m_ping, std::nullopt));
 }
 
+/// Only a certificate that was looked at and found wanting is worth another look.
+bool QtMetadataSocket::mayTryOtherTrust() const {
+    return m_state == State::connecting && m_transport->error() == QAbstractSocket::SslHandshakeFailedError &&
+           !m_transport->sslHandshakeErrors().isEmpty() &&
+           m_trustTried + 1 < m_trust->configurations().size();
+}
+
 void QtMetadataSocket::transportFailed() {
     if (m_state == State::ended)
         return;
+    if (mayTryOtherTrust()) {
+        QObject::disconnect(m_transport.get(), nullptr, m_context.get(), nullptr);
+        ClosingConnection::takeOver(std::move(m_transport), false);
+        ++m_trustTried;
+        connectTransport();
+        return;
+    }
     const auto description = m_transport->errorString();
     // What came before the end still counts; it is no more than the buffer holds.
     if (m_state == State::open)

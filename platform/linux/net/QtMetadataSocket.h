@@ -60,7 +60,9 @@ public:
 private:
     enum class State { idle, connecting, open, ended };
 
+    void connectTransport();
     void connectSignals();
+    [[nodiscard]] bool mayTryOtherTrust() const;
     void transportReady();
     void readPiece();
     void readHandshake(const QByteArray& bytes);
@@ -84,6 +86,8 @@ private:
     const Limits m_limits;
     State m_state = State::idle;
     std::unique_ptr<QSslSocket> m_transport;
+    /// Which of the ways to trust is being tried.
+    std::size_t m_trustTried = 0;
     std::optional<WebSocketHandshake> m_handshake;
     WebSocketReader m_reader;
     /// The newest ping not yet answered.

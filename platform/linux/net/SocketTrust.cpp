@@ -27,20 +27,22 @@ SocketTrust::SocketTrust(std::optional<QString> extraAuthorityFile)
 
 SocketTrust::~SocketTrust() = default;
 
-const QSslConfiguration* SocketTrust::configuration() {
-    if (m_configuration)
-        return m_configuration.get();
-    auto configuration = QSslConfiguration::defaultConfiguration();
-    configuration.setProtocol(QSsl::TlsV1_2OrLater);
-    configuration.setPeerVerifyMode(QSslSocket::VerifyPeer);
+const std::vector<QSslConfiguration>& SocketTrust::configurations() {
+    if (!m_configurations.empty())
+        return m_configurations;
+    auto system = QSslConfiguration::defaultConfiguration();
+    system.setProtocol(QSsl::TlsV1_2OrLater);
+    system.setPeerVerifyMode(QSslSocket::VerifyPeer);
     if (m_extraAuthorityFile) {
         const auto extra = certificatesIn(*m_extraAuthorityFile);
         if (extra.isEmpty())
-            return nullptr;
-        configuration.addCaCertificates(extra);
+            return m_configurations;
+        auto onlyExtra = system;
+        onlyExtra.setCaCertificates(extra);
+        m_configurations.push_back(onlyExtra);
     }
-    m_configuration = std::make_unique<QSslConfiguration>(configuration);
-    return m_configuration.get();
+    m_configurations.push_back(system);
+    return m_configurations;
 }
 
 } // namespace zofra

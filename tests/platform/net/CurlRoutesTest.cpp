@@ -2,9 +2,8 @@
 // Networks that refuse the connection attempt itself. Each test starts this program once more, inside a
 // network namespace of its own where routes are as the test wants them.
 #include "tests/platform/net/HttpHarness.h"
+#include "tests/platform/net/NamespaceRun.h"
 
-#include <QCoreApplication>
-#include <QProcess>
 #include <QTemporaryFile>
 
 #include <cerrno>
@@ -13,22 +12,6 @@ namespace zofra::test {
 namespace {
 
 using Code = HttpError::Code;
-
-/// Runs the disabled test `name` in a new network namespace, after `setUp` (shell commands).
-void runInNamespace(const QString& name, const QString& setUp) {
-    const QStringList unshare{u"--user"_qs, u"--map-root-user"_qs, u"--net"_qs, u"--mount"_qs};
-    if (QProcess::execute(u"unshare"_qs, unshare + QStringList{u"true"_qs}) != 0)
-        GTEST_SKIP() << "skipped: no network namespace can be made here";
-    QProcess inner;
-    inner.setProcessChannelMode(QProcess::MergedChannels);
-    const auto command = setUp + u" && exec "_qs + QCoreApplication::applicationFilePath() +
-                         u" --gtest_also_run_disabled_tests --gtest_filter=InNamespace.DISABLED_"_qs + name;
-    inner.start(u"unshare"_qs, unshare + QStringList{u"sh"_qs, u"-c"_qs, command});
-    ASSERT_TRUE(inner.waitForFinished(60'000));
-    const auto output = inner.readAll();
-    EXPECT_EQ(inner.exitCode(), 0) << output.toStdString();
-    EXPECT_TRUE(output.contains("[  PASSED  ] 1 test")) << output.toStdString();
-}
 
 void expectFailure(const QString& url, Code code, int systemErrno) {
     CurlHttpSession session;

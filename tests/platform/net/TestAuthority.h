@@ -6,6 +6,7 @@
 #include <QProcess>
 #include <QString>
 #include <QTemporaryDir>
+#include <QUuid>
 
 #include <stdexcept>
 #include <string>
@@ -24,7 +25,8 @@ public:
     TestAuthority() {
         run({u"req"_qs, u"-x509"_qs, u"-newkey"_qs, u"ec"_qs, u"-pkeyopt"_qs,
              u"ec_paramgen_curve:prime256v1"_qs, u"-nodes"_qs, u"-days"_qs, u"2"_qs, u"-subj"_qs,
-             u"/CN=Throwaway"_qs, u"-keyout"_qs, path(u"ca.key"_qs), u"-out"_qs, path(u"ca.pem"_qs)});
+             u"/CN=Throwaway "_qs + QUuid::createUuid().toString(), u"-keyout"_qs, path(u"ca.key"_qs),
+             u"-out"_qs, path(u"ca.pem"_qs)});
     }
 
     [[nodiscard]] QString certificateFile() const { return path(u"ca.pem"_qs); }
