@@ -185,14 +185,9 @@ class Radio:
         return len(os.listdir(f"/proc/{self.pid}/fd"))
 
     def memory(self):
-        """Its proportional set size in kilobytes."""
+        """The memory that is its own alone, in kilobytes: what it shares changes with who else runs."""
         with open(f"/proc/{self.pid}/smaps_rollup", encoding="ascii") as file:
-            return int(re.search(r"^Pss:\s+(\d+) kB", file.read(), re.M).group(1))
-
-    def peak_memory(self):
-        """The largest resident set it ever had, in kilobytes."""
-        with open(f"/proc/{self.pid}/status", encoding="ascii") as file:
-            return int(re.search(r"^VmHWM:\s+(\d+) kB", file.read(), re.M).group(1))
+            return int(re.search(r"^Anonymous:\s+(\d+) kB", file.read(), re.M).group(1))
 
     # Its place on the bus.
 

@@ -124,7 +124,7 @@ def test_two_hundred_switches_leave_everything_where_it_was(radio, ears, bus, la
     switch(200)
     ears.wait_for(AAC, 10)
     after = settled(radio, lab)
-    print("threads, descriptors, PSS in kB:", before, after)
+    print("threads, descriptors, own memory in kB:", before, after)
     assert after[0] <= before[0] and after[1] <= before[1]
     assert after[2] - before[2] < 3000, "more than 15 kB a switch"
 
