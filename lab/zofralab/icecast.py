@@ -11,6 +11,9 @@ import xml.etree.ElementTree as ElementTree
 
 ADMIN_PASSWORD = "lab"
 NOBODY = 65534
+ATTEMPTS = 5
+#: What it writes when its main loop has begun.
+LISTENING = "SSL using ciphers"
 CONFIG = """<icecast>
  <location>lab</location><admin>lab@zofra.test</admin><hostname>{name}.streams.zofra.test</hostname>
  <limits>
@@ -27,7 +30,7 @@ CONFIG = """<icecast>
   <basedir>{directory}</basedir><logdir>{directory}</logdir><webroot>/usr/share/icecast2/web</webroot>
   <adminroot>/usr/share/icecast2/admin</adminroot><ssl-certificate>{certificate}</ssl-certificate>
  </paths>
- <logging><accesslog>access.log</accesslog><errorlog>error.log</errorlog><loglevel>2</loglevel></logging>
+ <logging><accesslog>access.log</accesslog><errorlog>error.log</errorlog><loglevel>3</loglevel></logging>
  <security><chroot>0</chroot></security>
 </icecast>
 """
@@ -42,6 +45,7 @@ class Icecast:
         self.tls_port = tls_port
         self._world = world
         self._directory = os.path.join(world.run_dir, f"icecast-{name}")
+        self._log = os.path.join(self._directory, "error.log")
         self._process = None
 
     def write_config(self, certificate):
@@ -65,18 +69,36 @@ class Icecast:
 
     async def start(self):
         """Start and wait until both ports answer."""
+        for _ in range(ATTEMPTS):
+            self._launch()
+            if await self._comes_up():
+                return
+            self.kill()
+        raise RuntimeError(f"icecast2 ({self.name}) does not start: {self.error_log()}")
+
+    def _launch(self):
         # icecast refuses to run as root.
         user = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups"] if os.geteuid() == 0 else []
+        if os.path.exists(self._log):
+            os.unlink(self._log)
         self._process = self._world.spawn([*user, *(["--pdeathsig", "KILL", "--"] if user else []), "icecast2", "-c",
                                            os.path.join(self._directory, "icecast.xml")])
-        deadline = time.monotonic() + 20
-        # A port that can be connected to is not enough: icecast opens its ports twice while it starts, and what came
-        # in between is reset.
+
+    async def _comes_up(self):
+        """Whether it answers before long. One that is asked while its threads are still starting may crash (2.4.4
+        does, once in a hundred times): so it is left alone until it says that it listens, and a little longer."""
+        deadline = time.monotonic() + 10
+        while self.running and LISTENING not in self.error_log(None):
+            if time.monotonic() > deadline:
+                return False
+            await asyncio.sleep(0.01)
+        await asyncio.sleep(0.05)
         for port, context in ((self.plain_port, None), (self.tls_port, _trusting_context())):
             while not await _answers(port, context):
                 if not self.running or time.monotonic() > deadline:
-                    raise RuntimeError(f"icecast2 ({self.name}) does not start: {self.error_log()}")
+                    return False
                 await asyncio.sleep(0.02)
+        return self.running
 
     def kill(self):
         """End it at once, as a crash does."""
@@ -89,11 +111,12 @@ class Icecast:
         if self.running:
             self._process.send_signal(signal.SIGSTOP if is_frozen else signal.SIGCONT)
 
-    def error_log(self):
-        """The end of its own log."""
+    def error_log(self, limit=1500):
+        """The end of its own log (all of it for None)."""
         try:
-            with open(os.path.join(self._directory, "error.log"), encoding="utf-8", errors="replace") as file:
-                return file.read()[-1500:]
+            with open(self._log, encoding="utf-8", errors="replace") as file:
+                text = file.read()
+                return text if limit is None else text[-limit:]
         except OSError:
             return "(no log)"
 
