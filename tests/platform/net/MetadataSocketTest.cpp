@@ -44,12 +44,12 @@ public:
     }
 
     QWebSocketServer server{u"test"_qs, QWebSocketServer::SecureMode};
-    std::unique_ptr<QWebSocket> peer;
     std::vector<QString> texts;
     std::vector<QByteArray> binaries;
     int pongs = 0;
     std::optional<int> closeCode;
     QString closeReason;
+    std::unique_ptr<QWebSocket> peer; // last, because it still tells of its end
 };
 
 class MetadataSocket : public testing::Test {
