@@ -189,6 +189,11 @@ class Radio:
         with open(f"/proc/{self.pid}/smaps_rollup", encoding="ascii") as file:
             return int(re.search(r"^Anonymous:\s+(\d+) kB", file.read(), re.M).group(1))
 
+    def peak_memory(self):
+        """The largest resident set it ever had, in kilobytes."""
+        with open(f"/proc/{self.pid}/status", encoding="ascii") as file:
+            return int(re.search(r"^VmHWM:\s+(\d+) kB", file.read(), re.M).group(1))
+
     # Its place on the bus.
 
     def media_player(self, peer):
