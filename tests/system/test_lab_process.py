@@ -37,6 +37,8 @@ def lab_command(tmp_path):
     state = str(tmp_path / "state.json")
 
     def start(*command, options=(), prefix=()):
+        # A runner in the background may have been told to ignore Ctrl-C, and would hand that on.
+        prefix = ["env", "--default-signal=INT", *prefix]
         process = subprocess.Popen([*prefix, LAB, "run", "--state", state, *options, "--", *command],
                                    env={**clean_environment(), MARK: mark}, start_new_session=True,
                                    stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True)
