@@ -77,7 +77,8 @@ def _run_inside(lab, options, command):
         env = program_environment(lab, session)
         if options.state:
             with open(options.state, "w", encoding="utf-8") as file:
-                json.dump({**lab.info, "environment": session.environment(), "enter": lab.enter()}, file, indent=1)
+                state = {**lab.info, "environment": session.environment(), "enter": lab.enter_for_others()}
+                json.dump(state, file, indent=1)
         child = subprocess.Popen([*lab.enter(), *command], env=env)
         try:
             while True:

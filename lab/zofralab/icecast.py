@@ -9,6 +9,8 @@ import ssl
 import time
 import xml.etree.ElementTree as ElementTree
 
+from .process import DIE_WITH_PARENT
+
 ADMIN_PASSWORD = "lab"
 NOBODY = 65534
 ATTEMPTS = 5
@@ -78,11 +80,12 @@ class Icecast:
 
     def _launch(self):
         # icecast refuses to run as root.
-        user = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups"] if os.geteuid() == 0 else []
+        user = []
+        if os.geteuid() == 0:
+            user = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups", "--", *DIE_WITH_PARENT]
         if os.path.exists(self._log):
             os.unlink(self._log)
-        self._process = self._world.spawn([*user, *(["--pdeathsig", "KILL", "--"] if user else []), "icecast2", "-c",
-                                           os.path.join(self._directory, "icecast.xml")])
+        self._process = self._world.spawn([*user, "icecast2", "-c", os.path.join(self._directory, "icecast.xml")])
 
     async def _comes_up(self):
         """Whether it answers before long. One that is asked while its threads are still starting may crash (2.4.4

@@ -97,6 +97,10 @@ class Lab:
         """The command prefix that runs a program in the program's namespace, dying with its parent."""
         return netns.enter_command(self.info["holder"], directory)
 
+    def enter_for_others(self, directory=None):
+        """The same for whoever reads the state file: the program is their child, and theirs to end."""
+        return netns.enter_command(self.info["holder"], directory, [])
+
     @property
     def endpoints(self):
         """The generated endpoints.ini."""

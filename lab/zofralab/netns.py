@@ -19,7 +19,9 @@ set -e
 mount --bind "$1/resolv.conf" "$(readlink -f /etc/resolv.conf)"
 mount --bind "$1/nsswitch.conf" /etc/nsswitch.conf
 echo ready >"$1/holder.ready"
-exec setpriv --pdeathsig KILL -- sleep infinity
+parent=$2
+set -- sleep infinity
+exec setpriv --pdeathsig KILL -- sh -c '[ "$PPID" = "$0" ] || exit 1; exec "$@"' "$parent" "$@"
 """
 
 
@@ -30,13 +32,14 @@ def unshare_command():
     return ["unshare", "--user", "--map-current-user", "--keep-caps", "--net", "--"]
 
 
-def enter_command(holder_pid, directory=None):
-    """The command prefix that runs a program inside the program's namespace, as a child of the caller."""
+def enter_command(holder_pid, directory=None, prefix=None):
+    """The command prefix that runs a program inside the program's namespace, as a child of the caller; it dies with the
+    caller unless another `prefix` than that is given."""
     enter = ["nsenter", "--target", str(holder_pid), "--net", "--mount"]
     if os.geteuid() != 0:
         enter += ["--user", "--preserve-credentials"]
     # Entering a mount namespace moves to its root directory.
-    return [*enter, "--", "env", "-C", directory or os.getcwd(), *DIE_WITH_PARENT]
+    return [*enter, "--", "env", "-C", directory or os.getcwd(), *(DIE_WITH_PARENT if prefix is None else prefix)]
 
 
 def run(*command, check=True):
@@ -68,8 +71,9 @@ class Cable:
         """Make the program's namespace and lay the cable. Needs to be the only user of this namespace."""
         self._write_name_lookup_files()
         ready = os.path.join(self.run_dir, "holder.ready")
-        self.holder = subprocess.Popen(["unshare", "--net", "--mount", "--", "sh", "-c", HOLDER_SCRIPT, "sh",
-                                        self.run_dir], stdin=subprocess.DEVNULL, start_new_session=True)
+        self.holder = subprocess.Popen(
+            ["unshare", "--net", "--mount", "--", "sh", "-c", HOLDER_SCRIPT, "sh", self.run_dir, str(os.getpid())],
+            stdin=subprocess.DEVNULL, start_new_session=True)
         wait_until(lambda: os.path.exists(ready) or self.holder.poll() is not None, 5, "the program's namespace")
         if self.holder.poll() is not None:
             raise RuntimeError("the program's namespace could not be made (are mount namespaces allowed here?)")

@@ -13,9 +13,19 @@ import time
 
 PR_SET_PDEATHSIG = 1
 
-#: Put in front of a command whose program does not ask for its parent's death itself. It comes last, after
-#: everything that changes credentials, because a change of credentials makes the kernel forget the wish.
-DIE_WITH_PARENT = ["setpriv", "--pdeathsig", "KILL", "--"]
+#: Begins the command only if the parent is still the one that started it: the wish does not count for a parent that
+#: died before it was made.
+_STILL_THERE = '[ "$PPID" = "$0" ] || exit 1; exec "$@"'
+
+
+def guard(parent_pid):
+    """To be put in front of a command whose program does not ask for its parent's death itself. It comes last, after
+    everything that changes credentials, because a change of credentials makes the kernel forget the wish."""
+    return ["setpriv", "--pdeathsig", "KILL", "--", "sh", "-c", _STILL_THERE, str(parent_pid)]
+
+
+#: The same for children of this process.
+DIE_WITH_PARENT = guard(os.getpid())
 
 
 def die_with_parent(parent_pid, signal_number=signal.SIGTERM):
