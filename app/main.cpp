@@ -2,9 +2,9 @@
 #include "app/AppDelegate.h"
 #include "app/DisplayProbe.h"
 #include "app/Options.h"
-#include "app/Program.h"
 #include "app/RemoteOptions.h"
 #include "app/StatusReport.h"
+#include "app/ZofraMenuBarApp.h"
 #include "platform/linux/EndpointsLayers.h"
 
 #include <QApplication>
@@ -96,7 +96,7 @@ int askRunning(const std::optional<QDBusConnection>& bus, const Options& options
 }
 
 int start(const Options& options, bool hasDisplay) {
-    // None of these is ever destroyed: see Program.
+    // None of these is ever destroyed: see ZofraMenuBarApp.
     auto& mainQueue = *new QtMainQueue;
     auto& sessionBus = *new SessionBus(SessionBus::Kind::session, mainQueue);
     if (options.task != Options::Task::run)
@@ -113,9 +113,10 @@ int start(const Options& options, bool hasDisplay) {
         return refuse(failed,
                       QStringLiteral("there is no display to show the status item on (try --headless)"));
 
-    auto& program = *new Program({options, std::get<ServiceHosts>(hosts),
-                                  options.headless ? Program::Display::none : Program::Display::present},
-                                 mainQueue, sessionBus, applicationBus);
+    auto& program = *new ZofraMenuBarApp(
+        {options, std::get<ServiceHosts>(hosts),
+         options.headless ? ZofraMenuBarApp::Display::none : ZofraMenuBarApp::Display::present},
+        mainQueue, sessionBus, applicationBus);
     return program.run();
 }
 

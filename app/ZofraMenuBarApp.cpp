@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/Program.h"
+#include "app/ZofraMenuBarApp.h"
 
 #include "app/Desktop.h"
 #include "app/RemoteOptions.h"
@@ -19,7 +19,7 @@ namespace zofra {
 
 namespace {
 
-Program* s_current = nullptr;
+ZofraMenuBarApp* s_current = nullptr;
 
 constexpr auto endLimit = std::chrono::milliseconds(1000);
 constexpr auto endLook = std::chrono::milliseconds(50);
@@ -39,9 +39,9 @@ void writeError(const QString& line) {
 
 /// The program as the desktop sees it, and its end: once the speakers have heard that they shall stop and the
 /// buses what was last said on them, within a second.
-class Program::Ending final : public Application {
+class ZofraMenuBarApp::Ending final : public Application {
 public:
-    explicit Ending(Program& program)
+    explicit Ending(ZofraMenuBarApp& program)
         : m_program(program) {}
 
     // Windows ask for the keyboard themselves when they are shown.
@@ -77,14 +77,14 @@ private:
     }
     static void leave() { QCoreApplication::exit(0); }
 
-    Program& m_program;
+    ZofraMenuBarApp& m_program;
     std::unique_ptr<Timer> m_look;
     std::unique_ptr<Timer> m_limit;
     std::unique_ptr<QDBusPendingCallWatcher> m_lastCall;
 };
 
-Program::Program(Configuration configuration, QtMainQueue& mainQueue, SessionBus& sessionBus,
-                 ApplicationBus& applicationBus)
+ZofraMenuBarApp::ZofraMenuBarApp(Configuration configuration, QtMainQueue& mainQueue, SessionBus& sessionBus,
+                                 ApplicationBus& applicationBus)
     : m_configuration(std::move(configuration))
     , m_mainQueue(mainQueue)
     , m_sessionBus(sessionBus)
@@ -107,32 +107,32 @@ Program::Program(Configuration configuration, QtMainQueue& mainQueue, SessionBus
     m_application = std::make_unique<Ending>(*this);
 }
 
-Program::~Program() {
+ZofraMenuBarApp::~ZofraMenuBarApp() {
     s_current = nullptr;
 }
 
-Program& Program::current() {
+ZofraMenuBarApp& ZofraMenuBarApp::current() {
     Q_ASSERT(s_current);
     return *s_current;
 }
 
-std::unique_ptr<LanguageManager> Program::makeLanguages() {
+std::unique_ptr<LanguageManager> ZofraMenuBarApp::makeLanguages() {
     return std::make_unique<LanguageManager>(m_defaults, preferredLanguages());
 }
 
-std::unique_ptr<RadioPlayer> Program::makePlayer() {
+std::unique_ptr<RadioPlayer> ZofraMenuBarApp::makePlayer() {
     return std::make_unique<RadioPlayer>(RadioPlayer::Environment{
         m_streams, m_defaults, m_mainQueue, m_media, m_media, m_wake, m_output, m_configuration.hosts});
 }
 
-std::unique_ptr<SonosManager> Program::makeSonos() {
+std::unique_ptr<SonosManager> ZofraMenuBarApp::makeSonos() {
     return std::make_unique<SonosManager>(
         !m_configuration.options.noDiscovery,
         SonosManager::Environment{m_session, m_defaults, m_mainQueue, m_tasks, m_network, m_systemLog,
                                   LanguageManager::shared(), RadioPlayer::shared(), m_configuration.hosts});
 }
 
-AppDelegate::Environment Program::delegateEnvironment() {
+AppDelegate::Environment ZofraMenuBarApp::delegateEnvironment() {
     return {m_defaults,
             m_mainQueue,
             m_output,
@@ -150,7 +150,7 @@ AppDelegate::Environment Program::delegateEnvironment() {
             []() -> SonosManager& { return SonosManager::shared(); }};
 }
 
-int Program::run() {
+int ZofraMenuBarApp::run() {
     m_delegate = std::make_unique<AppDelegate>(delegateEnvironment());
     m_signals = std::make_unique<UnixSignals>([this] { m_delegate->quit(); });
     connectApplicationBus();
@@ -168,7 +168,7 @@ int Program::run() {
     return status;
 }
 
-void Program::connectApplicationBus() {
+void ZofraMenuBarApp::connectApplicationBus() {
     m_applicationBus.onActivate = [this](const Activation& activation) { raise(activation); };
     m_applicationBus.onOpen = [this](const QStringList&, const Activation& activation) { raise(activation); };
     m_applicationBus.onActivateAction = [this](const QString& action, const QVariantList&,
@@ -187,7 +187,7 @@ void Program::connectApplicationBus() {
     };
 }
 
-RunReply Program::runRequest(const QVariantMap& map) {
+RunReply ZofraMenuBarApp::runRequest(const QVariantMap& map) {
     const auto request = fromVariantMap(map);
     if (const auto* refusal = std::get_if<QString>(&request))
         return {2, *refusal};
@@ -201,14 +201,14 @@ RunReply Program::runRequest(const QVariantMap& map) {
     return {};
 }
 
-void Program::raise(const Activation& activation) {
+void ZofraMenuBarApp::raise(const Activation& activation) {
     m_desktop->setActivationToken(
         (activation.activationToken.isEmpty() ? activation.desktopStartupId : activation.activationToken)
             .toUtf8());
     m_delegate->showAboutWindow();
 }
 
-void Program::connectMediaControls() {
+void ZofraMenuBarApp::connectMediaControls() {
     m_media.onVolumeRequested = [this](double volume) { m_delegate->setVolume(static_cast<float>(volume)); };
     m_media.onQuit = [this] { m_delegate->quit(); };
     if (m_configuration.display == Display::present)
@@ -216,7 +216,7 @@ void Program::connectMediaControls() {
     showMediaState();
 }
 
-void Program::connectChanges() {
+void ZofraMenuBarApp::connectChanges() {
     m_changes = std::make_unique<ChangeWatch>(
         m_mainQueue, std::vector<Observable*>{&RadioPlayer::shared(), &SonosManager::shared(),
                                               &LanguageManager::shared(), &m_delegate->viewModel()});
@@ -226,21 +226,21 @@ void Program::connectChanges() {
     m_observations.push_back(m_networkChange.observeChanged([this] { m_streams.tryNow(); }));
 }
 
-void Program::changed() {
+void ZofraMenuBarApp::changed() {
     showMediaState();
     if (StatusItem* item = m_delegate->statusItem())
         item->menuDidChange();
     writeChangeLines();
 }
 
-void Program::writeChangeLines() {
+void ZofraMenuBarApp::writeChangeLines() {
     if (!m_configuration.options.headless)
         return;
     for (const QString& line : m_lines.update(report()))
         m_output.writeLine(line);
 }
 
-void Program::showMediaState() {
+void ZofraMenuBarApp::showMediaState() {
     using State = MprisPlayer::PlaybackState;
     const RadioPlayer& player = RadioPlayer::shared();
     m_media.setPlaybackState(player.isPlaying ? State::playing
@@ -249,7 +249,7 @@ void Program::showMediaState() {
     m_media.setVolume(static_cast<double>(player.volume.get()));
 }
 
-StatusReport Program::report() const {
+StatusReport ZofraMenuBarApp::report() const {
     const RadioPlayer& player = RadioPlayer::shared();
     const SonosManager& sonos = SonosManager::shared();
     StatusReport report;
@@ -273,7 +273,7 @@ StatusReport Program::report() const {
     return report;
 }
 
-void Program::finish() {
+void ZofraMenuBarApp::finish() {
     writeChangeLines();
     // What was chosen last must not be lost; the files are small.
     if (!m_defaults.flush(settingsLimit))

@@ -34,7 +34,7 @@ class Desktop;
 /// The running program: makes the real parts of the platform, hands them to the core, and connects both to
 /// the buses. One for each process; what it holds is never destroyed, for threads of the parts may still be
 /// at work when the program ends. Main thread only.
-class Program {
+class ZofraMenuBarApp {
 public:
     enum class Display { none, present };
     struct Configuration {
@@ -44,14 +44,14 @@ public:
     };
 
     /// `sessionBus` and `mainQueue` outlive it. `applicationBus` is ours already, or there is no bus.
-    Program(Configuration configuration, QtMainQueue& mainQueue, SessionBus& sessionBus,
-            ApplicationBus& applicationBus);
-    ~Program();
-    Program(const Program&) = delete;
-    Program& operator=(const Program&) = delete;
+    ZofraMenuBarApp(Configuration configuration, QtMainQueue& mainQueue, SessionBus& sessionBus,
+                    ApplicationBus& applicationBus);
+    ~ZofraMenuBarApp();
+    ZofraMenuBarApp(const ZofraMenuBarApp&) = delete;
+    ZofraMenuBarApp& operator=(const ZofraMenuBarApp&) = delete;
 
     /// The one that exists; there must be one.
-    [[nodiscard]] static Program& current();
+    [[nodiscard]] static ZofraMenuBarApp& current();
 
     /// Launches and runs until the program is asked to end. Returns its exit status.
     [[nodiscard]] int run();
