@@ -23,6 +23,7 @@
 #include <QPaintEvent>
 #include <QScreen>
 #include <QSignalBlocker>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -60,9 +61,11 @@ AboutPopupView::~AboutPopupView() = default;
 
 void AboutPopupView::observe() {
     const auto changed = [this] { scheduleRefresh(); };
-    m_observations = {m_content.viewModel.observe(changed), m_content.player.observe(changed),
-                      m_content.sonos.observe(changed), m_content.languages.observe(changed),
-                      m_environment.appearance.observeChanged([this] { updateLook(); })};
+    m_observations[0] = m_content.viewModel.observe(changed);
+    m_observations[1] = m_content.player.observe(changed);
+    m_observations[2] = m_content.sonos.observe(changed);
+    m_observations[3] = m_content.languages.observe(changed);
+    m_observations[4] = m_environment.appearance.observeChanged([this] { updateLook(); });
 }
 
 void AboutPopupView::scheduleRefresh() {
@@ -70,13 +73,10 @@ void AboutPopupView::scheduleRefresh() {
         return;
     m_isRefreshScheduled = true;
     // Later, for observers are told before the field has its new value.
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            m_isRefreshScheduled = false;
-            refresh();
-        },
-        Qt::QueuedConnection);
+    QTimer::singleShot(0, this, [this] {
+        m_isRefreshScheduled = false;
+        refresh();
+    });
 }
 
 void AboutPopupView::refresh() {
@@ -129,19 +129,29 @@ void AboutPopupView::updateNaturalSize() {
 
 void AboutPopupView::updateLook() {
     const PanelLook now = makeLook(m_environment, *this);
-    if (now.metrics == m_look.metrics && now.theme == m_look.theme)
+    if (now.metrics != m_look.metrics)
+        scheduleRebuild();
+    if (now.theme == m_look.theme)
         return;
-    const bool sameSizes = now.metrics == m_look.metrics;
     m_look.theme = now.theme;
-    m_look.metrics = now.metrics;
-    if (!sameSizes) {
-        build();
-        refresh();
-    }
     update();
     const auto parts = findChildren<QWidget*>();
     for (QWidget* part : parts)
         part->update();
+}
+
+void AboutPopupView::scheduleRebuild() {
+    if (m_isRebuildScheduled)
+        return;
+    m_isRebuildScheduled = true;
+    // Later, for whoever announces a new font is still going through the widgets that would be deleted.
+    QTimer::singleShot(0, this, [this] {
+        m_isRebuildScheduled = false;
+        m_look.metrics = makeLook(m_environment, *this).metrics;
+        build();
+        refresh();
+        setFocus();
+    });
 }
 
 bool AboutPopupView::event(QEvent* event) {

@@ -93,6 +93,7 @@ private:
     void showState(AppLanguage language);
     void updateNaturalSize();
     void updateLook();
+    void scheduleRebuild();
     void launchAtLoginToggled(bool isOn);
     void outputChosen(int command, const QString& roomId);
 
@@ -105,6 +106,7 @@ private:
     /// The language of the texts as they stand; absent before the first refresh.
     std::optional<AppLanguage> m_shownLanguage;
     bool m_isRefreshScheduled = false;
+    bool m_isRebuildScheduled = false;
     int m_refreshCount = 0;
     std::array<ObservationToken, 5> m_observations;
 };

@@ -10,9 +10,12 @@
 #include "tests/app/panel/PanelWorld.h"
 
 #include <QAccessible>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScreen>
+#include <QTextDocument>
+#include <QToolTip>
 
 #include <gtest/gtest.h>
 
@@ -453,6 +456,34 @@ TEST_F(PanelViewTest, LongAndHostileSongsAreCutAndReadWhole) {
     EXPECT_EQ(view->width(), width);
 }
 
+TEST_F(PanelViewTest, TheWholeOfALongTextAppearsOnHoverAndOnlyThen) {
+    world.viewModel.currentSong = u"<b>Tom & Jerry</b> "_qs + QString(200, u'x');
+    world.viewModel.nextSong = std::optional(u"Short"_qs);
+    world.sonos.rooms = QList<SonosRoom>{makeRoom(u"A"_qs, QString(100, u'W'))};
+    world.sonos.activeTarget = AudioOutputTarget::sonos(u"A"_qs);
+    showPanel();
+    const auto hover = [](QWidget* part) {
+        QHelpEvent event(QEvent::ToolTip, part->rect().center(), part->mapToGlobal(part->rect().center()));
+        QApplication::sendEvent(part, &event);
+        QTextDocument shown;
+        shown.setHtml(QToolTip::isVisible() ? QToolTip::text() : QString());
+        // A tool tip that is told to hide lingers for a while.
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (window->inherits("QTipLabel"))
+                delete window;
+        }
+        return shown.toPlainText();
+    };
+    for (ElidedLabel* label : partsOf<ElidedLabel>(*view)) {
+        const QString expected = label->content().startsWith(u"<b>"_qs) ? label->content() : QString();
+        EXPECT_EQ(hover(label), expected);
+    }
+    EXPECT_EQ(hover(menuButtons(*view).at(0)), QString());
+    EXPECT_EQ(hover(menuButtons(*view).at(1)),
+              QString(100, u'W') +
+                  u"\nZofra plays independently; synchronization with Sonos is not guaranteed."_qs);
+}
+
 TEST_F(PanelViewTest, NothingIsCutAtAnyFontSizeInAnyLanguage) {
     world.viewModel.nextSong = std::optional(u"Next"_qs);
     for (const qreal points : {6.0, 10.0, 13.0, 18.0, 26.0}) {
@@ -493,6 +524,21 @@ TEST_F(PanelViewTest, GrowsWithTheFontAndKeepsItsState) {
     EXPECT_TRUE(partOf<CheckBox>(*view)->isChecked());
     EXPECT_TRUE(partOf<CheckBox>(*view)->isVisible());
     EXPECT_TRUE(world.loginItem.calls.isEmpty());
+}
+
+TEST_F(PanelViewTest, FollowsTheFontOfTheWholeDesktop) {
+    showPanel();
+    menuButtons(*view).at(1)->openMenu();
+    const int width = view->width();
+    const QFont before = QApplication::font();
+    QFont large = before;
+    large.setPointSizeF(13.125);
+    QApplication::setFont(large);
+    PanelWorld::settle();
+    EXPECT_GT(view->width(), width);
+    QApplication::setFont(before);
+    PanelWorld::settle();
+    EXPECT_EQ(view->width(), width);
 }
 
 TEST_F(PanelViewTest, NeverOutgrowsTheScreen) {
