@@ -2,7 +2,6 @@
 #include "platform/linux/tray/TrayStatusItem.h"
 
 #include "platform/linux/tray/ShownText.h"
-#include "platform/linux/tray/WidgetMenu.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -264,7 +263,11 @@ void TrayStatusItem::popUpMenu(const Menu& menu, QPointF location) {
     // A panel tells where it was clicked, not where its button begins.
     const QRect geometry = m_xembed ? m_xembed->geometry() : QRect();
     const QPoint anchor = (geometry.isValid() ? geometry.topLeft() : m_clickPoint) + location.toPoint();
-    (new WidgetMenu(menu, m_environment.icons))->popUpAndForget(anchor);
+    // However often a panel asks, there is one menu.
+    if (m_openMenu)
+        m_openMenu->close();
+    m_openMenu = new WidgetMenu(menu, m_environment.icons);
+    m_openMenu->popUpAndForget(anchor);
 }
 
 QString TrayStatusItem::themeIconName(const QString& symbolName) const {

@@ -11,9 +11,11 @@
 #include "platform/linux/tray/StatusNotifierObject.h"
 #include "platform/linux/tray/TrayMode.h"
 #include "platform/linux/tray/WheelSteps.h"
+#include "platform/linux/tray/WidgetMenu.h"
 #include "platform/linux/tray/XEmbedIcon.h"
 
 #include <QPoint>
+#include <QPointer>
 #include <QString>
 
 #include <memory>
@@ -96,6 +98,8 @@ private:
     std::unique_ptr<DBusMenuObject> m_menu;
     std::unique_ptr<PanelWatch> m_panel;
     std::unique_ptr<XEmbedIcon> m_xembed;
+    /// The menu that is open, of our own drawing.
+    QPointer<WidgetMenu> m_openMenu;
     ObservationToken m_connected;
     ObservationToken m_disconnected;
     Lifetime m_lifetime;

@@ -6,12 +6,14 @@
 #include <QAction>
 #include <QGuiApplication>
 #include <QHelpEvent>
+#include <QIconEngine>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QScreen>
 #include <QToolTip>
 
 #include <algorithm>
-#include <array>
+#include <utility>
 
 namespace zofra {
 
@@ -20,20 +22,38 @@ namespace {
 constexpr const char* toolTipProperty = "zofraToolTip";
 constexpr int gap = 4;
 
-QIcon menuIcon(const IconProvider& icons, const QString& symbolName, const QPalette& palette) {
-    QIcon icon;
-    for (const int pixels : std::array{16, 24, 32, 48}) {
-        const auto add = [&](QIcon::Mode mode, QPalette::ColorGroup group, QPalette::ColorRole role) {
-            const QImage image = icons.image(symbolName, pixels, palette.color(group, role));
-            if (!image.isNull())
-                icon.addPixmap(QPixmap::fromImage(image), mode);
-        };
-        add(QIcon::Normal, QPalette::Active, QPalette::WindowText);
-        add(QIcon::Active, QPalette::Active, QPalette::HighlightedText);
-        add(QIcon::Disabled, QPalette::Disabled, QPalette::WindowText);
+/// Draws one symbol in the colours of a menu, at the size at which it is shown and no other.
+class SymbolIconEngine final : public QIconEngine {
+public:
+    SymbolIconEngine(const IconProvider& icons, QString symbolName, QPalette palette)
+        : m_icons(icons)
+        , m_symbolName(std::move(symbolName))
+        , m_palette(std::move(palette)) {}
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
+        const qreal ratio = painter->device()->devicePixelRatio();
+        const int pixels = qRound(std::min(rect.width(), rect.height()) * ratio);
+        painter->drawImage(QRectF(rect), m_icons.image(m_symbolName, pixels, color(mode)));
     }
-    return icon;
-}
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State) override {
+        return QPixmap::fromImage(
+            m_icons.image(m_symbolName, std::min(size.width(), size.height()), color(mode)));
+    }
+    [[nodiscard]] QIconEngine* clone() const override { return new SymbolIconEngine(*this); }
+
+private:
+    [[nodiscard]] QColor color(QIcon::Mode mode) const {
+        if (mode == QIcon::Disabled)
+            return m_palette.color(QPalette::Disabled, QPalette::WindowText);
+        const bool isUnderPointer = mode == QIcon::Active || mode == QIcon::Selected;
+        return m_palette.color(QPalette::Active,
+                               isUnderPointer ? QPalette::HighlightedText : QPalette::WindowText);
+    }
+
+    const IconProvider& m_icons;
+    QString m_symbolName;
+    QPalette m_palette;
+};
 
 } // namespace
 
@@ -60,7 +80,7 @@ void WidgetMenu::addItem(const MenuItem& item, const IconProvider& icons) {
     action->setCheckable(item.state != MenuItem::CheckState::none);
     action->setChecked(item.state == MenuItem::CheckState::on);
     if (!item.iconName.isEmpty())
-        action->setIcon(menuIcon(icons, item.iconName, palette()));
+        action->setIcon(QIcon(new SymbolIconEngine(icons, item.iconName, palette())));
     action->setIconVisibleInMenu(true);
     action->setStatusTip(item.iconDescription);
     if (!item.keyEquivalent.isEmpty()) {

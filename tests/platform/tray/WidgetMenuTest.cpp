@@ -10,7 +10,8 @@
 #include <QPointer>
 #include <QToolTip>
 
-#include <chrono>
+#include <algorithm>
+#include <ctime>
 #include <gmock/gmock.h>
 
 namespace zofra::test {
@@ -59,8 +60,8 @@ TEST_F(WidgetMenuTest, IconsAreDrawnInTheColoursOfTheMenu) {
     const WidgetMenu menu({one, item(u"Two"_qs)}, icons);
     EXPECT_FALSE(menu.actions().at(0)->icon().isNull());
     EXPECT_TRUE(menu.actions().at(1)->icon().isNull());
-    EXPECT_THAT(icons.asked, testing::Contains(u"power"_qs));
     const QImage drawn = menu.actions().at(0)->icon().pixmap(16, 16).toImage();
+    EXPECT_THAT(icons.asked, testing::Contains(u"power"_qs));
     EXPECT_EQ(drawn.pixelColor(8, 8), menu.palette().color(QPalette::Active, QPalette::WindowText));
 }
 
@@ -106,6 +107,31 @@ TEST_F(WidgetMenuTest, DeletesItselfOnceClosedButNotBeforeTheChoiceIsMade) {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         return menu.isNull();
     }));
+}
+
+TEST_F(WidgetMenuTest, OpeningCostsLessThanAFrame) {
+    const auto worked = [] {
+        timespec time{};
+        clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+    };
+    Menu menu;
+    for (int i = 0; i < 10; ++i) {
+        menu.push_back(item(u"Item %1"_qs.arg(i)));
+        menu.back().iconName = u"symbol"_qs;
+        for (int j = 0; j < 9; ++j)
+            menu.back().submenu.push_back(item(u"Below %1"_qs.arg(j)));
+    }
+    std::vector<double> costs;
+    for (int i = 0; i < 21; ++i) {
+        const double begin = worked();
+        auto opened = std::make_unique<WidgetMenu>(menu, icons);
+        opened->popup(QPoint(10, 10));
+        costs.push_back(worked() - begin);
+        EXPECT_TRUE(opened->isVisible());
+    }
+    std::nth_element(costs.begin(), costs.begin() + 10, costs.end());
+    EXPECT_LT(costs[10], 16.0) << "milliseconds of work";
 }
 
 TEST(MenuCorner, IsBelowTheAnchorOrAboveItAndAlwaysInside) {
