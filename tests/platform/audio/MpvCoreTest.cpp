@@ -11,7 +11,9 @@
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <memory>
 #include <thread>
+#include <vector>
 
 namespace zofra::test {
 namespace {
@@ -23,7 +25,8 @@ using Event = FakeMpvControl::Event;
 
 /// One that outlives its test, as the program's does: an mpv may still be ending.
 ManualMainQueue& lastingQueue() {
-    return *new ManualMainQueue;
+    static auto* queues = new std::vector<std::unique_ptr<ManualMainQueue>>;
+    return *queues->emplace_back(std::make_unique<ManualMainQueue>());
 }
 
 QString text(const EngineEvent& event) {
