@@ -59,7 +59,7 @@ public:
     /// Tries to become the one running program; waits for the bus for `timeout` at most. Unless another is
     /// running, the name is claimed again whenever the bus has come back. To be called after the callbacks
     /// are set.
-    [[nodiscard]] Claim tryAcquire(std::chrono::milliseconds timeout = std::chrono::seconds(2));
+    [[nodiscard]] Claim tryAcquire(std::chrono::milliseconds timeout = std::chrono::seconds(5));
 
     std::function<void(const Activation&)> onActivate;
     std::function<void(const QStringList& uris, const Activation&)> onOpen;

@@ -23,10 +23,10 @@ constexpr auto lookInterval = 20ms;
 /// helps nobody and would be left behind.
 QString busAddress(SessionBus::Kind kind) {
     if (kind == SessionBus::Kind::system) {
-        const auto set = qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS");
+        auto set = qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS");
         return set.isEmpty() ? QStringLiteral("unix:path=/run/dbus/system_bus_socket") : set;
     }
-    const auto set = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+    auto set = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
     if (!set.isEmpty())
         return set;
     const auto folder = qEnvironmentVariable("XDG_RUNTIME_DIR");

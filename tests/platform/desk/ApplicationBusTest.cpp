@@ -22,34 +22,34 @@ const auto own = QStringLiteral("be.zofra.ZofraZofra1");
 
 class ApplicationBusTest : public test::BusTest {
 protected:
-    [[nodiscard]] RunningApplication running() { return RunningApplication(peer->connection(), 10s); }
+    [[nodiscard]] RunningApplication running() { return RunningApplication(peer->connection(), 30s); }
 };
 
 TEST_F(ApplicationBusTest, isAcquiredOnce) {
     ApplicationBus first(*bus);
-    EXPECT_EQ(first.tryAcquire(), Claim::acquired);
+    EXPECT_EQ(first.tryAcquire(30s), Claim::acquired);
     SessionBus otherBus(SessionBus::Kind::session, queue);
     ApplicationBus second(otherBus);
-    EXPECT_EQ(second.tryAcquire(), Claim::anotherIsRunning);
+    EXPECT_EQ(second.tryAcquire(30s), Claim::anotherIsRunning);
 }
 
 TEST_F(ApplicationBusTest, isFreeAgainWhenItEnds) {
     {
         ApplicationBus first(*bus);
-        ASSERT_EQ(first.tryAcquire(), Claim::acquired);
+        ASSERT_EQ(first.tryAcquire(30s), Claim::acquired);
     }
     SessionBus otherBus(SessionBus::Kind::session, queue);
     ApplicationBus second(otherBus);
-    EXPECT_EQ(second.tryAcquire(), Claim::acquired);
+    EXPECT_EQ(second.tryAcquire(30s), Claim::acquired);
 }
 
 TEST_F(ApplicationBusTest, leavesTheNameToItsOwnerWhenItOnlyAsked) {
     ApplicationBus first(*bus);
-    ASSERT_EQ(first.tryAcquire(), Claim::acquired);
+    ASSERT_EQ(first.tryAcquire(30s), Claim::acquired);
     {
         SessionBus otherBus(SessionBus::Kind::session, queue);
         ApplicationBus second(otherBus);
-        ASSERT_EQ(second.tryAcquire(), Claim::anotherIsRunning);
+        ASSERT_EQ(second.tryAcquire(30s), Claim::anotherIsRunning);
     }
     const DBusNameOwner owner(peer->connection(), service);
     ASSERT_TRUE(spinUntil([&] { return !owner.owner().isEmpty(); }));
@@ -60,7 +60,7 @@ TEST_F(ApplicationBusTest, worksWithoutABusAndClaimsTheNameWhenItComes) {
     loseBus();
     ApplicationBus program(*bus);
     program.onStatus = [] { return QStringLiteral("{}"); };
-    EXPECT_EQ(program.tryAcquire(), Claim::noBus);
+    EXPECT_EQ(program.tryAcquire(30s), Claim::noBus);
     bringBusBack();
     const DBusNameOwner owner(peer->connection(), service);
     ASSERT_TRUE(spinUntil([&] { return !owner.owner().isEmpty(); }));
@@ -80,7 +80,7 @@ TEST_F(ApplicationBusTest, handsTheOptionsOfASecondStartOver) {
         received = options;
         return RunReply{1, QStringLiteral("no such room")};
     };
-    ASSERT_EQ(program.tryAcquire(), Claim::acquired);
+    ASSERT_EQ(program.tryAcquire(30s), Claim::acquired);
     const QVariantMap options{{QStringLiteral("play"), QStringLiteral("qmusic")},
                               {QStringLiteral("quit"), true},
                               {QStringLiteral("output"), QStringLiteral("Küche")}};
@@ -94,7 +94,7 @@ TEST_F(ApplicationBusTest, handsTheOptionsOfASecondStartOver) {
 TEST_F(ApplicationBusTest, tellsItsStatus) {
     ApplicationBus program(*bus);
     program.onStatus = [] { return QStringLiteral("{\"station\":\"zofra\"}"); };
-    ASSERT_EQ(program.tryAcquire(), Claim::acquired);
+    ASSERT_EQ(program.tryAcquire(30s), Claim::acquired);
     EXPECT_EQ(meanwhile([&] { return running().status(); }), QStringLiteral("{\"station\":\"zofra\"}"));
 }
 
@@ -115,7 +115,7 @@ TEST_F(ApplicationBusTest, isActivatedAsDesktopsDo) {
         actionParameter = parameter;
         activations.push_back(activation);
     };
-    ASSERT_EQ(program.tryAcquire(), Claim::acquired);
+    ASSERT_EQ(program.tryAcquire(30s), Claim::acquired);
     const Activation first{QStringLiteral("id_TIME5"), QStringLiteral("token")};
     EXPECT_TRUE(meanwhile([&] { return running().activate(first); }));
     EXPECT_EQ(errorOf(call(service, path, standard, QStringLiteral("Open"),
@@ -134,7 +134,7 @@ TEST_F(ApplicationBusTest, isActivatedAsDesktopsDo) {
 
 TEST_F(ApplicationBusTest, answersWhatItDoesNotOfferWithErrors) {
     ApplicationBus program(*bus);
-    ASSERT_EQ(program.tryAcquire(), Claim::acquired);
+    ASSERT_EQ(program.tryAcquire(30s), Claim::acquired);
     EXPECT_EQ(meanwhile([&] { return running().status(); }), std::nullopt);
     EXPECT_EQ(meanwhile([&] { return running().run({}); }), std::nullopt);
     EXPECT_FALSE(meanwhile([&] { return running().activate({}); }));
@@ -155,7 +155,7 @@ TEST_F(ApplicationBusTest, isAbsentToASecondStartWhenNothingRuns) {
 TEST_F(ApplicationBusTest, isNotWaitedForForEver) {
     ApplicationBus program(*bus);
     program.onStatus = [] { return QString(); };
-    ASSERT_EQ(program.tryAcquire(), Claim::acquired);
+    ASSERT_EQ(program.tryAcquire(30s), Claim::acquired);
     // Nobody serves this thread's event loop while it asks itself.
     EXPECT_EQ(RunningApplication(peer->connection(), 50ms).status(), std::nullopt);
 }

@@ -42,7 +42,7 @@ protected:
             QMetaObject::invokeMethod(
                 &here, [] {}, Qt::QueuedConnection);
         });
-        EXPECT_TRUE(spinUntil([&] { return isDone.load(); }, std::chrono::seconds(30)));
+        EXPECT_TRUE(spinUntil([&] { return isDone.load(); }, std::chrono::seconds(60)));
         thread.join();
         return *result;
     }
@@ -52,7 +52,7 @@ protected:
                       const QString& method, const QVariantList& arguments = {}) {
         auto message = QDBusMessage::createMethodCall(service, path, interface, method);
         message.setArguments(arguments);
-        return meanwhile([&] { return peer->connection().call(message, QDBus::Block, 10000); });
+        return meanwhile([&] { return peer->connection().call(message, QDBus::Block, 30000); });
     }
 
     /// Kills the bus and waits until it is noticed.

@@ -324,9 +324,9 @@ TEST_F(MprisPlayerTest, takesAnotherNameWhenItsOwnIsTaken) {
     mpris.reset();
     // Answered after our giving it back, which was sent before on the same connection.
     const auto mine = service + QStringLiteral(".test");
-    ASSERT_EQ(dbus::requestNameNow(*bus->connection(), mine, std::chrono::seconds(10)),
+    ASSERT_EQ(dbus::requestNameNow(*bus->connection(), mine, std::chrono::seconds(30)),
               dbus::NameRequest::owned);
-    ASSERT_EQ(dbus::requestNameNow(peer->connection(), service, std::chrono::seconds(10)),
+    ASSERT_EQ(dbus::requestNameNow(peer->connection(), service, std::chrono::seconds(30)),
               dbus::NameRequest::owned);
     const MprisPlayer second(*bus);
     const auto other =
