@@ -11,7 +11,7 @@
 namespace zofra {
 
 /// A device description is a few kilobytes; a longer answer than this is none.
-inline constexpr std::size_t maxDescriptionBytes = 256 * 1024;
+inline constexpr std::size_t maxDescriptionBytes = 262'144;
 
 /// A plain GET of a device description.
 [[nodiscard]] inline HttpRequest descriptionRequest(const QUrl& url, std::chrono::milliseconds timeout) {

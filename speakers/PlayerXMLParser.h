@@ -14,7 +14,7 @@ namespace zofra {
 
 /// Bounds of what a player may send. Real reports stay far below each of them.
 struct PlayerXMLLimits {
-    static constexpr qsizetype characters = 1024 * 1024;
+    static constexpr qsizetype characters = 1'048'576;
     static constexpr std::size_t depth = 64;
     static constexpr int attributesPerElement = 256;
     static constexpr int namespaceDeclarations = 256;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/SonosManager.h"
 
-#include "speakers/NetworkPlayerProtocol.h"
 #include "speakers/OutputTitles.h"
 #include "speakers/RoomCache.h"
 #include "speakers/SpeakerDiscovery.h"
@@ -29,7 +28,9 @@ SonosManager::SonosManager(bool automaticallyDiscover, const Environment& enviro
     , m_background(std::make_shared<SpeakerBackground>(
           SpeakerBackground::Outside{environment.session, environment.mainQueue, environment.tasks,
                                      environment.network, environment.systemLog},
-          [this](bool denied) { setLocalNetworkDenied(denied); })) {
+          SpeakerBackground::Reports{[this](bool denied) { setLocalNetworkDenied(denied); },
+                                     [this](const QList<SonosRoom>& newRooms) { roomsFound(newRooms); },
+                                     [this] { isScanning = false; }})) {
     if (!automaticallyDiscover)
         return;
     loadCachedRooms();
@@ -59,29 +60,20 @@ void SonosManager::discoverDevices(bool forceSubnetScan) {
     if (isScanning)
         return;
     isScanning = true;
-    m_environment.tasks.async([weak = std::weak_ptr(m_background), forceSubnetScan, found = applySpeakers(),
-                               done = std::function<void()>([this] { isScanning = false; })] {
+    m_environment.tasks.async([weak = std::weak_ptr(m_background), forceSubnetScan] {
         const auto background = weak.lock();
         if (!background || background->ended())
             return;
-        std::make_shared<SpeakerDiscovery>(background, found)->runDiscovery(forceSubnetScan);
-        background->post(done);
+        std::make_shared<SpeakerDiscovery>(background)->runDiscovery(forceSubnetScan);
+        background->noteRunEnded();
     });
 }
 
-std::function<void(const QList<SonosSpeaker>&)> SonosManager::applySpeakers() {
-    return [this, weak = std::weak_ptr(m_background)](const QList<SonosSpeaker>& speakers) {
-        const auto background = weak.lock();
-        if (!background)
-            return;
-        background->allSpeakers.set(speakers);
-        background->post([this, newRooms = NetworkPlayerProtocol::rooms(speakers)] {
-            replaceRooms(newRooms);
-            saveCachedRooms();
-            if (onRoomsUpdated)
-                onRoomsUpdated(rooms);
-        });
-    };
+void SonosManager::roomsFound(const QList<SonosRoom>& newRooms) {
+    replaceRooms(newRooms);
+    saveCachedRooms();
+    if (onRoomsUpdated)
+        onRoomsUpdated(rooms);
 }
 
 void SonosManager::replaceRooms(const QList<SonosRoom>& newRooms) {

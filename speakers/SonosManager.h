@@ -100,8 +100,7 @@ private:
     void saveCachedRooms();
     void replaceRooms(const QList<SonosRoom>& newRooms);
     void setLocalNetworkDenied(bool denied);
-    /// A run's thread: takes over what it found.
-    [[nodiscard]] std::function<void(const QList<SonosSpeaker>&)> applySpeakers();
+    void roomsFound(const QList<SonosRoom>& newRooms);
     /// Those that may be sent commands.
     [[nodiscard]] QList<SonosSpeaker> controllableSpeakers() const;
     [[nodiscard]] SonosSpeaker asLastFound(const SonosSpeaker& speaker) const;

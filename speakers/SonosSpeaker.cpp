@@ -43,7 +43,7 @@ QUrl SonosSpeaker::endpoint(const std::optional<QString>& path, const QString& f
         // An absolute reference brings its own scheme, which must be spelt as required; an empty one is no
         // address.
         if (reference.isValid() && (reference.isRelative() || playerAddress(*path))) {
-            const auto resolved = base.resolved(reference);
+            auto resolved = base.resolved(reference);
             const auto scheme = resolved.scheme();
             const bool isHttp = scheme == QLatin1String("http") || scheme == QLatin1String("https");
             if (resolved.isValid() && isHttp && !resolved.host().isEmpty())

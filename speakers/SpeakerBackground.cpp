@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/SpeakerBackground.h"
 
+#include "speakers/NetworkPlayerProtocol.h"
+
 #include <utility>
 
 namespace zofra {
 
-SpeakerBackground::SpeakerBackground(const Outside& outside,
-                                     std::function<void(bool denied)> localNetworkChanged)
+SpeakerBackground::SpeakerBackground(const Outside& outside, Reports reports)
     : m_outside(outside)
-    , m_localNetworkChanged(std::move(localNetworkChanged)) {}
+    , m_reports(std::move(reports)) {}
 
 void SpeakerBackground::end() {
     m_waitPoint->end();
@@ -58,11 +59,20 @@ std::unique_ptr<UdpSearchSocket> SpeakerBackground::openSearchSocket(const QStri
 }
 
 void SpeakerBackground::noteLocalNetworkDenial() {
-    post([this] { m_localNetworkChanged(true); });
+    post([this] { m_reports.localNetwork(true); });
 }
 
 void SpeakerBackground::clearLocalNetworkDenial() {
-    post([this] { m_localNetworkChanged(false); });
+    post([this] { m_reports.localNetwork(false); });
+}
+
+void SpeakerBackground::applySpeakers(const QList<SonosSpeaker>& speakers) {
+    allSpeakers.set(speakers);
+    post([this, rooms = NetworkPlayerProtocol::rooms(speakers)] { m_reports.rooms(rooms); });
+}
+
+void SpeakerBackground::noteRunEnded() {
+    post([this] { m_reports.runEnded(); });
 }
 
 bool isLocalNetworkDenial(const std::optional<HttpError>& error) {

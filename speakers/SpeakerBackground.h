@@ -8,6 +8,7 @@
 #include "platform/TaskPool.h"
 #include "speakers/BackgroundWait.h"
 #include "speakers/PlayerLocked.h"
+#include "speakers/SonosRoom.h"
 #include "speakers/SonosSpeaker.h"
 
 #include <QList>
@@ -33,11 +34,18 @@ public:
         LocalNetwork& network;
         SystemLog& systemLog;
     };
+    /// What the manager is told, on the main thread.
+    struct Reports {
+        /// Access to the local network is being refused, or is granted.
+        std::function<void(bool denied)> localNetwork;
+        /// The rooms that the speakers of a successful run make.
+        std::function<void(const QList<SonosRoom>&)> rooms;
+        std::function<void()> runEnded;
+    };
     /// Requests in flight at most, probes and fetches alike.
     static constexpr std::ptrdiff_t maxRequestsInFlight = 32;
 
-    /// `localNetworkChanged` is told on the main thread whether access to the local network is being refused.
-    SpeakerBackground(const Outside& outside, std::function<void(bool denied)> localNetworkChanged);
+    SpeakerBackground(const Outside& outside, Reports reports);
 
     /// Main thread: the manager ends. Waits for nothing but calls to the outside that are just being made,
     /// all of which are brief.
@@ -55,15 +63,17 @@ public:
     [[nodiscard]] std::vector<InterfaceAddress> interfaceAddresses();
     [[nodiscard]] std::unique_ptr<UdpSearchSocket> openSearchSocket(const QString& ip);
 
-    /// Says on the main thread that access to the local network is refused, or granted.
     void noteLocalNetworkDenial();
     void clearLocalNetworkDenial();
+    /// Takes over what a run found.
+    void applySpeakers(const QList<SonosSpeaker>& speakers);
+    void noteRunEnded();
 
     [[nodiscard]] const std::shared_ptr<WaitPoint>& waitPoint() const { return m_waitPoint; }
     /// Bounds the probes of a subnet scan.
     [[nodiscard]] const std::shared_ptr<CountingSemaphore>& probeLimit() const { return m_probeLimit; }
 
-    /// Every speaker of the last successful run.
+    /// Every speaker of the last successful run. Its lock does what a serial queue would.
     PlayerLocked<QList<SonosSpeaker>> allSpeakers;
 
 private:
@@ -71,7 +81,7 @@ private:
     void use(Use use);
 
     Outside m_outside;
-    std::function<void(bool)> m_localNetworkChanged;
+    Reports m_reports;
     std::shared_ptr<WaitPoint> m_waitPoint = std::make_shared<WaitPoint>();
     std::shared_ptr<CountingSemaphore> m_probeLimit =
         std::make_shared<CountingSemaphore>(m_waitPoint, maxRequestsInFlight);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/SpeakerDiscovery.h"
 
-#include "speakers/PlainOrder.h"
 #include "speakers/QuotedList.h"
 #include "speakers/SpeakerLookup.h"
 
@@ -32,11 +31,6 @@ struct SpeakerDiscovery::Search {
     DispatchGroup group;
 };
 
-SpeakerDiscovery::SpeakerDiscovery(std::shared_ptr<SpeakerBackground> background,
-                                   std::function<void(const QList<SonosSpeaker>&)> found)
-    : m_background(std::move(background))
-    , m_found(std::move(found)) {}
-
 void SpeakerDiscovery::runDiscovery(bool forceSubnetScan) {
     const auto interfaces = activeIPv4Interfaces(m_background->interfaceAddresses());
     const auto search = std::make_shared<Search>(m_background->waitPoint());
@@ -59,7 +53,7 @@ void SpeakerDiscovery::runDiscovery(bool forceSubnetScan) {
         return;
     }
     m_background->clearLocalNetworkDenial();
-    m_found(speakers);
+    m_background->applySpeakers(speakers);
 }
 
 void SpeakerDiscovery::searchEverywhere(const QList<InterfaceInfo>& interfaces,

@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "speakers/SonosSpeaker.h"
 #include "speakers/SpeakerBackground.h"
-#include "speakers/TextFetcher.h"
 
 #include <QList>
 #include <QSet>
 #include <QString>
 #include <QUrl>
 
-#include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace zofra {
 
@@ -39,11 +38,10 @@ public:
     /// tenth of it; whoever floods the network with invented addresses must not keep a run going for ever.
     static constexpr qsizetype maxAddresses = 1024;
 
-    /// `found` is called on the run's thread with the speakers of a run that found any.
-    SpeakerDiscovery(std::shared_ptr<SpeakerBackground> background,
-                     std::function<void(const QList<SonosSpeaker>&)> found);
+    explicit SpeakerDiscovery(std::shared_ptr<SpeakerBackground> background)
+        : m_background(std::move(background)) {}
 
-    /// One complete run.
+    /// One complete run. What it finds goes to the manager's inner state.
     void runDiscovery(bool forceSubnetScan);
 
 private:
@@ -59,7 +57,6 @@ private:
     [[nodiscard]] QList<QUrl> withKnownSpeakers(const QSet<QUrl>& found) const;
 
     std::shared_ptr<SpeakerBackground> m_background;
-    std::function<void(const QList<SonosSpeaker>&)> m_found;
 };
 
 } // namespace zofra

@@ -14,7 +14,7 @@ namespace zofra {
 namespace {
 
 constexpr std::chrono::seconds descriptionTimeout{3};
-constexpr std::size_t maxTopologyBytes = 1024 * 1024;
+constexpr std::size_t maxTopologyBytes = 1'048'576;
 
 HttpRequest topologyRequest(const SonosSpeaker& speaker) {
     const auto endpoint = speaker.endpoint(speaker.topologyPath, QString::fromLatin1(ControlPath::topology));

@@ -28,7 +28,7 @@ public:
 
     /// Size of all reports together, in characters with something on top for each member; what comes beyond
     /// is not kept. A hundred players that each report a hundred and fifty members stay far below it.
-    static constexpr qsizetype maxReported = 8 * 1024 * 1024;
+    static constexpr qsizetype maxReported = 8'388'608;
 
 private:
     void fetchDescriptions(const QList<QUrl>& addresses);

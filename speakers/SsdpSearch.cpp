@@ -37,7 +37,7 @@ QSet<QUrl> SpeakerDiscovery::searchViaSSDP(const InterfaceInfo& interface) const
         m_background->noteLocalNetworkDenial();
         return {};
     }
-    const auto urls = receiveAnswers(*socket);
+    auto urls = receiveAnswers(*socket);
     m_background->log(interface.name + QStringLiteral(": ") + QString::number(urls.size()) +
                       QStringLiteral(" SSDP-Antworten"));
     return urls;

@@ -22,9 +22,13 @@ struct Background {
     FakeLocalNetwork network;
     RecordingSystemLog log;
     QList<bool> denials;
+    QList<QList<SonosRoom>> found;
+    int runsEnded = 0;
     std::shared_ptr<SpeakerBackground> state = std::make_shared<SpeakerBackground>(
         SpeakerBackground::Outside{session, mainQueue, tasks, network, log},
-        [this](bool denied) { denials.append(denied); });
+        SpeakerBackground::Reports{[this](bool denied) { denials.append(denied); },
+                                   [this](const QList<SonosRoom>& rooms) { found.append(rooms); },
+                                   [this] { ++runsEnded; }});
 };
 
 } // namespace zofra::test

@@ -43,10 +43,11 @@ protected:
     }
 
     void run(bool forceSubnetScan = false) {
-        std::make_shared<SpeakerDiscovery>(background.state, [this](const QList<SonosSpeaker>& speakers) {
-            results.append(speakers);
-        })->runDiscovery(forceSubnetScan);
+        const auto before = background.found.size();
+        std::make_shared<SpeakerDiscovery>(background.state)->runDiscovery(forceSubnetScan);
         background.mainQueue.drain();
+        if (background.found.size() > before)
+            results.append(background.state->allSpeakers.value());
     }
 
     std::vector<QString> logged() const { return background.log.lines; }
