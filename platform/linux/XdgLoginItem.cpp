@@ -42,7 +42,7 @@ bool XdgLoginItem::isEnabled() const {
     QFile file(filePath());
     if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
         return false;
-    const auto values = desktopentry::mainGroup(file.read(64 * 1024));
+    const auto values = desktopentry::mainGroup(file.read(65'536));
     if (values.value(QStringLiteral("Hidden")) == QStringLiteral("true") ||
         values.value(QStringLiteral("X-GNOME-Autostart-enabled")) == QStringLiteral("false") ||
         values.value(QStringLiteral("X-MATE-Autostart-enabled")) == QStringLiteral("false"))
