@@ -120,13 +120,16 @@ def test_two_hundred_switches_leave_everything_where_it_was(radio, ears, bus, la
             assert done.returncode == 0, done.stderr
     switch(40)  # libraries and caches are loaded now
     ears.wait_for(AAC, 10)
-    before = settled(radio, lab)
-    switch(200)
-    ears.wait_for(AAC, 10)
-    after = settled(radio, lab)
-    print("threads, descriptors, own memory in kB:", before, after)
-    assert after[0] <= before[0] and after[1] <= before[1]
-    assert after[2] - before[2] < 3000, "more than 15 kB a switch"
+    held = [settled(radio, lab)]
+    for _ in range(2):
+        switch(100)
+        ears.wait_for(AAC, 10)
+        held.append(settled(radio, lab))
+    print("threads, descriptors, own memory in kB:", *held)
+    assert held[-1][0] <= held[0][0] and held[-1][1] <= held[0][1]
+    # The heap of a crowded machine wanders by megabytes; a leak grows in each stretch.
+    grown = [after[2] - before[2] for before, after in zip(held, held[1:])]
+    assert min(grown) < 1500, "more than 15 kB a switch"
 
 
 def settled(radio, lab):
