@@ -78,8 +78,8 @@ class PanelPicture
     : public ::testing::TestWithParam<std::tuple<std::string, DesktopAppearance::ColorScheme, int, Scene>> {
 protected:
     void SetUp() override {
-        if (!hasPictureFont())
-            GTEST_SKIP() << "skipped: the font Inter is not installed";
+        if (const auto reason = whyNoComparison(); !reason.empty())
+            GTEST_SKIP() << reason;
     }
 };
 
@@ -136,8 +136,8 @@ INSTANTIATE_TEST_SUITE_P(All, PanelPicture,
 class MenuPicture : public ::testing::TestWithParam<std::tuple<std::string, DesktopAppearance::ColorScheme>> {
 protected:
     void SetUp() override {
-        if (!hasPictureFont())
-            GTEST_SKIP() << "skipped: the font Inter is not installed";
+        if (const auto reason = whyNoComparison(); !reason.empty())
+            GTEST_SKIP() << reason;
     }
 };
 

@@ -5,11 +5,13 @@
 #include <QFont>
 #include <QFontDatabase>
 #include <QImage>
+#include <QLibraryInfo>
 #include <QString>
 #include <QWidget>
 
 #include <cstdlib>
 #include <optional>
+#include <string>
 
 namespace zofra::test {
 
@@ -18,6 +20,17 @@ inline const QString pictureFontFamily = QStringLiteral("Inter");
 
 [[nodiscard]] inline bool hasPictureFont() {
     return QFontDatabase::families().contains(pictureFontFamily);
+}
+
+/// Why pictures taken here cannot be compared with those that are kept; empty when they can.
+[[nodiscard]] inline std::string whyNoComparison() {
+    if (!hasPictureFont())
+        return "skipped: the font Inter is not installed";
+    // Another series shapes and rounds text otherwise, and comes with another Inter.
+    const auto version = QLibraryInfo::version();
+    if (version.majorVersion() != 6 || version.minorVersion() != 4)
+        return "skipped: the kept pictures were drawn by Qt 6.4, not by " + version.toString().toStdString();
+    return {};
 }
 
 /// Text of 14 pixels, without the hinting that differs from one set-up to the next.
