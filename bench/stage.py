@@ -1,0 +1,138 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Where measuring happens: the lab, a session with sound and a screen, and rows of results that are shown at once."""
+
+import contextlib
+import json
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+sys.path[:0] = [os.path.join(ROOT, "lab"), os.path.join(ROOT, "tests", "system")]
+
+from radio import Radio  # noqa: E402
+from zofralab.bus import Peer  # noqa: E402
+from zofralab.desktop import StatusBar  # noqa: E402
+from zofralab.display import Display  # noqa: E402
+from zofralab.household.systemlog import SystemLog  # noqa: E402
+from zofralab.lab import Lab, program_environment  # noqa: E402
+from zofralab.process import terminate  # noqa: E402
+from zofralab.session import Session  # noqa: E402
+from zofralab.sound import Ears  # noqa: E402
+
+BINARY = os.path.join(ROOT, "build", "release", "bin", "zofrazofra")
+
+
+class Stage:
+    """Use as a context. Everything that is started on it ends with it."""
+
+    def __init__(self):
+        self._open = contextlib.ExitStack()
+        self.rows = []
+
+    def __enter__(self):
+        self.place = self._open.enter_context(tempfile.TemporaryDirectory(prefix="zofrabench-"))
+        self.lab = self._open.enter_context(Lab())
+        self.session = self._open.enter_context(Session(self.lab.run_dir))
+        self.display = Display().start()
+        self._open.callback(self.display.stop)
+        self.ears = Ears(self.session.sound).start()
+        self._open.callback(lambda: self.ears.stop())
+        self.peer = Peer(self.session.session_bus.address)
+        self._open.callback(self.peer.close)
+        self._bar = StatusBar(self.peer)
+        return self
+
+    def __exit__(self, *_):
+        self._open.close()
+
+    def row(self, what, value, target, **figures):
+        """Show one result at once, and keep its figures."""
+        self.rows.append({"what": what, "value": value, "target": target, **figures})
+        print(f"{what:<46} {value:<46} {target}", flush=True)
+
+    def heading(self, text):
+        """Show what the next rows are about."""
+        print(f"\n{text}", flush=True)
+
+    def keep(self, path):
+        """Write every row as JSON."""
+        with open(path, "w", encoding="utf-8") as file:
+            json.dump(self.rows, file, indent=1, ensure_ascii=False)
+
+    @contextlib.contextmanager
+    def deaf(self):
+        """Without the recorder for a while, whose small buffers would make every player wake up more often."""
+        self.ears.stop()
+        try:
+            yield
+        finally:
+            self.ears = Ears(self.session.sound).start()
+
+    @contextlib.contextmanager
+    def status_bar(self):
+        """A status bar that is only a list, there for a while."""
+        self._bar.appear()
+        try:
+            yield self._bar
+        finally:
+            self._bar.disappear()
+
+    @contextlib.contextmanager
+    def radio(self, with_log=False):
+        """The radio, not started yet, with a home of its own; the lab is put back to its healthy state before."""
+        self.lab.reset()
+        with contextlib.ExitStack() as stack:
+            home = stack.enter_context(tempfile.TemporaryDirectory(dir=self.place))
+            binary = BINARY
+            log = None
+            if with_log:
+                os.makedirs(os.path.join(home, "log"))
+                log = SystemLog(os.path.join(home, "log"))
+                stack.callback(log.close)
+                binary = log.wrapper(BINARY)
+            radio = Radio(binary, self.lab, self.session, self.session.sound, self.display, home)
+            stack.callback(radio.stop)
+            self.ears.forget()
+            yield (radio, log) if with_log else radio
+
+    @contextlib.contextmanager
+    def other(self, command):
+        """Another player, started where the radio is; None where it is not installed."""
+        if shutil.which(command[0]) is None:
+            yield None
+            return
+        with tempfile.TemporaryDirectory(dir=self.place) as home:
+            environment = {**program_environment(self.lab, self.session), "DISPLAY": self.display.name, "HOME": home,
+                           "XDG_CONFIG_HOME": home, "XDG_CACHE_HOME": home, "XDG_DATA_HOME": home, "LANG": "C.UTF-8"}
+            process = subprocess.Popen([*self.lab.enter("/"), *command], env=environment, stdin=subprocess.DEVNULL,
+                                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
+            try:
+                yield process
+            finally:
+                terminate(process)
+
+    def address(self, scheme="https"):
+        """A stream of the lab that any player can open."""
+        return f"{scheme}://qmusic-aac.streams.zofra.test/qmusic.aac"
+
+    def mpv(self):
+        """mpv on that stream, as careful about certificates as the radio is."""
+        return ["mpv", "--no-config", "--no-video", "--really-quiet", f"--tls-ca-file={self.lab.authority}",
+                "--tls-verify", self.address()]
+
+
+def quantile(values, share):
+    """The value below which that share of the values lies (nearest rank)."""
+    ordered = sorted(values)
+    return ordered[max(0, -int(-share * len(ordered) // 1) - 1)]
+
+
+def slope(values):
+    """Growth per step by least squares."""
+    count = len(values)
+    mean_x, mean_y = (count - 1) / 2, sum(values) / count
+    return (sum((x - mean_x) * (y - mean_y) for x, y in enumerate(values)) /
+            sum((x - mean_x) ** 2 for x in range(count)))
