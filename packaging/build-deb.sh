@@ -10,7 +10,7 @@ cmake --preset release -B build/package -DCMAKE_INSTALL_PREFIX=/usr -DZOFRA_TEST
 cmake --build build/package -j"$(nproc)" >/dev/null
 desktop-file-validate packaging/desktop/be.zofra.ZofraZofra.desktop
 # The screenshots' host is the station group's to set up, so links are not followed.
-appstreamcli validate --strict --no-net packaging/desktop/be.zofra.ZofraZofra.metainfo.xml
+appstreamcli validate --strict --no-net build/package/packaging/be.zofra.ZofraZofra.metainfo.xml
 (cd build/package && cpack >/dev/null)
 package=$(ls -t build/package/zofrazofra_*.deb | head -1)
 lintian --fail-on error,warning "$package"
