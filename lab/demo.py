@@ -14,6 +14,8 @@ import subprocess
 import sys
 import time
 
+# Nothing but build/run is written to.
+sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 
 from zofralab.bus import BusError, Peer  # noqa: E402
