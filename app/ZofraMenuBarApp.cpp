@@ -26,6 +26,13 @@ constexpr auto endLook = std::chrono::milliseconds(50);
 constexpr auto startupSettled = std::chrono::milliseconds(3000);
 constexpr auto settingsLimit = std::chrono::milliseconds(500);
 
+/// What the settings may hold that is no mere text.
+IniDefaultsStore::Options settingsOptions() {
+    IniDefaultsStore::Options options;
+    options.ranges = {{QStringLiteral("zofra_radio_volume"), 0.0F, 1.0F}};
+    return options;
+}
+
 QVariantMap bundle() {
     return {{QStringLiteral("CFBundleShortVersionString"), QStringLiteral(ZOFRA_VERSION)},
             {QStringLiteral("CFBundleVersion"), QStringLiteral(ZOFRA_BUILD_NUMBER)}};
@@ -90,7 +97,8 @@ ZofraMenuBarApp::ZofraMenuBarApp(Configuration configuration, QtMainQueue& mainQ
     , m_sessionBus(sessionBus)
     , m_applicationBus(applicationBus)
     , m_systemBus(SessionBus::Kind::system, m_mainQueue)
-    , m_defaults(IniDefaultsStore::defaultPath(), m_tasks, IniDefaultsStore::reportTo(m_systemLog))
+    , m_defaults(IniDefaultsStore::defaultPath(), m_tasks, IniDefaultsStore::reportTo(m_systemLog),
+                 settingsOptions())
     , m_http(m_configuration.hosts.extraAuthorityFile())
     , m_session(m_http)
     , m_wake(m_systemBus)

@@ -7,6 +7,8 @@
 
 #include <QHash>
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <condition_variable>
@@ -38,7 +40,7 @@ public:
     State(QString path, Report report, Options options)
         : m_path(std::move(path))
         , m_report(std::move(report))
-        , m_options(options) {
+        , m_options(std::move(options)) {
         auto read = inifile::read(m_path);
         if (auto* document = std::get_if<IniDocument>(&read))
             m_document = std::move(*document);
@@ -51,6 +53,12 @@ public:
         const std::scoped_lock lock(m_mutex);
         const auto written = m_written.constFind(key);
         return written != m_written.constEnd() ? std::optional(*written) : m_document.value(key);
+    }
+
+    [[nodiscard]] bool isInRange(const QString& key, float number) const {
+        return std::all_of(m_options.ranges.begin(), m_options.ranges.end(), [&](const Range& range) {
+            return range.key != key || (number >= range.least && number <= range.most);
+        });
     }
 
     enum class Next { nothing, write };
@@ -74,9 +82,11 @@ public:
             lock.unlock();
             auto merged = inifile::merge(m_path, batch, m_options.lockWait);
             lock.lock();
-            if (auto* document = std::get_if<IniDocument>(&merged)) {
-                m_document = std::move(*document);
+            if (auto* written = std::get_if<inifile::Merged>(&merged)) {
+                m_document = std::move(written->document);
                 m_toldReason.clear();
+                if (!written->keptAs.isEmpty())
+                    tellKept(written->keptAs);
                 continue;
             }
             // Kept for the next time, but for what has been set anew since.
@@ -103,6 +113,11 @@ private:
                              problem.reason + QStringLiteral("; ") + consequence));
     }
 
+    void tellKept(const QString& copy) {
+        m_report(visibleText(QStringLiteral("Settings in ") + m_path +
+                             QStringLiteral(" were damaged: what was there is kept in ") + copy));
+    }
+
     const QString m_path;
     const Report m_report;
     const Options m_options;
@@ -120,7 +135,7 @@ IniDefaultsStore::IniDefaultsStore(const QString& path, TaskPool& pool, Report r
     : IniDefaultsStore(path, pool, std::move(report), Options()) {}
 
 IniDefaultsStore::IniDefaultsStore(const QString& path, TaskPool& pool, Report report, Options options)
-    : m_state(std::make_shared<State>(path, std::move(report), options))
+    : m_state(std::make_shared<State>(path, std::move(report), std::move(options)))
     , m_pool(pool) {}
 
 IniDefaultsStore::~IniDefaultsStore() = default;
@@ -146,7 +161,8 @@ std::optional<QString> IniDefaultsStore::string(const QString& key) const {
 
 std::optional<float> IniDefaultsStore::floatValue(const QString& key) const {
     const auto value = m_state->value(key.toUtf8());
-    return value ? finiteNumber(*value) : std::nullopt;
+    const auto number = value ? finiteNumber(*value) : std::nullopt;
+    return number && m_state->isInRange(key, *number) ? number : std::nullopt;
 }
 
 std::optional<QByteArray> IniDefaultsStore::data(const QString& key) const {

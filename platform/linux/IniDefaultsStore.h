@@ -8,6 +8,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace zofra {
 
@@ -16,14 +17,23 @@ namespace zofra {
 /// The file is read once, here. A written value can be read at once; it goes to the file in the background,
 /// where the file is locked, read anew, changed in this one key and replaced as a whole, so that neither two
 /// running programs nor a crash nor a full disk lose anything. Where that fails it is told once, on one line,
-/// and tried again with the next write.
+/// and tried again with the next write. A damaged file is kept as a copy before it is written anew without
+/// what is no text, which is one line, too.
 class IniDefaultsStore final : public DefaultsStore {
 public:
     /// Told what is wrong with the file, on one line; on any thread.
     using Report = std::function<void(const QString& line)>;
+    /// A number of the settings that means something only between these bounds.
+    struct Range {
+        QString key;
+        float least = 0;
+        float most = 0;
+    };
     struct Options {
         /// How long a write waits for another program that holds the lock.
         std::chrono::milliseconds lockWait{2000};
+        /// A number outside its range is as good as none, whoever wrote it there.
+        std::vector<Range> ranges;
     };
 
     IniDefaultsStore(const QString& path, TaskPool& pool, Report report);

@@ -95,6 +95,15 @@ bool startsJson(QByteArrayView text) {
     return text.startsWith('[') || text.startsWith('{');
 }
 
+bool isText(const QByteArray& line) {
+    const bool hasControl = std::any_of(line.begin(), line.end(), [](char c) {
+        return (static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\r') || c == 0x7F;
+    });
+    // A comment in an older encoding is a person's all the same.
+    const auto start = line.trimmed();
+    return !hasControl && (line.isValidUtf8() || (!start.isEmpty() && isCommentStart(start[0])));
+}
+
 Span spanOfValue(QByteArrayView text) {
     Span span{0, text.size()};
     while (span.begin < span.end && isBlank(text[span.begin]))
@@ -246,6 +255,14 @@ QByteArray IniDocument::bytes() const {
     for (const auto& line : m_lines)
         result += line.text + line.lineEnd;
     return result;
+}
+
+bool IniDocument::isDamaged() const {
+    return std::any_of(m_lines.begin(), m_lines.end(), [](const Line& line) { return !isText(line.text); });
+}
+
+void IniDocument::dropDamage() {
+    std::erase_if(m_lines, [](const Line& line) { return !isText(line.text); });
 }
 
 } // namespace zofra

@@ -26,6 +26,12 @@ public:
     void setValue(const QByteArray& key, const QByteArray& value);
     [[nodiscard]] QByteArray bytes() const;
 
+    /// Whether there are lines that are no text at all: control characters, or not UTF-8. A person's lines
+    /// that merely make no sense are none.
+    [[nodiscard]] bool isDamaged() const;
+    /// Takes those lines out. Whoever does keeps what `bytes` was before.
+    void dropDamage();
+
 private:
     struct Line {
         /// Without its line end.

@@ -96,33 +96,55 @@ std::variant<mode_t, Problem> modeOfTarget(const QByteArray& target) {
     return mode_t(status.st_mode & 07777);
 }
 
-std::optional<Problem> replace(const QString& path, const QByteArray& bytes) {
+/// Writes a file that is not there yet; it is complete or not there at all.
+std::optional<Problem> writeNew(const QByteArray& name, const QByteArray& bytes, mode_t mode) {
+    const Descriptor file(::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!file.isOpen())
+        return problem(errno);
+    auto failure = writeAll(file.get(), bytes);
+    if (!failure && ::fchmod(file.get(), mode) != 0)
+        failure = problem(errno);
+    if (failure)
+        ::unlink(name.constData());
+    return failure;
+}
+
+std::optional<Problem> replace(const QString& path, const QByteArray& bytes, mode_t mode) {
     const auto target = QFile::encodeName(path);
-    const auto mode = modeOfTarget(target);
-    if (const auto* failure = std::get_if<Problem>(&mode))
-        return *failure;
     const QFileInfo info(path);
     const auto folder = QFile::encodeName(info.path());
     const auto temporary = folder + "/." + QFile::encodeName(info.fileName()) + ".new";
     ::unlink(temporary.constData()); // What a crash left.
-    {
-        const Descriptor file(::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-        if (!file.isOpen())
-            return problem(errno);
-        auto failure = writeAll(file.get(), bytes);
-        if (!failure && ::fchmod(file.get(), std::get<mode_t>(mode)) != 0)
-            failure = problem(errno);
-        if (!failure && ::rename(temporary.constData(), target.constData()) != 0)
-            failure = problem(errno);
-        if (failure) {
-            ::unlink(temporary.constData());
-            return failure;
-        }
+    if (auto failure = writeNew(temporary, bytes, mode))
+        return failure;
+    if (::rename(temporary.constData(), target.constData()) != 0) {
+        const auto failure = problem(errno);
+        ::unlink(temporary.constData());
+        return failure;
     }
     const Descriptor directory(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (directory.isOpen())
         ::fsync(directory.get());
     return std::nullopt;
+}
+
+/// Keeps `bytes` under the first free name beside the file, or under one that holds just these already.
+std::variant<QString, Problem> keepDamaged(const QString& path, const QByteArray& bytes) {
+    for (int i = 1; i <= maxDamagedCopies; ++i) {
+        const QString copy =
+            path + QStringLiteral(".damaged") + (i > 1 ? u'-' + QString::number(i) : QString());
+        QFile present(copy);
+        if (present.exists()) {
+            if (present.size() == bytes.size() && present.open(QIODevice::ReadOnly) &&
+                present.readAll() == bytes)
+                return copy;
+            continue;
+        }
+        if (const auto failure = writeNew(QFile::encodeName(copy), bytes, 0600))
+            return Problem{QStringLiteral("it is damaged and no copy of it can be kept: ") + failure->reason};
+        return copy;
+    }
+    return Problem{QStringLiteral("it is damaged and there are too many copies of it already")};
 }
 
 } // namespace
@@ -151,8 +173,8 @@ std::variant<IniDocument, Problem> read(const QString& path) {
     }
 }
 
-std::variant<IniDocument, Problem> merge(const QString& path, const QHash<QByteArray, QByteArray>& values,
-                                         std::chrono::milliseconds lockWait) {
+std::variant<Merged, Problem> merge(const QString& path, const QHash<QByteArray, QByteArray>& values,
+                                    std::chrono::milliseconds lockWait) {
     const QFileInfo info(path);
     if (auto failure = makeFolder(info.path()))
         return *failure;
@@ -165,15 +187,26 @@ std::variant<IniDocument, Problem> merge(const QString& path, const QHash<QByteA
 
     const auto target = followed(path);
     auto current = read(target);
-    if (auto* document = std::get_if<IniDocument>(&current)) {
-        auto keys = values.keys();
-        std::sort(keys.begin(), keys.end());
-        for (const auto& key : keys)
-            document->setValue(key, values.value(key));
-        if (auto failure = replace(target, document->bytes()))
+    if (const auto* failure = std::get_if<Problem>(&current))
+        return *failure;
+    const auto mode = modeOfTarget(QFile::encodeName(target));
+    if (const auto* failure = std::get_if<Problem>(&mode))
+        return *failure;
+    Merged merged{std::move(std::get<IniDocument>(current)), {}};
+    if (merged.document.isDamaged()) {
+        const auto kept = keepDamaged(target, merged.document.bytes());
+        if (const auto* failure = std::get_if<Problem>(&kept))
             return *failure;
+        merged.keptAs = std::get<QString>(kept);
+        merged.document.dropDamage();
     }
-    return current;
+    auto keys = values.keys();
+    std::sort(keys.begin(), keys.end());
+    for (const auto& key : keys)
+        merged.document.setValue(key, values.value(key));
+    if (auto failure = replace(target, merged.document.bytes(), std::get<mode_t>(mode)))
+        return *failure;
+    return merged;
 }
 
 } // namespace zofra::inifile

@@ -39,7 +39,7 @@ protected:
     std::unique_ptr<IniDefaultsStore> open(TaskPool& with) {
         return std::make_unique<IniDefaultsStore>(
             path, with, [this](const QString& line) { lines.push_back(line); },
-            IniDefaultsStore::Options{.lockWait = 0ms});
+            IniDefaultsStore::Options{.lockWait = 0ms, .ranges = {}});
     }
     void put(const QByteArray& bytes) const {
         QDir().mkpath(QFileInfo(path).path());
@@ -49,6 +49,11 @@ protected:
     }
     [[nodiscard]] QByteArray content() const {
         QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
+    }
+    /// Of a damaged file.
+    [[nodiscard]] QByteArray copy(const QString& number = {}) const {
+        QFile file(path + QStringLiteral(".damaged") + number);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
     }
     [[nodiscard]] QString onlyLine() const {
@@ -140,14 +145,70 @@ TEST_F(IniDefaultsStoreTest, keepsUnknownKeysCommentsAndNonsense) {
               "; hello\n[General]\nmine=1\nzofra_radio_volume=0.25\nnonsense here\n\n[Window]\nx=3\n");
 }
 
-TEST_F(IniDefaultsStoreTest, keepsACorruptFileBesideWhatItAdds) {
-    const QByteArray corrupt("\x00\x01\xFF garbage\n[unfinished\n=x\n", 27);
-    put(corrupt);
+TEST_F(IniDefaultsStoreTest, keepsADamagedFileAsACopyAndWhatCanBeReadInPlace) {
+    const QByteArray damaged("\x00\x01\xFF garbage\n[unfinished\n=x\nmine=1\napp_language=\xFF\xFE\n; k\xFC"
+                             "che\n",
+                             58);
+    put(damaged);
     const auto store = open();
     EXPECT_EQ(store->string(stationKey), std::nullopt);
+    EXPECT_TRUE(lines.empty()) << "reading changes nothing";
     store->setString(stationKey, QStringLiteral("joe"));
-    EXPECT_EQ(content(), corrupt + "[General]\nzofra_selected_station=joe\n");
-    EXPECT_TRUE(lines.empty());
+    EXPECT_EQ(content(), "[unfinished\n=x\nmine=1\n; k\xFC"
+                         "che\n[General]\nzofra_selected_station=joe\n");
+    EXPECT_EQ(copy(), damaged);
+    EXPECT_EQ(onlyLine(), QStringLiteral("Settings in FILE were damaged: what was there is kept in "
+                                         "FILE.damaged"));
+    store->setString(stationKey, QStringLiteral("qmusic"));
+    EXPECT_EQ(lines.size(), 1U) << "it is sound now";
+}
+
+TEST_F(IniDefaultsStoreTest, keepsEachDamagedFileUnderANameOfItsOwn) {
+    const auto damage = [this](const QByteArray& bytes) {
+        put(bytes);
+        open()->setString(stationKey, QStringLiteral("joe"));
+    };
+    damage("first\x01\n");
+    damage("second\x01\n");
+    damage("first\x01\n");
+    EXPECT_EQ(copy(), "first\x01\n");
+    EXPECT_EQ(copy(QStringLiteral("-2")), "second\x01\n");
+    EXPECT_EQ(copy(QStringLiteral("-3")), "(no file)") << "the same bytes are kept once";
+    for (int i = 3; i <= 9; ++i)
+        damage("number " + QByteArray::number(i) + "\x01\n");
+    lines.clear();
+    damage("one too many\x01\n");
+    EXPECT_EQ(content(), "one too many\x01\n") << "what cannot be kept is not written over";
+    EXPECT_TRUE(onlyLine().contains(QStringLiteral("too many copies")));
+}
+
+TEST_F(IniDefaultsStoreTest, leavesADamagedFileAloneWhereNoCopyCanBeKept) {
+    const QByteArray damaged = "\x01" + QByteArray(300, 'x') + "\n";
+    put(damaged);
+    const auto store = open();
+    rlimit kept{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &kept), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{100, kept.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    store->setFloat(volumeKey, 0.25F);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &kept), 0);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(content(), damaged);
+    EXPECT_EQ(copy(), "(no file)") << "no half copy either";
+    EXPECT_EQ(store->floatValue(volumeKey), 0.25F);
+    EXPECT_TRUE(onlyLine().contains(QStringLiteral("no copy of it can be kept: File too large")));
+}
+
+TEST_F(IniDefaultsStoreTest, takesANumberOutsideItsRangeForNone) {
+    for (const auto& [text, value] : std::vector<std::pair<QByteArray, std::optional<float>>>{
+             {"7.5", {}}, {"-0.1", {}}, {"1.0001", {}}, {"3e38", {}}, {"1", 1.0F}, {"0", 0.0F}}) {
+        put("[General]\nzofra_radio_volume=" + text + "\nother=" + text + "\n");
+        const IniDefaultsStore store(path, pool, [](const QString&) {},
+                                     {.lockWait = 0ms, .ranges = {{volumeKey, 0.0F, 1.0F}}});
+        EXPECT_EQ(store.floatValue(volumeKey), value) << text.toStdString();
+        EXPECT_EQ(store.floatValue(QStringLiteral("other")), text.toFloat()) << "no range is known for it";
+    }
 }
 
 TEST_F(IniDefaultsStoreTest, losesNoKeyWhenTwoProgramsWrite) {
@@ -174,7 +235,7 @@ TEST_F(IniDefaultsStoreTest, losesNoKeyWhenManyThreadsWriteThroughManyStores) {
                                        const std::scoped_lock lock(mutex);
                                        lines.push_back(line);
                                    },
-                                   {.lockWait = 10s});
+                                   {.lockWait = 10s, .ranges = {}});
             for (int i = 0; i < 25; ++i)
                 store.setString(QStringLiteral("w%1_%2").arg(writer).arg(i), QString::number(i));
             EXPECT_TRUE(store.flush(30s));
