@@ -20,11 +20,12 @@ from zofralab.process import clean_environment, wait_until
 #: Hides the places where programs leave things, brings back what is needed of them, runs the rest, and tells what is left.
 PRIVATE = r"""
 set -e
+# Held open, because their paths may be hidden next.
 exec 8<"$1" 9<"$2"
 for place in /tmp /var/tmp /dev/shm; do mount -t tmpfs -o mode=1777 tmpfs $place; done
 for kept in "8 $1" "9 $2"; do
     path=${kept#* }
-    case $path in /tmp/*|/var/tmp/*) mkdir -p "$path"; mount --bind /proc/self/fd/${kept%% *} "$path" ;; esac
+    case $path in /tmp/*|/var/tmp/*) mkdir -p "$path"; mount -c --bind /proc/self/fd/${kept%% *} "$path" ;; esac
 done
 exec 8<&- 9<&-
 # The system's own; there on every machine that ever had a display.
