@@ -31,8 +31,9 @@ public:
     virtual ~UdpSearchSocket() = default;
     /// Sends one datagram. Returns 0, or the errno of the failed send.
     virtual int send(const QString& address, std::uint16_t port, const QByteArray& datagram) = 0;
-    /// Waits up to a quarter of a second for one datagram and returns its first 4096 bytes; absent when none came.
-    virtual std::optional<QByteArray> receive() = 0;
+    /// Waits for one datagram, up to a quarter of a second and not beyond `deadline`, and returns its first
+    /// 4096 bytes; absent when none came.
+    virtual std::optional<QByteArray> receive(std::chrono::steady_clock::time_point deadline) = 0;
     /// Steady time, for the receive window.
     [[nodiscard]] virtual std::chrono::steady_clock::time_point now() const = 0;
 };
@@ -43,8 +44,8 @@ public:
     virtual ~LocalNetwork() = default;
     /// Every entry in the system's order; empty when the system refuses.
     [[nodiscard]] virtual std::vector<InterfaceAddress> interfaceAddresses() const = 0;
-    /// A socket bound to `ip` on any port, multicast leaving through that interface and broadcast allowed; null when
-    /// it cannot be made.
+    /// A socket bound to `ip` on any port, multicast leaving through that interface and broadcast allowed;
+    /// null when it cannot be made.
     [[nodiscard]] virtual std::unique_ptr<UdpSearchSocket> openSearchSocket(const QString& ip) = 0;
 };
 

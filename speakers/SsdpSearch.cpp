@@ -69,7 +69,7 @@ QSet<QUrl> SpeakerDiscovery::receiveAnswers(UdpSearchSocket& socket) const {
     QSet<QUrl> urls;
     const auto deadline = socket.now() + receiveWindow;
     while (socket.now() < deadline && !m_background->ended()) {
-        const auto datagram = socket.receive();
+        const auto datagram = socket.receive(deadline);
         const auto url =
             datagram ? NetworkPlayerProtocol::ssdpLocation(QString::fromUtf8(*datagram)) : std::nullopt;
         if (url && urls.size() < maxAddresses)

@@ -164,6 +164,14 @@ TEST_F(Discovery, TheReceiveWindowIsTwoAndAHalfSeconds) {
     EXPECT_EQ(background.network.receives(), 10) << "of a quarter of a second each";
 }
 
+TEST_F(Discovery, TheReceiveWindowIsNotOvershotByAReceiveThatBeginsLate) {
+    background.network.addInterface(eth0, localIp, broadcast);
+    background.network.scripts[localIp].quietTime = std::chrono::milliseconds(240);
+    run();
+    EXPECT_EQ(background.network.receives(), 11);
+    EXPECT_EQ(background.network.waited(), std::chrono::milliseconds(2500));
+}
+
 TEST_F(Discovery, AllSendsBlockedIsADenialAndNothingIsReceived) {
     background.network.addInterface(eth0, localIp, broadcast);
     background.network.scripts[localIp].sendErrno = {{multicast, EHOSTUNREACH}, {broadcast, EHOSTUNREACH}};

@@ -5,6 +5,7 @@
 
 #include <QMap>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <deque>
@@ -19,7 +20,8 @@
 namespace zofra::test {
 
 /// A network of scripted interfaces. Set it up before anyone uses it; then callable from any thread. A
-/// socket's time stands still while datagrams come and moves on by a quarter of a second each time none does.
+/// socket's time stands still while datagrams come and moves on by the interface's quiet time, or to the
+/// deadline when that is nearer, each time none does.
 class FakeLocalNetwork final : public LocalNetwork {
 public:
     struct Sent {
@@ -34,6 +36,7 @@ public:
         /// The errno of sending to an address; what is not named succeeds.
         QMap<QString, int> sendErrno;
         std::deque<QByteArray> datagrams;
+        std::chrono::milliseconds quietTime{250};
         /// Called at each receive, on the search's thread.
         std::function<void()> onReceive;
     };
@@ -65,6 +68,8 @@ public:
     /// Local addresses of the sockets asked for, in order.
     [[nodiscard]] std::vector<QString> opened() const { return read(&Records::opened); }
     [[nodiscard]] int receives() const { return read(&Records::receives); }
+    /// How long all sockets together waited in vain.
+    [[nodiscard]] std::chrono::steady_clock::duration waited() const { return read(&Records::waited); }
     [[nodiscard]] int openSockets() const { return read(&Records::openSockets); }
     [[nodiscard]] int listings() const { return read(&Records::listings); }
 
@@ -78,6 +83,7 @@ private:
         std::vector<Sent> sent;
         std::vector<QString> opened;
         int receives = 0;
+        std::chrono::steady_clock::duration waited{0};
         int openSockets = 0;
         int listings = 0;
     };
@@ -102,7 +108,7 @@ private:
             m_records->sent.push_back({m_ip, address, port, datagram});
             return m_script.sendErrno.value(address, 0);
         }
-        std::optional<QByteArray> receive() override {
+        std::optional<QByteArray> receive(std::chrono::steady_clock::time_point deadline) override {
             if (m_script.onReceive)
                 m_script.onReceive();
             {
@@ -110,7 +116,9 @@ private:
                 ++m_records->receives;
             }
             if (m_script.datagrams.empty()) {
-                m_now += std::chrono::milliseconds(250);
+                const auto before = std::exchange(m_now, std::min(m_now + m_script.quietTime, deadline));
+                const std::scoped_lock lock(m_records->mutex);
+                m_records->waited += m_now - before;
                 return std::nullopt;
             }
             auto datagram = std::move(m_script.datagrams.front());

@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/lan/LinuxLocalNetwork.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <array>
 #include <cerrno>
+#include <chrono>
+#include <cstdint>
 #include <ifaddrs.h>
 #include <net/if.h>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <optional>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -89,9 +93,15 @@ public:
         return sent < 0 ? errno : 0;
     }
 
-    std::optional<QByteArray> receive() override {
+    std::optional<QByteArray> receive(std::chrono::steady_clock::time_point deadline) override {
+        // The socket's own timeout would overshoot a deadline that is nearer.
+        const auto left = deadline - now();
+        const bool isShort = left < std::chrono::microseconds(receiveTimeoutMicroseconds);
+        if (isShort && !hasDatagramWithin(left))
+            return std::nullopt;
         std::array<char, maxDatagramBytes> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init)
-        const auto length = ::recvfrom(m_socket.get(), buffer.data(), buffer.size(), 0, nullptr, nullptr);
+        const auto length = ::recvfrom(m_socket.get(), buffer.data(), buffer.size(),
+                                       isShort ? MSG_DONTWAIT : 0, nullptr, nullptr);
         if (length < 0)
             return std::nullopt;
         return QByteArray(buffer.data(), length);
@@ -102,6 +112,13 @@ public:
     }
 
 private:
+    [[nodiscard]] bool hasDatagramWithin(std::chrono::nanoseconds time) const {
+        const auto wait =
+            std::max<std::int64_t>(0, std::chrono::ceil<std::chrono::milliseconds>(time).count());
+        pollfd waiting{m_socket.get(), POLLIN, 0};
+        return ::poll(&waiting, 1, static_cast<int>(wait)) > 0;
+    }
+
     Descriptor m_socket;
 };
 
