@@ -207,6 +207,17 @@ def test_silence_for_forty_five_seconds_renews_the_socket(radio, lab):
 
 
 @pytest.mark.slow
+def test_a_connection_that_is_never_answered_is_renewed_like_a_silent_one(radio, lab):
+    lab.livefeed.gate(mode="hold")
+    radio.start()
+    first = wait_until(lambda: lab.livefeed.connections() and lab.livefeed.connections()[0], 10, "the connection")
+    second = wait_until(lambda: len(lab.livefeed.connections()) > 1 and lab.livefeed.connections()[1], 75, "another",
+                        0.2)
+    assert 44.0 <= second["opened"] - first["opened"] <= 62.0
+    assert not radio.lines_like(BROKEN)
+
+
+@pytest.mark.slow
 def test_heartbeat_frames_keep_the_socket(radio, lab):
     lab.livefeed.behave(style="h", seconds=10)
     radio.start()

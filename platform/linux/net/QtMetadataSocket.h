@@ -32,8 +32,10 @@ namespace zofra {
 class QtMetadataSocket final : public RadioMetadataSocket {
 public:
     struct Limits {
-        /// From `resume` to the open socket.
-        std::chrono::milliseconds handshakeTime{15'000};
+        /// From `resume` to the open socket. Longer than any owner bears a socket that says nothing, which is
+        /// a minute: when to give up a connection is theirs to say, and this only keeps one that nobody owns
+        /// well from staying.
+        std::chrono::milliseconds handshakeTime{75'000};
         std::size_t messageBytes = 1024 * 1024;
         /// Messages that wait to be received.
         std::size_t waitingMessages = 1000;
