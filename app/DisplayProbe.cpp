@@ -4,7 +4,10 @@
 #include <QDir>
 #include <QLibraryInfo>
 
+#include <cstdint>
+#include <cstdlib>
 #include <dlfcn.h>
+#include <string_view>
 
 namespace zofra {
 
@@ -92,6 +95,37 @@ std::optional<UsableDisplay> usableDisplay() {
     }
     const auto display = onlyWith(wayland, connectWayland());
     return display ? display : onlyWith(x11, connectX11());
+}
+
+bool hasOldStyleTray() {
+    // As they travel to and from the server.
+    struct Cookie {
+        unsigned int sequence;
+    };
+    struct Reply {
+        std::uint8_t type;
+        std::uint8_t pad;
+        std::uint16_t sequence;
+        std::uint32_t length;
+        std::uint32_t value;
+    };
+    const Connection connection = connectX11();
+    const Library library("libxcb.so.1");
+    auto* const askAtom =
+        library.function<Cookie(void*, std::uint8_t, std::uint16_t, const char*)>("xcb_intern_atom");
+    auto* const atomReply = library.function<Reply*(void*, Cookie, void**)>("xcb_intern_atom_reply");
+    auto* const askOwner = library.function<Cookie(void*, std::uint32_t)>("xcb_get_selection_owner");
+    auto* const ownerReply = library.function<Reply*(void*, Cookie, void**)>("xcb_get_selection_owner_reply");
+    if (!connection || !askAtom || !atomReply || !askOwner || !ownerReply)
+        return false;
+    using Answer = std::unique_ptr<Reply, decltype(&std::free)>;
+    constexpr std::string_view name = "_NET_SYSTEM_TRAY_S0";
+    void* const server = connection.get();
+    const Answer atom(atomReply(server, askAtom(server, 0, name.size(), name.data()), nullptr), &std::free);
+    if (!atom || atom->value == 0)
+        return false;
+    const Answer owner(ownerReply(server, askOwner(server, atom->value), nullptr), &std::free);
+    return owner && owner->value != 0;
 }
 
 } // namespace zofra

@@ -62,6 +62,8 @@ private:
             take(Options::Task::version);
         else if (name == QLatin1String("--status"))
             take(Options::Task::status);
+        else if (name == QLatin1String("--doctor"))
+            take(Options::Task::doctor);
         else if (name == QLatin1String("--quit"))
             take(Options::Task::quit);
         else
@@ -93,17 +95,24 @@ private:
         if (m_options.task == Options::Task::run || task == Options::Task::help)
             m_options.task = task;
         else if (m_options.task != task && m_options.task != Options::Task::help)
-            refuse(QStringLiteral("only one of --version, --status and --quit can be asked for"));
+            refuse(QStringLiteral("only one of --version, --status, --doctor and --quit can be asked for"));
     }
 
     void check() {
-        if (m_isJson && m_options.task == Options::Task::status)
-            m_options.task = Options::Task::statusJson;
-        else if (m_isJson && m_options.task != Options::Task::help)
-            refuse(QStringLiteral("--json goes with --status"));
-        const bool acts = m_options.play || m_options.output || !m_options.firstStartOnly().isEmpty();
-        if (acts && (m_options.task == Options::Task::status || m_options.task == Options::Task::statusJson ||
-                     m_options.task == Options::Task::quit))
+        using Task = Options::Task;
+        Task& task = m_options.task;
+        if (m_isJson && task == Task::status)
+            task = Task::statusJson;
+        else if (m_isJson && task == Task::doctor)
+            task = Task::doctorJson;
+        else if (m_isJson && task != Task::help)
+            refuse(QStringLiteral("--json goes with --status or --doctor"));
+        const bool acts = m_options.play || m_options.output;
+        if ((task == Task::doctor || task == Task::doctorJson) && acts)
+            refuse(
+                QStringLiteral("--doctor goes with --json, --endpoints, --no-discovery and --headless only"));
+        if ((task == Task::status || task == Task::statusJson || task == Task::quit) &&
+            (acts || !m_options.firstStartOnly().isEmpty()))
             refuse(QStringLiteral("--status and --quit go with no other option"));
     }
 
@@ -168,12 +177,15 @@ QString helpText() {
                "  --headless                       no status item, no window; changes go to standard output\n"
                "                                   (first start)\n"
                "  --status [--json]                print the state of the running program\n"
+               "  --doctor [--json]                say what works, what does not, and what to do about it;\n"
+               "                                   goes with --endpoints, --no-discovery and --headless\n"
                "  --quit                           end the running program\n"
                "  --version                        print the version\n"
                "  --help                           print this text\n"
                "\n"
                "Stations: %1.\n"
-               "Exit status: 0 fine, 1 failed at run time, 2 bad option or bad endpoints file.")
+               "Exit status: 0 fine, 1 failed at run time or a problem found, 2 bad option or bad endpoints "
+               "file.")
         .arg(stationList());
 }
 

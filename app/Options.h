@@ -13,7 +13,7 @@ namespace zofra {
 
 /// What the command line asks for.
 struct Options {
-    enum class Task { run, help, version, status, statusJson, quit };
+    enum class Task { run, help, version, status, statusJson, doctor, doctorJson, quit };
 
     Task task = Task::run;
     bool play = false;

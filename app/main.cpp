@@ -5,6 +5,7 @@
 #include "app/RemoteOptions.h"
 #include "app/StatusReport.h"
 #include "app/ZofraMenuBarApp.h"
+#include "app/doctor/DoctorRun.h"
 #include "platform/linux/EndpointsLayers.h"
 
 #include <QApplication>
@@ -34,9 +35,8 @@ int print(const QString& text) {
     return std::fflush(stdout) == 0 ? fine : failed;
 }
 
-QString versionLine() {
-    return QStringLiteral("zofrazofra ") +
-           versionText({{QStringLiteral("CFBundleShortVersionString"), QStringLiteral(ZOFRA_VERSION)},
+QString version() {
+    return versionText({{QStringLiteral("CFBundleShortVersionString"), QStringLiteral(ZOFRA_VERSION)},
                         {QStringLiteral("CFBundleVersion"), QStringLiteral(ZOFRA_BUILD_NUMBER)}});
 }
 
@@ -99,6 +99,8 @@ int start(const Options& options, bool hasDisplay) {
     // None of these is ever destroyed: see ZofraMenuBarApp.
     auto& mainQueue = *new QtMainQueue;
     auto& sessionBus = *new SessionBus(SessionBus::Kind::session, mainQueue);
+    if (options.task == Options::Task::doctor || options.task == Options::Task::doctorJson)
+        return runDoctor(options, version(), mainQueue, sessionBus);
     if (options.task != Options::Task::run)
         return askRunning(sessionBus.connection(), options);
 
@@ -150,7 +152,7 @@ int main(int argc, char** argv) {
     if (options.task == Options::Task::help)
         return print(helpText());
     if (options.task == Options::Task::version)
-        return print(versionLine());
+        return print(QStringLiteral("zofrazofra ") + version());
 
     bool hasDisplay = false;
     // The toolkit must not take options of ours for its own.

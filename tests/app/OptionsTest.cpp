@@ -97,6 +97,25 @@ TEST(Options, AsksForOneThing) {
     EXPECT_FALSE(refused({u"--status"_qs, u"--headless"_qs}).isEmpty());
 }
 
+TEST(Options, TheDoctorGoesWithWhatItLooksAt) {
+    EXPECT_EQ(parsed({u"--doctor"_qs}).task, Options::Task::doctor);
+    EXPECT_EQ(parsed({u"--doctor"_qs, u"--json"_qs}).task, Options::Task::doctorJson);
+    EXPECT_EQ(parsed({u"--json"_qs, u"--doctor"_qs}).task, Options::Task::doctorJson);
+    const Options options =
+        parsed({u"--doctor"_qs, u"--endpoints=x"_qs, u"--no-discovery"_qs, u"--headless"_qs});
+    EXPECT_EQ(options.endpointsFile, u"x"_qs);
+    EXPECT_TRUE(options.noDiscovery);
+    EXPECT_TRUE(options.headless);
+    EXPECT_EQ(parsed({u"--doctor"_qs, u"--help"_qs}).task, Options::Task::help);
+    for (const QStringList& other :
+         {QStringList{u"--play"_qs}, QStringList{u"--output"_qs, u"here"_qs}, QStringList{u"--quit"_qs},
+          QStringList{u"--status"_qs}, QStringList{u"--status"_qs, u"--json"_qs},
+          QStringList{u"--version"_qs}}) {
+        EXPECT_FALSE(refused(QStringList{u"--doctor"_qs} + other).isEmpty());
+        EXPECT_FALSE(refused(other + QStringList{u"--doctor"_qs}).isEmpty());
+    }
+}
+
 TEST(Options, RefusesWhatItDoesNotKnow) {
     EXPECT_TRUE(refused({u"--nonsense"_qs}).contains(u"--nonsense"_qs));
     EXPECT_TRUE(refused({u"qmusic"_qs}).contains(u"qmusic"_qs));
@@ -110,7 +129,7 @@ TEST(Options, HelpNamesEveryOptionAndStation) {
     const QString help = helpText();
     for (const QString& word :
          {u"--play"_qs, u"--output"_qs, u"--endpoints"_qs, u"--no-discovery"_qs, u"--headless"_qs,
-          u"--status"_qs, u"--json"_qs, u"--quit"_qs, u"--version"_qs, u"--help"_qs})
+          u"--status"_qs, u"--json"_qs, u"--doctor"_qs, u"--quit"_qs, u"--version"_qs, u"--help"_qs})
         EXPECT_TRUE(help.contains(word)) << word.toStdString();
     for (const RadioStation station : RadioStation::allCases)
         EXPECT_TRUE(help.contains(station.rawValue()));

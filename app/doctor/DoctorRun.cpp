@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/doctor/DoctorRun.h"
+
+#include "app/DisplayProbe.h"
+#include "app/doctor/AudioFindings.h"
+#include "app/doctor/DesktopProbe.h"
+#include "app/doctor/Examination.h"
+#include "app/doctor/HostChecks.h"
+#include "app/doctor/Report.h"
+#include "app/doctor/SettingsFindings.h"
+#include "app/doctor/SpeakerCheck.h"
+#include "platform/linux/EndpointsLayers.h"
+#include "platform/linux/IniDefaultsStore.h"
+#include "platform/linux/ThreadTaskPool.h"
+#include "platform/linux/lan/LinuxLocalNetwork.h"
+#include "platform/linux/net/CurlHttpSession.h"
+#include "platform/linux/net/QtMetadataSocket.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QJsonDocument>
+
+#include <cstdio>
+
+namespace zofra {
+
+namespace {
+
+using namespace std::chrono_literals;
+using namespace doctor;
+
+constexpr auto wholeTime = 14s;
+constexpr auto audioTime = 10s;
+
+QString displayVariables() {
+    QStringList set;
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        const QString value = qEnvironmentVariable(name);
+        if (!value.isEmpty())
+            set.append(QString::fromLatin1(name) + u'=' + value);
+    }
+    return set.join(QStringLiteral(", "));
+}
+
+/// Puts the checks together, in the order in which they are shown.
+class Doctor {
+public:
+    Doctor(const Options& options, const QString& version, QtMainQueue& mainQueue, SessionBus& sessionBus)
+        : m_options(options)
+        , m_version(version)
+        , m_mainQueue(mainQueue)
+        , m_bus(sessionBus.connection()) {}
+
+    std::vector<std::unique_ptr<Check>> makeChecks() {
+        std::vector<std::unique_ptr<Check>> checks;
+        checks.push_back(desktopCheck());
+        checks.push_back(programCheck());
+        checks.push_back(background(
+            problem(QStringLiteral("audio"), QStringLiteral("the audio server does not answer in time"),
+                    QStringLiteral("start it again: systemctl --user restart pipewire pipewire-pulse.")),
+            [] { return Findings{judgeAudio(SoundServer::find(), AudioProbe::run(audioTime))}; }));
+        checks.push_back(settingsCheck());
+        addEndpoints(checks);
+        checks.push_back(speakerCheck());
+        return checks;
+    }
+
+private:
+    std::unique_ptr<Check> background(const Finding& unfinished, const BackgroundCheck::Work& work) {
+        return std::make_unique<BackgroundCheck>(m_tasks, m_mainQueue, unfinished, work);
+    }
+
+    std::unique_ptr<Check> desktopCheck() {
+        const auto look = [isHeadless = m_options.headless, bus = m_bus] {
+            DesktopFacts facts;
+            facts.isHeadless = isHeadless;
+            facts.variables = displayVariables();
+            const auto display = isHeadless ? std::nullopt : usableDisplay();
+            facts.platform = display ? display->platform : QString();
+            const SettingsFacts settings = SettingsFacts::of(IniDefaultsStore::defaultPath());
+            facts.session = traySessionFromEnvironment(
+                facts.platform, QString::fromUtf8(settings.trayMode.value_or(QByteArray())));
+            if (bus)
+                askForPanel(facts, *bus);
+            facts.hasOldTray = display && facts.platform == QLatin1String("xcb") && hasOldStyleTray();
+            return Findings{judgeSession(facts), judgePanel(facts)};
+        };
+        return background(problem(QStringLiteral("session"),
+                                  QStringLiteral("the desktop does not answer in time"),
+                                  QStringLiteral("log out and in again.")),
+                          look);
+    }
+
+    std::unique_ptr<Check> programCheck() {
+        return background(problem(QStringLiteral("bus"),
+                                  QStringLiteral("the session bus does not answer in time"),
+                                  QStringLiteral("log out and in again.")),
+                          [bus = m_bus, version = m_version] {
+                              const auto facts = askForProgram(bus, version);
+                              return Findings{judgeBus(facts), judgeProgram(facts)};
+                          });
+    }
+
+    std::unique_ptr<Check> settingsCheck() {
+        return background(
+            problem(QStringLiteral("settings"), QStringLiteral("the disk does not answer in time"),
+                    QStringLiteral("check the disk that holds your settings.")),
+            [] { return Findings{judgeSettings(SettingsFacts::of(IniDefaultsStore::defaultPath()))}; });
+    }
+
+    /// Hosts are asked only when it is certain which: a wrong file must not lead to servers that nobody
+    /// meant.
+    void addEndpoints(std::vector<std::unique_ptr<Check>>& checks) {
+        const auto loaded = loadServiceHosts(m_options.endpointsFile);
+        EndpointsFacts facts;
+        for (const auto& file : endpointsFiles()) {
+            if (QFileInfo::exists(file))
+                facts.files.append(file);
+        }
+        if (m_options.endpointsFile)
+            facts.files.append(*m_options.endpointsFile);
+        const auto* hosts = std::get_if<ServiceHosts>(&loaded);
+        if (!hosts)
+            facts.refusal = std::get<QString>(loaded);
+        const Finding finding = judgeEndpoints(facts);
+        checks.push_back(background(finding, [finding] { return Findings{finding}; }));
+        if (!hosts) {
+            const auto nothing =
+                skipped(QStringLiteral("hosts"),
+                        QStringLiteral("not asked: first the endpoints file has to be right"));
+            checks.push_back(background(nothing, [nothing] { return Findings{nothing}; }));
+            return;
+        }
+        addHosts(checks, *hosts);
+    }
+
+    void addHosts(std::vector<std::unique_ptr<Check>>& checks, const ServiceHosts& hosts) {
+        const auto authority = hosts.extraAuthorityFile();
+        const SendProbe send = [authority](const HostProbe::Request& request) {
+            return HostProbe::run(request, authority);
+        };
+        for (const auto& target : hostTargets(hosts)) {
+            if (target.kind == HostTarget::Kind::live)
+                checks.push_back(std::make_unique<LiveSocketCheck>(m_tasks, m_mainQueue, target, send,
+                                                                   qtWebSockets(authority)));
+            else
+                checks.push_back(hostCheck(m_tasks, m_mainQueue, target, send));
+        }
+    }
+
+    std::unique_ptr<Check> speakerCheck() {
+        if (!m_options.noDiscovery)
+            return std::make_unique<SpeakerCheck>(
+                SpeakerCheck::Outside{m_http, m_mainQueue, m_tasks, m_network});
+        SpeakerFacts facts;
+        facts.state = SpeakerFacts::State::notWanted;
+        const auto findings = judgeSpeakers(facts);
+        return background(findings.front(), [findings] { return findings; });
+    }
+
+    const Options m_options;
+    const QString m_version;
+    QtMainQueue& m_mainQueue;
+    const std::optional<QDBusConnection> m_bus;
+    ThreadTaskPool m_tasks;
+    CurlHttpSession m_http;
+    LinuxLocalNetwork m_network;
+};
+
+int print(const Report& report, Options::Task task) {
+    const QByteArray text = task == Options::Task::doctorJson
+                                ? QJsonDocument(toJson(report)).toJson(QJsonDocument::Compact)
+                                : toText(report).toUtf8();
+    std::printf("%s\n", text.constData());
+    return std::fflush(stdout) == 0 ? report.exitStatus() : 1;
+}
+
+} // namespace
+
+int runDoctor(const Options& options, const QString& version, QtMainQueue& mainQueue,
+              SessionBus& sessionBus) {
+    // A library behind the audio engine would speak in between.
+    qputenv("PIPEWIRE_DEBUG", "0");
+    auto& doctor = *new Doctor(options, version, mainQueue, sessionBus);
+    auto& examination = *new Examination(mainQueue, doctor.makeChecks());
+    int status = 1;
+    examination.run(wholeTime, [&](Findings findings) {
+        status = print({version, std::move(findings)}, options.task);
+        QCoreApplication::exit(status);
+    });
+    QCoreApplication::exec();
+    return status;
+}
+
+} // namespace zofra

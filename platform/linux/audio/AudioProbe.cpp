@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/audio/AudioProbe.h"
+
+#include "platform/linux/audio/MpvOptions.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <array>
+#include <cstring>
+
+namespace zofra {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+enum PropertyId : std::uint64_t { coreIdleId = 1, driverId, devicesId, commandId };
+constexpr qsizetype maxDevices = 32;
+
+/// A second of MPEG audio that is silent, in the notation for data within an address: frames of 32 kbit/s,
+/// mono, whose side information says that nothing follows.
+QByteArray silence() {
+    constexpr int frames = 38;
+    constexpr int bytesAfterHeader = 100;
+    return "hex://" + (QByteArray("fffb10c4") + QByteArray(2 * bytesAfterHeader, '0')).repeated(frames);
+}
+
+/// One engine, made for this.
+class Engine {
+public:
+    explicit Engine(std::shared_ptr<const MpvLibrary> library)
+        : m_library(std::move(library))
+        , m_handle(m_library->create()) {}
+    Engine(const Engine&) = delete;
+    Engine& operator=(const Engine&) = delete;
+    ~Engine() {
+        if (m_handle)
+            m_library->terminateDestroy(m_handle);
+    }
+
+    /// Why it cannot be started, on one line; empty when it has been.
+    QString start() {
+        if (!m_handle)
+            return QStringLiteral("libmpv cannot be started");
+        for (const auto& option : mpvOptions({})) {
+            const int result = m_library->setOptionString(m_handle, option.name, option.value.constData());
+            if (result < 0 && option.need == MpvOption::Need::required)
+                return QStringLiteral("libmpv does not take the option ") + QString::fromLatin1(option.name);
+        }
+        if (const int result = m_library->initialize(m_handle); result < 0)
+            return QStringLiteral("libmpv cannot be started: ") + errorText(result);
+        m_library->observeProperty(m_handle, coreIdleId, "core-idle", MPV_FORMAT_FLAG);
+        m_library->observeProperty(m_handle, driverId, "current-ao", MPV_FORMAT_STRING);
+        m_library->observeProperty(m_handle, devicesId, "audio-device-list", MPV_FORMAT_STRING);
+        const QByteArray address = silence();
+        std::array<const char*, 3> words{"loadfile", address.constData(), nullptr};
+        m_library->commandAsync(m_handle, commandId, words.data());
+        return {};
+    }
+
+    void listen(AudioProbe& probe, std::chrono::milliseconds limit) {
+        const auto deadline = Clock::now() + limit;
+        while (!m_isDone && Clock::now() < deadline) {
+            const mpv_event* event = m_library->waitEvent(m_handle, 0.1);
+            if (event->event_id == MPV_EVENT_PROPERTY_CHANGE)
+                propertyChanged(*event);
+            else if (event->event_id == MPV_EVENT_END_FILE)
+                ended(probe, *static_cast<const mpv_event_end_file*>(event->data));
+            // It sounds, and through which driver.
+            if (m_isRunning && !m_driver.isEmpty()) {
+                probe.outcome = AudioProbe::Outcome::opened;
+                m_isDone = true;
+            }
+        }
+        probe.driver = m_driver;
+        probe.devices = audioDevicesOf(m_driver, m_devices);
+    }
+
+private:
+    void propertyChanged(const mpv_event& event) {
+        const auto& property = *static_cast<const mpv_event_property*>(event.data);
+        if (event.reply_userdata == coreIdleId && property.format == MPV_FORMAT_FLAG)
+            m_isRunning = *static_cast<const int*>(property.data) == 0;
+        if (property.format != MPV_FORMAT_STRING)
+            return;
+        const char* text = *static_cast<char* const*>(property.data);
+        if (event.reply_userdata == driverId)
+            m_driver = QString::fromUtf8(text);
+        else if (event.reply_userdata == devicesId)
+            m_devices = text;
+    }
+
+    void ended(AudioProbe& probe, const mpv_event_end_file& end) {
+        m_isDone = true;
+        if (end.reason != MPV_END_FILE_REASON_ERROR)
+            return;
+        probe.outcome = AudioProbe::Outcome::noDevice;
+        probe.reason = errorText(end.error);
+    }
+
+    [[nodiscard]] QString errorText(int error) const {
+        return QString::fromUtf8(m_library->errorString(error));
+    }
+
+    std::shared_ptr<const MpvLibrary> m_library;
+    mpv_handle* m_handle;
+    bool m_isDone = false;
+    bool m_isRunning = false;
+    QString m_driver;
+    QByteArray m_devices;
+};
+
+} // namespace
+
+AudioProbe AudioProbe::run(std::chrono::milliseconds limit, const char* libraryFile) {
+    AudioProbe probe;
+    const auto loaded = MpvLibrary::load(libraryFile);
+    if (const auto* problem = std::get_if<QString>(&loaded)) {
+        probe.outcome = Outcome::noEngine;
+        probe.reason = *problem;
+        return probe;
+    }
+    Engine engine(std::get<std::shared_ptr<const MpvLibrary>>(loaded));
+    probe.reason = engine.start();
+    if (!probe.reason.isEmpty()) {
+        probe.outcome = Outcome::noEngine;
+        return probe;
+    }
+    engine.listen(probe, limit);
+    return probe;
+}
+
+QStringList audioDevicesOf(const QString& driver, const QByteArray& list) {
+    QStringList devices;
+    if (driver.isEmpty())
+        return devices;
+    const auto entries = QJsonDocument::fromJson(list).array();
+    for (const auto& entry : entries) {
+        const auto device = entry.toObject();
+        if (devices.size() < maxDevices &&
+            device.value(QLatin1String("name")).toString().startsWith(driver + u'/'))
+            devices.append(device.value(QLatin1String("description")).toString());
+    }
+    return devices;
+}
+
+} // namespace zofra

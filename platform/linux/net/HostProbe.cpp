@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/net/HostProbe.h"
+
+#include "platform/linux/net/CurlGlobal.h"
+#include "platform/linux/net/LocalHost.h"
+#include "platform/linux/net/LogText.h"
+#include "platform/linux/net/TrustedAuthorities.h"
+
+#include <array>
+#include <curl/curl.h>
+#include <memory>
+
+namespace zofra {
+
+namespace {
+
+using Handle = std::unique_ptr<CURL, decltype(&curl_easy_cleanup)>;
+
+constexpr std::chrono::milliseconds shortestNamePatience{2500};
+
+struct Body {
+    QByteArray bytes;
+    std::size_t enough = 0;
+};
+
+std::size_t receive(const char* bytes, std::size_t, std::size_t size, void* self) {
+    auto& body = *static_cast<Body*>(self);
+    const auto room = body.enough - static_cast<std::size_t>(body.bytes.size());
+    body.bytes.append(bytes, static_cast<qsizetype>(std::min(room, size)));
+    return static_cast<std::size_t>(body.bytes.size()) < body.enough ? size : CURL_WRITEFUNC_ERROR;
+}
+
+void setUpTrust(CURL* easy, const TrustedAuthorities& authorities) {
+    curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
+    curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L);
+    curl_easy_setopt(easy, CURLOPT_SSLVERSION, CURL_SSLVERSION_TLSv1_2);
+    curl_easy_setopt(easy, CURLOPT_CAINFO, authorities.file ? authorities.file->constData() : nullptr);
+    curl_easy_setopt(easy, CURLOPT_CAPATH,
+                     authorities.directory ? authorities.directory->constData() : nullptr);
+    if (!authorities.pem)
+        return;
+    curl_blob blob{const_cast<char*>(authorities.pem->constData()),
+                   static_cast<std::size_t>(authorities.pem->size()), CURL_BLOB_NOCOPY};
+    curl_easy_setopt(easy, CURLOPT_CAINFO_BLOB, &blob);
+}
+
+void setUp(CURL* easy, const HostProbe::Request& request) {
+    constexpr long maxRedirects = 5;
+    curl_easy_setopt(easy, CURLOPT_URL, request.url.toEncoded(QUrl::RemoveFragment).constData());
+    curl_easy_setopt(easy, CURLOPT_USERAGENT, request.userAgent.constData());
+    curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(request.timeout.count()));
+    curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
+    curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
+    const bool isSecure = request.url.scheme() == QLatin1String("https");
+    curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, isSecure ? "https" : "http,https");
+    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L);
+    curl_easy_setopt(easy, CURLOPT_MAXREDIRS, maxRedirects);
+    curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
+    if (isLocalHost(request.url.host()))
+        curl_easy_setopt(easy, CURLOPT_PROXY, "");
+}
+
+std::chrono::milliseconds timeOf(CURL* easy, CURLINFO which) {
+    curl_off_t microseconds = 0;
+    curl_easy_getinfo(easy, which, &microseconds);
+    return std::chrono::milliseconds((microseconds + 999) / 1000);
+}
+
+QString textOf(CURL* easy, CURLINFO which) {
+    const char* text = nullptr;
+    curl_easy_getinfo(easy, which, &text);
+    return QString::fromUtf8(text);
+}
+
+/// Where it failed: what the library says, else the first step that was not finished.
+HostProbe::Step failedStep(CURLcode code, const HostProbe& probe, bool isSecure) {
+    using Step = HostProbe::Step;
+    switch (code) {
+    case CURLE_COULDNT_RESOLVE_HOST:
+    case CURLE_COULDNT_RESOLVE_PROXY:
+        return Step::name;
+    case CURLE_COULDNT_CONNECT:
+        return Step::connect;
+    case CURLE_SSL_CONNECT_ERROR:
+    case CURLE_PEER_FAILED_VERIFICATION:
+    case CURLE_SSL_CERTPROBLEM:
+    case CURLE_SSL_CACERT_BADFILE:
+    case CURLE_SSL_ISSUER_ERROR:
+        return Step::tls;
+    default:
+        break;
+    }
+    if (probe.nameTime.count() == 0)
+        return Step::name;
+    if (probe.connectTime.count() == 0)
+        return Step::connect;
+    return isSecure && probe.tlsTime.count() == 0 ? Step::tls : Step::answer;
+}
+
+void readProgress(CURL* easy, HostProbe& probe) {
+    probe.nameTime = timeOf(easy, CURLINFO_NAMELOOKUP_TIME_T);
+    probe.connectTime = timeOf(easy, CURLINFO_CONNECT_TIME_T);
+    probe.tlsTime = timeOf(easy, CURLINFO_APPCONNECT_TIME_T);
+    probe.answerTime = timeOf(easy, CURLINFO_STARTTRANSFER_TIME_T);
+    probe.address = textOf(easy, CURLINFO_PRIMARY_IP);
+    probe.contentType = oneLine(textOf(easy, CURLINFO_CONTENT_TYPE));
+    long number = 0;
+    curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &number);
+    probe.status = static_cast<int>(number);
+    number = 0;
+    curl_easy_getinfo(easy, CURLINFO_OS_ERRNO, &number);
+    probe.systemErrno = static_cast<int>(number);
+}
+
+} // namespace
+
+HostProbe HostProbe::run(const Request& request, const std::optional<QString>& extraAuthorityFile) {
+    CurlGlobal::initialise();
+    HostProbe probe;
+    const Handle easy(curl_easy_init(), &curl_easy_cleanup);
+    if (!easy) {
+        probe.failedAt = Step::name;
+        probe.reason = QStringLiteral("no request could be made");
+        return probe;
+    }
+    const char* libraryBundle = nullptr;
+    curl_easy_getinfo(easy.get(), CURLINFO_CAINFO, &libraryBundle);
+    const auto authorities = TrustedAuthorities::find(extraAuthorityFile, QByteArray(libraryBundle));
+    std::array<char, CURL_ERROR_SIZE> errorText{};
+    Body body{{}, request.enoughBodyBytes};
+    setUp(easy.get(), request);
+    setUpTrust(easy.get(), authorities);
+    curl_easy_setopt(easy.get(), CURLOPT_ERRORBUFFER, errorText.data());
+    curl_easy_setopt(easy.get(), CURLOPT_WRITEFUNCTION, &receive);
+    curl_easy_setopt(easy.get(), CURLOPT_WRITEDATA, &body);
+
+    const CURLcode code = curl_easy_perform(easy.get());
+    readProgress(easy.get(), probe);
+    probe.body = body.bytes;
+    const bool isEnough = static_cast<std::size_t>(body.bytes.size()) >= body.enough;
+    if (code == CURLE_OK || isEnough)
+        return probe;
+    probe.failedAt = failedStep(code, probe, request.url.scheme() == QLatin1String("https"));
+    // A name server that says no says it at once; the system's own patience with one that says nothing may be
+    // shorter than ours.
+    const bool nobodyKnew =
+        probe.failedAt == Step::name && timeOf(easy.get(), CURLINFO_TOTAL_TIME_T) > shortestNamePatience;
+    probe.timedOut = code == CURLE_OPERATION_TIMEDOUT || nobodyKnew;
+    probe.reason =
+        oneLine(QString::fromUtf8(errorText.front() != '\0' ? errorText.data() : curl_easy_strerror(code)));
+    return probe;
+}
+
+} // namespace zofra
