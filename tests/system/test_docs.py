@@ -81,15 +81,27 @@ def jobs():
     return {**found, "help": ""}
 
 
+def has_tests_named(part, kinds):
+    """Whether `-k part` finds tests: in the names of suites, or of pytest's files and functions."""
+    if "unit" in kinds:
+        return any(re.search(rf"^TEST\w*\([^)]*{re.escape(part)}", text_of(path), re.M)
+                   for path in glob.glob("tests/*/**/*.cpp", root_dir=ROOT, recursive=True))
+    return any(part in os.path.basename(path) or re.search(rf"^def test_\w*{re.escape(part)}", text_of(path), re.M)
+               for path in glob.glob("tests/system/test_*.py", root_dir=ROOT))
+
+
 @pytest.mark.parametrize("line", of_kind("./dev"))
 def test_dev_knows_the_job_and_its_arguments(jobs, line):
     job, *arguments = shlex.split(line)[1:]
     if job == "JOB":
         return  # the usage itself
     assert job in jobs, line
-    for word in arguments:
+    for before, word in zip([job, *arguments], arguments):
         if word.isdigit() or word.isupper():
             continue  # a number, or a name to be filled in
+        if before == "-k":
+            assert has_tests_named(word, arguments), f"no test has {word} in its name"
+            continue
         assert re.search(rf"[\[| ]{re.escape(word)}(?![a-z])", jobs[job]), f"{word} in {jobs[job]}"
     if job in HARMLESS_JOBS:
         subprocess.run([os.path.join(ROOT, "dev"), job, *arguments], check=True, capture_output=True, timeout=60)
