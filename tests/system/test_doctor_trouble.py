@@ -2,12 +2,14 @@
 """Each thing that can be broken, broken in the lab: `--doctor` names it, and what to do."""
 
 import os
-import subprocess
 
 import pytest
-from doctor_support import Diagnosis, doctor  # noqa: F401
-from zofralab.bus import Peer
+from doctor_support import Doctor, doctor  # noqa: F401
+from full_disk import wrapper
 from gi.repository import GLib
+from plain_user import plain_user  # noqa: F401
+from radio import Radio
+from zofralab.bus import Peer
 from zofralab.desktop import StatusBar
 from zofralab.sound import SoundServer
 
@@ -220,43 +222,30 @@ def test_a_wrong_endpoints_file(doctor, lab, status_bar, tmp_path, text, words):
     assert str(path) in doctor.run(endpoints=str(path), json_text=False).stdout.replace("\n                   ", "")
 
 
-def as_nobody(radio):
-    """The way to be an ordinary user, which root has to go: modes of files mean nothing to it."""
-    if os.geteuid() != 0:
-        return []
-    for folder, _, files in os.walk(radio.home):
-        for name in [folder, *(os.path.join(folder, file) for file in files)]:
-            os.chown(name, 65534, 65534)
-    # The way to it is closed to others.
-    parent = radio.home
-    while parent.startswith("/tmp/") and parent != "/tmp":
-        os.chmod(parent, os.stat(parent).st_mode | 0o011)
-        parent = os.path.dirname(parent)
-    return ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups", "--"]
+@pytest.fixture
+def users_doctor(plain_user, binary, lab, session, sound_server, display):  # noqa: F811
+    """The doctor of an ordinary user, who has no bus here; only files are of interest."""
+    return Doctor(Radio(plain_user.wrapper(binary), lab, session, sound_server, display, plain_user.home), lab)
 
 
-def diagnose_as_nobody(doctor, lab):
-    """The diagnosis as an ordinary user, who may have no bus and no sound here; only files are of interest."""
-    radio = doctor.radio
-    done = subprocess.run([*lab.enter("/"), *as_nobody(radio), radio.binary, "--doctor", "--json", "--headless",
-                           "--no-discovery"], env=radio.environment, stdin=subprocess.DEVNULL, capture_output=True,
-                          text=True, timeout=40, check=False)
-    return Diagnosis(done)
-
-
-def test_settings_that_cannot_be_read(doctor, lab, radio):
-    radio.write_settings(zofra_radio_volume="0.5")
-    os.chmod(radio.settings_path, 0)
-    check = diagnose_as_nobody(doctor, lab).only("settings")
+def test_settings_that_cannot_be_read(users_doctor, plain_user):  # noqa: F811
+    settings = users_doctor.radio.settings_path
+    users_doctor.radio.write_settings(zofra_radio_volume="0.5")
+    plain_user.own()
+    os.chmod(settings, 0)
+    check = users_doctor.diagnose("--headless").only("settings")
     assert check["status"] == "problem" and "cannot be read: Permission denied" in check["text"], check
     assert "chmod u+rw" in check["cure"]
 
 
-@pytest.mark.parametrize("what", ["file", "folder"])
-def test_settings_that_cannot_be_written(doctor, lab, radio, what):
-    radio.write_settings(zofra_radio_volume="0.5")
-    os.chmod(radio.settings_path if what == "file" else os.path.dirname(radio.settings_path), 0o444 if what == "file" else 0o555)
-    check = diagnose_as_nobody(doctor, lab).only("settings")
+@pytest.mark.parametrize("file_mode, folder_mode", [(0o444, 0o755), (0o644, 0o555)], ids=["file", "folder"])
+def test_settings_that_cannot_be_written(users_doctor, plain_user, file_mode, folder_mode):  # noqa: F811
+    settings = users_doctor.radio.settings_path
+    users_doctor.radio.write_settings(zofra_radio_volume="0.5")
+    plain_user.own()
+    os.chmod(settings, file_mode)
+    os.chmod(os.path.dirname(settings), folder_mode)
+    check = users_doctor.diagnose("--headless").only("settings")
     assert check["status"] == "problem" and "cannot be written" in check["text"], check
     assert "chmod" in check["cure"]
 
@@ -279,21 +268,7 @@ def test_settings_that_make_no_sense(doctor, radio, status_bar, content, words):
         assert file.read() == content, "looking changes nothing"
 
 
-FULL_DISK = """set -e
-mount -t tmpfs -o size=64k zofrafull "$1"
-printf '[General]\\nzofra_radio_volume=0.5\\n' > "$1/zofrazofra.ini"
-cat /dev/zero > "$1/filler" 2> /dev/null || true
-shift
-exec "$@"
-"""
-
-
-def test_a_full_disk(doctor, lab, radio, status_bar):
-    folder = os.path.dirname(radio.settings_path)
-    os.makedirs(folder)
-    user = [] if os.geteuid() == 0 else ["--user", "--map-current-user", "--keep-caps"]
-    done = subprocess.run([*lab.enter("/"), "unshare", *user, "--mount", "--", "sh", "-c", FULL_DISK, "sh", folder,
-                           radio.binary, "--doctor", "--json", "--no-discovery", "--endpoints", lab.endpoints],
-                          env=radio.environment, stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=40,
-                          check=False)
-    Diagnosis(done).assert_problem("settings", "cannot be written", "no space left", cure=["room"])
+def test_a_full_disk(doctor, radio, status_bar, tmp_path):
+    (tmp_path / "zofrazofra.ini").write_text("[General]\nzofra_radio_volume=0.5\n")
+    radio.binary = wrapper(radio.binary, os.path.dirname(radio.settings_path), str(tmp_path))
+    doctor.diagnose().assert_problem("settings", "cannot be written", "no space left", cure=["room"])
