@@ -133,7 +133,7 @@ def test_what_is_said_about_everyday_use_works(radio, bus, page):
     radio.start(discovery=True)
     for line in lines[1:]:
         options = words_of(line)
-        done = radio.ask(*options)
+        done = radio.ask(*options, timeout=120)
         assert (done.returncode, done.stderr) == (0, "") or options[0] == "--doctor", f"{line}: {done}"
         if options[0] == "--play":
             radio.wait_status(30, station=options[1], playing=True, buffering=False)
