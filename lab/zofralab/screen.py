@@ -1,89 +1,138 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A virtual desktop: a display without a screen, a window manager and a panel with a status bar."""
+"""A virtual desktop: a display without a screen, a window manager, a panel with a status bar, a mouse."""
 
 import os
 import subprocess
 
 from .display import Display
+from .panels import HEIGHT, LxqtPanel
+from .picture import Box
 from .process import DIE_WITH_PARENT, terminate, wait_until
-
-PANEL_CONFIG = """[General]
-__userfile__=true
-iconTheme=hicolor
-panels=panel1
-
-[panel1]
-alignment=-1
-background-color=@Variant(\\0\\0\\0\\x43\\x1\\xff\\xff\\xee\\xee\\xf0\\xf0\\xf4\\xf4\\0\\0)
-desktop=0
-hidable=false
-iconSize=22
-lineCount=1
-opacity=100
-panelSize=36
-plugins=spacer, statusnotifier
-position=Top
-reserve-space=true
-width=100
-width-percent=true
-
-[spacer]
-alignment=Left
-expandable=true
-type=spacer
-
-[statusnotifier]
-alignment=Right
-type=statusnotifier
-"""
+from .xserver import XServer
 
 
 class VirtualScreen:
-    """Keeps its files in `directory`; `prefix` puts every program where the radio runs. Start it from the main thread."""
+    """Keeps its files in `directory`; `prefix` puts every program where the radio runs. `panel` is the one to start,
+    by default LXQt's; None for a desktop without one. Start it from the main thread."""
 
     def __init__(self, directory, environment, prefix=(), panel=True):
         self._directory = directory
         self._prefix = list(prefix)
-        self._with_panel = panel
-        self._display = Display()
         self._processes = []
-        home = os.path.join(directory, "desktop")
-        self._panel_config = os.path.join(home, "lxqt", "panel.conf")
-        self.environment = {**environment, "XDG_CONFIG_HOME": home, "XDG_CACHE_HOME": home, "XDG_DATA_HOME": home,
-                            "HOME": home, "XDG_CURRENT_DESKTOP": "LXQt", "XDG_SESSION_TYPE": "x11"}
+        self.display = Display()
+        self.server = None
+        self.panel = LxqtPanel() if panel is True else panel
+        self.home = os.path.join(directory, "desktop")
+        self.environment = {**environment, "XDG_CONFIG_HOME": self.home, "XDG_CACHE_HOME": self.home,
+                            "XDG_DATA_HOME": self.home, "HOME": self.home, "XDG_SESSION_TYPE": "x11",
+                            "XDG_CURRENT_DESKTOP": self.panel.desktop if self.panel else "", "NO_AT_BRIDGE": "1"}
 
     def start(self):
         """Display, window manager, panel; returns when the panel is there."""
-        os.makedirs(os.path.dirname(self._panel_config), exist_ok=True)
-        self._display.start()
-        self.environment["DISPLAY"] = self._display.name
-        self._spawn("openbox", "--sm-disable")
-        if self._with_panel:
-            with open(self._panel_config, "w", encoding="ascii") as file:
-                file.write(PANEL_CONFIG)
-            self._spawn("lxqt-panel", "-c", self._panel_config)
-            wait_until(lambda: "lxqt-panel" in self.run("xwininfo", "-root", "-tree", check=False), 15, "the panel",
-                       0.1)
+        os.makedirs(self.home, exist_ok=True)
+        self.display.start()
+        self.server = XServer(self.display.name)
+        self.environment["DISPLAY"] = self.display.name
+        self.spawn("openbox", "--sm-disable")
+        # A panel that shows itself while the window manager takes over may stay hidden for ever.
+        wait_until(self.server.manager_is_there, 30, "the window manager", 0.02)
+        if self.panel:
+            self.panel.start(self)
         return self
 
     def stop(self):
         """End all of it."""
+        if self.panel:
+            self.panel.stop(self)
         for process in reversed(self._processes):
             terminate(process)
         self._processes.clear()
-        self._display.stop()
+        if self.server:
+            self.server.close()
+        self.display.stop()
+
+    # Programs on it.
+
+    def spawn(self, *command):
+        """Start a program of the desktop; it ends with the screen, or by `end`."""
+        name = os.path.basename(command[0])
+        with open(os.path.join(self._directory, f"{name}.log"), "ab") as log:
+            process = subprocess.Popen(
+                [*DIE_WITH_PARENT, *self._prefix, *command], env=self.environment, stdin=subprocess.DEVNULL, stdout=log,
+                stderr=log, start_new_session=True)
+        self._processes.append(process)
+        return process
+
+    def end(self, process):
+        """End a program that `spawn` started."""
+        self._processes.remove(process)
+        terminate(process)
 
     def run(self, *command, check=True):
         """A small program on this display; returns its output."""
-        return subprocess.run([*self._prefix, *command], env=self.environment, check=check, capture_output=True,
-                              text=True, timeout=20, stdin=subprocess.DEVNULL).stdout
+        return subprocess.run(command, env=self.environment, check=check, capture_output=True, text=True, timeout=60,
+                              stdin=subprocess.DEVNULL).stdout
+
+    # Looking at it.
 
     def screenshot(self, path):
         """Save the whole screen as PNG."""
         self.run("import", "-window", "root", path)
 
-    def _spawn(self, *command):
-        with open(os.path.join(self._directory, f"{command[0]}.log"), "wb") as log:
-            self._processes.append(subprocess.Popen(
-                [*DIE_WITH_PARENT, *self._prefix, *command], env=self.environment, stdin=subprocess.DEVNULL, stdout=log,
-                stderr=log, start_new_session=True))
+    def picture(self, box=None):
+        """A part of the screen, or all of it."""
+        return self.server.picture(box)
+
+    def still_picture(self, box=None):
+        """The same once two pictures in a row are equal."""
+        seen = []
+
+        def stands_still():
+            seen.append(self.picture(box))
+            return len(seen) > 1 and seen[-1].data == seen[-2].data and seen[-1]
+        return wait_until(stands_still, 30, "a still picture", 0.1)
+
+    @property
+    def panel_box(self):
+        """Where the panel is."""
+        return Box(0, 0, self.server.width, HEIGHT)
+
+    def windows(self, kind="", title=""):
+        """The windows that can be seen, of that class and that title if given; the uppermost last."""
+        return [w for w in self.server.windows() if (not kind or w.kind == kind) and (not title or w.title == title)]
+
+    def wait_for_window(self, kind="", title=""):
+        """Wait for the first such window."""
+        return wait_until(lambda: next(iter(self.windows(kind, title)), None), 30, f"a window {kind} {title}", 0.05)
+
+    # The mouse and the keyboard.
+
+    def move(self, x, y):
+        """Move the pointer."""
+        self.server.move(x, y)
+
+    def click(self, point, button=1):
+        """Move there and click."""
+        self.server.move(*point)
+        self.server.press(button)
+
+    def key(self, *names):
+        """Press keys, one after the other."""
+        for name in names:
+            self.server.key(name)
+
+    # The status item.
+
+    def wait_for_item(self, empty, timeout=30.0):
+        """Wait until something is shown in the panel that was not in `empty`, a picture of it, and stands still. Returns where
+        it is."""
+        seen = []
+
+        def stands_still():
+            seen.append(self.picture(self.panel_box).difference(empty))
+            return len(seen) > 1 and seen[-1] is not None and seen[-1] == seen[-2] and seen[-1]
+        return wait_until(stands_still, timeout, "an item in the panel", 0.1)
+
+    def wait_for_no_item(self, empty, timeout=30.0):
+        """Wait until the panel looks as in `empty`."""
+        wait_until(lambda: self.picture(self.panel_box).difference(empty) is None, timeout, "an empty panel", 0.05)

@@ -33,6 +33,12 @@ StatusNotifierObject::Way trayWay(const TraySession& session) {
                                                                                    : Way::hostmenu;
 }
 
+TrayIconSource trayIconSource(const TraySession& session) {
+    // Given a name that its theme lacks, this one shows nothing, whatever pictures there are beside the name.
+    return session.panelProgram == QLatin1String("lxqt-panel") ? TrayIconSource::pixmaps
+                                                               : TrayIconSource::themeOrPixmaps;
+}
+
 StatusNotifierObject::ToolTipText trayToolTipText(const TraySession& session) {
     using Text = StatusNotifierObject::ToolTipText;
     return session.panelProgram == QLatin1String("waybar") ? Text::markup : Text::plain;

@@ -23,6 +23,9 @@ struct TraySession {
 
 /// Which way this panel gives both a menu and the window.
 [[nodiscard]] StatusNotifierObject::Way trayWay(const TraySession& session);
+/// Where this panel is to take the item's icon from.
+enum class TrayIconSource { themeOrPixmaps, pixmaps };
+[[nodiscard]] TrayIconSource trayIconSource(const TraySession& session);
 /// How this panel reads tool tips.
 [[nodiscard]] StatusNotifierObject::ToolTipText trayToolTipText(const TraySession& session);
 

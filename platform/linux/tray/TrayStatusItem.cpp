@@ -110,6 +110,7 @@ void TrayStatusItem::panelAppeared(const QString& program) {
     TraySession session = m_environment.session;
     session.panelProgram = program;
     m_way = trayWay(session);
+    m_iconSource = trayIconSource(session);
     m_item->setWay(m_way, trayToolTipText(session));
     m_item->setContent(content());
     if (m_way == StatusNotifierObject::Way::direct) {
@@ -229,7 +230,8 @@ StatusNotifierContent TrayStatusItem::content() const {
     StatusNotifierContent content;
     content.title = shownLine(isFlashing ? m_flash : m_title);
     content.label = shownLine(isFlashing ? m_flash : m_title, maxLabelCharacters);
-    content.iconName = themeIconName(m_symbolName);
+    if (m_iconSource == TrayIconSource::themeOrPixmaps)
+        content.iconName = themeIconName(m_symbolName);
     content.symbolName = m_symbolName;
     content.iconAccessibleDescription = shownLine(m_description);
     content.toolTip = shownLines(isFlashing ? m_flash + QLatin1Char('\n') + m_toolTip : m_toolTip);

@@ -59,6 +59,12 @@ TEST(TrayMode, OnlyOnePanelReadsToolTipsAsMarkup) {
               StatusNotifierObject::ToolTipText::plain);
 }
 
+TEST(TrayMode, OnePanelIsGivenPicturesOnlyForItShowsNothingForAnUnknownName) {
+    EXPECT_EQ(trayIconSource(session(Windows::x11, u"lxqt-panel"_qs)), TrayIconSource::pixmaps);
+    for (const QString& program : {u"plasmashell"_qs, u"xfce4-panel"_qs, u"waybar"_qs, QString()})
+        EXPECT_EQ(trayIconSource(session(Windows::x11, program)), TrayIconSource::themeOrPixmaps);
+}
+
 TEST(TrayMode, TheSessionIsReadFromTheEnvironment) {
     test::ScopedEnvironment environment;
     environment.unset("WAYLAND_DISPLAY");

@@ -1,0 +1,93 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""What the tests with real panels share. A file of them names its panel (`PANEL`), and imports these fixtures: session,
+screen and panel are started once for the file, the program for every test."""
+
+import pytest
+from zofralab.lab import program_environment
+from zofralab.screen import VirtualScreen
+from zofralab.session import Session
+
+
+@pytest.fixture(scope="module")
+def session(running_lab):
+    """A person's session, for all tests of the file."""
+    with Session(running_lab.run_dir, with_sound=False) as one:
+        yield one
+
+
+@pytest.fixture(scope="module")
+def reader(session):
+    """A screen reader's ears; only started where the file needs it."""
+    from zofralab.accessible import ScreenReader
+    if ScreenReader.missing():
+        pytest.skip(f"not run: no {', '.join(ScreenReader.missing())} on this machine")
+    one = ScreenReader(session)
+    try:
+        yield one.start()
+    finally:
+        one.stop()
+
+
+@pytest.fixture(scope="module")
+def screen(request, running_lab, session, tmp_path_factory):
+    """A screen with the panel of the file, and nothing in it."""
+    panel = request.module.PANEL() if request.module.PANEL else None
+    if panel and panel.missing():
+        pytest.skip(f"not run: no {', '.join(panel.missing())} on this machine")
+    one = VirtualScreen(str(tmp_path_factory.mktemp("screen")), program_environment(running_lab, session),
+                        running_lab.enter("/"), panel)
+    try:
+        one.start()
+        one.move(640, 600)
+        yield one
+    finally:
+        one.stop()
+
+
+@pytest.fixture(scope="module")
+def empty(screen):
+    """The panel without an item."""
+    return screen.still_picture(screen.panel_box)
+
+
+@pytest.fixture(scope="module")
+def display(screen):
+    """The display of that screen."""
+    return screen.display
+
+
+@pytest.fixture
+def radio(make_radio, screen):
+    """The program, not started yet, at home on the desktop of that screen."""
+    one = make_radio()
+    one.environment["XDG_SESSION_TYPE"] = screen.environment["XDG_SESSION_TYPE"]
+    one.environment["XDG_CURRENT_DESKTOP"] = screen.environment["XDG_CURRENT_DESKTOP"]
+    return one
+
+
+def popup(screen):
+    """The popup panel's window, waited for."""
+    return screen.wait_for_window("zofrazofra", "Zofra Zofra")
+
+
+class Item:
+    """The program's item in a panel."""
+
+    def __init__(self, radio, screen, box):
+        self.radio = radio
+        self.screen = screen
+        self.box = box
+
+    def click(self, button=1):
+        """Click on it."""
+        self.screen.click(self.box.centre, button)
+
+
+@pytest.fixture
+def item(radio, screen, empty):
+    """The program, running, with its item in the panel."""
+    screen.move(640, 600)
+    screen.wait_for_no_item(empty)
+    radio.start(headless=False)
+    yield Item(radio, screen, screen.wait_for_item(empty))
+    radio.stop()
