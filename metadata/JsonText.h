@@ -14,8 +14,8 @@ namespace zofra {
 /// A pure function, callable from any thread.
 [[nodiscard]] std::optional<QString> textFromUtf8(const QByteArray& bytes);
 
-/// How many values documents may hold altogether. A service's real answers have some hundred; a mebibyte of
-/// the smallest ones would keep the main thread busy for a third of a second.
+/// How many values documents may hold altogether. By default as many as do not keep the main thread busy for
+/// more than a few milliseconds; a mebibyte of the smallest ones would take a third of a second.
 struct JsonBudget {
     std::size_t values = 10'000;
 };

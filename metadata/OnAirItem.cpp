@@ -102,7 +102,9 @@ std::optional<OnAirItem> selectBest(const std::vector<OnAirItem>& items, double 
 std::optional<std::vector<OnAirItem>> onAirItems(const QByteArray& body, const QString& rpId) {
     const auto text = textFromUtf8(body);
     const auto json = text ? unwrapJSONP(*text) : std::nullopt;
-    const auto document = json ? parseJsonText(json->toUtf8()) : std::nullopt;
+    // As many as the longest body of real items holds.
+    JsonBudget budget{100'000};
+    const auto document = json ? parseJsonText(json->toUtf8(), budget) : std::nullopt;
     if (!document || !document->isObject())
         return std::nullopt;
     const auto results = document->object().value(QLatin1String("results"));

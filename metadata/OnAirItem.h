@@ -44,7 +44,7 @@ struct OnAirItem {
 [[nodiscard]] std::optional<OnAirItem> selectBest(const std::vector<OnAirItem>& items, double now);
 
 /// The items of the station `rpId` in an answer, which may be wrapped in a JSONP call; absent when the answer
-/// is not what it should be.
+/// is not what it should be. Takes a while for the longest answers: not for the main thread.
 [[nodiscard]] std::optional<std::vector<OnAirItem>> onAirItems(const QByteArray& body, const QString& rpId);
 
 /// The text to show at `now` (seconds since 1970): of a song, else of another item, else none.

@@ -22,6 +22,7 @@
 #include <memory>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace zofra {
 
@@ -92,13 +93,15 @@ private:
     // The HTTP sources. Every result carries the number of its round.
     void fetchRadioplayerMetadata(const QString& rpId, RadioStation station, std::uint64_t requestId,
                                   int attempt);
-    void handleRadioplayerResponse(const HttpResult& result, const QString& rpId, RadioStation station,
+    /// Absent when the request failed, in whatever way.
+    using OnAirItems = std::optional<std::vector<OnAirItem>>;
+    void handleRadioplayerResponse(const OnAirItems& items, const QString& rpId, RadioStation station,
                                    std::uint64_t requestId, int attempt);
     void handleRadioplayerFailure(const QString& rpId, RadioStation station, std::uint64_t requestId,
                                   int attempt);
     void fetchScraperMetadata(const QUrl& url, RadioStation station, std::uint64_t requestId);
     void handleScraperResponse(const HttpResult& result, RadioStation station, std::uint64_t requestId);
-    void startRequest(const QUrl& url, std::function<void(const HttpResult&)> handler);
+    void startRequest(const QUrl& url, HttpSession::Completion completion);
     [[nodiscard]] std::optional<QUrl> scraperUrl(RadioStation station) const;
     [[nodiscard]] bool isStale(std::uint64_t requestId) const {
         return requestId <= m_lastAppliedMetadataRequest;

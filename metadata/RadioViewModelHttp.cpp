@@ -6,6 +6,8 @@
 
 #include <chrono>
 #include <limits>
+#include <utility>
+#include <vector>
 
 namespace zofra {
 
@@ -22,6 +24,12 @@ const QByteArray* successfulBody(const HttpResult& result) {
     if (result.error || !result.response || result.response->status < 200 || result.response->status > 299)
         return nullptr;
     return &result.response->body;
+}
+
+/// The items in the answer to a request for `rpId`; absent for every kind of failure.
+std::optional<std::vector<OnAirItem>> itemsIn(const HttpResult& result, const QString& rpId) {
+    const auto* body = successfulBody(result);
+    return body == nullptr ? std::nullopt : onAirItems(*body, rpId);
 }
 
 double secondsSince1970(TimePoint time) {
@@ -41,14 +49,14 @@ void RadioViewModel::fetchMetadata() {
         fetchScraperMetadata(*url, station, requestId);
 }
 
-void RadioViewModel::startRequest(const QUrl& url, std::function<void(const HttpResult&)> handler) {
+void RadioViewModel::startRequest(const QUrl& url, HttpSession::Completion completion) {
     HttpRequest request;
     request.url = url;
     request.headers.emplace_back("User-Agent", "Mozilla/5.0");
     request.timeout = requestTimeout;
     request.cachePolicy = HttpRequest::CachePolicy::ignoreLocalAndRemote;
     request.maxBodyBytes = maxBodyBytes;
-    m_session.start(std::move(request), onMainThread<HttpResult>(std::move(handler)));
+    m_session.start(std::move(request), std::move(completion));
 }
 
 void RadioViewModel::fetchRadioplayerMetadata(const QString& rpId, RadioStation station,
@@ -57,25 +65,24 @@ void RadioViewModel::fetchRadioplayerMetadata(const QString& rpId, RadioStation 
                                 QStringLiteral("/056/qp/v3/onair?rpIds=") + rpId);
     if (!url)
         return;
-    startRequest(*url, [this, rpId, station, requestId, attempt](const HttpResult& result) {
-        handleRadioplayerResponse(result, rpId, station, requestId, attempt);
+    auto handle =
+        onMainThread<OnAirItems>([this, rpId, station, requestId, attempt](const OnAirItems& items) {
+            handleRadioplayerResponse(items, rpId, station, requestId, attempt);
+        });
+    // Read where it arrives: the longest answer would keep the main thread busy for several frames.
+    startRequest(*url, [rpId, handle = std::move(handle)](const HttpResult& result) {
+        handle(itemsIn(result, rpId));
     });
 }
 
-void RadioViewModel::handleRadioplayerResponse(const HttpResult& result, const QString& rpId,
+void RadioViewModel::handleRadioplayerResponse(const OnAirItems& items, const QString& rpId,
                                                RadioStation station, std::uint64_t requestId, int attempt) {
-    const auto* body = successfulBody(result);
-    if (body == nullptr) {
+    if (!items) {
         handleRadioplayerFailure(rpId, station, requestId, attempt);
         return;
     }
     if (currentStation != station)
         return;
-    const auto items = onAirItems(*body, rpId);
-    if (!items) {
-        handleRadioplayerFailure(rpId, station, requestId, attempt);
-        return;
-    }
     const auto text = onAirText(*items, secondsSince1970(m_now()));
     if (hasFreshLiveTrack())
         return;
@@ -108,9 +115,9 @@ std::optional<QUrl> RadioViewModel::scraperUrl(RadioStation station) const {
 }
 
 void RadioViewModel::fetchScraperMetadata(const QUrl& url, RadioStation station, std::uint64_t requestId) {
-    startRequest(url, [this, station, requestId](const HttpResult& result) {
-        handleScraperResponse(result, station, requestId);
-    });
+    startRequest(url, onMainThread<HttpResult>([this, station, requestId](const HttpResult& result) {
+                     handleScraperResponse(result, station, requestId);
+                 }));
 }
 
 void RadioViewModel::handleScraperResponse(const HttpResult& result, RadioStation station,

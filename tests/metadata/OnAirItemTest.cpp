@@ -158,6 +158,24 @@ TEST(OnAirItems, AreTheStationsOwnInOrder) {
     EXPECT_EQ(onAirItems(R"({"results":{"6":[]}})", u"6"_qs), std::vector<OnAirItem>());
 }
 
+TEST(OnAirItems, MayBeAsManyAsTheLongestBodyHolds) {
+    QByteArray body = R"({"results":{"6":[)";
+    int count = 0;
+    for (; body.size() < 1024 * 1024 - 200; ++count)
+        body += (count > 0 ? "," : "") +
+                QByteArray(R"({"song":true,"artistName":"Somebody","name":"A title","description":"",)") +
+                R"("startTime":)" + QByteArray::number(1700000000 + count) + R"(,"stopTime":"1700000000"})";
+    const auto items = onAirItems(body + "]}}", u"6"_qs);
+    ASSERT_TRUE(items);
+    EXPECT_EQ(static_cast<int>(items->size()), count);
+}
+
+TEST(OnAirItems, AreNoneInADocumentOfEndlesslyManyValues) {
+    const QByteArray body =
+        R"({"results":{"6":[{"name":"A"}]},"x":[0)" + QByteArray(",0").repeated(100'000) + "]}";
+    EXPECT_EQ(onAirItems(body, u"6"_qs), std::nullopt);
+}
+
 TEST(OnAirItems, MayComeAsAJsonpCall) {
     const auto items =
         onAirItems(" cb({\"results\":{\"6\":[{\"name\":\"D\xC3\xA9j\xC3\xA0\"}]}}) ; ", u"6"_qs);
