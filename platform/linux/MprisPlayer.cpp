@@ -33,6 +33,19 @@ Method inert(const QString& name, std::vector<dbus::Argument> in = {}) {
     return {name, std::move(in), {}, [](const QVariantList&) { return Answer(); }};
 }
 
+Method openUri() {
+    // No kind of address is supported, and whoever tries one anyway should hear of it.
+    return {QStringLiteral("OpenUri"),
+            {{QStringLiteral("Uri"), QStringLiteral("s")}},
+            {},
+            [](const QVariantList&) {
+                return Answer{{},
+                              Error{QStringLiteral("org.freedesktop.DBus.Error.NotSupported"),
+                                    QStringLiteral("Only the stations of the catalogue can be played")},
+                              {}};
+            }};
+}
+
 /// A handler's outcome as an answer; without a handler nothing is done.
 Answer run(const RemoteCommandCenter::Handler& handler) {
     if (handler && handler() == RemoteCommandStatus::commandFailed)
@@ -192,7 +205,7 @@ Interface MprisPlayer::playerInterface() {
          inert(QStringLiteral("Seek"), {{QStringLiteral("Offset"), time}}),
          inert(QStringLiteral("SetPosition"),
                {{QStringLiteral("TrackId"), QStringLiteral("o")}, {QStringLiteral("Position"), time}}),
-         inert(QStringLiteral("OpenUri"), {{QStringLiteral("Uri"), QStringLiteral("s")}})},
+         openUri()},
         {{QStringLiteral("Seeked"), {{QStringLiteral("Position"), time}}}},
         {{QStringLiteral("PlaybackStatus"),
           QStringLiteral("s"),

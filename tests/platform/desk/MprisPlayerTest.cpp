@@ -168,8 +168,13 @@ TEST_F(MprisPlayerTest, doesNothingForWhatALiveStreamCannotDo) {
     EXPECT_EQ(errorOf(call(service, path, player, QStringLiteral("SetPosition"),
                            {QVariant::fromValue(QDBusObjectPath(QStringLiteral("/x"))), qlonglong(1)})),
               QStringLiteral("answered"));
+    EXPECT_TRUE(commands.empty());
+    EXPECT_TRUE(told.empty());
+}
+
+TEST_F(MprisPlayerTest, refusesToOpenAddresses) {
     EXPECT_EQ(errorOf(call(service, path, player, QStringLiteral("OpenUri"), {QStringLiteral("https://x/")})),
-              QStringLiteral("answered"));
+              QStringLiteral("org.freedesktop.DBus.Error.NotSupported"));
     EXPECT_TRUE(commands.empty());
     EXPECT_TRUE(told.empty());
 }
