@@ -89,6 +89,11 @@ void CommandRunner::waitForRoom() {
 
 void CommandRunner::act(const Options& options, const std::optional<SonosRoom>& room) {
     AppDelegate& delegate = m_environment.delegate;
+    RadioPlayer& player = m_environment.player;
+    // A stream that is held would be resumed as it is, whatever its station; who names one wants to hear
+    // that.
+    if (options.station && player.player && !player.isPlaying)
+        player.drop();
     if (options.station)
         delegate.selectStation(*options.station);
     // Choosing a room or every room plays there by itself; choosing this computer does not.

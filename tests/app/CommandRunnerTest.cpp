@@ -58,6 +58,26 @@ TEST_F(CommandRunnerTest, AStationIsChosenBeforeItIsPlayed) {
     EXPECT_EQ(players.urls(), std::vector<QUrl>{RadioStation(RadioStation::qmusic).streamAAC(hosts)});
 }
 
+TEST_F(CommandRunnerTest, ANamedStationIsHeardAlsoWhenAnotherOneIsHeld) {
+    EXPECT_EQ(runner->run(play(RadioStation::zofra)), std::nullopt);
+    player->stop();
+    player->setStation(RadioStation::qmusic);
+    EXPECT_EQ(runner->run(play(RadioStation::qmusic)), std::nullopt);
+    EXPECT_TRUE(player->isPlaying);
+    EXPECT_EQ(players.urls().back(), RadioStation(RadioStation::qmusic).streamAAC(hosts));
+    player->stop();
+    EXPECT_EQ(runner->run(play(RadioStation::joe)), std::nullopt);
+    EXPECT_EQ(players.urls().back(), RadioStation(RadioStation::joe).streamAAC(hosts));
+}
+
+TEST_F(CommandRunnerTest, WithoutANameAHeldStreamGoesOnAsItIs) {
+    EXPECT_EQ(runner->run(play(RadioStation::zofra)), std::nullopt);
+    player->stop();
+    EXPECT_EQ(runner->run(play()), std::nullopt);
+    EXPECT_EQ(players.urls().size(), 1U);
+    EXPECT_TRUE(player->isPlaying);
+}
+
 TEST_F(CommandRunnerTest, ARoomIsKnownByIdOrTitle) {
     sonos->rooms = QList<SonosRoom>{kitchen};
     for (const QString& name : {u"RINCON_K"_qs, u"Kitchen"_qs, u"kitchen"_qs}) {
