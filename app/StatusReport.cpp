@@ -6,6 +6,7 @@
 #include <QJsonArray>
 #include <QStringList>
 
+#include <algorithm>
 #include <array>
 
 namespace zofra {
@@ -46,8 +47,10 @@ QJsonObject toJson(const StatusReport& report) {
         rooms.append(QJsonObject{{QStringLiteral("id"), room.id},
                                  {QStringLiteral("title"), room.title},
                                  {QStringLiteral("players"), room.players}});
-    // The shortest decimal number that is this volume, not the nearest 64-bit one.
-    const double volume = QString::number(static_cast<double>(report.volume), 'g', 7).toDouble();
+    // The shortest decimal number that is this volume, not the nearest 64-bit one. A stored volume may lie
+    // above 1.
+    const double volume =
+        std::clamp(QString::number(static_cast<double>(report.volume), 'g', 7).toDouble(), 0.0, 1.0);
     return {{QStringLiteral("station"), report.station.rawValue()},
             {QStringLiteral("playing"), report.playing},
             {QStringLiteral("buffering"), report.buffering},

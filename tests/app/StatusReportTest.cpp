@@ -38,6 +38,14 @@ TEST(StatusReport, IsOneObjectWithEveryField) {
               "\"version\":\"1.0 (Build 1)\",\"volume\":0.8}"_qs);
 }
 
+TEST(StatusReport, SaysAVolumeBetweenSilenceAndFull) {
+    StatusReport report = sample();
+    for (const auto& [volume, said] : {std::pair(0.62F, 0.62), std::pair(5.0F, 1.0), std::pair(0.0F, 0.0)}) {
+        report.volume = volume;
+        EXPECT_EQ(toJson(report).value(u"volume"_qs).toDouble(), said);
+    }
+}
+
 TEST(StatusReport, SaysTheOutputAndTheRooms) {
     StatusReport report = sample();
     report.output = AudioOutputTarget::sonosEverywhere();
