@@ -34,6 +34,24 @@ QList<Value> listArgument(const QVariant& argument) {
     return list;
 }
 
+/// What a property that an item does not name has all the same; invalid for what the protocol does not know.
+QVariant protocolDefault(const QString& property) {
+    static const QVariantMap defaults{
+        {QStringLiteral("type"), QStringLiteral("standard")},
+        {QStringLiteral("label"), QString()},
+        {QStringLiteral("enabled"), true},
+        {QStringLiteral("visible"), true},
+        {QStringLiteral("icon-name"), QString()},
+        {QStringLiteral("icon-data"), QByteArray()},
+        {QStringLiteral("shortcut"), QVariant::fromValue(QList<QStringList>())},
+        {QStringLiteral("toggle-type"), QString()},
+        {QStringLiteral("toggle-state"), -1},
+        {QStringLiteral("children-display"), QString()},
+        {QStringLiteral("disposition"), QStringLiteral("normal")},
+    };
+    return defaults.value(property);
+}
+
 const char* const introspection = R"xml(
  <interface name="com.canonical.dbusmenu">
   <property name="Version" type="u" access="read"/>
@@ -240,9 +258,10 @@ QDBusMessage DBusMenuObject::getProperty(const QDBusMessage& message) const {
     const int id = message.arguments().at(0).toInt();
     const QString name = message.arguments().at(1).toString();
     const auto properties = m_tree.properties(id, {name});
-    if (!properties || !properties->contains(name))
+    const QVariant value = properties ? properties->value(name, protocolDefault(name)) : QVariant();
+    if (!value.isValid())
         return invalidArguments(message, QStringLiteral("Menu item %1 has no such property").arg(id));
-    return message.createReply(QVariant::fromValue(QDBusVariant(properties->value(name))));
+    return message.createReply(QVariant::fromValue(QDBusVariant(value)));
 }
 
 QDBusMessage DBusMenuObject::eventGroup(const QDBusMessage& message) {

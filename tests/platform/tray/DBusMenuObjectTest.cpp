@@ -227,6 +227,19 @@ TEST_F(DBusMenuObjectTest, SinglePropertiesCanBeReadWithAllElseAnError) {
     EXPECT_EQ(menuCall(u"GetProperty"_qs, {4711, u"label"_qs}).type(), QDBusMessage::ErrorMessage);
 }
 
+TEST_F(DBusMenuObjectTest, APropertyThatIsLeftOutHasTheProtocolsDefault) {
+    const int id = getLayout().root.children.at(0).id;
+    const auto value = [&](const QString& name) {
+        return qvariant_cast<QDBusVariant>(menuCall(u"GetProperty"_qs, {id, name}).arguments().value(0))
+            .variant();
+    };
+    EXPECT_EQ(value(u"enabled"_qs), QVariant(true));
+    EXPECT_EQ(value(u"visible"_qs), QVariant(true));
+    EXPECT_EQ(value(u"type"_qs), QVariant(u"standard"_qs));
+    EXPECT_EQ(value(u"children-display"_qs), QVariant(QString()));
+    EXPECT_EQ(value(u"toggle-state"_qs), QVariant(-1));
+}
+
 TEST_F(DBusMenuObjectTest, AChangeIsToldOncePerTurnAndOnlyWhenTheMenuDiffers) {
     getLayout();
     song_ = u"Song B"_qs;
