@@ -10,6 +10,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     fuzz::require(!inner->isEmpty() && *inner == inner->trimmed() && text.contains(*inner));
     // The same with a call around it.
-    fuzz::require(unwrapJSONP(u" a.b ( " + *inner + u" ) ; ;") == inner);
+    fuzz::require(unwrapJSONP(QStringLiteral(" a.b ( ") + *inner + QStringLiteral(" ) ; ;")) == inner);
     return 0;
 }
