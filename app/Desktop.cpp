@@ -3,40 +3,54 @@
 
 #include "app/icons/IconSet.h"
 #include "app/panel/AppearanceSource.h"
+#include "app/panel/PanelMenuStyle.h"
 #include "app/panel/PortalAppearance.h"
 #include "app/panel/QtPopupWindow.h"
 #include "platform/linux/XdgLoginItem.h"
 #include "platform/linux/tray/LinuxStatusBar.h"
+#include "platform/linux/tray/WidgetMenu.h"
 
 #include <QApplication>
+#include <QScreen>
 
 namespace zofra {
 
 namespace {
 
-/// The drawings for the status item and its menu.
+/// The drawings for the status item and its menu, which looks like the panel's menus.
 class SymbolIcons final : public IconProvider {
 public:
-    explicit SymbolIcons(const IconSet& icons)
-        : m_icons(icons) {}
+    SymbolIcons(const IconSet& icons, const AppearanceSource& appearance)
+        : m_icons(icons)
+        , m_appearance(appearance) {}
     QImage image(const QString& symbolName, int pixels, const QColor& color) const override {
         return m_icons.image(symbolName, pixels, color);
+    }
+    std::shared_ptr<QStyle> menuStyle() const override {
+        const QScreen* screen = QGuiApplication::primaryScreen();
+        if (!screen)
+            return nullptr;
+        return std::make_shared<PanelMenuStyle>(std::make_unique<PanelLook>(
+            PanelLook{PanelTheme::make(m_appearance.current(), QGuiApplication::palette()),
+                      PanelMetrics(QGuiApplication::font(), screen->logicalDotsPerInchY(),
+                                   screen->availableGeometry().height()),
+                      m_icons}));
     }
 
 private:
     const IconSet& m_icons;
+    const AppearanceSource& m_appearance;
 };
 
-/// What only the panel needs; made when it is first asked for, for many people never open it.
+/// What only the panel needs.
 struct PanelParts {
-    PanelParts(const Desktop::Environment& environment, const IconSet& icons)
+    PanelParts(const Desktop::Environment& environment, const IconSet& icons, AppearanceSource& appearance)
         : portal(appearance)
         , factory(PanelEnvironment{loginItem, environment.output, environment.workspace, icons, appearance})
         , connected(environment.sessionBus.observeConnected(
               [this](const QDBusConnection& connection) { portal.attach(connection); })) {}
 
     XdgLoginItem loginItem;
-    AppearanceSource appearance;
     PortalAppearance portal;
     QtPopupWindowFactory factory;
     ObservationToken connected;
@@ -46,8 +60,12 @@ class QtDesktop final : public Desktop, private PopupWindowFactory {
 public:
     explicit QtDesktop(const Environment& environment)
         : m_environment(environment)
-        , m_symbols(m_icons)
-        , m_statusBar(itemEnvironment()) {}
+        , m_symbols(m_icons, m_appearance)
+        , m_statusBar(itemEnvironment()) {
+        // Once the item is there. The first panel is to know light from dark, and the desktop's answer takes
+        // a while.
+        m_environment.mainQueue.async([this] { panel(); });
+    }
 
     StatusBar& statusBar() override { return m_statusBar; }
     PopupWindowFactory& windows() override { return *this; }
@@ -56,6 +74,18 @@ public:
             panel().factory.setActivationToken(token);
     }
     void hideEverything() override { QApplication::closeAllWindows(); }
+    IdleSteps preparation(const PopupPanelContent& content, const Menu& menu) override {
+        // Making the first widget waits for the bus, so let it not be a bus that is known to be missing.
+        if (!m_environment.sessionBus.connection())
+            return {};
+        IdleSteps steps = panel().factory.preparation(content);
+        steps.emplace_back([this, menu] {
+            // Only there is the menu one of our own.
+            if (QGuiApplication::platformName() == QLatin1String("xcb"))
+                static_cast<void>(WidgetMenu(menu, m_symbols).grab());
+        });
+        return steps;
+    }
 
 private:
     std::unique_ptr<PopupWindow> makeWindow(PopupPanelContent content) override {
@@ -64,7 +94,7 @@ private:
 
     PanelParts& panel() {
         if (!m_panel)
-            m_panel = std::make_unique<PanelParts>(m_environment, m_icons);
+            m_panel = std::make_unique<PanelParts>(m_environment, m_icons, m_appearance);
         return *m_panel;
     }
 
@@ -81,6 +111,7 @@ private:
 
     Environment m_environment;
     IconSet m_icons;
+    AppearanceSource m_appearance;
     SymbolIcons m_symbols;
     LinuxStatusBar m_statusBar;
     std::unique_ptr<PanelParts> m_panel;
@@ -92,6 +123,7 @@ public:
     PopupWindowFactory& windows() override { return *this; }
     void setActivationToken(const QByteArray&) override {}
     void hideEverything() override {}
+    IdleSteps preparation(const PopupPanelContent&, const Menu&) override { return {}; }
 
 private:
     std::unique_ptr<StatusItem> statusItem(double) override { return nullptr; }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "app/IdleSteps.h"
 #include "app/PopupWindow.h"
 #include "platform/DefaultsStore.h"
 #include "platform/MainQueue.h"
@@ -34,6 +35,8 @@ public:
     /// Whoever asks for a window passes on the right to the keyboard by this token.
     virtual void setActivationToken(const QByteArray& token) = 0;
     virtual void hideEverything() = 0;
+    /// What the first click of each kind would otherwise wait for, as `content` and `menu` are now.
+    [[nodiscard]] virtual IdleSteps preparation(const PopupPanelContent& content, const Menu& menu) = 0;
 };
 
 [[nodiscard]] std::unique_ptr<Desktop> makeDesktop(const Desktop::Environment& environment);

@@ -169,11 +169,20 @@ int ZofraMenuBarApp::run() {
         *m_delegate, RadioPlayer::shared(), SonosManager::shared(), m_mainQueue, *m_changes});
     m_commands->runAtStart(m_configuration.options, writeError);
     m_changes->touch();
-    // Starting touches much that nobody needs afterwards.
-    m_mainQueue.asyncAfter(startupSettled, [] { LibraryPages::giveBack(); });
+    m_mainQueue.asyncAfter(startupSettled, [this] { prepare(); });
     const int status = QCoreApplication::exec();
     finish();
     return status;
+}
+
+void ZofraMenuBarApp::prepare() {
+    const PopupPanelContent content{
+        versionText(bundle()),  m_delegate->viewModel(),   [] {}, RadioPlayer::shared(),
+        SonosManager::shared(), LanguageManager::shared(), [] {}};
+    IdleSteps steps = m_desktop->preparation(content, m_delegate->contextMenu());
+    // Starting touches much that nobody needs afterwards.
+    steps.emplace_back([] { LibraryPages::giveBack(); });
+    runIdleSteps(m_mainQueue, std::move(steps));
 }
 
 void ZofraMenuBarApp::connectApplicationBus() {

@@ -65,6 +65,7 @@ private:
     class Ending;
 
     [[nodiscard]] AppDelegate::Environment delegateEnvironment();
+    void prepare();
     void connectMediaControls();
     void connectApplicationBus();
     void connectChanges();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/QtPopupWindow.h"
 
+#include <QAccessible>
 #include <QCloseEvent>
 #include <QFontMetrics>
 #include <QGuiApplication>
@@ -101,11 +102,29 @@ private:
 
 } // namespace
 
-void QtPopupWindowFactory::prepare() {
-    const PanelMetrics metrics(QGuiApplication::font(), 96, 0);
-    for (const QFont::Weight weight : {QFont::Normal, QFont::DemiBold, QFont::Bold})
-        static_cast<void>(
-            QFontMetrics(metrics.font(14, weight)).horizontalAdvance(QStringLiteral("Zofra Zofra")));
+std::vector<std::function<void()>> QtPopupWindowFactory::preparation(const PopupPanelContent& content) const {
+    std::vector<std::function<void()>> steps;
+    for (const QFont::Weight weight : {QFont::Normal, QFont::DemiBold, QFont::Bold}) {
+        steps.emplace_back([weight] {
+            const PanelMetrics metrics(QGuiApplication::font(), 96, 0);
+            static_cast<void>(
+                QFontMetrics(metrics.font(14, weight)).horizontalAdvance(QStringLiteral("Zofra Zofra")));
+        });
+    }
+    // Whoever makes the first widget asks the bus whether screen readers are about, and waits for the answer.
+    steps.emplace_back([] { static_cast<void>(QAccessible::isActive()); });
+    const auto window = std::make_shared<std::unique_ptr<HostWindow>>();
+    steps.emplace_back([window, content, environment = m_environment] {
+        *window = std::make_unique<HostWindow>(content, environment);
+    });
+    steps.emplace_back([window] { static_cast<void>((*window)->grab()); });
+    steps.emplace_back([window] {
+        // Elsewhere a window that is not shown yet costs nothing.
+        if (QGuiApplication::platformName() == QLatin1String("xcb"))
+            static_cast<void>((*window)->winId());
+    });
+    steps.emplace_back([window] { window->reset(); });
+    return steps;
 }
 
 std::unique_ptr<PopupWindow> QtPopupWindowFactory::makeWindow(PopupPanelContent content) {

@@ -6,7 +6,9 @@
 
 #include <QByteArray>
 
+#include <functional>
 #include <memory>
+#include <vector>
 
 namespace zofra {
 
@@ -18,9 +20,10 @@ public:
 
     [[nodiscard]] std::unique_ptr<PopupWindow> makeWindow(PopupPanelContent content) override;
 
-    /// Loads what the first panel would wait for (fonts, some 10 ms of work and 4 MB), so that it appears
-    /// within a frame too. For an idle moment after the start; may be left out.
-    static void prepare();
+    /// What the first window would wait for (fonts, drawings, what the toolkit does once), done beforehand,
+    /// so that it appears within a frame too. Some 25 ms of work in steps of a few, each for an idle moment
+    /// after the start and in their order; they may be left out. Nothing is shown.
+    [[nodiscard]] std::vector<std::function<void()>> preparation(const PopupPanelContent& content) const;
 
     /// The token with which whoever asked for the window (a second start, a click in a panel) passes on the
     /// right to the keyboard. Used up by the next `makeKeyAndOrderFront`; an empty one is none.

@@ -4,16 +4,22 @@
 #include <QColor>
 #include <QImage>
 #include <QString>
+#include <QStyle>
+
+#include <memory>
 
 namespace zofra {
 
-/// Renders the program's own drawings. Main thread only.
+/// The program's own drawings, and what else makes its menus look like it. Main thread only.
 class IconProvider {
 public:
     virtual ~IconProvider() = default;
     /// The drawing `symbolName` (for example "play.fill"), `pixels` wide and high, its strokes in `color`; a
     /// null image where there is no such drawing.
     [[nodiscard]] virtual QImage image(const QString& symbolName, int pixels, const QColor& color) const = 0;
+    /// What a menu that opens now is drawn with; its standard palette colours the icons. Null for the
+    /// desktop's own style.
+    [[nodiscard]] virtual std::shared_ptr<QStyle> menuStyle() const { return nullptr; }
 };
 
 } // namespace zofra

@@ -58,9 +58,24 @@ private:
 } // namespace
 
 WidgetMenu::WidgetMenu(const Menu& menu, const IconProvider& icons, QWidget* parent)
-    : QMenu(parent) {
+    : WidgetMenu(menu, icons, icons.menuStyle(), parent) {}
+
+WidgetMenu::WidgetMenu(const Menu& menu, const IconProvider& icons, std::shared_ptr<QStyle> style,
+                       QWidget* parent)
+    : QMenu(parent)
+    , m_style(std::move(style)) {
+    if (m_style) {
+        setStyle(m_style.get());
+        setPalette(m_style->standardPalette());
+    }
     for (const MenuItem& item : menu)
         addItem(item, icons);
+}
+
+WidgetMenu::~WidgetMenu() {
+    // The style goes before the base class is done with it.
+    if (m_style)
+        setStyle(nullptr);
 }
 
 void WidgetMenu::addItem(const MenuItem& item, const IconProvider& icons) {
@@ -72,7 +87,7 @@ void WidgetMenu::addItem(const MenuItem& item, const IconProvider& icons) {
     if (item.submenu.empty()) {
         action = addAction(widgetMenuText(item.title));
     } else {
-        auto* submenu = new WidgetMenu(item.submenu, icons, this);
+        auto* submenu = new WidgetMenu(item.submenu, icons, m_style, this);
         submenu->setTitle(widgetMenuText(item.title));
         action = addMenu(submenu);
     }

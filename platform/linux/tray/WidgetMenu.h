@@ -8,6 +8,9 @@
 #include <QPoint>
 #include <QRect>
 #include <QSize>
+#include <QStyle>
+
+#include <memory>
 
 namespace zofra {
 
@@ -16,6 +19,7 @@ namespace zofra {
 class WidgetMenu final : public QMenu {
 public:
     WidgetMenu(const Menu& menu, const IconProvider& icons, QWidget* parent = nullptr);
+    ~WidgetMenu() override;
 
     /// Shows the menu beside `anchor` (in screen pixels), inside of what panels leave free.
     void popUpAndForget(QPoint anchor);
@@ -25,7 +29,10 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    WidgetMenu(const Menu& menu, const IconProvider& icons, std::shared_ptr<QStyle> style, QWidget* parent);
     void addItem(const MenuItem& item, const IconProvider& icons);
+
+    std::shared_ptr<QStyle> m_style;
 };
 
 /// The upper left corner of a menu of `size` that belongs to `anchor` and keeps inside `available`: below the
