@@ -86,6 +86,8 @@ void AboutPopupView::refresh() {
         showTexts(language);
     showState(language);
     updateNaturalSize();
+    // Now rather than in a later turn, or one frame would show the new texts in the places of the old ones.
+    layout()->activate();
 }
 
 void AboutPopupView::showTexts(AppLanguage language) {

@@ -33,6 +33,7 @@ public:
 
     void setContent(const QString& text);
     [[nodiscard]] const QString& content() const { return m_text; }
+    [[nodiscard]] const Style& drawnAs() const { return m_style; }
     /// Whether the text is cut at the present width.
     [[nodiscard]] bool isElided() const;
 

@@ -30,6 +30,7 @@ public:
     void setInk(Ink ink);
     [[nodiscard]] const QString& name() const { return m_name; }
     [[nodiscard]] Ink ink() const { return m_style.ink; }
+    [[nodiscard]] const Style& drawnAs() const { return m_style; }
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 

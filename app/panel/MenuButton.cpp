@@ -65,7 +65,8 @@ void MenuButton::openMenu() {
     m_menu->setAccessibleName(accessibleName());
     const QRect body = bodyRect();
     const int left = body.right() + 1 - m_menu->sizeHint().width();
-    m_menu->popup(mapToGlobal(QPoint(left, body.bottom() + 1 + look().metrics.px(2))));
+    // Below the ring, which shows whose menu it is.
+    m_menu->popup(mapToGlobal(QPoint(left, rect().bottom() + 1 + look().metrics.px(1))));
 }
 
 QSize MenuButton::bodySize() const {
