@@ -1,9 +1,12 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Real panels for a screen nobody looks at. Each is at the top of the screen and shows status items at its right end."""
 
+import json
 import os
 import shutil
 
+#: Of the panel, and with it of the screen.
+WIDTH = 1280
 HEIGHT = 36
 
 LXQT = """[General]
@@ -72,7 +75,7 @@ class Panel:
 
     #: What XDG_CURRENT_DESKTOP is where this panel is at home.
     desktop = ""
-    #: The programs that it consists of.
+    #: The programs that it consists of, and the libraries that they load.
     programs = ()
 
     def __init__(self):
@@ -80,8 +83,8 @@ class Panel:
 
     @classmethod
     def missing(cls):
-        """The programs of it that this machine does not have."""
-        return [program for program in cls.programs if not shutil.which(program)]
+        """What of it this machine does not have."""
+        return [program for program in cls.programs if not shutil.which(program) and not os.path.exists(program)]
 
     def start(self, screen):
         """Start it on that screen; returns when it is there."""
@@ -126,7 +129,7 @@ class XfcePanel(Panel):
             file.write(XFCE % {"height": HEIGHT, "plugin": self.plugin})
         self._spawn(screen, self.programs[1])
         self._spawn(screen, "xfce4-panel", "--disable-wm-check")
-        screen.wait_for_window("xfce4-panel")
+        screen.wait_for_window("Wrapper-2.0")
 
 
 class Trayer(Panel):
@@ -139,3 +142,35 @@ class Trayer(Panel):
                     "--heighttype", "pixel", "--height", str(HEIGHT), "--tint", "0xeef0f4", "--alpha", "0",
                     "--transparent", "false")
         screen.wait_for_window("trayer")
+
+
+class IndicatorPanel(XfcePanel):
+    """Xfce's panel as host of indicators: its watcher is a program of its own, and text is shown beside the icon."""
+
+    programs = (*XfcePanel.programs, "/usr/libexec/ayatana-indicator-application/ayatana-indicator-application-service",
+                "/usr/lib/x86_64-linux-gnu/xfce4/panel/plugins/libindicator-plugin.so",
+                "/usr/lib/x86_64-linux-gnu/ayatana-indicators3/7/libayatana-application.so")
+    plugin = "indicator"
+
+    def start(self, screen):
+        self._spawn(screen, self.programs[2])
+        super().start(screen)
+
+
+class Waybar(Panel):
+    """A bar for sway: draws menus itself."""
+
+    desktop = "sway"
+    programs = ("waybar",)
+
+    def start(self, screen):
+        folder = os.path.join(screen.home, "waybar")
+        os.makedirs(folder, exist_ok=True)
+        with open(os.path.join(folder, "config"), "w", encoding="ascii") as file:
+            json.dump({"layer": "top", "position": "top", "height": HEIGHT, "modules-right": ["tray"],
+                       "tray": {"icon-size": 22, "spacing": 4}}, file)
+        with open(os.path.join(folder, "style.css"), "w", encoding="ascii") as file:
+            file.write("window#waybar { background: #eef0f4; color: black; }\n")
+        nothing = screen.picture(screen.panel_box)
+        self._spawn(screen, "waybar")
+        screen.wait_for_item(nothing)

@@ -2,30 +2,113 @@
 """A virtual desktop: a display without a screen, a window manager, a panel with a status bar, a mouse."""
 
 import os
+import shutil
 import subprocess
 
 from .display import Display
-from .panels import HEIGHT, LxqtPanel
+from .panels import HEIGHT, WIDTH, LxqtPanel
 from .picture import Box
 from .process import DIE_WITH_PARENT, terminate, wait_until
 from .xserver import XServer
 
 
-class VirtualScreen:
-    """Keeps its files in `directory`; `prefix` puts every program where the radio runs. `panel` is the one to start,
-    by default LXQt's; None for a desktop without one. Start it from the main thread."""
+class Screen:
+    """What every virtual desktop has: programs of its own in a home of its own, pictures, and a panel at the top."""
 
-    def __init__(self, directory, environment, prefix=(), panel=True):
+    def __init__(self, directory, environment, prefix, panel, kind):
         self._directory = directory
         self._prefix = list(prefix)
         self._processes = []
-        self.display = Display()
-        self.server = None
-        self.panel = LxqtPanel() if panel is True else panel
+        self.panel = panel
         self.home = os.path.join(directory, "desktop")
         self.environment = {**environment, "XDG_CONFIG_HOME": self.home, "XDG_CACHE_HOME": self.home,
-                            "XDG_DATA_HOME": self.home, "HOME": self.home, "XDG_SESSION_TYPE": "x11",
-                            "XDG_CURRENT_DESKTOP": self.panel.desktop if self.panel else "", "NO_AT_BRIDGE": "1"}
+                            "XDG_DATA_HOME": self.home, "HOME": self.home, "XDG_SESSION_TYPE": kind,
+                            "XDG_CURRENT_DESKTOP": panel.desktop if panel else "", "NO_AT_BRIDGE": "1"}
+        for name in ("DISPLAY", "WAYLAND_DISPLAY", "SWAYSOCK"):
+            self.environment.pop(name, None)
+
+    def stop(self):
+        """End all of it."""
+        if self.panel:
+            self.panel.stop(self)
+        for process in reversed(self._processes):
+            terminate(process)
+        self._processes.clear()
+
+    # Programs on it.
+
+    def spawn(self, *command, prefix=None):
+        """Start a program of the desktop; it ends with the screen, or by `end`."""
+        name = os.path.basename(command[-1] if prefix else command[0])
+        with open(os.path.join(self._directory, f"{name}.log"), "ab") as log:
+            process = subprocess.Popen(
+                [*DIE_WITH_PARENT, *(self._prefix if prefix is None else prefix), *command], env=self.environment,
+                stdin=subprocess.DEVNULL, stdout=log, stderr=log, start_new_session=True)
+        self._processes.append(process)
+        return process
+
+    def end(self, process):
+        """End a program that `spawn` started."""
+        self._processes.remove(process)
+        terminate(process)
+
+    def run(self, *command, check=True):
+        """A small program on this display; returns its output."""
+        return self.run_raw(*command, check=check).decode("utf-8", "replace")
+
+    def run_raw(self, *command, check=True):
+        """The same; the output as bytes."""
+        return subprocess.run(command, env=self.environment, check=check, capture_output=True, timeout=60,
+                              stdin=subprocess.DEVNULL).stdout
+
+    # Looking at it.
+
+    def picture(self, box=None):
+        """A part of the screen, or all of it."""
+        raise NotImplementedError
+
+    def still_picture(self, box=None):
+        """The same once two pictures in a row are equal."""
+        seen = []
+
+        def stands_still():
+            seen.append(self.picture(box))
+            return len(seen) > 1 and seen[-1].data == seen[-2].data and seen[-1]
+        return wait_until(stands_still, 30, "a still picture", 0.1)
+
+    @property
+    def panel_box(self):
+        """Where the panel is."""
+        return Box(0, 0, WIDTH, HEIGHT)
+
+    def wait_for_item(self, empty, timeout=30.0):
+        """Wait until something is shown in the panel that was not in `empty`, a picture of it, and stands still. Returns
+        where it is."""
+        seen = []
+
+        def stands_still():
+            seen.append(self.picture(self.panel_box).difference(empty))
+            return len(seen) > 1 and seen[-1] is not None and seen[-1] == seen[-2] and seen[-1]
+        return wait_until(stands_still, timeout, "an item in the panel", 0.1)
+
+    def wait_for_no_item(self, empty, timeout=30.0):
+        """Wait until the panel looks as in `empty`."""
+        wait_until(lambda: self.picture(self.panel_box).difference(empty) is None, timeout, "an empty panel", 0.05)
+
+
+class VirtualScreen(Screen):
+    """An X server without a screen. Keeps its files in `directory`; `prefix` puts every program where the radio runs.
+    `panel` is the one to start, by default LXQt's; None for a desktop without one. Start it from the main thread."""
+
+    def __init__(self, directory, environment, prefix=(), panel=True):
+        super().__init__(directory, environment, prefix, LxqtPanel() if panel is True else panel, "x11")
+        self.display = Display(f"{WIDTH}x800x24")
+        self.server = None
+
+    @staticmethod
+    def missing():
+        """What this machine lacks for it."""
+        return [program for program in ("Xvfb", "openbox") if not shutil.which(program)]
 
     def start(self):
         """Display, window manager, panel; returns when the panel is there."""
@@ -42,36 +125,15 @@ class VirtualScreen:
 
     def stop(self):
         """End all of it."""
-        if self.panel:
-            self.panel.stop(self)
-        for process in reversed(self._processes):
-            terminate(process)
-        self._processes.clear()
+        super().stop()
         if self.server:
             self.server.close()
         self.display.stop()
 
-    # Programs on it.
-
-    def spawn(self, *command):
-        """Start a program of the desktop; it ends with the screen, or by `end`."""
-        name = os.path.basename(command[0])
-        with open(os.path.join(self._directory, f"{name}.log"), "ab") as log:
-            process = subprocess.Popen(
-                [*DIE_WITH_PARENT, *self._prefix, *command], env=self.environment, stdin=subprocess.DEVNULL, stdout=log,
-                stderr=log, start_new_session=True)
-        self._processes.append(process)
-        return process
-
-    def end(self, process):
-        """End a program that `spawn` started."""
-        self._processes.remove(process)
-        terminate(process)
-
-    def run(self, *command, check=True):
-        """A small program on this display; returns its output."""
-        return subprocess.run(command, env=self.environment, check=check, capture_output=True, text=True, timeout=60,
-                              stdin=subprocess.DEVNULL).stdout
+    @property
+    def variables(self):
+        """What a program needs to be shown on it."""
+        return {name: self.environment[name] for name in ("DISPLAY", "XDG_SESSION_TYPE", "XDG_CURRENT_DESKTOP")}
 
     # Looking at it.
 
@@ -82,20 +144,6 @@ class VirtualScreen:
     def picture(self, box=None):
         """A part of the screen, or all of it."""
         return self.server.picture(box)
-
-    def still_picture(self, box=None):
-        """The same once two pictures in a row are equal."""
-        seen = []
-
-        def stands_still():
-            seen.append(self.picture(box))
-            return len(seen) > 1 and seen[-1].data == seen[-2].data and seen[-1]
-        return wait_until(stands_still, 30, "a still picture", 0.1)
-
-    @property
-    def panel_box(self):
-        """Where the panel is."""
-        return Box(0, 0, self.server.width, HEIGHT)
 
     def windows(self, kind="", title=""):
         """The windows that can be seen, of that class and that title if given; the uppermost last."""
@@ -120,19 +168,3 @@ class VirtualScreen:
         """Press keys, one after the other."""
         for name in names:
             self.server.key(name)
-
-    # The status item.
-
-    def wait_for_item(self, empty, timeout=30.0):
-        """Wait until something is shown in the panel that was not in `empty`, a picture of it, and stands still. Returns where
-        it is."""
-        seen = []
-
-        def stands_still():
-            seen.append(self.picture(self.panel_box).difference(empty))
-            return len(seen) > 1 and seen[-1] is not None and seen[-1] == seen[-2] and seen[-1]
-        return wait_until(stands_still, timeout, "an item in the panel", 0.1)
-
-    def wait_for_no_item(self, empty, timeout=30.0):
-        """Wait until the panel looks as in `empty`."""
-        wait_until(lambda: self.picture(self.panel_box).difference(empty) is None, timeout, "an empty panel", 0.05)

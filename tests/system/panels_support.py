@@ -2,6 +2,8 @@
 """What the tests with real panels share. A file of them names its panel (`PANEL`), and imports these fixtures: session,
 screen and panel are started once for the file, the program for every test."""
 
+from types import SimpleNamespace
+
 import pytest
 from zofralab.lab import program_environment
 from zofralab.screen import VirtualScreen
@@ -31,10 +33,12 @@ def reader(session):
 @pytest.fixture(scope="module")
 def screen(request, running_lab, session, tmp_path_factory):
     """A screen with the panel of the file, and nothing in it."""
+    kind = getattr(request.module, "SCREEN", VirtualScreen)
     panel = request.module.PANEL() if request.module.PANEL else None
-    if panel and panel.missing():
-        pytest.skip(f"not run: no {', '.join(panel.missing())} on this machine")
-    one = VirtualScreen(str(tmp_path_factory.mktemp("screen")), program_environment(running_lab, session),
+    missing = kind.missing() + (panel.missing() if panel else [])
+    if missing:
+        pytest.skip(f"not run: no {', '.join(missing)} on this machine")
+    one = kind(str(tmp_path_factory.mktemp("screen")), program_environment(running_lab, session),
                         running_lab.enter("/"), panel)
     try:
         one.start()
@@ -52,16 +56,16 @@ def empty(screen):
 
 @pytest.fixture(scope="module")
 def display(screen):
-    """The display of that screen."""
-    return screen.display
+    """The display of that screen, as far as it has one."""
+    return getattr(screen, "display", None) or SimpleNamespace(name="")
 
 
 @pytest.fixture
 def radio(make_radio, screen):
     """The program, not started yet, at home on the desktop of that screen."""
     one = make_radio()
-    one.environment["XDG_SESSION_TYPE"] = screen.environment["XDG_SESSION_TYPE"]
-    one.environment["XDG_CURRENT_DESKTOP"] = screen.environment["XDG_CURRENT_DESKTOP"]
+    one.environment.pop("DISPLAY", None)
+    one.environment.update(screen.variables)
     return one
 
 

@@ -171,6 +171,12 @@ class Radio:
         with open(self.settings_path, "w", encoding="utf-8") as file:
             file.write("[General]\n" + "".join(f"{key}={value}\n" for key, value in values.items()))
 
+    def write_section(self, section, **values):
+        """Further settings, of a section of their own, that are there before it starts."""
+        os.makedirs(os.path.dirname(self.settings_path), exist_ok=True)
+        with open(self.settings_path, "a", encoding="utf-8") as file:
+            file.write(f"[{section}]\n" + "".join(f"{key}={value}\n" for key, value in values.items()))
+
     @property
     def pid(self):
         """Its process: entering the namespace replaces itself by the program."""

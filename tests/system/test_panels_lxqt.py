@@ -1,7 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """LXQt's panel: it passes both clicks on, the menu is of our own drawing. And what a screen reader hears of all of it."""
 
-import os
 import re
 
 import pytest
@@ -186,9 +185,7 @@ def test_the_item_returns_with_a_panel_that_was_started_anew(item, screen, empty
 
 def test_the_setting_overrules_the_panels_kind(radio, screen, empty, bus):
     screen.wait_for_no_item(empty)
-    os.makedirs(os.path.dirname(radio.settings_path), exist_ok=True)
-    with open(radio.settings_path, "w", encoding="ascii") as file:
-        file.write("[tray]\nmode=hostmenu\n")
+    radio.write_section("tray", mode="hostmenu")
     radio.start(headless=False)
     radio.wait_status(tray="hostmenu", timeout=30)
     box = screen.wait_for_item(empty)

@@ -39,6 +39,16 @@ TrayIconSource trayIconSource(const TraySession& session) {
                                                                : TrayIconSource::themeOrPixmaps;
 }
 
+TrayWheel trayWheel(const TraySession& session) {
+    // The kernel keeps only the first fifteen letters of a program's name.
+    for (const auto& program : {QLatin1String("ayatana-indicat"), QLatin1String("indicator-appli"),
+                                QLatin1String("gnome-shell"), QLatin1String("waybar")}) {
+        if (session.panelProgram.startsWith(program))
+            return TrayWheel::positiveIsDown;
+    }
+    return TrayWheel::positiveIsUp;
+}
+
 StatusNotifierObject::ToolTipText trayToolTipText(const TraySession& session) {
     using Text = StatusNotifierObject::ToolTipText;
     return session.panelProgram == QLatin1String("waybar") ? Text::markup : Text::plain;

@@ -26,6 +26,9 @@ struct TraySession {
 /// Where this panel is to take the item's icon from.
 enum class TrayIconSource { themeOrPixmaps, pixmaps };
 [[nodiscard]] TrayIconSource trayIconSource(const TraySession& session);
+/// Which way a wheel was turned that this panel tells of by a positive number.
+enum class TrayWheel { positiveIsUp, positiveIsDown };
+[[nodiscard]] TrayWheel trayWheel(const TraySession& session);
 /// How this panel reads tool tips.
 [[nodiscard]] StatusNotifierObject::ToolTipText trayToolTipText(const TraySession& session);
 

@@ -9,6 +9,7 @@
 #include <QPalette>
 #include <QToolTip>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -17,7 +18,9 @@ namespace zofra {
 namespace {
 
 constexpr auto patience = std::chrono::seconds(5);
+constexpr int maxWheelDelta = 1'000'000;
 constexpr auto flashTime = std::chrono::milliseconds(1500);
+constexpr QChar figureSpace(0x2007);
 const auto itemPath = QLatin1String("/StatusNotifierItem");
 const auto menuPath = QLatin1String("/MenuBar");
 
@@ -97,7 +100,10 @@ StatusNotifierObject::Handlers TrayStatusItem::itemHandlers() {
         if (onSecondaryActivate)
             onSecondaryActivate();
     };
-    handlers.scroll = [this](int delta) { scrolled(delta); };
+    handlers.scroll = [this](int delta) {
+        // The least number there is has no opposite.
+        scrolled(m_wheelSign == TrayWheel::positiveIsUp ? delta : -std::max(delta, -maxWheelDelta));
+    };
     handlers.activationToken = [this](const QString& token) {
         if (m_environment.activationToken)
             m_environment.activationToken(token.toUtf8());
@@ -111,6 +117,7 @@ void TrayStatusItem::panelAppeared(const QString& program) {
     session.panelProgram = program;
     m_way = trayWay(session);
     m_iconSource = trayIconSource(session);
+    m_wheelSign = trayWheel(session);
     m_item->setWay(m_way, trayToolTipText(session));
     m_item->setContent(content());
     if (m_way == StatusNotifierObject::Way::direct) {
@@ -229,7 +236,13 @@ StatusNotifierContent TrayStatusItem::content() const {
     const bool isFlashing = !m_flash.isEmpty();
     StatusNotifierContent content;
     content.title = shownLine(isFlashing ? m_flash : m_title);
-    content.label = shownLine(isFlashing ? m_flash : m_title, maxLabelCharacters);
+    content.label = shownLine(m_title, maxLabelCharacters);
+    if (isFlashing) {
+        // As wide as before, or the item would shrink away from under the pointer whose wheel is being
+        // turned.
+        const auto width = content.label.size();
+        content.label = shownLine(m_flash, maxLabelCharacters).leftJustified(width, figureSpace);
+    }
     if (m_iconSource == TrayIconSource::themeOrPixmaps)
         content.iconName = themeIconName(m_symbolName);
     content.symbolName = m_symbolName;

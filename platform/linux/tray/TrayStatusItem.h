@@ -87,6 +87,7 @@ private:
     WheelSteps m_wheel;
     StatusItemMode m_mode = StatusItemMode::none;
     StatusNotifierObject::Way m_way = StatusNotifierObject::Way::hostmenu;
+    TrayWheel m_wheelSign = TrayWheel::positiveIsUp;
     TrayIconSource m_iconSource = TrayIconSource::themeOrPixmaps;
     bool m_toldUnavailable = false;
     QString m_pixmapsSymbol;

@@ -65,6 +65,15 @@ TEST(TrayMode, OnePanelIsGivenPicturesOnlyForItShowsNothingForAnUnknownName) {
         EXPECT_EQ(trayIconSource(session(Windows::x11, program)), TrayIconSource::themeOrPixmaps);
 }
 
+TEST(TrayMode, SomePanelsTellOfAWheelTurnedTowardsTheUserByAPositiveNumber) {
+    for (const QString& program : {u"ayatana-indicat"_qs, u"gnome-shell"_qs, u"waybar"_qs})
+        EXPECT_EQ(trayWheel(session(Windows::x11, program)), TrayWheel::positiveIsDown)
+            << program.toStdString();
+    for (const QString& program : {u"lxqt-panel"_qs, u"plasmashell"_qs, QString()})
+        EXPECT_EQ(trayWheel(session(Windows::x11, program)), TrayWheel::positiveIsUp)
+            << program.toStdString();
+}
+
 TEST(TrayMode, TheSessionIsReadFromTheEnvironment) {
     test::ScopedEnvironment environment;
     environment.unset("WAYLAND_DISPLAY");

@@ -311,6 +311,20 @@ TEST_F(TrayStatusItemTest, AFlashIsSeenAtOnceAndForAMoment) {
     EXPECT_EQ(qdbus_cast<BusToolTip>(map.value(u"ToolTip"_qs)).title, u"Line one\nLine two"_qs);
 }
 
+TEST_F(TrayStatusItemTest, AFlashTakesAsMuchRoomBesideTheIconAsTheTitle) {
+    const FakePanel panel(*bus);
+    make();
+    ASSERT_TRUE(waitFor(StatusItemMode::hostmenu));
+    const QString title = u"Zofra: Somebody – A Song With A Long Name"_qs;
+    item->button()->setTitle(title);
+    item->flash(u"Volume (85 %)"_qs);
+    const auto map = properties();
+    const QString label = map.value(u"XAyatanaLabel"_qs).toString();
+    EXPECT_EQ(label.size(), title.size());
+    EXPECT_EQ(label.trimmed(), u"Volume (85 %)"_qs);
+    EXPECT_EQ(map.value(u"Title"_qs).toString(), u"Volume (85 %)"_qs);
+}
+
 TEST_F(TrayStatusItemTest, WithoutABusTheWindowStandsInAsWell) {
     client.reset();
     session.reset();
