@@ -8,8 +8,8 @@ Switches (`station` and `codec` may be `*`):
     icecast.kill / restart / freeze / thaw codec=               the server crashes / is back / hangs / goes on
     icecast.gate station= codec= mode=open|refuse|hold          the network to this address (see gate.py)
     icecast.cut / finish station= codec=                        present connections: reset / end in order
-    icecast.fault station= codec= kind= certificate= hops= scheme= status= bytes=      (see faults.py)
-    icecast.connections station= codec=, icecast.requests station= codec=, icecast.listeners, icecast.pids
+    icecast.fault station= codec= kind= certificate= hops= scheme= status= bytes= rate=  (see faults.py)
+    icecast.connections station= (also `edge`) codec=, icecast.requests station= codec=, icecast.listeners, icecast.pids
 """
 
 import asyncio
@@ -212,6 +212,8 @@ class Broadcaster(Service):
             self.world.services["dns"].add(gate.name, gate.address)
 
     def _gates_of(self, station, codec):
+        if station == "edge":  # where redirects lead
+            return [self._gates[station, one] for one in _codecs(codec)]
         return [self._gates[key] for key in _keys(station, codec)]
 
     def _start_feeder(self):

@@ -9,7 +9,7 @@ from . import addresses
 from .ca import Authority
 
 HTML = b"<!DOCTYPE html><html><head><title>Hotel Wi-Fi</title></head><body><p>Please log in.</p></body></html>"
-KINDS = ("healthy", "silent", "html", "status", "redirect", "loop", "empty", "garbage", "short")
+KINDS = ("healthy", "silent", "html", "status", "redirect", "loop", "empty", "garbage", "short", "trickle")
 CERTIFICATES = ("good", "foreign", "expired", "wrong_name", "self_signed")
 
 
@@ -117,6 +117,19 @@ class FaultServer:
                 writer.write(data)
                 await writer.drain()
                 left -= len(data)
+        finally:
+            back_writer.close()
+
+    async def _trickle(self, head, _reader, writer):
+        """Some real sound, then ever less than is played: `rate` bytes a second."""
+        back_reader, back_writer = await asyncio.open_connection("127.0.0.1", self._plain_backend)
+        try:
+            back_writer.write(head)
+            writer.write(await back_reader.readexactly(self._options.get("bytes", 60_000)))
+            while data := await back_reader.read(max(1, self._options.get("rate", 1000) // 4)):
+                writer.write(data)
+                await writer.drain()
+                await asyncio.sleep(0.25)
         finally:
             back_writer.close()
 

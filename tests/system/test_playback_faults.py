@@ -86,12 +86,32 @@ def test_the_foreign_certificate_would_have_played(radio, ears, lab):
     assert len(lab.icecast.requests(**ZOFRA)) == 1
 
 
-@pytest.mark.parametrize("hops, scheme", [(1, "https"), (4, "https")])
-def test_redirects_are_followed(radio, ears, lab, hops, scheme):
-    lab.icecast.fault(**ZOFRA, kind="redirect", hops=hops, scheme=scheme)
+@pytest.mark.parametrize("hops", [1, 5])
+def test_five_redirects_are_followed(radio, ears, lab, hops):
+    lab.icecast.fault(**ZOFRA, kind="redirect", hops=hops, scheme="https")
     radio.start("--play")
     ears.wait_for(AAC, 10, radio.started_at)
     assert len(lab.icecast.requests(**ZOFRA)) == hops
+
+
+def test_a_sixth_redirect_is_a_failure(radio, ears, lab):
+    lab.icecast.fault(**ZOFRA, kind="redirect", hops=6, scheme="https")
+    radio.start("--play")
+    radio.wait_line(FALLBACK, 15)
+    ears.wait_for(MP3, 15, radio.started_at)
+    assert len(lab.icecast.requests(**ZOFRA)) == 6
+    assert lab.icecast.connections(station="edge", codec="aac") == []
+
+
+@pytest.mark.parametrize("hops", [1, 3])
+def test_a_redirect_to_an_insecure_address_is_never_followed(radio, ears, lab, hops):
+    lab.icecast.fault(**ZOFRA, kind="redirect", hops=hops, scheme="http")
+    radio.start("--play")
+    radio.wait_line(FALLBACK, 15)
+    ears.wait_for(MP3, 15, radio.started_at)
+    assert AAC not in ears.heard(radio.started_at, ears.recorded_until())
+    assert len(lab.icecast.requests(**ZOFRA)) == hops
+    assert lab.icecast.connections(station="edge", codec="aac") == []
 
 
 def test_the_program_names_itself_to_the_station(radio, ears, lab):
@@ -115,6 +135,17 @@ def test_a_server_that_never_answers_fails_in_bounded_time(radio, ears, lab, fau
     radio.wait_line("state: buffering", 5)
     radio.wait_line(FALLBACK, 25)
     ears.wait_for(MP3, 10, radio.started_at)
+
+
+@pytest.mark.slow
+def test_a_stream_that_only_trickles_is_left_for_the_fallback(radio, ears, lab):
+    lab.icecast.fault(**ZOFRA, kind="trickle", rate=2000)
+    radio.start("--play")
+    began = ears.wait_for(AAC, 10, radio.started_at)
+    radio.wait_line("state: buffering", 20, began)
+    radio.wait_line(FALLBACK, 45)
+    ears.wait_for(MP3, 15, began)
+    assert not open_connections(lab)
 
 
 def test_garbage_is_no_sound_and_the_fallback_is_heard(radio, ears, lab):

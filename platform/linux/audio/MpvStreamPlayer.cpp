@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/audio/MpvStreamPlayer.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace zofra {
@@ -10,8 +11,10 @@ namespace {
 /// A pause up to this long goes on where it was; after a longer one the listener wants what is on the air
 /// now.
 constexpr std::chrono::milliseconds longestHeldPause{3000};
-/// A server may keep sending what never becomes sound; no time-out of the network notices that.
-constexpr std::chrono::milliseconds longestWithoutFirstSound{15000};
+/// A server may keep sending what never becomes sound, or too little of what does; no time-out of the network
+/// notices that. A connection may be silent for this long in all; each moment of sound makes up for one of
+/// silence.
+constexpr ReconnectPacing::Milliseconds longestSilence{15000};
 
 } // namespace
 
@@ -86,15 +89,14 @@ void MpvStreamPlayer::openNow() {
     m_core->setPaused(AudioCore::Pause::no);
     m_core->load(m_item->url,
                  m_lifetime.guard([this](const std::vector<EngineEvent>& events) { take(events); }));
-    m_firstSoundTimer =
-        m_engine->mainQueue.startTimer(longestWithoutFirstSound, MainQueue::Repeat::once,
-                                       [this] { take({EngineEvent::ended(EndCause::stream)}); });
+    m_silenceLeft = longestSilence;
+    beginSilence();
 }
 
 void MpvStreamPlayer::close() {
     stopWaiting();
     m_pauseTimer.reset();
-    m_firstSoundTimer.reset();
+    m_silenceTimer.reset();
     if (m_state.isOpen())
         m_engine->pacing.closed(m_item->url, takePlayedTime());
     m_state.closed();
@@ -138,7 +140,7 @@ void MpvStreamPlayer::connectionEnded(EndCause cause) {
     if (cause == EndCause::noAudioDevice)
         m_engine->report(QStringLiteral("There is no audio device to play on"));
     m_pauseTimer.reset();
-    m_firstSoundTimer.reset();
+    m_silenceTimer.reset();
     m_engine->pacing.failed(m_item->url, takePlayedTime());
     m_engine->giveBack(std::move(m_core));
 }
@@ -147,14 +149,32 @@ void MpvStreamPlayer::changeStatus(TimeControlStatus status) {
     if (status == m_status)
         return;
     m_status = status;
+    endSilence();
     if (status == TimeControlStatus::playing) {
         m_playingSince = m_engine->now();
-        m_firstSoundTimer.reset();
         m_engine->worksAgain();
     } else if (m_playingSince) {
-        m_played += m_engine->now() - *std::exchange(m_playingSince, std::nullopt);
+        const auto played = m_engine->now() - *std::exchange(m_playingSince, std::nullopt);
+        m_played += played;
+        m_silenceLeft = std::min(longestSilence, m_silenceLeft + played);
     }
+    if (status == TimeControlStatus::waitingToPlayAtSpecifiedRate && m_state.isOpen())
+        beginSilence();
     m_observers.notify(status);
+}
+
+void MpvStreamPlayer::beginSilence() {
+    m_silentSince = m_engine->now();
+    m_silenceTimer = m_engine->mainQueue.startTimer(m_silenceLeft, MainQueue::Repeat::once,
+                                                    [this] { take({EngineEvent::ended(EndCause::stream)}); });
+}
+
+void MpvStreamPlayer::endSilence() {
+    if (!m_silenceTimer)
+        return;
+    m_silenceTimer.reset();
+    m_silenceLeft =
+        std::max(m_silenceLeft - (m_engine->now() - m_silentSince), ReconnectPacing::Milliseconds(0));
 }
 
 ReconnectPacing::Milliseconds MpvStreamPlayer::takePlayedTime() {

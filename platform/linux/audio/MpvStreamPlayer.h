@@ -37,6 +37,8 @@ private:
     void settle();
     void connectionEnded(EndCause cause);
     void changeStatus(TimeControlStatus status);
+    void beginSilence();
+    void endSilence();
     [[nodiscard]] ReconnectPacing::Milliseconds takePlayedTime();
 
     std::shared_ptr<AudioEngine> m_engine;
@@ -51,7 +53,10 @@ private:
     std::optional<ReconnectPacing::Milliseconds> m_playingSince;
     std::unique_ptr<Timer> m_openTimer;
     std::unique_ptr<Timer> m_pauseTimer;
-    std::unique_ptr<Timer> m_firstSoundTimer;
+    /// How long nothing may sound before the connection is given up, and since when nothing does.
+    ReconnectPacing::Milliseconds m_silenceLeft{0};
+    ReconnectPacing::Milliseconds m_silentSince{0};
+    std::unique_ptr<Timer> m_silenceTimer;
     ObservationToken m_waitIsOver;
     Lifetime m_lifetime;
 };

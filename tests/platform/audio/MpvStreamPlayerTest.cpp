@@ -100,6 +100,64 @@ TEST_F(StreamPlayerTest, aStreamThatSoundsIsNotTakenForOneThatNeverWill) {
     EXPECT_EQ(radio->player->timeControlStatus(), playing);
 }
 
+TEST_F(StreamPlayerTest, givesUpAStreamThatIsMoreSilentThanNot) {
+    const auto radio = listen("https://a.example/x.aac");
+    radio->player->play();
+    cores.last().tellPlaying();
+    // A second of sound, then a wait of four, again and again: never long enough for a time-out.
+    auto waited = 0s;
+    while (radio->failures == 0 && waited < 1min) {
+        queue.advance(1s);
+        cores.last().tellStall();
+        queue.advance(4s);
+        waited += 4s;
+        if (radio->failures == 0)
+            cores.last().tell({EngineEvent::pausedForCache(false), EngineEvent::coreIdle(false)});
+    }
+    EXPECT_EQ(radio->failures, 1);
+    EXPECT_EQ(waited, 20s) << "15 s, and what the sound in between made up for";
+}
+
+TEST_F(StreamPlayerTest, keepsAStreamThatIsSilentNowAndThen) {
+    const auto radio = listen("https://a.example/x.aac");
+    radio->player->play();
+    cores.last().tellPlaying();
+    for (int i = 0; i < 100; ++i) {
+        queue.advance(10s);
+        cores.last().tellStall();
+        queue.advance(9s);
+        cores.last().tell({EngineEvent::pausedForCache(false), EngineEvent::coreIdle(false)});
+    }
+    EXPECT_EQ(radio->failures, 0);
+}
+
+TEST_F(StreamPlayerTest, soundMakesUpForNoMoreSilenceThanOneMayLast) {
+    const auto radio = listen("https://a.example/x.aac");
+    radio->player->play();
+    cores.last().tellPlaying();
+    queue.advance(1h);
+    cores.last().tellStall();
+    queue.advance(14'999ms);
+    EXPECT_EQ(radio->failures, 0);
+    queue.advance(1ms);
+    EXPECT_EQ(radio->failures, 1);
+}
+
+TEST_F(StreamPlayerTest, doesNotCountTheSilenceOfAPause) {
+    const auto radio = listen("https://a.example/x.aac");
+    radio->player->play();
+    cores.last().tellPlaying();
+    cores.last().tellStall();
+    queue.advance(14s);
+    radio->player->pause();
+    queue.advance(2s);
+    radio->player->play();
+    queue.advance(999ms);
+    EXPECT_EQ(radio->failures, 0);
+    queue.advance(1ms);
+    EXPECT_EQ(radio->failures, 1);
+}
+
 TEST_F(StreamPlayerTest, changesTheVolumeWhileItPlays) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
@@ -418,7 +476,7 @@ TEST_F(SharedEngine, goesOnPacingWhenThereWasLittleSound) {
     cores.last().tellPlaying();
     queue.advance(16s);
     cores.last().tellStall();
-    queue.advance(1min);
+    queue.advance(14s);
     cores.last().tell({EngineEvent::coreIdle(false), EngineEvent::pausedForCache(false)});
     queue.advance(13s);
     radio = failAndReplace(std::move(radio));
