@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/app/DelegateFixture.h"
+#include "tests/metadata/Frames.h"
 
 namespace zofra::test {
 namespace {
@@ -64,21 +65,17 @@ TEST_F(AppDelegateCallbacks, ANewLanguageReplacesTheLoadingTextWhileLoading) {
 
 TEST_F(AppDelegateCallbacks, ANewLanguageLeavesASongAloneButRedraws) {
     launch();
-    // A first applied text ends loading.
+    // The first track ends loading.
     sockets.last().deliver(u"o"_qs);
     queue.drain();
-    sockets.last().deliver(
-        uR"(a["{\"action\":\"data\",\"sub\":{\"station\":\"zofra_be\",\"entity\":\"plays\",\"action\":\"play\"},\"data\":"{}"}"])"_qs);
+    sockets.last().deliver(trackFrame(u"zofra_be"_qs, u"Song"_qs, u"Artist"_qs));
     queue.drain();
-    delegate->viewModel().onUpdate(u"Artist – Song"_qs, std::nullopt);
-    if (!delegate->viewModel().isLoading()) {
-        languages->setLanguage(AppLanguage::fr);
-        queue.drain();
-        EXPECT_EQ(delegate->currentSongText(), u"Artist – Song"_qs);
-    }
+    ASSERT_FALSE(delegate->viewModel().isLoading());
+    ASSERT_EQ(delegate->currentSongText(), u"Artist – Song"_qs);
     const int before = refreshes();
     languages->setLanguage(AppLanguage::nl);
     queue.drain();
+    EXPECT_EQ(delegate->currentSongText(), u"Artist – Song"_qs);
     EXPECT_EQ(refreshes(), before + 1);
 }
 
