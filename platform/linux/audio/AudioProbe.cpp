@@ -44,7 +44,7 @@ public:
     QString start() {
         if (!m_handle)
             return QStringLiteral("libmpv cannot be started");
-        for (const auto& option : mpvOptions({})) {
+        for (const auto& option : mpvOptions()) {
             const int result = m_library->setOptionString(m_handle, option.name, option.value.constData());
             if (result < 0 && option.need == MpvOption::Need::required)
                 return QStringLiteral("libmpv does not take the option ") + QString::fromLatin1(option.name);

@@ -101,7 +101,7 @@ void MpvCore::handleReady(std::shared_ptr<MpvHandle> handle, const QString& reas
 }
 
 void MpvCore::startLoading() {
-    m_handle->command(++m_lastCommand, "loadfile", m_url.toEncoded());
+    m_handle->command(++m_lastCommand, "loadfile", StreamSource::address(m_url));
     m_startChecks = 0;
     m_startTimer =
         m_mainQueue.startTimer(startCheck, MainQueue::Repeat::forever, [this] { replaceHungHandle(); });

@@ -40,7 +40,8 @@ void endInBackground(std::shared_ptr<const MpvLibrary> library, mpv_handle* hand
 
 } // namespace
 
-/// What mpv rings, from any of its threads, when it has events. Rings once until the events are fetched.
+/// What mpv rings, from any of its threads, when it has events. Rings once until the events are fetched. With
+/// it stays, to the end of mpv, what else its threads come to.
 struct MpvHandle::Doorbell {
     Doorbell(MainQueue& queue, std::function<void()> handler)
         : mainQueue(queue)
@@ -51,6 +52,7 @@ struct MpvHandle::Doorbell {
     std::atomic<bool> rung{false};
     std::atomic<bool> unheard{false};
     std::weak_ptr<Doorbell> self;
+    std::optional<StreamSource> streams;
 };
 
 void MpvHandle::make(MainQueue& mainQueue, const Recipe& recipe, std::function<void()> onEvents,
@@ -106,7 +108,11 @@ std::shared_ptr<MpvHandle> MpvHandle::makeNow(const Recipe& recipe, const std::s
         reason = QStringLiteral("libmpv cannot be started");
         return nullptr;
     }
-    reason = configure(*library, handle, recipe.authorityFile ? recipe.authorityFile() : QByteArray());
+    HttpStream::Settings settings;
+    settings.authorities = HttpStream::authorities(recipe.extraAuthorityFile);
+    settings.userAgent = "ZofraZofra/1.0";
+    doorbell->streams.emplace(std::move(settings));
+    reason = configure(*library, handle, *doorbell->streams);
     if (!reason.isEmpty()) {
         library->terminateDestroy(handle);
         return nullptr;
@@ -114,8 +120,8 @@ std::shared_ptr<MpvHandle> MpvHandle::makeNow(const Recipe& recipe, const std::s
     return std::shared_ptr<MpvHandle>(new MpvHandle(library, handle, doorbell));
 }
 
-QString MpvHandle::configure(const MpvLibrary& library, mpv_handle* handle, const QByteArray& authorityFile) {
-    for (const auto& option : mpvOptions(authorityFile)) {
+QString MpvHandle::configure(const MpvLibrary& library, mpv_handle* handle, StreamSource& streams) {
+    for (const auto& option : mpvOptions()) {
         const int result = library.setOptionString(handle, option.name, option.value.constData());
         if (result < 0 && option.need == MpvOption::Need::required)
             return QStringLiteral("libmpv does not take the option %1: %2")
@@ -123,6 +129,9 @@ QString MpvHandle::configure(const MpvLibrary& library, mpv_handle* handle, cons
     }
     if (const int result = library.initialize(handle); result < 0)
         return QStringLiteral("libmpv cannot be started: %1")
+            .arg(QString::fromUtf8(library.errorString(result)));
+    if (const int result = streams.serve(handle, library.streamCbAddRo); result < 0)
+        return QStringLiteral("libmpv does not take our streams: %1")
             .arg(QString::fromUtf8(library.errorString(result)));
     library.observeProperty(handle, coreIdleId, "core-idle", MPV_FORMAT_FLAG);
     library.observeProperty(handle, pausedForCacheId, "paused-for-cache", MPV_FORMAT_FLAG);

@@ -3,6 +3,7 @@
 
 #include "platform/MainQueue.h"
 #include "platform/linux/audio/MpvLibrary.h"
+#include "platform/linux/audio/StreamSource.h"
 
 #include <QByteArray>
 #include <QString>
@@ -10,6 +11,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace zofra {
 
@@ -20,8 +22,8 @@ public:
     /// What a new mpv is made with.
     struct Recipe {
         const char* libraryFile = MpvLibrary::defaultFileName;
-        /// Called on the making thread.
-        std::function<QByteArray()> authorityFile;
+        /// Trusted in addition to the system's authorities.
+        std::optional<QString> extraAuthorityFile;
     };
     /// The mpv, or null and why there is none, on one line.
     using Ready = std::function<void(std::shared_ptr<MpvHandle>, const QString& reason)>;
@@ -53,7 +55,7 @@ private:
               std::shared_ptr<Doorbell> doorbell);
     static std::shared_ptr<MpvHandle> makeNow(const Recipe& recipe, const std::shared_ptr<Doorbell>& doorbell,
                                               QString& reason);
-    static QString configure(const MpvLibrary& library, mpv_handle* handle, const QByteArray& authorityFile);
+    static QString configure(const MpvLibrary& library, mpv_handle* handle, StreamSource& streams);
     static void ring(void* doorbell);
 
     std::shared_ptr<const MpvLibrary> m_library;

@@ -65,6 +65,7 @@ std::variant<std::shared_ptr<const MpvLibrary>, QString> MpvLibrary::load(const 
     symbols.find(library->setWakeupCallback, "mpv_set_wakeup_callback");
     symbols.find(library->waitEvent, "mpv_wait_event");
     symbols.find(library->errorString, "mpv_error_string");
+    symbols.find(library->streamCbAddRo, "mpv_stream_cb_add_ro");
     if (!symbols.missing().isEmpty())
         return QStringLiteral("libmpv cannot be used: it has no %1").arg(symbols.missing());
     const auto major = library->clientApiVersion() >> 16;

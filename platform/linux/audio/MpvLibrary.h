@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <mpv/client.h>
+#include <mpv/stream_cb.h>
 #include <variant>
 
 namespace zofra {
@@ -29,6 +30,7 @@ public:
     decltype(&::mpv_set_wakeup_callback) setWakeupCallback = nullptr;
     decltype(&::mpv_wait_event) waitEvent = nullptr;
     decltype(&::mpv_error_string) errorString = nullptr;
+    decltype(&::mpv_stream_cb_add_ro) streamCbAddRo = nullptr;
 };
 
 } // namespace zofra

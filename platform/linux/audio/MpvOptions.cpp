@@ -10,10 +10,10 @@ namespace {
 
 using enum MpvOption::Need;
 
-/// Nothing but a network stream of one of the two kinds that stations send: no files of the user's, no lists
-/// that lead elsewhere, no scripts.
+/// Nothing but sound of one of the two kinds that stations send, and that from us: no files of the user's, no
+/// connections of the engine's own, no lists that lead elsewhere, no scripts.
 void appendSafety(std::vector<MpvOption>& options) {
-    const QByteArray protocols = "protocol_whitelist=[http,https,tcp,tls,httpproxy]";
+    const QByteArray protocols = "protocol_whitelist=[none]";
     options.insert(options.end(), {
                                       {"config", "no", required},
                                       {"load-scripts", "no", required},
@@ -30,7 +30,6 @@ void appendSafety(std::vector<MpvOption>& options) {
                                       {"demuxer-lavf-o", "format_whitelist=[aac,mp3]," + protocols, required},
                                       {"stream-lavf-o", protocols, required},
                                       {"tls-verify", "yes", required},
-                                      {"cookies", "no", ifKnown},
                                   });
 }
 
@@ -54,8 +53,6 @@ void appendSilentSurroundings(std::vector<MpvOption>& options) {
 
 void appendStreaming(std::vector<MpvOption>& options) {
     options.insert(options.end(), {
-                                      {"user-agent", "ZofraZofra/1.0", required},
-                                      {"network-timeout", "10", required},
                                       {"cache", "yes", required},
                                       {"cache-secs", "20", required},
                                       {"demuxer-max-bytes", "4MiB", required},
@@ -81,14 +78,12 @@ void appendDevice(std::vector<MpvOption>& options) {
 
 } // namespace
 
-std::vector<MpvOption> mpvOptions(const QByteArray& authorityFile) {
+std::vector<MpvOption> mpvOptions() {
     std::vector<MpvOption> options;
     appendSafety(options);
     appendSilentSurroundings(options);
     appendStreaming(options);
     appendDevice(options);
-    if (!authorityFile.isEmpty())
-        options.push_back({"tls-ca-file", authorityFile, required});
     return options;
 }
 

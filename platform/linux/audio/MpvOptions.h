@@ -16,8 +16,8 @@ struct MpvOption {
     Need need;
 };
 
-/// Every option. `authorityFile` is a file of certificate authorities, empty for the library's own choice.
-[[nodiscard]] std::vector<MpvOption> mpvOptions(const QByteArray& authorityFile);
+/// Every option.
+[[nodiscard]] std::vector<MpvOption> mpvOptions();
 
 /// The engine's number for a linear amplitude of 0 to 1: its scale is cubic, 100 is full.
 [[nodiscard]] double mpvVolume(float linear);

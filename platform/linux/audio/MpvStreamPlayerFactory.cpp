@@ -2,7 +2,6 @@
 #include "platform/linux/audio/MpvStreamPlayerFactory.h"
 
 #include "platform/linux/audio/AudioEngine.h"
-#include "platform/linux/audio/AuthorityBundle.h"
 #include "platform/linux/audio/MpvCore.h"
 #include "platform/linux/audio/MpvStreamPlayer.h"
 
@@ -31,8 +30,7 @@ MpvStreamPlayerFactory::MpvStreamPlayerFactory(MainQueue& mainQueue, SystemLog& 
         qputenv("PIPEWIRE_DEBUG", "0");
     MpvHandle::Recipe recipe;
     recipe.libraryFile = configuration.libraryFile;
-    recipe.authorityFile = [bundle = std::make_shared<AuthorityBundle>(
-                                std::move(configuration.extraAuthorityFile), log)] { return bundle->file(); };
+    recipe.extraAuthorityFile = std::move(configuration.extraAuthorityFile);
     // The cores report to the engine that owns them; by then it is there.
     auto self = std::make_shared<std::weak_ptr<AudioEngine>>();
     auto makeCore = [&mainQueue, recipe, self] {

@@ -104,6 +104,12 @@ MPV_EXPORT mpv_event* mpv_wait_event(mpv_handle* handle, double timeout) {
     return &instance.handedOut->event;
 }
 
+MPV_EXPORT int mpv_stream_cb_add_ro(mpv_handle*, const char* protocol, void*, mpv_stream_cb_open_ro_fn) {
+    const std::scoped_lock lock(control->mutex);
+    control->protocols.emplace_back(protocol);
+    return control->addProtocolResult;
+}
+
 MPV_EXPORT const char* mpv_error_string(int error) {
     return error == MPV_ERROR_OPTION_NOT_FOUND ? "option not found" : "something else";
 }

@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <mpv/client.h>
+#include <mpv/stream_cb.h>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -46,6 +47,9 @@ struct FakeMpvControl {
     /// Commands and properties as text, in order, of all instances.
     std::vector<std::string> calls;
     std::map<std::string, std::string> options;
+    /// Of the streams that come from outside of mpv.
+    std::vector<std::string> protocols;
+    int addProtocolResult = 0;
     std::string refusedOption;
     int initializeResult = 0;
     bool failsToCreate = false;

@@ -182,9 +182,9 @@ protected:
     ManualMainQueue& queue = lastingQueue();
     QStringList reported;
     QStringList told;
-    std::unique_ptr<MpvCore> core = std::make_unique<MpvCore>(
-        queue, MpvHandle::Recipe{ZOFRA_FAKE_MPV, [] { return QByteArray("/a/b.pem"); }},
-        [this](const QString& reason) { reported << reason; });
+    std::unique_ptr<MpvCore> core =
+        std::make_unique<MpvCore>(queue, MpvHandle::Recipe{ZOFRA_FAKE_MPV, std::nullopt},
+                                  [this](const QString& reason) { reported << reason; });
 };
 
 TEST_F(Core, makesNoMpvBeforeItIsNeeded) {
@@ -199,9 +199,9 @@ TEST_F(Core, makesOneWithItsOptionsAndOpensTheAddress) {
     core->setVolume(0.125F);
     load("https://a.example/x.aac?y=1");
     EXPECT_THAT(takeCalls(),
-                ElementsAre("set volume 50", "set pause 0", "loadfile https://a.example/x.aac?y=1"));
-    EXPECT_EQ(fake.options.at("tls-verify"), "yes");
-    EXPECT_EQ(fake.options.at("tls-ca-file"), "/a/b.pem");
+                ElementsAre("set volume 50", "set pause 0", "loadfile zofrahttps://a.example/x.aac?y=1"));
+    EXPECT_EQ(fake.options.at("demuxer"), "lavf");
+    EXPECT_THAT(fake.protocols, ElementsAre("zofrahttps", "zofrahttp"));
     EXPECT_THAT(reported, IsEmpty());
     EXPECT_STREQ(std::setlocale(LC_NUMERIC, nullptr), "C");
 }
@@ -260,7 +260,7 @@ TEST_F(Core, isSilentAboutWhatItWasToldToStop) {
 TEST_F(Core, keepsTheNewsOfOneConnectionFromTheNext) {
     startPlaying("https://a.example/1.aac", 1);
     load("https://a.example/2.aac");
-    EXPECT_THAT(takeCalls(), ElementsAre("loadfile https://a.example/2.aac"));
+    EXPECT_THAT(takeCalls(), ElementsAre("loadfile zofrahttps://a.example/2.aac"));
     // The old one is still telling when the new one has been asked for.
     coreIdle(1);
     pausedForCache(1);
@@ -328,7 +328,7 @@ TEST_F(Core, replacesAnMpvThatHangs) {
     queue.advance(1ms);
     waitUntilMade(2);
     EXPECT_THAT(takeCalls(),
-                ElementsAre("set volume 100", "set pause 0", "loadfile https://a.example/1.aac"));
+                ElementsAre("set volume 100", "set pause 0", "loadfile zofrahttps://a.example/1.aac"));
     EXPECT_EQ(MpvHandle::stillEnding(), 1);
     reply(7);
     start(7);
@@ -368,7 +368,7 @@ TEST_F(Core, makesAnotherWhenMpvEndsByItself) {
     EXPECT_THAT(told, ElementsAre(QStringLiteral("no engine")));
     load("https://a.example/x.aac", 2);
     EXPECT_THAT(takeCalls(),
-                ElementsAre("set volume 100", "set pause 0", "loadfile https://a.example/x.aac"));
+                ElementsAre("set volume 100", "set pause 0", "loadfile zofrahttps://a.example/x.aac"));
 }
 
 TEST_F(Core, makesAnotherWhenEventsWereLost) {
@@ -383,14 +383,15 @@ TEST_F(Core, keepsPauseAndVolumeForTheMpvThatIsStillBeingMade) {
     core->setVolume(0.0F);
     core->setPaused(AudioCore::Pause::yes);
     waitUntilMade(1);
-    EXPECT_THAT(takeCalls(), ElementsAre("set volume 0", "set pause 1", "loadfile https://a.example/x.aac"));
+    EXPECT_THAT(takeCalls(),
+                ElementsAre("set volume 0", "set pause 1", "loadfile zofrahttps://a.example/x.aac"));
 }
 
 TEST_F(Core, opensOnlyTheLatestAddressOnceTheMpvIsMade) {
     core->load(QUrl(QStringLiteral("https://a.example/1.aac")), [](const auto&) { FAIL(); });
     load("https://a.example/2.aac");
     EXPECT_THAT(takeCalls(),
-                ElementsAre("set volume 100", "set pause 0", "loadfile https://a.example/2.aac"));
+                ElementsAre("set volume 100", "set pause 0", "loadfile zofrahttps://a.example/2.aac"));
     EXPECT_EQ(fake.instances.size(), 1U);
 }
 
@@ -478,6 +479,12 @@ TEST_F(CoreThatCannotBeMade, butAnOptionThatOnlyHelpsMayBeMissing) {
     fake.refusedOption = "pulse-buffer";
     load("https://a.example/1.aac");
     EXPECT_THAT(reported, IsEmpty());
+}
+
+TEST_F(CoreThatCannotBeMade, becauseItTakesNoStreamsOfOurs) {
+    fake.addProtocolResult = MPV_ERROR_GENERIC;
+    expectReport("libmpv does not take our streams: something else");
+    EXPECT_TRUE(fake.instances.front()->isEnded);
 }
 
 TEST_F(CoreThatCannotBeMade, becauseItDoesNotStart) {

@@ -15,9 +15,9 @@
 namespace zofra::test {
 namespace {
 
-std::map<std::string, MpvOption> byName(const QByteArray& authorityFile) {
+std::map<std::string, MpvOption> byName() {
     std::map<std::string, MpvOption> result;
-    for (const auto& option : mpvOptions(authorityFile)) {
+    for (const auto& option : mpvOptions()) {
         const bool isNew = result.insert({option.name, option}).second;
         EXPECT_TRUE(isNew) << option.name << " is given twice";
     }
@@ -37,17 +37,15 @@ TEST(MpvVolume, staysOnItsScale) {
 }
 
 TEST(MpvOptions, insistOnWhatKeepsTheListenerSafe) {
-    const auto options = byName({});
+    const auto options = byName();
     const std::map<std::string, QByteArray> expected{
         {"tls-verify", "yes"},
         {"config", "no"},
         {"load-scripts", "no"},
         {"load-unsafe-playlists", "no"},
         {"demuxer", "lavf"},
-        {"network-timeout", "10"},
-        {"user-agent", "ZofraZofra/1.0"},
-        {"stream-lavf-o", "protocol_whitelist=[http,https,tcp,tls,httpproxy]"},
-        {"demuxer-lavf-o", "format_whitelist=[aac,mp3],protocol_whitelist=[http,https,tcp,tls,httpproxy]"},
+        {"stream-lavf-o", "protocol_whitelist=[none]"},
+        {"demuxer-lavf-o", "format_whitelist=[aac,mp3],protocol_whitelist=[none]"},
     };
     for (const auto& [name, value] : expected) {
         const auto option = options.find(name);
@@ -55,14 +53,6 @@ TEST(MpvOptions, insistOnWhatKeepsTheListenerSafe) {
         EXPECT_EQ(option->second.value, value) << name;
         EXPECT_EQ(option->second.need, MpvOption::Need::required) << name;
     }
-}
-
-TEST(MpvOptions, nameTheAuthoritiesWhenThereIsAFile) {
-    EXPECT_EQ(byName({}).count("tls-ca-file"), 0U);
-    const auto options = byName("/a/b.pem");
-    ASSERT_EQ(options.count("tls-ca-file"), 1U);
-    EXPECT_EQ(options.at("tls-ca-file").value, QByteArray("/a/b.pem"));
-    EXPECT_EQ(options.at("tls-ca-file").need, MpvOption::Need::required);
 }
 
 TEST(LibraryPages, comeBackByThemselvesAfterTheyWereLetGo) {
