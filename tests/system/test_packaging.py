@@ -1,0 +1,87 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""The files that the desktop and the shells read, judged by those who read them."""
+
+import configparser
+import os
+import re
+import shutil
+import subprocess
+
+import pytest
+from conftest import ROOT
+
+PACKAGING = os.path.join(ROOT, "packaging")
+DESKTOP = os.path.join(PACKAGING, "desktop", "be.zofra.ZofraZofra.desktop")
+
+
+def judged(*command):
+    """Everything that a judge says, and its exit status."""
+    if not shutil.which(command[0]):
+        pytest.skip(f"skipped: {command[0]} is not installed")
+    done = subprocess.run(command, capture_output=True, text=True, check=False, timeout=60,
+                          env={**os.environ, "LC_ALL": "C.UTF-8"})
+    return done.returncode, (done.stdout + done.stderr).strip()
+
+
+def built(binary, name):
+    """A file of the build that the program came from."""
+    path = os.path.join(os.path.dirname(os.path.dirname(binary)), "packaging", name)
+    if not os.path.exists(path):
+        pytest.skip(f"skipped: there is no {path}")
+    return path
+
+
+def test_the_desktop_file_is_valid():
+    assert judged("desktop-file-validate", DESKTOP) == (0, "")
+
+
+def test_the_metainfo_is_valid(binary):
+    status, said = judged("appstreamcli", "validate", "--strict", "--no-net",
+                          built(binary, "be.zofra.ZofraZofra.metainfo.xml"))
+    assert status == 0, said
+
+
+def test_the_manual_page_is_formatted_without_a_warning():
+    page = os.path.join(PACKAGING, "man", "zofrazofra.1")
+    status, said = judged("man", "--warnings", "-E", "UTF-8", "-l", page)
+    assert status == 0 and "warning" not in said and "--doctor" in said.replace("‐", "-"), said[:500]
+
+
+def test_the_bus_starts_what_the_desktop_file_names(binary):
+    service = configparser.ConfigParser()
+    service.read(built(binary, "be.zofra.ZofraZofra.service"))
+    entry = configparser.ConfigParser(interpolation=None)
+    entry.optionxform = str
+    entry.read(DESKTOP, encoding="utf-8")
+    name = os.path.basename(DESKTOP).removesuffix(".desktop")
+    assert service["D-BUS Service"]["Name"] == name
+    assert entry["Desktop Entry"]["DBusActivatable"] == "true"
+    assert os.path.basename(service["D-BUS Service"]["Exec"]) == entry["Desktop Entry"]["Exec"] == "zofrazofra"
+    assert entry["Desktop Entry"]["Icon"] == name
+    assert os.path.exists(os.path.join(ROOT, "app", "icons", f"{name}.svg"))
+
+
+def completions(*words):
+    """What bash offers for the last word."""
+    script = 'source "$1"; shift; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _zofrazofra; printf "%s\\n" "${COMPREPLY[@]}"'
+    done = subprocess.run(["bash", "-c", script, "bash", os.path.join(PACKAGING, "completion", "zofrazofra.bash"),
+                           "zofrazofra", *words], capture_output=True, text=True, check=True, timeout=20)
+    return done.stdout.split()
+
+
+@pytest.mark.parametrize("words, expected", [
+    (["--pl"], ["--play"]), (["--play", "q"], ["qmusic"]), (["--play", "sud"], ["sud_radio_belgique", "sud_radio_hainaut"]),
+    (["--output", "e"], ["everywhere"]), (["--he"], ["--headless", "--help"]), (["--nonsense"], [])])
+def test_bash_completes(words, expected):
+    assert sorted(completions(*words)) == expected
+
+
+@pytest.mark.parametrize("shell, page", [("zsh", "_zofrazofra"), ("fish", "zofrazofra.fish")])
+def test_the_other_shells_can_read_their_completions(shell, page):
+    assert judged(shell, "-n", os.path.join(PACKAGING, "completion", page)) == (0, "")
+
+
+def test_the_package_list_of_each_job_is_named_by_dev():
+    with open(os.path.join(ROOT, "dev"), encoding="utf-8") as file:
+        named = {word for line in re.findall(r"\bneed ((?:[a-z-]+ ?)+)", file.read()) for word in line.split()}
+    assert set(os.listdir(os.path.join(PACKAGING, "needs"))) == named
