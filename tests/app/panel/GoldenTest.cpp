@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/StatusMenu.h"
 #include "app/panel/MenuButton.h"
+#include "app/panel/PanelMenuStyle.h"
+#include "platform/linux/tray/WidgetMenu.h"
 #include "tests/app/panel/PanelImages.h"
 #include "tests/app/panel/PanelWorld.h"
 
 #include <QDir>
 #include <QFile>
+#include <QKeyEvent>
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 #include <tuple>
 
@@ -66,10 +72,16 @@ void arrange(PanelWorld& world, Scene scene) {
     world.viewModel.nextSong = world.viewModel.currentSong.get();
 }
 
-QImage pictureOf(PanelWorld& world, qreal ratio) {
+QImage pictureOf(PanelWorld& world, qreal ratio, qreal fontPixels = 14, int tabs = 0) {
     const auto view = world.makeView();
-    view->setFont(pictureFont());
+    view->setFont(pictureFont(fontPixels));
     view->show();
+    view->activateWindow();
+    PanelWorld::settle();
+    for (int i = 0; i < tabs; ++i) {
+        QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
+        QApplication::sendEvent(QApplication::focusWidget(), &tab);
+    }
     PanelWorld::settle();
     return picture(*view, ratio);
 }
@@ -132,6 +144,61 @@ INSTANTIATE_TEST_SUITE_P(All, PanelPicture,
                                             ::testing::Values(Scene::quiet, Scene::playing, Scene::longest)),
                          testName);
 
+/// What people need who see or move otherwise than most.
+struct Special {
+    std::string name;
+    std::string language;
+    DesktopAppearance appearance;
+    qreal ratio = 1;
+    qreal fontPixels = 14;
+    /// How often Tab was pressed.
+    int tabs = 0;
+};
+
+class SpecialPicture : public ::testing::TestWithParam<Special> {
+protected:
+    void SetUp() override {
+        if (const auto reason = whyNoComparison(); !reason.empty())
+            GTEST_SKIP() << reason;
+    }
+};
+
+TEST_P(SpecialPicture, LooksAsBefore) {
+    const Special& special = GetParam();
+    PanelWorld world(QString::fromStdString(special.language));
+    world.appearance.set(special.appearance);
+    arrange(world, Scene::playing);
+    expectGolden(pictureOf(world, special.ratio, special.fontPixels, special.tabs),
+                 QString::fromStdString(special.name));
+}
+
+using Contrast = DesktopAppearance::Contrast;
+const DesktopAppearance light{Scheme::light, Contrast::normal, std::nullopt};
+const DesktopAppearance dark{Scheme::dark, Contrast::normal, std::nullopt};
+
+INSTANTIATE_TEST_SUITE_P(
+    All, SpecialPicture,
+    ::testing::Values(Special{"large-de-light", "de", light, 1, 21},
+                      Special{"large-fr-dark", "fr", dark, 1, 18},
+                      Special{"one-and-a-half-nl-light", "nl", light, 1.5},
+                      Special{"one-and-a-half-en-dark", "en", dark, 1.5},
+                      Special{"contrast-en-light", "en", {Scheme::light, Contrast::high, std::nullopt}, 2},
+                      Special{"contrast-en-dark", "en", {Scheme::dark, Contrast::high, std::nullopt}, 2},
+                      Special{"blue-en-light", "en", {Scheme::light, Contrast::normal, QColor(0x3584e4)}, 2},
+                      Special{"yellow-en-dark", "en", {Scheme::dark, Contrast::normal, QColor(0xf5c211)}, 2},
+                      Special{"focus-language-en-light", "en", light, 2, 14, 2},
+                      Special{"focus-output-en-dark", "en", dark, 2, 14, 6},
+                      Special{"focus-play-en-light", "en", light, 2, 14, 7},
+                      Special{"focus-volume-en-dark", "en", dark, 2, 14, 8},
+                      Special{"focus-link-en-light", "en", light, 2, 14, 9},
+                      Special{"focus-start-en-light", "en", light, 2, 14, 10},
+                      Special{"focus-close-en-dark", "en", dark, 2, 14, 11}),
+    [](const ::testing::TestParamInfo<Special>& tested) {
+        std::string name = tested.param.name;
+        std::replace(name.begin(), name.end(), '-', '_');
+        return name;
+    });
+
 /// The menus as they open.
 class MenuPicture : public ::testing::TestWithParam<std::tuple<std::string, DesktopAppearance::ColorScheme>> {
 protected:
@@ -163,12 +230,61 @@ TEST_P(MenuPicture, LooksAsBefore) {
     if (language == "en")
         expectGolden(menuPicture(*view, 0), QStringLiteral("menu-stations") + suffix);
     expectGolden(menuPicture(*view, 1), QStringLiteral("menu-output-none") + suffix);
+    world.sonos.localNetworkDenied = true;
+    expectGolden(menuPicture(*view, 1), QStringLiteral("menu-output-denied") + suffix);
+    world.sonos.localNetworkDenied = false;
     world.sonos.rooms =
         QList<SonosRoom>{makeRoom(QStringLiteral("RINCON_1"), QStringLiteral("Kitchen & Bath")),
                          makeRoom(QStringLiteral("RINCON_2"), QStringLiteral("Wohnzimmer"))};
     world.sonos.activeTarget = AudioOutputTarget::sonos(QStringLiteral("RINCON_2"));
     PanelWorld::settle();
     expectGolden(menuPicture(*view, 1), QStringLiteral("menu-output-rooms") + suffix);
+}
+
+/// The drawings for the status bar's menu, in the panel's style.
+class Symbols final : public IconProvider {
+public:
+    explicit Symbols(const PanelWorld& world)
+        : m_world(world) {}
+    QImage image(const QString& symbolName, int pixels, const QColor& color) const override {
+        return m_world.icons.image(symbolName, pixels, color);
+    }
+    std::shared_ptr<QStyle> menuStyle() const override {
+        return std::make_shared<PanelMenuStyle>(std::make_unique<PanelLook>(
+            PanelLook{PanelTheme::make(m_world.appearance.current(), QApplication::palette()),
+                      PanelMetrics(pictureFont(), 96, 800), m_world.icons}));
+    }
+
+private:
+    const PanelWorld& m_world;
+};
+
+TEST_P(MenuPicture, OfTheStatusBarLooksAsBefore) {
+    const auto& [language, scheme] = GetParam();
+    const QString code = QString::fromStdString(language);
+    PanelWorld world(code);
+    world.appearance.set({scheme, DesktopAppearance::Contrast::normal, std::nullopt});
+    StatusMenuState state;
+    state.isPlaying = true;
+    state.currentStation = RadioStation::qmusic;
+    state.currentSongText = QStringLiteral("An Artist – A Song");
+    state.nextSongText = QStringLiteral("Another Artist – Another Song");
+    state.activeTargetTitle = world.sonos.activeTargetTitle();
+    state.volume = 0.8F;
+    const Symbols symbols(world);
+    WidgetMenu menu(statusMenu(state, world.languages, {}), symbols);
+    const auto setFont = [](QMenu& one) {
+        one.setFont(pictureFont());
+        one.ensurePolished();
+        one.adjustSize();
+    };
+    setFont(menu);
+    menu.setActiveAction(menu.actions().at(1));
+    const QString suffix = QStringLiteral("-%1-%2").arg(code, schemeName(scheme));
+    expectGolden(picture(menu, 2), QStringLiteral("menu-status") + suffix);
+    QMenu* volume = menu.actions().at(3)->menu<QMenu*>();
+    setFont(*volume);
+    expectGolden(picture(*volume, 2), QStringLiteral("menu-status-volume") + suffix);
 }
 
 std::string menuTestName(const ::testing::TestParamInfo<MenuPicture::ParamType>& tested) {

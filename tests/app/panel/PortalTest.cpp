@@ -4,6 +4,8 @@
 #include "tests/support/PrivateBus.h"
 
 #include <QDBusArgument>
+#include <QDBusConnectionInterface>
+#include <QDBusConnectionInterface>
 #include <QDBusContext>
 #include <QDBusMessage>
 #include <QDBusMetaType>
@@ -129,6 +131,27 @@ TEST_F(PortalAppearanceTest, FollowsChanges) {
     // Out of range is the portal's way of saying that there is none.
     emitChange(u"org.freedesktop.appearance"_qs, u"accent-color"_qs, color(-1, -1, -1));
     ASSERT_TRUE(spinUntil([this] { return !source.current().accent; }));
+}
+
+TEST_F(PortalAppearanceTest, AsksAgainWhenAPortalAppears) {
+    const QString name = u"org.freedesktop.portal.Desktop"_qs;
+    ASSERT_TRUE(theirs->connection().unregisterService(name));
+    PortalAppearance appearance(source);
+    appearance.attach(ours->connection());
+    // The bus answers in order: by now it has turned the first question down.
+    ASSERT_FALSE(ours->connection().interface()->isServiceRegistered(name));
+    // Other names are no portals.
+    ASSERT_TRUE(theirs->connection().registerService(u"org.example.Other"_qs));
+    portal.settings = {{u"color-scheme"_qs, 1U}};
+    ASSERT_TRUE(theirs->connection().registerService(name));
+    ASSERT_TRUE(spinUntil([this] { return source.current().colorScheme == Scheme::dark; }));
+    EXPECT_EQ(portal.asked.size(), 1);
+    // One that goes changes nothing, and a next one is asked anew.
+    ASSERT_TRUE(theirs->connection().unregisterService(name));
+    portal.settings = {{u"color-scheme"_qs, 2U}};
+    ASSERT_TRUE(theirs->connection().registerService(name));
+    ASSERT_TRUE(spinUntil([this] { return source.current().colorScheme == Scheme::light; }));
+    EXPECT_EQ(portal.asked.size(), 2);
 }
 
 TEST_F(PortalAppearanceTest, TakesNoNonsense) {

@@ -123,6 +123,29 @@ TEST_F(PopupWindowTest, EndsWithItsOwnerWithoutAWord) {
     EXPECT_TRUE(windows().isEmpty());
 }
 
+TEST_F(PopupWindowTest, PreparingTheFirstOneShowsNothingAndAsksNothing) {
+    const auto before = QApplication::topLevelWidgets().size();
+    world.defaults.writes.clear();
+    const auto steps = factory.preparation(
+        {QStringLiteral("1.0 (Build 1)"), world.viewModel,
+         [this] { world.calls << QStringLiteral("onClose"); }, world.player, world.sonos, world.languages,
+         [this] { world.calls << QStringLiteral("updateStatusBarButton"); }});
+    EXPECT_GT(steps.size(), 4U);
+    for (const auto& step : steps) {
+        step();
+        PanelWorld::settle();
+        EXPECT_TRUE(windows().isEmpty());
+    }
+    // What it was done with has gone, and neither the state nor the outside noticed.
+    EXPECT_EQ(QApplication::topLevelWidgets().size(), before);
+    EXPECT_TRUE(world.calls.isEmpty());
+    EXPECT_EQ(world.loginItem.reads, 0);
+    EXPECT_TRUE(world.http.requests.empty());
+    EXPECT_TRUE(world.defaults.writes.empty());
+    open();
+    EXPECT_EQ(windows().size(), 1);
+}
+
 TEST_F(PopupWindowTest, ClosingItDoesNotEndTheProgram) {
     bool isOver = false;
     const auto connection =
