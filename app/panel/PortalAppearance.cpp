@@ -65,14 +65,22 @@ void PortalAppearance::apply(DesktopAppearance& appearance, const QString& key, 
 }
 
 void PortalAppearance::attach(const QDBusConnection& bus) {
-    QDBusConnection connection = bus;
+    QDBusConnection& connection = m_connection.emplace(bus);
     // Without the sender's name, for looking up who owns it would wait for the bus.
     connection.connect(QString(), portalPath, settingsInterface, QStringLiteral("SettingChanged"), this,
                        SLOT(settingChanged(QString, QString, QDBusVariant)));
-    QDBusMessage ask = QDBusMessage::createMethodCall(portalService, portalPath, settingsInterface,
-                                                      QStringLiteral("ReadAll"));
-    ask << QStringList{appearanceGroup};
-    auto* watcher = new QDBusPendingCallWatcher(connection.asyncCall(ask), this);
+    connection.connect(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameOwnerChanged"),
+                       QStringList{portalService}, QStringLiteral("sss"), this,
+                       SLOT(ownerChanged(QString, QString, QString)));
+    ask();
+}
+
+void PortalAppearance::ask() {
+    QDBusMessage question = QDBusMessage::createMethodCall(portalService, portalPath, settingsInterface,
+                                                           QStringLiteral("ReadAll"));
+    question << QStringList{appearanceGroup};
+    auto* watcher = new QDBusPendingCallWatcher(m_connection->asyncCall(question), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* finished) {
         finished->deleteLater();
         const QDBusMessage reply = finished->reply();
@@ -85,6 +93,12 @@ void PortalAppearance::attach(const QDBusConnection& bus) {
             apply(appearance, setting.key(), setting.value());
         m_source.set(appearance);
     });
+}
+
+void PortalAppearance::ownerChanged(const QString&, const QString&, const QString& now) {
+    // What one that has gone said still holds.
+    if (!now.isEmpty())
+        ask();
 }
 
 void PortalAppearance::settingChanged(const QString& group, const QString& key, const QDBusVariant& value) {

@@ -9,6 +9,8 @@
 #include <QString>
 #include <QVariant>
 
+#include <optional>
+
 namespace zofra {
 
 /// Asks the desktop portal how programs should look and listens for changes. Never waits for it: until it has
@@ -20,7 +22,8 @@ public:
     /// `source` outlives this object.
     explicit PortalAppearance(AppearanceSource& source);
 
-    /// Asks the portal on this bus; call again for a new connection.
+    /// Asks the portal on this bus, and again whenever one appears there, for at the start of a session
+    /// programs come before it. Call again for a new connection.
     void attach(const QDBusConnection& bus);
 
     /// Lays one setting of "org.freedesktop.appearance" over `appearance`. Unknown keys, wrong types and
@@ -28,10 +31,14 @@ public:
     static void apply(DesktopAppearance& appearance, const QString& key, const QVariant& value);
 
 private Q_SLOTS:
+    void ownerChanged(const QString& name, const QString& before, const QString& now);
     void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
 
 private:
+    void ask();
+
     AppearanceSource& m_source;
+    std::optional<QDBusConnection> m_connection;
 };
 
 } // namespace zofra
