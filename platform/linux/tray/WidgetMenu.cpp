@@ -8,6 +8,7 @@
 #include <QHelpEvent>
 #include <QIconEngine>
 #include <QKeyEvent>
+#include <QPaintEngine>
 #include <QPainter>
 #include <QScreen>
 #include <QToolTip>
@@ -31,7 +32,8 @@ public:
         , m_palette(std::move(palette)) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
-        const qreal ratio = painter->device()->devicePixelRatio();
+        // The device that is really painted on; its ratio need not be whole.
+        const qreal ratio = painter->paintEngine()->paintDevice()->devicePixelRatioF();
         const int pixels = qRound(std::min(rect.width(), rect.height()) * ratio);
         painter->drawImage(QRectF(rect), m_icons.image(m_symbolName, pixels, color(mode)));
     }
