@@ -2,6 +2,9 @@
 #include "platform/linux/net/HttpStream.h"
 
 #include "platform/linux/net/CurlGlobal.h"
+#include "platform/linux/net/LocalHost.h"
+
+#include <QUrl>
 
 #include <algorithm>
 #include <atomic>
@@ -118,6 +121,8 @@ private:
         curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
         curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L);
         curl_easy_setopt(easy, CURLOPT_SSLVERSION, CURL_SSLVERSION_TLSv1_2);
+        if (isLocalHost(QUrl::fromEncoded(url).host()))
+            curl_easy_setopt(easy, CURLOPT_PROXY, "");
         setUpAuthorities(easy, settings.authorities);
         setUpCallbacks();
     }

@@ -15,7 +15,8 @@
 namespace zofra {
 
 /// A stream without an end over HTTP, for a reader who waits for each next piece. At most five redirects are
-/// followed, never from a secure address to an insecure one; servers are verified. What the reader does not
+/// followed, never from a secure address to an insecure one; servers are verified. Proxies are
+/// honoured as the environment sets them, except for local hosts. What the reader does not
 /// take yet is left in the network, but for a bounded rest.
 class HttpStream {
 public:

@@ -3,6 +3,7 @@
 #include "platform/linux/net/HttpStream.h"
 
 #include "tests/platform/net/HttpHarness.h"
+#include "tests/support/ScopedEnvironment.h"
 
 namespace zofra::test {
 namespace {
@@ -50,6 +51,21 @@ TEST(HttpStreamTest, asksForTheAddressUnderItsName) {
     EXPECT_EQ(readWhole(server.url(u"/a%20b?c=1"_qs)).bytes, "sound");
     EXPECT_TRUE(asked.startsWith("GET /a%20b?c=1 HTTP/1.1\r\n")) << asked.constData();
     EXPECT_TRUE(asked.contains("\r\nUser-Agent: Test/1.0\r\n")) << asked.constData();
+}
+
+TEST(HttpStreamTest, asksLocalHostsWithoutAProxyAndOthersThroughIt) {
+    LoopbackServer server(serving([](const QByteArray&) { return response(200, "direct"); }));
+    QByteArray asked;
+    LoopbackServer proxy(serving([&](const QByteArray& head) {
+        asked = head;
+        return response(200, "proxied");
+    }));
+    ScopedEnvironment environment;
+    environment.set("http_proxy", proxy.url(QString()).toUtf8());
+    environment.set("no_proxy", "");
+    EXPECT_EQ(readWhole(server.url(u"/"_qs)).bytes, "direct");
+    EXPECT_EQ(readWhole(u"http://radio.test/x"_qs).bytes, "proxied");
+    EXPECT_TRUE(asked.startsWith("GET http://radio.test/x HTTP/1.1\r\n")) << asked.constData();
 }
 
 TEST(HttpStreamTest, sendsNothingBeforeTheFirstRead) {
