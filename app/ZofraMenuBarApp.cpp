@@ -112,6 +112,7 @@ ZofraMenuBarApp::ZofraMenuBarApp(Configuration configuration, QtMainQueue& mainQ
             Desktop::Environment{m_sessionBus, m_mainQueue, m_defaults, m_output, m_workspace, [] {}});
     else
         m_desktop = makeNoDesktop();
+    m_desktop->setActivationToken(m_configuration.activation.activationToken.toUtf8());
     m_application = std::make_unique<Ending>(*this);
 }
 

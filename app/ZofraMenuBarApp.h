@@ -41,6 +41,8 @@ public:
         Options options;
         ServiceHosts hosts;
         Display display = Display::none;
+        /// What the desktop handed over with the start.
+        Activation activation;
     };
 
     /// `sessionBus` and `mainQueue` outlive it. `applicationBus` is ours already, or there is no bus.

@@ -3,6 +3,7 @@
 #include "app/DisplayProbe.h"
 #include "app/Options.h"
 #include "app/RemoteOptions.h"
+#include "app/StartupNotice.h"
 #include "app/StatusReport.h"
 #include "app/ZofraMenuBarApp.h"
 #include "app/doctor/DoctorRun.h"
@@ -69,13 +70,13 @@ int quitRunning(const QDBusConnection& bus, const QVariantMap& request) {
     return waitForTheEnd(bus) ? fine : refuse(failed, QStringLiteral("the running program does not answer"));
 }
 
-int handOver(const QDBusConnection& bus, const Options& options) {
+int handOver(const QDBusConnection& bus, const Options& options, const Activation& activation = {}) {
     const RunningApplication running(bus);
     const QVariantMap map = toVariantMap(options);
     if (options.task == Options::Task::quit)
         return quitRunning(bus, map);
     if (map.isEmpty())
-        return running.activate(Activation::fromEnvironment())
+        return running.activate(activation)
                    ? fine
                    : refuse(failed, QStringLiteral("the running program does not answer"));
     const auto reply = running.run(map);
@@ -95,7 +96,7 @@ int askRunning(const std::optional<QDBusConnection>& bus, const Options& options
     return printStatus(*bus, options.task);
 }
 
-int start(const Options& options, bool hasDisplay) {
+int start(const Options& options, bool hasDisplay, const Activation& activation) {
     // None of these is ever destroyed: see ZofraMenuBarApp.
     auto& mainQueue = *new QtMainQueue;
     auto& sessionBus = *new SessionBus(SessionBus::Kind::session, mainQueue);
@@ -106,7 +107,7 @@ int start(const Options& options, bool hasDisplay) {
 
     auto& applicationBus = *new ApplicationBus(sessionBus);
     if (applicationBus.tryAcquire() == ApplicationBus::Claim::anotherIsRunning)
-        return handOver(*sessionBus.connection(), options);
+        return handOver(*sessionBus.connection(), options, activation);
 
     auto hosts = loadServiceHosts(options.endpointsFile);
     if (const auto* refusal = std::get_if<QString>(&hosts))
@@ -117,7 +118,8 @@ int start(const Options& options, bool hasDisplay) {
 
     auto& program = *new ZofraMenuBarApp(
         {options, std::get<ServiceHosts>(hosts),
-         options.headless ? ZofraMenuBarApp::Display::none : ZofraMenuBarApp::Display::present},
+         options.headless ? ZofraMenuBarApp::Display::none : ZofraMenuBarApp::Display::present,
+         activation},
         mainQueue, sessionBus, applicationBus);
     return program.run();
 }
@@ -155,12 +157,15 @@ int main(int argc, char** argv) {
         return print(QStringLiteral("zofrazofra ") + version());
 
     bool hasDisplay = false;
+    const Activation activation = takeActivation();
     // The toolkit must not take options of ours for its own.
     int toolkitArgc = 1;
     const auto application = makeApplication(options, toolkitArgc, argv, hasDisplay);
     // The toolkit sets the user's locale; the audio engine must read numbers with points.
     std::setlocale(LC_NUMERIC, "C");
-    const int status = start(options, hasDisplay);
+    if (QGuiApplication::platformName() == QLatin1String("xcb"))
+        endStartup(activation.desktopStartupId);
+    const int status = start(options, hasDisplay, activation);
     // Threads may still be at work: whatever they use must not be taken apart under them.
     std::fflush(nullptr);
     std::_Exit(status);
