@@ -5,6 +5,8 @@ import json
 import os
 import shutil
 
+from .process import wait_until
+
 #: Of the panel, and with it of the screen.
 WIDTH = 1280
 HEIGHT = 36
@@ -141,7 +143,8 @@ class Trayer(Panel):
         self._spawn(screen, "trayer", "--edge", "top", "--align", "right", "--widthtype", "pixel", "--width", "200",
                     "--heighttype", "pixel", "--height", str(HEIGHT), "--tint", "0xeef0f4", "--alpha", "0",
                     "--transparent", "false")
-        screen.wait_for_window("trayer")
+        # An empty one may hide itself.
+        wait_until(screen.server.has_old_tray, 30, "the tray", 0.05)
 
 
 class IndicatorPanel(XfcePanel):

@@ -9,6 +9,8 @@ from .picture import Box, Picture
 _ALL_PLANES = 0xFFFFFFFF
 _Z_PIXMAP = 2
 _VIEWABLE = 2
+_CLIENT_MESSAGE = 33
+_PROPERTY_CHANGE_MASK = 1 << 22
 
 
 class _Image(ctypes.Structure):
@@ -24,6 +26,15 @@ class _Attributes(ctypes.Structure):
                 ("backing_pixel", c_ulong), ("save_under", c_int), ("colormap", c_ulong), ("map_installed", c_int),
                 ("map_state", c_int), ("all_event_masks", c_long), ("your_event_mask", c_long),
                 ("do_not_propagate_mask", c_long), ("override_redirect", c_int), ("screen", c_void_p)]
+
+
+class _Message(ctypes.Structure):
+    _fields_ = [("type", c_int), ("serial", c_ulong), ("send_event", c_int), ("display", c_void_p),
+                ("window", c_ulong), ("message_type", c_ulong), ("format", c_int), ("data", c_long * 5)]
+
+
+class _Event(ctypes.Union):
+    _fields_ = [("message", _Message), ("room", c_long * 24)]
 
 
 class _ClassHint(ctypes.Structure):
@@ -58,6 +69,7 @@ class XServer:
     def __init__(self, name):
         self._x = ctypes.CDLL("libX11.so.6")
         self._test = ctypes.CDLL("libXtst.so.6")
+        self._parts = {}
         self._declare()
         self._x.XSetErrorHandler(_ignore_error)
         self._display = self._x.XOpenDisplay(name.encode())
@@ -106,6 +118,31 @@ class XServer:
         if data:
             self._x.XFree(data)
         return count.value == 1
+
+    def has_old_tray(self):
+        """Whether somebody takes icons in the old way."""
+        atom = self._x.XInternAtom(self._display, b"_NET_SYSTEM_TRAY_S0", 0)
+        return self._x.XGetSelectionOwner(self._display, atom) != 0
+
+    def listen_to_starts(self):
+        """Note from now on what programs tell about how far they are with being started."""
+        self._x.XSelectInput(self._display, self._root, _PROPERTY_CHANGE_MASK)
+        self._x.XSync(self._display, 0)
+
+    def told_of_starts(self):
+        """What has been told since; each as one text, for example "remove: ID=..."."""
+        texts = []
+        event = _Event()
+        while self._x.XPending(self._display):
+            self._x.XNextEvent(self._display, byref(event))
+            if event.message.type != _CLIENT_MESSAGE or event.message.format != 8:
+                continue
+            text = self._parts.pop(event.message.window, b"") + bytes(event.message.data)[:20]
+            if b"\0" in text:
+                texts.append(text.partition(b"\0")[0].decode("utf-8", "replace"))
+            else:
+                self._parts[event.message.window] = text
+        return texts
 
     def active_window(self):
         """The window that has the keyboard."""
@@ -190,6 +227,9 @@ class XServer:
                 (x.XFetchName, c_int, [display, window, POINTER(c_void_p)]),
                 (x.XGetClassHint, c_int, [display, window, POINTER(_ClassHint)]),
                 (x.XGetInputFocus, c_int, [display, POINTER(window), POINTER(c_int)]),
+                (x.XSelectInput, c_int, [display, window, c_long]), (x.XPending, c_int, [display]),
+                (x.XNextEvent, c_int, [display, POINTER(_Event)]),
+                (x.XGetSelectionOwner, window, [display, c_ulong]),
                 (x.XInternAtom, c_ulong, [display, c_char_p, c_int]),
                 (x.XGetWindowProperty, c_int, [display, window, c_ulong, c_long, c_long, c_int, c_ulong,
                                                POINTER(c_ulong), POINTER(c_int), POINTER(c_ulong), POINTER(c_ulong),

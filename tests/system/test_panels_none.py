@@ -1,0 +1,83 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""No panel, a panel that comes late, and a message bus that is started anew below both."""
+
+import time
+
+import pytest
+from panels_support import display, popup, radio, screen, session  # noqa: F401
+from zofralab.panels import HEIGHT, WIDTH, LxqtPanel
+from zofralab.picture import Box
+from zofralab.process import wait_until
+
+PANEL = None
+PROGRAM = "zofrazofra"
+#: Where the panel shows its items.
+CORNER = Box(WIDTH - 60, 0, 60, HEIGHT)
+pytestmark = pytest.mark.xdist_group("panels_none")
+
+
+@pytest.fixture
+def late_panel(screen):
+    """A panel that is not there yet."""
+    panel = LxqtPanel()
+    if panel.missing():
+        pytest.skip(f"not run: no {', '.join(panel.missing())} on this machine")
+    yield panel
+    panel.stop(screen)
+
+
+def test_without_a_tray_the_panel_is_an_ordinary_window(radio, screen):
+    radio.start(headless=False)
+    assert radio.status()["tray"] == "none" and screen.windows(PROGRAM) == [], "a panel may still come"
+    window = popup(screen)
+    assert radio.status()["tray"] == "window"
+    wait_until(lambda: screen.server.active_window() == window.identity, 30, "the keyboard", 0.05)
+    screen.key("Escape")
+    wait_until(lambda: not screen.windows(PROGRAM), 30, "the panel to close", 0.05)
+    done = radio.ask()
+    assert (done.returncode, done.stdout, done.stderr) == (0, "", "")
+    again = popup(screen)
+    radio.ask()
+    assert [w.identity for w in screen.windows(PROGRAM)] == [again.identity]
+    # Return is the key of its closing button.
+    wait_until(lambda: screen.server.active_window() == again.identity, 30, "the keyboard", 0.05)
+    screen.key("Return")
+    wait_until(lambda: not screen.windows(PROGRAM), 30, "the panel to close", 0.05)
+    assert radio.process.poll() is None, "closing the window ends nothing"
+
+
+def test_whoever_started_it_is_told_that_it_is_up(radio, screen):
+    screen.server.listen_to_starts()
+    told = []
+
+    def waits_no_longer(identity):
+        told.extend(screen.server.told_of_starts())
+        return f'remove: ID="{identity}"' in told
+    radio.environment["DESKTOP_STARTUP_ID"] = "launcher/7-with more than twenty letters_TIME4711"
+    radio.start(headless=False)
+    wait_until(lambda: waits_no_longer(radio.environment["DESKTOP_STARTUP_ID"]), 30, "the end of the start", 0.05)
+    radio.environment["DESKTOP_STARTUP_ID"] = 'a "second" one_TIME4712'
+    radio.ask()
+    wait_until(lambda: waits_no_longer('a \\"second\\" one_TIME4712'), 30, "the end of the second start", 0.05)
+    assert len(told) == 2, "each is told once"
+
+
+@pytest.mark.slow
+def test_a_panel_ten_seconds_late_and_a_new_bus_get_the_item(radio, screen, late_panel, session):
+    radio.start(headless=False)
+    popup(screen)
+    wait_until(lambda: time.monotonic() - radio.started_at > 10, 30, "ten seconds", 0.1)
+    late_panel.start(screen)
+    radio.wait_status(tray="direct", timeout=30)
+    wait_until(lambda: screen.picture(CORNER).drawn() > 0.05, 30, "the item", 0.1)
+    late_panel.stop(screen)
+    radio.wait_status(tray="none", timeout=30)
+    session.session_bus.stop()
+    session.session_bus.start()
+    late_panel.start(screen)
+
+    def answers():
+        return radio.ask("--status", "--json").returncode == 0
+    wait_until(answers, 30, "the program on the new bus", 0.1)
+    radio.wait_status(tray="direct", timeout=30)
+    wait_until(lambda: screen.picture(CORNER).drawn() > 0.05, 30, "the item", 0.1)
