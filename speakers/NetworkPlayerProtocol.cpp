@@ -65,6 +65,17 @@ bool handleToken(QXmlStreamReader& reader, PlayerXMLParser& parser) {
     }
 }
 
+/// The reader refuses every version but 1.0; what 1.1 has besides is characters that no player uses.
+QString withVersionOneZero(const QString& text) {
+    static const QRegularExpression declaration(
+        QStringLiteral("^<\\?xml\\s+version\\s*=\\s*(['\"])1\\.1\\1"));
+    const auto declared = declaration.match(text);
+    auto known = text;
+    if (declared.hasMatch())
+        known[declared.capturedEnd() - 2] = u'0';
+    return known;
+}
+
 std::optional<QString> trimmedChild(const PlayerXMLNode& node, const QString& name) {
     const auto child = node.child(name);
     return child ? std::optional(child->text.trimmed()) : std::nullopt;
@@ -127,7 +138,7 @@ PlayerXMLNode::Pointer NetworkPlayerProtocol::xml(const QString& text) {
     if (text.contains(QLatin1String("<!DOCTYPE"), Qt::CaseInsensitive) || !isTamePlayerXML(text))
         return nullptr;
     // Reading text rather than bytes: an encoding that the document declares has no say.
-    QXmlStreamReader reader(text);
+    QXmlStreamReader reader(withVersionOneZero(text));
     PlayerXMLParser parser;
     while (!reader.atEnd()) {
         if (!handleToken(reader, parser))

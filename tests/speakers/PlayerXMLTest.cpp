@@ -88,6 +88,17 @@ TEST(PlayerXML, MalformedTextIsNothing) {
         EXPECT_FALSE(parse(text)) << text;
 }
 
+TEST(PlayerXML, VersionOneOneIsReadLikeOneZeroAndNoOtherIs) {
+    for (const auto* version : {"version=\"1.0\"", "version=\"1.1\"", "\n version = '1.1' encoding='utf-8'"})
+        EXPECT_TRUE(NetworkPlayerProtocol::xml(QStringLiteral("<?xml ") + QLatin1String(version) +
+                                               QStringLiteral("?><a/>")))
+            << version;
+    for (const auto* version : {"version=\"2.0\"", "version=\"1.11\"", "version=\"1.1'", "version=1.1"})
+        EXPECT_FALSE(NetworkPlayerProtocol::xml(QStringLiteral("<?xml ") + QLatin1String(version) +
+                                                QStringLiteral("?><a/>")))
+            << version;
+}
+
 TEST(PlayerXML, DocumentTypesAreRefusedHoweverWritten) {
     for (const auto* text :
          {"<!DOCTYPE r><r/>", "<!doctype r><r/>", "<!DocType r [<!ENTITY e 'x'>]><r>&e;</r>",

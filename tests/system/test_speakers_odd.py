@@ -63,6 +63,7 @@ VALID = {
     "Latin-1 declared": lambda n, room: declared(description(n, room), '<?xml version="1.0" encoding="ISO-8859-1"?>'),
     "UTF-16 declared": lambda n, room: declared(description(n, room), "<?xml version='1.0' encoding='UTF-16'?>"),
     "an unknown encoding": lambda n, room: declared(description(n, room), '<?xml version="1.0" encoding="x-odd"?>'),
+    "a later version": lambda n, room: declared(description(n, room), '<?xml version="1.1"?>'),
     "standalone": lambda n, room: declared(description(n, room), '<?xml version="1.0" standalone="yes" ?>\r\n'),
     "no declaration": lambda n, room: "\r\n" + declared(description(n, room), ""),
     "a byte order mark": lambda n, room: "\ufeff" + description(n, room),
