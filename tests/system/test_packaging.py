@@ -85,3 +85,12 @@ def test_the_package_list_of_each_job_is_named_by_dev():
     with open(os.path.join(ROOT, "dev"), encoding="utf-8") as file:
         named = {word for line in re.findall(r"\bneed ((?:[a-z-]+ ?)+)", file.read()) for word in line.split()}
     assert set(os.listdir(os.path.join(PACKAGING, "needs"))) == named
+
+
+def test_a_job_that_installs_nothing_for_tests_builds_none():
+    with open(os.path.join(ROOT, "dev"), encoding="utf-8") as file:
+        text = file.read()
+    pieces = [piece for piece in re.split(r"^(?:job_\w+\(\) \{|bench\))", text, flags=re.M)
+              if re.search(r"\bneed build\b", piece)]
+    without = [piece for piece in pieces if "test-unit" not in piece and "build_preset release" in piece]
+    assert without and all("build_preset release -DZOFRA_TESTS=OFF" in piece for piece in without)
