@@ -2,9 +2,18 @@
 #include "platform/linux/DesktopEntry.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace zofra::desktopentry {
 namespace {
+
+/// Without the blanks around it; other white space may be part of a name.
+QString withoutBlanks(const QString& text) {
+    const auto isBlank = [](QChar c) { return c == u' ' || c == u'\t' || c == u'\r'; };
+    const auto first = std::find_if_not(text.cbegin(), text.cend(), isBlank);
+    const auto last = std::find_if_not(text.crbegin(), std::make_reverse_iterator(first), isBlank).base();
+    return QString(first, last - first);
+}
 
 QString unescapedString(const QString& text) {
     QString result;
@@ -42,7 +51,7 @@ QString escapedString(const QString& text) {
             result += QStringLiteral("\\t");
         else if (c == u'\r')
             result += QStringLiteral("\\r");
-        else if (c == u' ' && i == 0)
+        else if (c == u' ' && (i == 0 || i + 1 == text.size()))
             result += QStringLiteral("\\s");
         else
             result += c;
@@ -72,7 +81,7 @@ QHash<QString, QString> mainGroup(const QByteArray& file) {
     QHash<QString, QString> values;
     bool isInside = false;
     for (const auto& raw : file.split('\n')) {
-        const auto line = QString::fromUtf8(raw).trimmed();
+        const auto line = withoutBlanks(QString::fromUtf8(raw));
         if (line.startsWith(u'[')) {
             isInside = line == QStringLiteral("[Desktop Entry]");
             continue;
@@ -80,9 +89,9 @@ QHash<QString, QString> mainGroup(const QByteArray& file) {
         const auto equals = line.indexOf(u'=');
         if (!isInside || equals < 1 || line.startsWith(u'#'))
             continue;
-        const auto key = line.left(equals).trimmed();
+        const auto key = withoutBlanks(line.left(equals));
         if (!values.contains(key))
-            values.insert(key, unescapedString(line.mid(equals + 1).trimmed()));
+            values.insert(key, unescapedString(withoutBlanks(line.mid(equals + 1))));
     }
     return values;
 }

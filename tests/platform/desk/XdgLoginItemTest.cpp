@@ -134,7 +134,7 @@ TEST(DesktopEntry, quotesForExec) {
 }
 
 TEST(DesktopEntry, escapesStringsAndReadsThemBack) {
-    for (const auto* text : {" a", "a\\b", "a\nb\tc\rd", "plain", "a\\s"}) {
+    for (const auto* text : {" a", "a ", " ", "\va\f", "a\\b", "a\nb\tc\rd", "plain", "a\\s"}) {
         const auto file =
             "[Desktop Entry]\nK=" + desktopentry::escapedString(QString::fromLatin1(text)).toUtf8();
         EXPECT_EQ(desktopentry::mainGroup(file).value(QStringLiteral("K")), QString::fromLatin1(text))
