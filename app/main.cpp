@@ -118,8 +118,7 @@ int start(const Options& options, bool hasDisplay, const Activation& activation)
 
     auto& program = *new ZofraMenuBarApp(
         {options, std::get<ServiceHosts>(hosts),
-         options.headless ? ZofraMenuBarApp::Display::none : ZofraMenuBarApp::Display::present,
-         activation},
+         options.headless ? ZofraMenuBarApp::Display::none : ZofraMenuBarApp::Display::present, activation},
         mainQueue, sessionBus, applicationBus);
     return program.run();
 }
