@@ -26,43 +26,16 @@ from zofralab.bus import Peer  # noqa: E402
 from zofralab.desktop import StatusBar  # noqa: E402
 from zofralab.display import Display  # noqa: E402
 from zofralab.lab import Lab, program_environment  # noqa: E402
+from zofralab.portal import Portal  # noqa: E402
 from zofralab.process import terminate, wait_until  # noqa: E402
 from zofralab.session import Session  # noqa: E402
 
-from gi.repository import Gio, GLib  # noqa: E402
+from gi.repository import GLib  # noqa: E402
 
-PORTAL = """<node><interface name="org.freedesktop.portal.Settings">
- <method name="ReadAll"><arg type="as" direction="in"/><arg type="a{sa{sv}}" direction="out"/></method>
- <signal name="SettingChanged"><arg type="s"/><arg type="s"/><arg type="v"/></signal>
-</interface></node>"""
-PORTAL_PATH = "/org/freedesktop/portal/desktop"
-APPEARANCE = "org.freedesktop.appearance"
 FONTS = """<?xml version="1.0"?><!DOCTYPE fontconfig SYSTEM "urn:fontconfig:fonts.dtd">
 <fontconfig><match><edit name="family" mode="prepend" binding="strong"><string>Inter</string></edit></match></fontconfig>
 """
 GROUND = "#c9ccd6"
-
-
-class Portal:
-    """The part of a desktop that says whether it is light or dark."""
-
-    def __init__(self, peer):
-        self._peer = peer
-        self._scheme = 2
-        info = Gio.DBusNodeInfo.new_for_xml(PORTAL).interfaces[0]
-        peer.connection.register_object(PORTAL_PATH, info, self._called, None, None)
-        peer.own("org.freedesktop.portal.Desktop")
-
-    def become(self, scheme):
-        """"light" or "dark"; whoever listens is told."""
-        self._scheme = {"dark": 1, "light": 2}[scheme]
-        self._peer.connection.emit_signal(
-            None, PORTAL_PATH, "org.freedesktop.portal.Settings", "SettingChanged",
-            GLib.Variant("(ssv)", (APPEARANCE, "color-scheme", GLib.Variant("u", self._scheme))))
-
-    def _called(self, _connection, _sender, _path, _interface, _method, _parameters, invocation):
-        settings = {APPEARANCE: {"color-scheme": GLib.Variant("u", self._scheme)}}
-        invocation.return_value(GLib.Variant("(a{sa{sv}})", (settings,)))
 
 
 class Studio:
@@ -80,7 +53,7 @@ class Studio:
         self._open.callback(display.stop)
         self._peer = Peer(session.session_bus.address)
         self._open.callback(self._peer.close)
-        self.portal = Portal(self._peer)
+        self.portal = Portal(self._peer).appear()
         bar = StatusBar(self._peer)
         bar.appear()
         self._environment = {**program_environment(lab), **session.environment(), "DISPLAY": display.name,
