@@ -3,6 +3,7 @@
 #include "tests/app/panel/PanelWorld.h"
 
 #include <QAction>
+#include <QApplication>
 
 #include <gtest/gtest.h>
 
@@ -165,6 +166,65 @@ TEST(PanelMenu, ChoosingALineDoesWhatItSays) {
     choose(5);
     ASSERT_EQ(world.workspace.opened.size(), 1U);
     EXPECT_EQ(world.workspace.opened[0].scheme(), u"x-apple.systempreferences"_qs);
+}
+
+/// A menu as it is painted, with where its lines are.
+struct PaintedMenu {
+    explicit PaintedMenu(const PanelWorld& world)
+        : look{PanelTheme::make(world.appearance.current(), QApplication::palette()),
+               PanelMetrics(QApplication::font(), 96, 800), world.icons}
+        , menu(look, nullptr) {}
+    void paint() {
+        menu.ensurePolished();
+        menu.adjustSize();
+        image = menu.grab().toImage();
+    }
+    /// Whether there is ink of this colour in the line, left of where its text begins.
+    bool hasLead(int line, const QColor& color) const {
+        const QRect row = menu.actionGeometry(menu.actions().at(line)).adjusted(2, 2, 0, -2);
+        for (int y = row.top(); y <= row.bottom(); ++y) {
+            for (int x = row.left(); x < row.left() + 26; ++x) {
+                if (image.pixelColor(x, y) == color)
+                    return true;
+            }
+        }
+        return false;
+    }
+
+    PanelLook look;
+    PanelMenu menu;
+    QImage image;
+};
+
+TEST(PanelMenu, OnlyTheCurrentLineCarriesTheCheckMark) {
+    PanelWorld world;
+    PaintedMenu painted(world);
+    painted.menu.setEntries(stationMenuEntries(RadioStation::joe));
+    painted.paint();
+    for (int line = 0; line < 9; ++line)
+        EXPECT_EQ(painted.hasLead(line, painted.look.theme.accentText), line == 2) << line;
+}
+
+TEST(PanelMenu, TheLineUnderThePointerIsMarkedAndNoOther) {
+    PanelWorld world;
+    PaintedMenu painted(world);
+    painted.menu.setEntries(stationMenuEntries(RadioStation::joe));
+    painted.menu.setActiveAction(painted.menu.actions().at(5));
+    painted.paint();
+    const QColor mark = mixed(painted.look.theme.accentText, painted.look.theme.card, 0.14);
+    EXPECT_GT(contrastRatio(painted.look.theme.text, mark), 4.5);
+    for (int line = 0; line < 9; ++line)
+        EXPECT_EQ(painted.hasLead(line, mark), line == 5) << line;
+}
+
+TEST(PanelMenu, SaysWhyThereAreNoRoomsInSmallPrintThatCannotBeChosen) {
+    PanelWorld world;
+    PaintedMenu painted(world);
+    painted.menu.setEntries(outputMenuEntries(world.sonos, AppLanguage::en));
+    const QList<QAction*> lines = painted.menu.actions();
+    EXPECT_FALSE(lines.at(1)->isEnabled());
+    EXPECT_EQ(lines.at(1)->font(), painted.look.metrics.font(11));
+    EXPECT_EQ(lines.at(0)->font(), painted.look.metrics.font(14));
 }
 
 } // namespace

@@ -8,11 +8,13 @@
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPointer>
+#include <QProxyStyle>
 #include <QToolTip>
 
 #include <algorithm>
 #include <ctime>
 #include <gmock/gmock.h>
+#include <memory>
 
 namespace zofra::test {
 namespace {
@@ -63,6 +65,44 @@ TEST_F(WidgetMenuTest, IconsAreDrawnInTheColoursOfTheMenu) {
     const QImage drawn = menu.actions().at(0)->icon().pixmap(16, 16).toImage();
     EXPECT_THAT(icons.asked, testing::Contains(u"power"_qs));
     EXPECT_EQ(drawn.pixelColor(8, 8), menu.palette().color(QPalette::Active, QPalette::WindowText));
+}
+
+TEST_F(WidgetMenuTest, AskedMenusAndSubmenusAreDrawnInOneStyleThatEndsWithThem) {
+    class RedStyle final : public QProxyStyle {
+    public:
+        RedStyle()
+            : QProxyStyle(u"fusion"_qs) {}
+        QPalette standardPalette() const override { return QPalette(Qt::red); }
+    };
+    class StyledIcons final : public IconProvider {
+    public:
+        QImage image(const QString&, int, const QColor&) const override { return {}; }
+        std::shared_ptr<QStyle> menuStyle() const override {
+            ++asked;
+            const auto made = std::make_shared<RedStyle>();
+            style = made;
+            return made;
+        }
+        mutable int asked = 0;
+        mutable std::weak_ptr<QStyle> style;
+    };
+    const StyledIcons styled;
+    MenuItem parent = item(u"Parent"_qs);
+    parent.submenu = {item(u"Below"_qs)};
+    auto menu = std::make_unique<WidgetMenu>(Menu{parent}, styled);
+    const auto* submenu = menu->actions().at(0)->menu<QMenu*>();
+    EXPECT_EQ(styled.asked, 1);
+    EXPECT_EQ(menu->style(), styled.style.lock().get());
+    EXPECT_EQ(submenu->style(), styled.style.lock().get());
+    EXPECT_EQ(submenu->palette().color(QPalette::Button), QColor(Qt::red));
+    menu->popup(QPoint(10, 10));
+    menu.reset();
+    EXPECT_TRUE(styled.style.expired());
+}
+
+TEST_F(WidgetMenuTest, WithoutAStyleOfTheirOwnTheyAreTheDesktops) {
+    const WidgetMenu menu({item(u"One"_qs)}, icons);
+    EXPECT_EQ(menu.style(), QApplication::style());
 }
 
 TEST_F(WidgetMenuTest, TheKeyOfAnItemWorksWhileTheMenuIsOpen) {
