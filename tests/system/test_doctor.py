@@ -58,6 +58,7 @@ def test_a_running_program_is_asked_and_not_disturbed(doctor, status_bar, radio,
     assert program["details"]["running"] and str(radio.pid) in program["text"]
     assert program["details"]["status"]["station"] == "qmusic" and program["details"]["status"]["playing"]
     assert found.only("bus")["details"]["media_player"]
+    assert found.only("panel")["details"]["mode"] == radio.status()["tray"] == "hostmenu"
     assert {**radio.status(), "song": before["song"], "next": before["next"]} == before
     assert status_bar.registered == registered, "the program's item is the only one"
     assert ears.silences(since + 0.5, time.monotonic() - 0.5, 0.3) == []

@@ -118,6 +118,13 @@ def test_a_login_page_in_the_place_of_a_stream(doctor, lab, status_bar):
     doctor.diagnose().assert_problem("stream", "web page", cure=["log in"])
 
 
+@pytest.mark.parametrize("service, area, words", [("onair", "onair", "TLS"), ("livefeed", "live", "TLS")])
+def test_a_service_that_takes_connections_and_says_nothing(doctor, lab, status_bar, service, area, words):
+    getattr(lab, service).gate(mode="hold")
+    problem = doctor.diagnose().assert_problem(area, "says nothing", words)
+    assert problem["details"]["failed_at"] == "tls"
+
+
 def test_a_stream_behind_redirects_is_fine(doctor, lab, status_bar):
     lab.icecast.fault(station="zofra", codec="aac", kind="redirect", hops=2)
     doctor.diagnose().assert_fine()

@@ -9,6 +9,8 @@
 #include <array>
 #include <curl/curl.h>
 #include <memory>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace zofra {
 
@@ -28,6 +30,15 @@ std::size_t receive(const char* bytes, std::size_t, std::size_t size, void* self
     const auto room = body.enough - static_cast<std::size_t>(body.bytes.size());
     body.bytes.append(bytes, static_cast<qsizetype>(std::min(room, size)));
     return static_cast<std::size_t>(body.bytes.size()) < body.enough ? size : CURL_WRITEFUNC_ERROR;
+}
+
+/// The library does not say whether a connection was made when what followed it failed; its socket does.
+int closeSocket(void* wasConnected, curl_socket_t descriptor) {
+    sockaddr_storage peer{};
+    socklen_t length = sizeof(peer);
+    if (::getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &length) == 0)
+        *static_cast<bool*>(wasConnected) = true;
+    return ::close(descriptor);
 }
 
 void setUpTrust(CURL* easy, const TrustedAuthorities& authorities) {
@@ -74,7 +85,7 @@ QString textOf(CURL* easy, CURLINFO which) {
 }
 
 /// Where it failed: what the library says, else the first step that was not finished.
-HostProbe::Step failedStep(CURLcode code, const HostProbe& probe, bool isSecure) {
+HostProbe::Step failedStep(CURLcode code, const HostProbe& probe, bool isSecure, bool wasConnected) {
     using Step = HostProbe::Step;
     switch (code) {
     case CURLE_COULDNT_RESOLVE_HOST:
@@ -93,7 +104,7 @@ HostProbe::Step failedStep(CURLcode code, const HostProbe& probe, bool isSecure)
     }
     if (probe.nameTime.count() == 0)
         return Step::name;
-    if (probe.connectTime.count() == 0)
+    if (!wasConnected && probe.connectTime.count() == 0)
         return Step::connect;
     return isSecure && probe.tlsTime.count() == 0 ? Step::tls : Step::answer;
 }
@@ -118,6 +129,10 @@ void readProgress(CURL* easy, HostProbe& probe) {
 HostProbe HostProbe::run(const Request& request, const std::optional<QString>& extraAuthorityFile) {
     CurlGlobal::initialise();
     HostProbe probe;
+    // The handle may use them until its end.
+    bool wasConnected = false;
+    std::array<char, CURL_ERROR_SIZE> errorText{};
+    Body body{{}, request.enoughBodyBytes};
     const Handle easy(curl_easy_init(), &curl_easy_cleanup);
     if (!easy) {
         probe.failedAt = Step::name;
@@ -127,13 +142,13 @@ HostProbe HostProbe::run(const Request& request, const std::optional<QString>& e
     const char* libraryBundle = nullptr;
     curl_easy_getinfo(easy.get(), CURLINFO_CAINFO, &libraryBundle);
     const auto authorities = TrustedAuthorities::find(extraAuthorityFile, QByteArray(libraryBundle));
-    std::array<char, CURL_ERROR_SIZE> errorText{};
-    Body body{{}, request.enoughBodyBytes};
     setUp(easy.get(), request);
     setUpTrust(easy.get(), authorities);
     curl_easy_setopt(easy.get(), CURLOPT_ERRORBUFFER, errorText.data());
     curl_easy_setopt(easy.get(), CURLOPT_WRITEFUNCTION, &receive);
     curl_easy_setopt(easy.get(), CURLOPT_WRITEDATA, &body);
+    curl_easy_setopt(easy.get(), CURLOPT_CLOSESOCKETFUNCTION, &closeSocket);
+    curl_easy_setopt(easy.get(), CURLOPT_CLOSESOCKETDATA, &wasConnected);
 
     const CURLcode code = curl_easy_perform(easy.get());
     readProgress(easy.get(), probe);
@@ -141,7 +156,7 @@ HostProbe HostProbe::run(const Request& request, const std::optional<QString>& e
     const bool isEnough = static_cast<std::size_t>(body.bytes.size()) >= body.enough;
     if (code == CURLE_OK || isEnough)
         return probe;
-    probe.failedAt = failedStep(code, probe, request.url.scheme() == QLatin1String("https"));
+    probe.failedAt = failedStep(code, probe, request.url.scheme() == QLatin1String("https"), wasConnected);
     // A name server that says no says it at once; the system's own patience with one that says nothing may be
     // shorter than ours.
     const bool nobodyKnew =
