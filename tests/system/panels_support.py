@@ -6,6 +6,7 @@ from types import SimpleNamespace
 
 import pytest
 from zofralab.lab import program_environment
+from zofralab.process import wait_until
 from zofralab.screen import VirtualScreen
 from zofralab.session import Session
 
@@ -70,8 +71,10 @@ def radio(make_radio, screen):
 
 
 def popup(screen):
-    """The popup panel's window, waited for."""
-    return screen.wait_for_window("zofrazofra", "Zofra Zofra")
+    """The popup panel's window, waited for until it has the keyboard."""
+    window = screen.wait_for_window("zofrazofra", "Zofra Zofra")
+    wait_until(lambda: screen.server.active_window() == window.identity, 30, "the keyboard", 0.05)
+    return window
 
 
 class Item:

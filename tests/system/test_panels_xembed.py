@@ -32,6 +32,8 @@ def test_the_icon_is_shown_and_both_clicks_work(item, screen):
     assert screen.picture(item.box).drawn() > 0.2
     item.click()
     menu = wait_until(lambda: next(iter(menus(screen)), None), 30, "the menu", 0.05)
+    # One that is painted has the keyboard.
+    wait_until(lambda: screen.picture(menu.box).drawn() > 0.02, 30, "something in the menu", 0.05)
     assert menu.box.y >= item.box.bottom - 4 and menu.box.y < 60, "below the icon"
     assert menu.box.x <= item.box.x <= menu.box.right
     screen.key("Escape")
@@ -39,8 +41,12 @@ def test_the_icon_is_shown_and_both_clicks_work(item, screen):
     screen.click(item.box.centre, 5)
     item.radio.wait_status(volume=pytest.approx(0.75), timeout=30)
     item.click(3)
-    popup(screen)
+    window = popup(screen)
     assert menus(screen) == []
+    screen.key("Escape")
+    wait_until(lambda: not screen.windows(PROGRAM, "Zofra Zofra"), 30, "the panel to close", 0.05)
+    item.click(2)
+    assert popup(screen).identity != window.identity, "by the middle button, too"
 
 
 def test_a_panel_that_comes_later_takes_over(item, screen, empty, bus):
