@@ -292,6 +292,13 @@ TEST_F(Discovery, AProbeNeedsStatus200AndAPlayer) {
     };
     run();
     EXPECT_EQ(idsFound(), QStringList{QStringLiteral("3")});
+    // Nobody else is asked for a description once more.
+    std::vector<QString> askedAgain;
+    for (const auto& request : background.session.requests) {
+        if (request.method == "GET" && request.timeout == std::chrono::milliseconds(3000))
+            askedAgain.push_back(request.url.host());
+    }
+    EXPECT_EQ(askedAgain, std::vector<QString>{QStringLiteral("10.0.0.3")});
 }
 
 TEST_F(Discovery, ProbesDoNotTestForDenial) {

@@ -136,6 +136,25 @@ TEST_F(Manager, WhatIsFoundIsShownKeptAndTold) {
     EXPECT_EQ(decodeRooms(defaults.values[cacheKey].toByteArray()), manager->rooms.get());
 }
 
+TEST_F(Manager, RoomsAreSetThenKeptThenToldAndTheRunEndsAfterThat) {
+    network.addInterface(QStringLiteral("eth0"), QStringLiteral("10.0.0.2"), QString());
+    network.scripts[QStringLiteral("10.0.0.2")].datagrams = {
+        test::ssdpAnswer(test::descriptionUrl(1).toString())};
+    house.players = {{1, {QStringLiteral("A"), kitchen}}};
+    start(true);
+    int told = 0;
+    manager->onRoomsUpdated = [&](const QList<SonosRoom>& rooms) {
+        ++told;
+        EXPECT_EQ(manager->rooms.get(), rooms);
+        EXPECT_EQ(decodeRooms(defaults.values[cacheKey].toByteArray()), rooms);
+        EXPECT_TRUE(manager->isScanning);
+    };
+    tasks.runAll();
+    queue.drain();
+    EXPECT_EQ(told, 1);
+    EXPECT_FALSE(manager->isScanning);
+}
+
 TEST_F(Manager, ARunThatFindsNothingLeavesRoomsAndCache) {
     const QList<SonosRoom> cached{roomOf(otherPlayer(QStringLiteral("A"), kitchen))};
     startWithRooms(cached);

@@ -147,6 +147,20 @@ TEST_F(Playback, APartialStartIsLoggedAndCountsAsPlaying) {
                   QStringLiteral("[Sonos] Wiedergabe nur auf 2 von 3 Ausgabegruppen gestartet.")}));
 }
 
+TEST_F(Playback, TheStateIsToldBeforeAPartialStartIsLogged) {
+    house.players = {{1, {a, QStringLiteral("Attic")}}};
+    startWithHouse();
+    house.controlStatus = 500;
+    std::vector<QString> loggedWhenTold;
+    manager->onPlaybackStateChanged = [&](bool) { loggedWhenTold = log.lines; };
+    manager->selectTarget(AudioOutputTarget::sonosEverywhere());
+    queue.drain();
+    EXPECT_EQ(loggedWhenTold, std::vector<QString>{QStringLiteral(
+                                  "[Sonos] SOAP SetAVTransportURI an 10.0.0.1 fehlgeschlagen: HTTP 500")});
+    EXPECT_EQ(log.lines.back(),
+              QStringLiteral("[Sonos] Wiedergabe nur auf 0 von 1 Ausgabegruppen gestartet."));
+}
+
 TEST_F(Playback, EverywhereWithoutPlayersStartsNothing) {
     start(false);
     manager->isSonosPlaying = true;
@@ -205,6 +219,15 @@ TEST_F(Playback, ThisComputerStopsThePlayersAndStartsNothing) {
     EXPECT_FALSE(manager->isSonosPlaying);
     EXPECT_EQ(states, QList<bool>{false});
     EXPECT_FALSE(localPlayer.isPlaying);
+}
+
+TEST_F(Playback, ThisComputerIsToldOfOnceThePlayersHaveBeenToldToStop) {
+    startWithFourRooms();
+    playEverywhere();
+    QString askedWhenTold;
+    manager->onPlaybackStateChanged = [&](bool) { askedWhenTold = requests(); };
+    manager->selectTarget(AudioOutputTarget::localMac());
+    EXPECT_EQ(askedWhenTold, QStringLiteral("Stop 10.0.0.1, Stop 10.0.0.2, Stop 10.0.0.3, Stop 10.0.0.4"));
 }
 
 TEST_F(Playback, StoppingAllReachesEveryControllablePlayerAndTellsNobody) {
