@@ -417,6 +417,50 @@ TEST_F(PanelViewTest, MenusOpenWithTheKeyboard) {
     EXPECT_TRUE(world.calls.isEmpty());
 }
 
+TEST_F(PanelViewTest, SpaceTurnsTheCheckBox) {
+    showPanel();
+    auto* box = partOf<CheckBox>(*view);
+    box->setFocus(Qt::TabFocusReason);
+    press(box, Qt::Key_Space);
+    EXPECT_TRUE(box->isChecked());
+    press(box, Qt::Key_Space);
+    EXPECT_FALSE(box->isChecked());
+    EXPECT_EQ(world.loginItem.calls, (QStringList{u"register"_qs, u"unregister"_qs}));
+}
+
+TEST_F(PanelViewTest, MenusAreLeftAndChosenFromWithTheKeyboard) {
+    showPanel();
+    MenuButton* station = menuButtons(*view).at(0);
+    station->setFocus(Qt::TabFocusReason);
+    press(station, Qt::Key_Space);
+    PanelMenu* menu = station->openedMenu();
+    ASSERT_TRUE(menu->isVisible());
+    press(menu, Qt::Key_Escape);
+    EXPECT_FALSE(menu->isVisible());
+    EXPECT_TRUE(world.calls.isEmpty()) << "Escape closes the menu, not the panel";
+    EXPECT_EQ(view->focusWidget(), station);
+    press(station, Qt::Key_Space);
+    press(menu, Qt::Key_Down);
+    press(menu, Qt::Key_Return);
+    EXPECT_FALSE(menu->isVisible());
+    EXPECT_EQ(world.player.currentStation.get(), RadioStation(RadioStation::zofra));
+    EXPECT_EQ(world.calls, QStringList{u"updateStatusBarButton"_qs});
+}
+
+TEST_F(PanelViewTest, WhoeverHasTheKeyboardIsSeen) {
+    showPanel();
+    const auto look = [this] { return view->grab().toImage(); };
+    QImage before = look();
+    for (int i = 0; i < 11; ++i) {
+        press(QApplication::focusWidget(), Qt::Key_Tab);
+        const QWidget* part = QApplication::focusWidget();
+        const QImage now = look();
+        const QRect place(part->mapTo(view.get(), QPoint(0, 0)), part->size());
+        EXPECT_NE(now.copy(place), before.copy(place)) << part->accessibleName().toStdString();
+        before = now;
+    }
+}
+
 TEST_F(PanelViewTest, TellsScreenReadersWhatThingsAre) {
     world.player.isPlaying = true;
     world.loginItem.enabled = true;
@@ -567,6 +611,38 @@ TEST_F(PanelViewTest, FollowsTheDesktopsAppearance) {
     world.appearance.set(appearance);
     PanelWorld::settle();
     EXPECT_EQ(paints.all(), 0);
+}
+
+TEST_F(PanelViewTest, ANewAppearanceRepaintsEveryPart) {
+    world.viewModel.nextSong = std::optional(u"Next"_qs);
+    showPanel();
+    PaintCounter paints;
+    DesktopAppearance appearance;
+    appearance.colorScheme = DesktopAppearance::ColorScheme::dark;
+    world.appearance.set(appearance);
+    PanelWorld::settle();
+    EXPECT_GT(paints.of(view.get()), 0);
+    for (QWidget* part : view->findChildren<QWidget*>()) {
+        if (part->isVisible() && part->findChildren<QWidget*>().isEmpty()) {
+            EXPECT_GT(paints.of(part), 0) << part->accessibleName().toStdString();
+        }
+    }
+}
+
+TEST_F(PanelViewTest, SongsThatReadFromRightToLeftStayInTheirLineAndAreCutAtTheirEnd) {
+    const QString title = u"פתיחה – "_qs + QString(200, QChar(0x05D0));
+    world.viewModel.currentSong = u"\u202E\u2067"_qs + title + u"\n\u0007"_qs;
+    showPanel();
+    const ElidedLabel* song = nullptr;
+    for (const ElidedLabel* label : partsOf<ElidedLabel>(*view)) {
+        if (label->content().startsWith(u"פתיחה"_qs))
+            song = label;
+    }
+    ASSERT_NE(song, nullptr);
+    EXPECT_EQ(song->content(), title + u"  "_qs) << "without what turns the lines around it";
+    EXPECT_TRUE(song->isElided());
+    EXPECT_EQ(view->layoutDirection(), Qt::LeftToRight);
+    EXPECT_TRUE(view->rect().contains(QRect(song->mapTo(view.get(), QPoint(0, 0)), song->size())));
 }
 
 TEST_F(PanelViewTest, CanEndWithARefreshPendingAndAMenuOpen) {
