@@ -5,7 +5,11 @@ set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 umask 022
 launcher=()
-command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+if command -v ccache >/dev/null; then
+    launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+    # What ./dev build has compiled serves the package.
+    export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=time_macros
+fi
 cmake --preset release -B build/package -DCMAKE_INSTALL_PREFIX=/usr -DZOFRA_TESTS=OFF "${launcher[@]}" >/dev/null
 cmake --build build/package -j"$(nproc)" >/dev/null
 desktop-file-validate packaging/desktop/be.zofra.ZofraZofra.desktop
