@@ -2,6 +2,7 @@
 #include "app/panel/QtPopupWindow.h"
 
 #include <QAccessible>
+#include <QAccessibleWidget>
 #include <QCloseEvent>
 #include <QFontMetrics>
 #include <QGuiApplication>
@@ -39,6 +40,12 @@ protected:
     }
 };
 
+/// A plain widget would be told to screen readers as something in a window, not as one.
+QAccessibleInterface* accessibleWindow(const QString&, QObject* object) {
+    auto* host = dynamic_cast<HostWindow*>(object);
+    return host ? new QAccessibleWidget(host, QAccessible::Window) : nullptr;
+}
+
 class QtPopupWindow final : public PopupWindow {
 public:
     QtPopupWindow(PopupPanelContent content, const PanelEnvironment& environment,
@@ -46,6 +53,7 @@ public:
         : m_host(new HostWindow(std::move(content), environment))
         , m_token(std::move(token)) {
         m_host->onClosed = [this] { tellClosing(); };
+        QAccessible::installFactory(accessibleWindow); // once, however often it is said
     }
     QtPopupWindow(const QtPopupWindow&) = delete;
     QtPopupWindow& operator=(const QtPopupWindow&) = delete;

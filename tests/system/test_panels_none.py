@@ -44,6 +44,18 @@ def test_without_a_tray_the_panel_is_an_ordinary_window(radio, screen):
     assert radio.process.poll() is None, "closing the window ends nothing"
 
 
+def test_a_second_start_brings_the_panel_before_other_windows(radio, screen):
+    radio.start(headless=False)
+    window = popup(screen)
+    process = screen.spawn("xev", "-geometry", "200x200+20+20")
+    other = screen.wait_for_window(title="Event Tester")
+    screen.click((100, 100))
+    wait_until(lambda: screen.server.active_window() == other.identity, 30, "the other window's turn", 0.05)
+    radio.ask()
+    assert popup(screen).identity == window.identity
+    screen.end(process)
+
+
 def test_whoever_started_it_is_told_that_it_is_up(radio, screen):
     screen.server.listen_to_starts()
     told = []
