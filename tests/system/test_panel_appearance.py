@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Light and dark: the panel and the menu as the desktop says, from the first opening on."""
 
+import re
 import subprocess
 
 import pytest
@@ -82,3 +83,20 @@ def test_without_a_portal_the_menu_is_light(shown):
     click = start()
     click("Activate")
     wait_ground(LIGHT_MENU)
+
+
+def test_what_the_first_click_needs_is_there_before_and_nothing_is_shown_meanwhile(shown, radio, display):
+    start, _wait_ground = shown
+    start()
+
+    def mapped():
+        with open(f"/proc/{radio.pid}/maps", encoding="utf-8") as file:
+            return file.read()
+    # Reading the fonts is the longest part of a first opening.
+    wait_until(lambda: "/share/fonts/" in mapped(), 30, "the fonts")
+    tree = subprocess.run(["xwininfo", "-root", "-tree"], check=True, capture_output=True, text=True, timeout=60,
+                          env={**radio.environment, "DISPLAY": display.name}).stdout
+    for number in re.findall(r"^ +(0x[0-9a-f]+) ", tree, re.M):
+        about = subprocess.run(["xwininfo", "-id", number], check=False, capture_output=True, text=True, timeout=60,
+                               env={**radio.environment, "DISPLAY": display.name}).stdout
+        assert "IsViewable" not in about, about
