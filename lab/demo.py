@@ -121,7 +121,7 @@ class Demo:
         """The panel as it opens for a second start, and the menu under the button."""
         picture = os.path.join(RUN_DIRECTORY, "screenshot.png")
         try:
-            self._screen.run(self._options.binary)
+            self._screen.run_inside(self._options.binary)
             time.sleep(1.0)
             self._screen.screenshot(picture)
             say(f"screenshot: {picture}")

@@ -52,8 +52,13 @@ class Screen:
         self._processes.remove(process)
         terminate(process)
 
+    def run_inside(self, *command):
+        """A command where the radio runs, waited for: nothing else may have a network."""
+        subprocess.run([*self._prefix, *command], env=self.environment, check=True, capture_output=True, timeout=60,
+                       stdin=subprocess.DEVNULL)
+
     def run(self, *command, check=True):
-        """A small program on this display; returns its output."""
+        """A small program on this display that needs no network; returns its output."""
         return self.run_raw(*command, check=check).decode("utf-8", "replace")
 
     def run_raw(self, *command, check=True):
