@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "tests/support/ChildProcess.h"
+
 #include <QByteArray>
 #include <QDBusConnection>
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QFileInfo>
-#include <QProcess>
 #include <QProcessEnvironment>
 #include <QStandardPaths>
 #include <QString>
@@ -94,7 +95,7 @@ private:
     QByteArray m_variable;
     std::optional<QByteArray> m_previous;
     QTemporaryDir m_folder;
-    QProcess m_daemon;
+    ChildProcess m_daemon;
     bool m_isUp = false;
 };
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "tests/support/ChildProcess.h"
+
 #include <QFile>
-#include <QProcess>
 #include <QStandardPaths>
 #include <QString>
 #include <QTemporaryDir>
@@ -51,7 +52,7 @@ private:
     [[nodiscard]] QString socketPath() const { return m_folder.filePath(QStringLiteral("native")); }
 
     QTemporaryDir m_folder;
-    QProcess m_process;
+    ChildProcess m_process;
 };
 
 } // namespace zofra::test

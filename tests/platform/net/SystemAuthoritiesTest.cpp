@@ -4,9 +4,9 @@
 #include "tests/platform/net/HttpHarness.h"
 #include "tests/platform/net/NamespaceRun.h"
 #include "tests/platform/net/SocketHarness.h"
+#include "tests/support/ChildProcess.h"
 
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
 namespace zofra::test {
@@ -26,7 +26,7 @@ struct Servers {
         , ofExtra(handler, extra.identityFor(u"IP:127.0.0.1"_qs)) {
         const auto folder = QString::fromLatin1(systemFolder);
         EXPECT_TRUE(QFile::copy(system.certificateFile(), folder + u"/own.pem"_qs));
-        EXPECT_EQ(QProcess::execute(u"openssl"_qs, {u"rehash"_qs, folder}), 0);
+        EXPECT_EQ(runProgram(u"openssl"_qs, {u"rehash"_qs, folder}), 0);
     }
 };
 

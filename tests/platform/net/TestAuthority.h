@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "tests/support/ChildProcess.h"
+
 #include <QByteArray>
 #include <QFile>
-#include <QProcess>
 #include <QString>
 #include <QTemporaryDir>
 #include <QUuid>
@@ -53,10 +54,8 @@ private:
     [[nodiscard]] QString path(const QString& name) const { return m_folder.filePath(name); }
 
     static void run(const QStringList& arguments) {
-        QProcess openssl;
-        openssl.start(u"openssl"_qs, arguments);
-        if (!openssl.waitForFinished(20'000) || openssl.exitCode() != 0)
-            throw std::runtime_error("openssl: " + openssl.readAllStandardError().toStdString());
+        if (runProgram(u"openssl"_qs, arguments) != 0)
+            throw std::runtime_error("openssl " + arguments.join(u' ').toStdString() + " has failed");
     }
 
     QTemporaryDir m_folder;
