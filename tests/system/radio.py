@@ -72,7 +72,7 @@ class Radio:
             self.wait_ready()
         return self
 
-    def wait_ready(self, timeout=10.0):
+    def wait_ready(self, timeout=30.0):
         """Wait until it answers `--status`."""
         def ready():
             ended = self.process.poll()
@@ -91,7 +91,7 @@ class Radio:
         assert done.returncode == 0, done.stderr
         return json.loads(done.stdout)
 
-    def wait_status(self, timeout=10.0, **wanted):
+    def wait_status(self, timeout=30.0, **wanted):
         """Wait until `--status --json` has these values."""
         last = {}
 
@@ -105,13 +105,13 @@ class Radio:
             raise AssertionError(f"{error}; it is {last}") from None
         return last
 
-    def quit(self, timeout=5.0):
+    def quit(self, timeout=20.0):
         """Ask it to end; returns its exit status."""
         done = self.ask("--quit")
         assert done.returncode == 0, done.stderr
         return self.wait_end(timeout)
 
-    def wait_end(self, timeout=5.0):
+    def wait_end(self, timeout=20.0):
         """Wait until it has ended by itself; returns its exit status."""
         status = self.process.wait(timeout)
         for reader in self._readers:
@@ -127,7 +127,7 @@ class Radio:
 
     # What it says.
 
-    def wait_line(self, pattern, timeout=10.0, since=None):
+    def wait_line(self, pattern, timeout=30.0, since=None):
         """Wait for a whole line of standard output that matches; returns the `Line`."""
         since = since if since is not None else 0.0
 

@@ -89,7 +89,7 @@ class Rooms:
         self.radio = radio
         self.log = system_log
 
-    def wait_scanned(self, timeout=20.0, since=0.0):
+    def wait_scanned(self, timeout=60.0, since=0.0):
         """Waits for the end of a run that began after `since`; returns the status then."""
         self.log.wait_for(r"\[Sonos\] .*Sendeversuche.*", timeout, since)
         return self.radio.wait_status(timeout, scanning=False)

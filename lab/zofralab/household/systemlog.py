@@ -79,7 +79,7 @@ class SystemLog:
         """What was said, in order."""
         return [entry.text for entry in list(self.entries) if entry.at >= since]
 
-    def wait_for(self, pattern: str, timeout: float = 10.0, since: float = 0.0) -> Entry:
+    def wait_for(self, pattern: str, timeout: float = 30.0, since: float = 0.0) -> Entry:
         """The first entry whose whole text matches, waiting for it. Raises AssertionError with what there was."""
 
         def found() -> Entry | None:
