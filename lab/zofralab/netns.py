@@ -131,6 +131,19 @@ class Cable:
             self.in_program("ip", "route", "replace", addresses.SERVICE_NETWORK, "via", addresses.ROUTER_ADDRESS)
             self.multicast_route(True)
 
+    def second_interface(self, wanted):
+        """Give the program's side one more interface, up and running, with these addresses (ADDRESS/PREFIX) and no
+        broadcast address: nobody is there. An empty list takes it away."""
+        name, end = addresses.SECOND_INTERFACE, addresses.SECOND_INTERFACE + "end"
+        self.in_program("ip", "link", "delete", name, check=False)
+        if not wanted:
+            return
+        self.in_program("ip", "link", "add", name, "type", "veth", "peer", "name", end)
+        for address in wanted:
+            self.in_program("ip", "addr", "add", address, "dev", name)
+        for one in (name, end):
+            self.in_program("ip", "link", "set", one, "up")
+
     def deny(self, networks, how="drop"):
         """Refuse the program to send to these networks; an empty list allows everything again.
 

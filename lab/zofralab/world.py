@@ -39,10 +39,11 @@ class Network(Service):
     name = "net"
 
     async def reset(self):
-        """Cable in, multicast route there, nothing denied."""
+        """Cable in, multicast route there, nothing denied, no second interface."""
         if self._changed:
             self.world.cable.deny([])
             self.world.cable.link(True)
+            self.world.cable.second_interface([])
             self._changed = False
 
     def __init__(self, world):
@@ -58,6 +59,11 @@ class Network(Service):
         """Pull or plug the program's cable."""
         self._changed = True
         self.world.cable.link(is_up)
+
+    def do_second_interface(self, addresses):
+        """Another interface on the program's side (see `Cable.second_interface`); [] takes it away."""
+        self._changed = True
+        self.world.cable.second_interface(addresses)
 
     def do_deny(self, networks, how="drop"):
         """Refuse at the source what the program sends to these networks (see `Cable.deny`); [] allows all again."""

@@ -5,7 +5,6 @@ describe themselves, how they speak HTTP, how they answer a search and how they 
 
 import gzip
 import re
-import subprocess
 import time
 
 import pytest
@@ -233,28 +232,12 @@ def test_orders_go_where_the_description_says_or_else_to_the_usual_address(oddit
     assert ordered() == list(places.values())
 
 
-@pytest.fixture
-def second_interface(lab):
-    """Another interface in the program's namespace, with two addresses and no broadcast address."""
-    def ip(*words):
-        subprocess.run([*lab.enter("/"), "ip", *words], check=True, capture_output=True)
-    ip("link", "add", "odd0", "type", "veth", "peer", "name", "odd1")
-    try:
-        for address in ("10.99.0.2/24", "10.98.0.2/24"):
-            ip("address", "add", address, "dev", "odd0")
-        for end in ("odd0", "odd1"):
-            ip("link", "set", end, "up")
-        yield
-    finally:
-        ip("link", "delete", "odd0")
-
-
-@pytest.mark.usefixtures("second_interface")
-def test_every_address_of_every_interface_is_searched_and_counted_by_itself(found, system_log):
+def test_every_address_of_every_interface_is_searched_and_counted_by_itself(lab, found, system_log):
+    lab.net.second_interface(addresses=["10.99.0.2/24", "10.98.0.2/24"])
     assert found({"/1": [whole(description(1, "Room"))]}) == {"ODD_001": "Room"}
     texts = system_log.texts()
     assert sorted(texts[:-1]) == [
         "[Sonos] home0: 1 SSDP-Antworten", "[Sonos] home0: 2 Sendeversuche, 0 davon blockiert (letzter errno 0)",
-        *["[Sonos] odd0: 0 SSDP-Antworten"] * 2,
-        *["[Sonos] odd0: 1 Sendeversuche, 0 davon blockiert (letzter errno 0)"] * 2]
+        *["[Sonos] second0: 0 SSDP-Antworten"] * 2,
+        *["[Sonos] second0: 1 Sendeversuche, 0 davon blockiert (letzter errno 0)"] * 2]
     assert texts[-1] == f'[Sonos] SSDP-Beschreibungen: ["http://{HOME}:1400/1"]'
