@@ -13,6 +13,7 @@
 #include "platform/linux/IniDefaultsStore.h"
 #include "platform/linux/ThreadTaskPool.h"
 #include "platform/linux/lan/LinuxLocalNetwork.h"
+#include "platform/linux/net/CurlGlobal.h"
 #include "platform/linux/net/CurlHttpSession.h"
 #include "platform/linux/net/QtMetadataSocket.h"
 
@@ -21,6 +22,8 @@
 #include <QJsonDocument>
 
 #include <cstdio>
+#include <memory>
+#include <semaphore>
 
 namespace zofra {
 
@@ -55,10 +58,7 @@ public:
         std::vector<std::unique_ptr<Check>> checks;
         checks.push_back(desktopCheck());
         checks.push_back(programCheck());
-        checks.push_back(background(
-            problem(QStringLiteral("audio"), QStringLiteral("the audio server does not answer in time"),
-                    QStringLiteral("start it again: systemctl --user restart pipewire pipewire-pulse.")),
-            [] { return Findings{judgeAudio(SoundServer::find(), AudioProbe::run(audioTime))}; }));
+        checks.push_back(audioCheck());
         checks.push_back(settingsCheck());
         addEndpoints(checks);
         checks.push_back(speakerCheck());
@@ -71,7 +71,7 @@ private:
     }
 
     std::unique_ptr<Check> desktopCheck() {
-        const auto look = [isHeadless = m_options.headless, bus = m_bus] {
+        const auto look = [isHeadless = m_options.headless, bus = m_bus, isKnown = m_desktopIsKnown] {
             DesktopFacts facts;
             facts.isHeadless = isHeadless;
             facts.variables = displayVariables();
@@ -80,15 +80,28 @@ private:
             const SettingsFacts settings = SettingsFacts::of(IniDefaultsStore::defaultPath());
             facts.session = traySessionFromEnvironment(
                 facts.platform, QString::fromUtf8(settings.trayMode.value_or(QByteArray())));
+            facts.hasOldTray = display && facts.platform == QLatin1String("xcb") && hasOldStyleTray();
+            isKnown->release();
             if (bus)
                 askForPanel(facts, *bus);
-            facts.hasOldTray = display && facts.platform == QLatin1String("xcb") && hasOldStyleTray();
             return Findings{judgeSession(facts), judgePanel(facts)};
         };
         return background(problem(QStringLiteral("session"),
                                   QStringLiteral("the desktop does not answer in time"),
                                   QStringLiteral("log out and in again.")),
                           look);
+    }
+
+    std::unique_ptr<Check> audioCheck() {
+        const auto look = [desktopIsKnown = m_desktopIsKnown] {
+            // While the engine with its two hundred libraries is being loaded, nobody else can load any.
+            static_cast<void>(desktopIsKnown->try_acquire_for(1s));
+            return Findings{judgeAudio(SoundServer::find(), AudioProbe::run(audioTime))};
+        };
+        return background(
+            problem(QStringLiteral("audio"), QStringLiteral("the audio server does not answer in time"),
+                    QStringLiteral("start it again: systemctl --user restart pipewire pipewire-pulse.")),
+            look);
     }
 
     std::unique_ptr<Check> programCheck() {
@@ -160,6 +173,9 @@ private:
 
     const Options m_options;
     const QString m_version;
+    /// Released once display and tray have been looked for.
+    const std::shared_ptr<std::binary_semaphore> m_desktopIsKnown =
+        std::make_shared<std::binary_semaphore>(0);
     QtMainQueue& m_mainQueue;
     const std::optional<QDBusConnection> m_bus;
     ThreadTaskPool m_tasks;
@@ -181,6 +197,8 @@ int runDoctor(const Options& options, const QString& version, QtMainQueue& mainQ
               SessionBus& sessionBus) {
     // A library behind the audio engine would speak in between.
     qputenv("PIPEWIRE_DEBUG", "0");
+    // Before other libraries are loaded beside it.
+    CurlGlobal::initialise();
     auto& doctor = *new Doctor(options, version, mainQueue, sessionBus);
     auto& examination = *new Examination(mainQueue, doctor.makeChecks());
     int status = 1;

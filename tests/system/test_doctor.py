@@ -61,7 +61,7 @@ def test_a_running_program_is_asked_and_not_disturbed(doctor, status_bar, radio,
     assert found.only("panel")["details"]["mode"] == radio.status()["tray"] == "hostmenu"
     assert {**radio.status(), "song": before["song"], "next": before["next"]} == before
     assert status_bar.registered == registered, "the program's item is the only one"
-    assert ears.silences(since + 0.5, time.monotonic() - 0.5, 0.3) == []
+    assert ears.silences(since + 0.5, time.monotonic() - 0.5, 1.0) == []
     assert radio.errors == []
 
 

@@ -110,6 +110,8 @@ def test_what_must_not_be_written_stays_as_it_is(users_radio, plain_user, ears, 
     wait_until(lambda: told(radio), 30, "a line about the settings")
     radio.process.send_signal(signal.SIGTERM)
     assert radio.wait_end(30) == 0
+    assert os.stat(radio.settings_path).st_mode & 0o777 == mode
+    os.chmod(radio.settings_path, 0o644)
     assert read(radio.settings_path) == before
     assert sorted(os.listdir(folder)) in (["zofrazofra.ini"], [".zofrazofra.ini.lock", "zofrazofra.ini"])
     first, *others, last = told(radio)

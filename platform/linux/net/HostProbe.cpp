@@ -18,7 +18,7 @@ namespace {
 
 using Handle = std::unique_ptr<CURL, decltype(&curl_easy_cleanup)>;
 
-constexpr std::chrono::milliseconds shortestNamePatience{2500};
+constexpr std::chrono::milliseconds shortestNamePatience{3500};
 
 struct Body {
     QByteArray bytes;

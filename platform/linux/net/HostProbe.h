@@ -38,7 +38,7 @@ struct HostProbe {
         QByteArray userAgent = "ZofraZofra/1.0";
         /// The request is over when so much of the body is there; streams have no end.
         std::size_t enoughBodyBytes = 1;
-        std::chrono::milliseconds timeout{8000};
+        std::chrono::milliseconds timeout{10000};
     };
     /// Sends the request, verified as every other of this program, and waits: belongs to a background thread.
     [[nodiscard]] static HostProbe run(const Request& request,
