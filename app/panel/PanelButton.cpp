@@ -38,7 +38,9 @@ void PanelButton::paintEvent(QPaintEvent* event) {
     const QColor ring = hasFocus() ? m_look.theme.accentText : restingRing();
     if (ring.alpha() > 0) {
         const qreal width = m_look.metrics.scaled(m_look.theme.isHighContrast ? 3 : 2);
-        strokeRounded(painter, rect(), radius() + m_look.metrics.bleed(), ring, width);
+        const int reach = ringReach();
+        strokeRounded(painter, bodyRect().adjusted(-reach, -reach, reach, reach), radius() + reach, ring,
+                      width);
     }
 }
 

@@ -23,6 +23,8 @@ protected:
     virtual void paintBody(QPainter& painter, const QRect& body) = 0;
     /// How round the body, and with it the ring, is.
     [[nodiscard]] virtual qreal radius() const = 0;
+    /// How far the ring's outer edge stands off the body; at most the room that is kept for it.
+    [[nodiscard]] virtual int ringReach() const { return m_look.metrics.bleed(); }
     /// A ring that is there without the focus; transparent for none.
     [[nodiscard]] virtual QColor restingRing() const { return Qt::transparent; }
 

@@ -35,6 +35,8 @@ protected:
     [[nodiscard]] QSize bodySize() const override;
     void paintBody(QPainter& painter, const QRect& body) override;
     [[nodiscard]] qreal radius() const override;
+    /// Close by, for words stand before it.
+    [[nodiscard]] int ringReach() const override { return look().metrics.px(3); }
 
 private:
     [[nodiscard]] QFont textFont() const;
