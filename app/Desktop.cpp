@@ -75,9 +75,6 @@ public:
     }
     void hideEverything() override { QApplication::closeAllWindows(); }
     IdleSteps preparation(const PopupPanelContent& content, const Menu& menu) override {
-        // Making the first widget waits for the bus, so let it not be a bus that is known to be missing.
-        if (!m_environment.sessionBus.connection())
-            return {};
         IdleSteps steps = panel().factory.preparation(content);
         steps.emplace_back([this, menu] {
             // Only there is the menu one of our own.

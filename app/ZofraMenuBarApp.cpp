@@ -42,6 +42,14 @@ void writeError(const QString& line) {
     std::fprintf(stderr, "zofrazofra: %s\n", qUtf8Printable(line));
 }
 
+/// Whether the bus answers at all; it knows what is asked.
+std::unique_ptr<QDBusPendingCallWatcher> askBus(const QDBusConnection& bus) {
+    const auto call = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"));
+    return std::make_unique<QDBusPendingCallWatcher>(bus.asyncCall(call));
+}
+
 } // namespace
 
 /// The program as the desktop sees it, and its end: once the speakers have heard that they shall stop and the
@@ -75,10 +83,7 @@ private:
             return;
         }
         // Messages leave in their order: when this one is answered, those before it are out.
-        const auto call = QDBusMessage::createMethodCall(
-            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"));
-        m_lastCall = std::make_unique<QDBusPendingCallWatcher>(bus->asyncCall(call));
+        m_lastCall = askBus(*bus);
         QObject::connect(m_lastCall.get(), &QDBusPendingCallWatcher::finished, m_lastCall.get(),
                          [] { leave(); });
     }
@@ -170,10 +175,28 @@ int ZofraMenuBarApp::run() {
         *m_delegate, RadioPlayer::shared(), SonosManager::shared(), m_mainQueue, *m_changes});
     m_commands->runAtStart(m_configuration.options, writeError);
     m_changes->touch();
-    m_mainQueue.asyncAfter(startupSettled, [this] { prepare(); });
+    m_mainQueue.asyncAfter(startupSettled, [this] { settle(); });
     const int status = QCoreApplication::exec();
     finish();
     return status;
+}
+
+void ZofraMenuBarApp::settle() {
+    const auto bus = m_sessionBus.connection();
+    if (!bus) {
+        LibraryPages::giveBack();
+        return;
+    }
+    // Making the first widget waits for the bus, so it is done beforehand only when the bus is known to
+    // answer.
+    m_busAnswer = askBus(*bus);
+    QObject::connect(m_busAnswer.get(), &QDBusPendingCallWatcher::finished, m_busAnswer.get(),
+                     [this](const QDBusPendingCallWatcher* answer) {
+                         if (answer->isError())
+                             LibraryPages::giveBack();
+                         else
+                             prepare();
+                     });
 }
 
 void ZofraMenuBarApp::prepare() {

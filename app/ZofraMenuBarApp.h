@@ -27,6 +27,8 @@
 #include <memory>
 #include <optional>
 
+class QDBusPendingCallWatcher;
+
 namespace zofra {
 
 class Desktop;
@@ -67,6 +69,7 @@ private:
     class Ending;
 
     [[nodiscard]] AppDelegate::Environment delegateEnvironment();
+    void settle();
     void prepare();
     void connectMediaControls();
     void connectApplicationBus();
@@ -102,6 +105,7 @@ private:
     std::unique_ptr<ChangeWatch> m_changes;
     std::unique_ptr<CommandRunner> m_commands;
     std::unique_ptr<UnixSignals> m_signals;
+    std::unique_ptr<QDBusPendingCallWatcher> m_busAnswer;
     ChangeLines m_lines;
     std::vector<ObservationToken> m_observations;
 };

@@ -1,8 +1,11 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Light and dark: the panel and the menu as the desktop says, from the first opening on."""
 
+import os
 import re
+import signal
 import subprocess
+import time
 
 import pytest
 from gi.repository import GLib
@@ -100,3 +103,15 @@ def test_what_the_first_click_needs_is_there_before_and_nothing_is_shown_meanwhi
         about = subprocess.run(["xwininfo", "-id", number], check=False, capture_output=True, text=True, timeout=60,
                                env={**radio.environment, "DISPLAY": display.name}).stdout
         assert "IsViewable" not in about, about
+
+
+def test_a_bus_that_hangs_after_the_start_does_not_hang_the_program(shown, radio, session):
+    start, _wait_ground = shown
+    start()
+    os.kill(session.session_bus.pid, signal.SIGSTOP)
+    try:
+        time.sleep(5)  # past the moment in which the first opening is prepared
+        radio.process.send_signal(signal.SIGTERM)
+        assert radio.wait_end(15) == 0
+    finally:
+        os.kill(session.session_bus.pid, signal.SIGCONT)
