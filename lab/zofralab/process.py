@@ -45,6 +45,8 @@ def clean_environment(base=None):
     for name in list(env):
         if name in dropped or name.lower().endswith("_proxy"):
             del env[name]
+    # Where the network's tools are; not on the way of an ordinary user.
+    env["PATH"] = env.get("PATH", os.defpath) + ":/usr/sbin:/sbin"
     return env
 
 

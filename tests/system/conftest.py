@@ -16,6 +16,8 @@ import pytest
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 sys.dont_write_bytecode = True
+# Where the network's tools are; not on the way of an ordinary user.
+os.environ["PATH"] += ":/usr/sbin:/sbin"
 sys.path.insert(0, os.path.join(ROOT, "lab"))
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 

@@ -68,7 +68,8 @@ class DemoRun:
     def __init__(self, binary, *options):
         self.mark = uuid.uuid4().hex
         self.lines = []
-        environment = {**clean_environment(), MARK: self.mark}
+        # The path of an ordinary user.
+        environment = {**clean_environment(), MARK: self.mark, "PATH": "/usr/local/bin:/usr/bin:/bin"}
         for name in ("DISPLAY", "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR"):
             environment.pop(name, None)
         user = [] if os.geteuid() == 0 else ["--user", "--map-current-user", "--keep-caps"]
