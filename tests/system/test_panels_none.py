@@ -5,21 +5,21 @@ import time
 
 import pytest
 from panels_support import display, popup, radio, screen, session  # noqa: F401
-from zofralab.panels import HEIGHT, WIDTH, LxqtPanel
+from zofralab.panels import HEIGHT, WIDTH, LxqtPanel, Trayer
 from zofralab.picture import Box
 from zofralab.process import wait_until
 
 PANEL = None
 PROGRAM = "zofrazofra"
 #: Where the panel shows its items.
-CORNER = Box(WIDTH - 60, 0, 60, HEIGHT)
+CORNER = Box(WIDTH - 44, 6, 44, HEIGHT - 12)
 pytestmark = pytest.mark.xdist_group("panels_none")
 
 
-@pytest.fixture
-def late_panel(screen):
+@pytest.fixture(params=[LxqtPanel])
+def late_panel(request, screen):
     """A panel that is not there yet."""
-    panel = LxqtPanel()
+    panel = request.param()
     if panel.missing():
         pytest.skip(f"not run: no {', '.join(panel.missing())} on this machine")
     yield panel
@@ -72,6 +72,16 @@ def test_whoever_started_it_is_told_that_it_is_up(radio, screen):
     assert len(told) == 2, "each is told once"
 
 
+@pytest.mark.parametrize("late_panel", [Trayer], indirect=True, ids=["trayer"])
+def test_an_old_tray_that_comes_late_gets_the_icon(radio, screen, late_panel):
+    radio.start(headless=False)
+    popup(screen)
+    assert radio.status()["tray"] == "window"
+    late_panel.start(screen)
+    radio.wait_status(tray="xembed", timeout=30)
+    wait_until(lambda: screen.picture(CORNER).drawn() > 0.1, 30, "the icon", 0.1)
+
+
 @pytest.mark.slow
 def test_a_panel_ten_seconds_late_and_a_new_bus_get_the_item(radio, screen, late_panel, session):
     radio.start(headless=False)
@@ -79,7 +89,7 @@ def test_a_panel_ten_seconds_late_and_a_new_bus_get_the_item(radio, screen, late
     wait_until(lambda: time.monotonic() - radio.started_at > 10, 30, "ten seconds", 0.1)
     late_panel.start(screen)
     radio.wait_status(tray="direct", timeout=30)
-    wait_until(lambda: screen.picture(CORNER).drawn() > 0.05, 30, "the item", 0.1)
+    wait_until(lambda: screen.picture(CORNER).drawn() > 0.1, 30, "the item", 0.1)
     late_panel.stop(screen)
     radio.wait_status(tray="none", timeout=30)
     session.session_bus.stop()
@@ -90,4 +100,4 @@ def test_a_panel_ten_seconds_late_and_a_new_bus_get_the_item(radio, screen, late
         return radio.ask("--status", "--json").returncode == 0
     wait_until(answers, 30, "the program on the new bus", 0.1)
     radio.wait_status(tray="direct", timeout=30)
-    wait_until(lambda: screen.picture(CORNER).drawn() > 0.05, 30, "the item", 0.1)
+    wait_until(lambda: screen.picture(CORNER).drawn() > 0.1, 30, "the item", 0.1)

@@ -19,6 +19,7 @@ namespace {
 
 constexpr auto patience = std::chrono::seconds(5);
 constexpr int maxWheelDelta = 1'000'000;
+constexpr int mostLooksForTray = 24;
 constexpr auto flashTime = std::chrono::milliseconds(1500);
 constexpr QChar figureSpace(0x2007);
 const auto itemPath = QLatin1String("/StatusNotifierItem");
@@ -162,6 +163,12 @@ void TrayStatusItem::fallBack() {
         return;
     }
     m_mode = StatusItemMode::window;
+    // While a person logs in, an old tray may take its time, and none of them announces itself on the bus.
+    if (m_environment.session.windows == TraySession::Windows::x11 && m_looksForTray < mostLooksForTray) {
+        ++m_looksForTray;
+        m_waiting =
+            m_environment.mainQueue.startTimer(patience, MainQueue::Repeat::once, [this] { fallBack(); });
+    }
     if (!std::exchange(m_toldUnavailable, true) && onUnavailable)
         onUnavailable();
 }

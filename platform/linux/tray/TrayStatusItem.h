@@ -90,6 +90,8 @@ private:
     TrayWheel m_wheelSign = TrayWheel::positiveIsUp;
     TrayIconSource m_iconSource = TrayIconSource::themeOrPixmaps;
     bool m_toldUnavailable = false;
+    /// How often a tray of the old kind was looked for since there was none.
+    int m_looksForTray = 0;
     QString m_pixmapsSymbol;
     QList<BusPixmap> m_pixmaps;
 
