@@ -82,6 +82,8 @@ TEST_F(AppDelegateCallbacks, ANewLanguageLeavesASongAloneButRedraws) {
 TEST_F(AppDelegateCallbacks, AnUpdateIsShownInPlaceAndThenHandedToTheMediaDisplay) {
     launch();
     const std::size_t shownBefore = nowPlaying.shown.size();
+    QString titleWhenHandedOver;
+    nowPlaying.whenShown = [&] { titleWhenHandedOver = item().title; };
     delegate->viewModel().onUpdate(u"Artist – Song"_qs, u"Next – One"_qs);
     EXPECT_EQ(delegate->currentSongText(), u"Artist – Song"_qs);
     EXPECT_EQ(delegate->nextSongText(), u"Next – One"_qs);
@@ -89,6 +91,7 @@ TEST_F(AppDelegateCallbacks, AnUpdateIsShownInPlaceAndThenHandedToTheMediaDispla
     ASSERT_EQ(nowPlaying.shown.size(), shownBefore + 1);
     EXPECT_EQ(nowPlaying.shown.back().title, u"Artist – Song"_qs);
     EXPECT_EQ(nowPlaying.shown.back().artist, std::nullopt);
+    EXPECT_EQ(titleWhenHandedOver, u"Zofra: Artist – Song"_qs) << "the button comes first";
 }
 
 TEST_F(AppDelegateCallbacks, CallbacksDoNothingOnceTheDelegateIsGone) {

@@ -15,9 +15,11 @@
 #include "tests/support/PrintQt.h"
 #include "tests/support/RecordingOutput.h"
 
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -39,12 +41,17 @@ public:
         m_record << QStringList{QString::fromLatin1(request.method), action, request.url.host()}
                         .join(QLatin1Char(' '))
                         .simplified();
+        const auto result = automatic ? std::optional(automatic(request)) : std::nullopt;
         requests.push_back(std::move(request));
-        completions.push_back(std::move(completion));
+        completions.push_back(result ? Completion() : completion);
+        if (result)
+            completion(*result);
     }
 
     std::vector<HttpRequest> requests;
     std::vector<Completion> completions;
+    /// Set, it answers each request before `start` returns.
+    std::function<HttpResult(const HttpRequest&)> automatic;
 
 private:
     QStringList& m_record;
@@ -189,7 +196,7 @@ protected:
     FakeNowPlayingInfoCenter nowPlaying;
     FakeRemoteCommandCenter remoteCommands;
     FakeWakeNotifier wake;
-    FakeTaskPool tasks{FakeTaskPool::Mode::onDemand};
+    FakeTaskPool tasks{FakeTaskPool::Mode::onDemandThenInPlace};
     FakeLocalNetwork network;
     FakeStatusBar statusBar{record};
     FakePopupWindowFactory windows{record};

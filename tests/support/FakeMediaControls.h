@@ -3,6 +3,7 @@
 
 #include "platform/MediaControls.h"
 
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -11,8 +12,13 @@ namespace zofra::test {
 /// Remembers what was to be shown.
 class FakeNowPlayingInfoCenter final : public NowPlayingInfoCenter {
 public:
-    void setNowPlayingInfo(const NowPlayingInfo& info) override { shown.push_back(info); }
+    void setNowPlayingInfo(const NowPlayingInfo& info) override {
+        shown.push_back(info);
+        if (whenShown)
+            whenShown();
+    }
     std::vector<NowPlayingInfo> shown;
+    std::function<void()> whenShown;
 };
 
 /// Keeps the handlers for the test to call; a command without handler is not enabled.
