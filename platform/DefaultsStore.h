@@ -8,9 +8,9 @@
 
 namespace zofra {
 
-/// The user's settings: a key-value store that outlives the program. Main thread only. Reading never fails: what is
-/// missing or unreadable is absent. A write that fails is reported by the implementation; the value stays readable
-/// for the rest of the run.
+/// The user's settings: a key-value store that outlives the program. Main thread only. Reading never fails:
+/// what is missing or unreadable is absent. A write that fails is reported by the implementation; the value
+/// stays readable for the rest of the run.
 class DefaultsStore {
 public:
     virtual ~DefaultsStore() = default;

@@ -63,14 +63,15 @@ struct HttpResult {
     std::optional<HttpError> error;
 };
 
-/// Sends HTTP requests. Redirects are followed at most 5 times, only over http and https, never from https to http.
+/// Sends HTTP requests. Redirects are followed at most 5 times, only over http and https, never from https to
+/// http.
 class HttpSession {
 public:
     using Completion = std::function<void(HttpResult)>;
     virtual ~HttpSession() = default;
 
-    /// Starts a request and returns at once. Callable from any thread. `completion` is called exactly once, on the
-    /// session's own thread, unless the session ends first; it must not block.
+    /// Starts a request and returns at once. Callable from any thread. `completion` is called exactly once,
+    /// on the session's own thread, unless the session ends first; it must not block.
     virtual void start(HttpRequest request, Completion completion) = 0;
 };
 

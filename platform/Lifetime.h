@@ -6,8 +6,8 @@
 
 namespace zofra {
 
-/// Lets work that was posted to the owner's thread notice that the owner is gone. A member of the owner, declared
-/// last so that it ends first; owner and guarded work must live on the same thread.
+/// Lets work that was posted to the owner's thread notice that the owner is gone. A member of the owner,
+/// declared last so that it ends first; owner and guarded work must live on the same thread.
 class Lifetime {
 public:
     /// Wraps `work` so that it does nothing once this object has ended.

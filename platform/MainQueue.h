@@ -21,10 +21,12 @@ public:
 
     virtual ~MainQueue() = default;
 
-    /// Runs `work` later on the main thread, in the order posted. Callable from any thread; never runs in place.
+    /// Runs `work` later on the main thread, in the order posted. Callable from any thread; never runs in
+    /// place.
     virtual void async(Work work) = 0;
 
-    /// Runs `work` on the main thread once `delay` has passed. Callable from any thread; cannot be taken back.
+    /// Runs `work` on the main thread once `delay` has passed. Callable from any thread; cannot be taken
+    /// back.
     virtual void asyncAfter(std::chrono::milliseconds delay, Work work) = 0;
 
     /// Starts a timer whose first call comes one `interval` from now. Main thread only.

@@ -60,8 +60,8 @@ private:
     std::shared_ptr<Entries> m_entries = std::make_shared<Entries>();
 };
 
-/// An object whose published fields can be watched. Observers are told before a field changes, so what they want
-/// to show they read later, in a next turn of the main queue. Main thread only.
+/// An object whose published fields can be watched. Observers are told before a field changes, so what they
+/// want to show they read later, in a next turn of the main queue. Main thread only.
 class Observable {
 public:
     /// Calls `willChange` before each change of a published field until the token ends.

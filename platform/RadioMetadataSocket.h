@@ -23,8 +23,8 @@ struct SocketError {
 /// Web-socket close codes, RFC 6455 section 7.4.1.
 enum class SocketCloseCode : int { normalClosure = 1000 };
 
-/// A web socket as the metadata model needs it. Used from the main thread; completion handlers may come on any
-/// thread. Destroying it closes it, and no handler is called afterwards.
+/// A web socket as the metadata model needs it. Used from the main thread; completion handlers may come on
+/// any thread. Destroying it closes it, and no handler is called afterwards.
 class RadioMetadataSocket {
 public:
     using ReceiveHandler = std::function<void(std::variant<SocketMessage, SocketError>)>;

@@ -26,8 +26,8 @@ public:
     ObserverList<> failedToPlayToEndTime;
 };
 
-/// Plays one item on this computer. Main thread only, observers included. Destroying it silences it, and no observer
-/// is told afterwards.
+/// Plays one item on this computer. Main thread only, observers included. Destroying it silences it, and no
+/// observer is told afterwards.
 class StreamPlayer {
 public:
     virtual ~StreamPlayer() = default;

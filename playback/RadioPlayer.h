@@ -64,8 +64,8 @@ public:
     /// Stops and lets go of item and player; the next `play` opens a fresh one.
     void drop();
     void setStation(RadioStation station);
-    /// Clamps to 0..1 (upper bound first; a NaN counts as missing and becomes 1), then sets `volume` and the stream
-    /// player's volume and stores it.
+    /// Clamps to 0..1 (upper bound first; a NaN counts as missing and becomes 1), then sets `volume` and the
+    /// stream player's volume and stores it.
     void applyVolume(float value);
     void updateNowPlayingInfo(const QString& title, const std::optional<QString>& artist);
 

@@ -15,8 +15,8 @@
 
 namespace zofra::test {
 
-/// A main queue and clock that move only when the test says so. `async` and `asyncAfter` may be called from any
-/// thread, everything else from the test's.
+/// A main queue and clock that move only when the test says so. `async` and `asyncAfter` may be called from
+/// any thread, everything else from the test's.
 class ManualMainQueue final : public MainQueue {
 public:
     void async(Work work) override {
@@ -26,10 +26,12 @@ public:
 
     void asyncAfter(std::chrono::milliseconds delay, Work work) override {
         const std::scoped_lock lock(m_mutex);
-        m_delayed.push_back({m_elapsed + delay, m_nextOrder++, std::make_shared<Entry>(Entry{std::move(work), {}})});
+        m_delayed.push_back(
+            {m_elapsed + delay, m_nextOrder++, std::make_shared<Entry>(Entry{std::move(work), {}})});
     }
 
-    std::unique_ptr<Timer> startTimer(std::chrono::milliseconds interval, Repeat repeat, Work handler) override {
+    std::unique_ptr<Timer> startTimer(std::chrono::milliseconds interval, Repeat repeat,
+                                      Work handler) override {
         auto entry = std::make_shared<Entry>(Entry{std::move(handler), {}});
         if (repeat == Repeat::forever)
             entry->interval = interval;
@@ -91,14 +93,17 @@ public:
         return [this, start] { return start + m_elapsed; };
     }
     /// Intervals of every timer started so far, in order.
-    [[nodiscard]] const std::vector<std::chrono::milliseconds>& startedTimers() const { return m_startedTimers; }
+    [[nodiscard]] const std::vector<std::chrono::milliseconds>& startedTimers() const {
+        return m_startedTimers;
+    }
     /// Number of timers that would still fire.
     [[nodiscard]] std::size_t pendingTimers() const {
         const std::scoped_lock lock(m_mutex);
-        return static_cast<std::size_t>(std::count_if(m_delayed.begin(), m_delayed.end(), [this](const Delayed& d) {
-            return !d.entry->cancelled &&
-                   std::find(m_timerEntries.begin(), m_timerEntries.end(), d.entry) != m_timerEntries.end();
-        }));
+        return static_cast<std::size_t>(
+            std::count_if(m_delayed.begin(), m_delayed.end(), [this](const Delayed& d) {
+                return !d.entry->cancelled && std::find(m_timerEntries.begin(), m_timerEntries.end(),
+                                                        d.entry) != m_timerEntries.end();
+            }));
     }
     [[nodiscard]] std::size_t pendingWork() const {
         const std::scoped_lock lock(m_mutex);

@@ -9,7 +9,13 @@
 
 // GoogleTest finds these by name and prints Qt's texts readably.
 QT_BEGIN_NAMESPACE
-inline void PrintTo(const QString& text, std::ostream* out) { *out << '"' << text.toStdString() << '"'; }
-inline void PrintTo(const QByteArray& bytes, std::ostream* out) { *out << '"' << bytes.toStdString() << '"'; }
-inline void PrintTo(const QUrl& url, std::ostream* out) { *out << '<' << url.toString().toStdString() << '>'; }
+inline void PrintTo(const QString& text, std::ostream* out) {
+    *out << '"' << text.toStdString() << '"';
+}
+inline void PrintTo(const QByteArray& bytes, std::ostream* out) {
+    *out << '"' << bytes.toStdString() << '"';
+}
+inline void PrintTo(const QUrl& url, std::ostream* out) {
+    *out << '<' << url.toString().toStdString() << '>';
+}
 QT_END_NAMESPACE
