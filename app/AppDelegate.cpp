@@ -195,10 +195,10 @@ void AppDelegate::selectOutputSonos(const MenuItem& sender) {
 
 void AppDelegate::selectOutput(const SonosRoom& room) {
     // The room may be one of the manager's own list, which playing can replace.
-    const QString id = room.id();
-    m_sonos.activeTarget = AudioOutputTarget::sonos(id);
+    const auto target = AudioOutputTarget::sonos(room.id());
+    m_sonos.activeTarget = target;
     m_player.stop();
-    m_sonos.playZofra(id);
+    m_sonos.playZofra(target.roomId());
     updateStatusBarButton();
 }
 

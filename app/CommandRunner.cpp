@@ -113,7 +113,7 @@ void CommandRunner::startPlaying() {
 }
 
 std::optional<SonosRoom> CommandRunner::roomNamed(const QString& text) const {
-    if (const auto room = m_environment.sonos.room(text))
+    if (auto room = m_environment.sonos.room(text))
         return room;
     for (const auto sensitivity : {Qt::CaseSensitive, Qt::CaseInsensitive}) {
         for (const SonosRoom& room : m_environment.sonos.rooms.get()) {

@@ -34,7 +34,7 @@ QString shownValue(const QJsonValue& value) {
         return visibleText(value.toString());
     QStringList titles;
     const QJsonArray rooms = value.toArray();
-    for (const QJsonValue& room : rooms)
+    for (const auto& room : rooms)
         titles.append(visibleText(room.toObject().value(QLatin1String("title")).toString()));
     return titles.join(QStringLiteral(", "));
 }

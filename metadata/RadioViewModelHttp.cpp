@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 
 constexpr auto requestTimeout = 6000ms;
 constexpr auto retryDelay = 2000ms;
-constexpr std::size_t maxBodyBytes = 1024 * 1024;
+constexpr std::size_t maxBodyBytes = 1'048'576;
 
 /// The body of a response with a status of success; null for everything else.
 const QByteArray* successfulBody(const HttpResult& result) {

@@ -26,7 +26,7 @@ struct HttpRequest {
     std::chrono::milliseconds timeout{60000};
     CachePolicy cachePolicy = CachePolicy::useProtocol;
     /// A longer body ends the request with HttpError::Code::tooLarge as soon as it is noticed.
-    std::size_t maxBodyBytes = 1024 * 1024;
+    std::size_t maxBodyBytes = 1'048'576;
 };
 
 /// Why a request gave no response.

@@ -167,7 +167,7 @@ private:
                 SpeakerCheck::Outside{m_http, m_mainQueue, m_tasks, m_network});
         SpeakerFacts facts;
         facts.state = SpeakerFacts::State::notWanted;
-        const auto findings = judgeSpeakers(facts);
+        auto findings = judgeSpeakers(facts);
         return background(findings.front(), [findings] { return findings; });
     }
 

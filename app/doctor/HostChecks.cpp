@@ -13,7 +13,7 @@ namespace zofra::doctor {
 namespace {
 
 constexpr auto socketPatience = std::chrono::milliseconds(5000);
-constexpr std::size_t maxBody = 1024 * 1024;
+constexpr std::size_t maxBody = 1'048'576;
 
 HostProbe::Request requestFor(const HostTarget& target, const QUrl& url) {
     HostProbe::Request request;

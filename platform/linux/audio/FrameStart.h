@@ -11,7 +11,7 @@ namespace zofra {
 /// what it is needs to begin with a whole one.
 
 /// This much is looked at in search of frames.
-inline constexpr qsizetype frameSearchBytes = 16 * 1024;
+inline constexpr qsizetype frameSearchBytes = 16'384;
 
 /// Where the first of three whole frames of sound in a row (ADTS AAC or MPEG audio) begins in what has come
 /// so far. Nothing while more may tell; 0 where there are none, for then it is something else and not ours to

@@ -97,6 +97,10 @@ int MpvHandle::stillEnding() {
 
 std::shared_ptr<MpvHandle> MpvHandle::makeNow(const Recipe& recipe, const std::shared_ptr<Doorbell>& doorbell,
                                               QString& reason) {
+    // First, so that no thread prepares TLS while hundreds of libraries are being loaded.
+    HttpStream::Settings settings;
+    settings.authorities = HttpStream::authorities(recipe.extraAuthorityFile);
+    settings.userAgent = "ZofraZofra/1.0";
     auto loaded = MpvLibrary::load(recipe.libraryFile);
     if (const auto* problem = std::get_if<QString>(&loaded)) {
         reason = *problem;
@@ -108,9 +112,6 @@ std::shared_ptr<MpvHandle> MpvHandle::makeNow(const Recipe& recipe, const std::s
         reason = QStringLiteral("libmpv cannot be started");
         return nullptr;
     }
-    HttpStream::Settings settings;
-    settings.authorities = HttpStream::authorities(recipe.extraAuthorityFile);
-    settings.userAgent = "ZofraZofra/1.0";
     doorbell->streams.emplace(std::move(settings));
     reason = configure(*library, handle, *doorbell->streams);
     if (!reason.isEmpty()) {

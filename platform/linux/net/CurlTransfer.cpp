@@ -19,7 +19,7 @@ namespace {
 
 constexpr long maxRedirects = 5;
 /// Of all responses to a request together, redirects included.
-constexpr std::size_t maxHeaderBytes = 128 * 1024;
+constexpr std::size_t maxHeaderBytes = 131'072;
 
 bool isToken(QByteArrayView name) {
     return !name.isEmpty() && std::all_of(name.begin(), name.end(), [](char c) {

@@ -22,9 +22,9 @@ using std::chrono::steady_clock;
 
 constexpr long maxRedirects = 5;
 /// What is taken out of the network before the reader asks for it.
-constexpr qsizetype mostPending = 128 * 1024;
+constexpr qsizetype mostPending = 131'072;
 /// Of all responses together, redirects included.
-constexpr std::size_t maxHeaderBytes = 128 * 1024;
+constexpr std::size_t maxHeaderBytes = 131'072;
 
 void setUpAuthorities(CURL* easy, const TrustedAuthorities& authorities) {
     curl_easy_setopt(easy, CURLOPT_CAINFO, authorities.file ? authorities.file->constData() : nullptr);

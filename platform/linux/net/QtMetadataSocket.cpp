@@ -17,10 +17,10 @@ namespace zofra {
 namespace {
 
 /// What one turn of the loop reads; the transport buffers no more than that either.
-constexpr qint64 pieceBytes = 64 * 1024;
+constexpr qint64 pieceBytes = 65'536;
 /// Pings are not answered while this much waits to be written, and nothing is sent while far more does.
-constexpr qint64 busyBytes = 16 * 1024;
-constexpr qint64 stuckBytes = 1024 * 1024;
+constexpr qint64 busyBytes = 16'384;
+constexpr qint64 stuckBytes = 1'048'576;
 
 constexpr std::uint16_t goingAway = 1001;
 constexpr std::uint16_t policyViolation = 1008;

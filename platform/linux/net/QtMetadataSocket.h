@@ -36,10 +36,10 @@ public:
         /// a minute: when to give up a connection is theirs to say, and this only keeps one that nobody owns
         /// well from staying.
         std::chrono::milliseconds handshakeTime{75'000};
-        std::size_t messageBytes = 1024 * 1024;
+        std::size_t messageBytes = 1'048'576;
         /// Messages that wait to be received.
         std::size_t waitingMessages = 1000;
-        std::size_t waitingBytes = 4 * 1024 * 1024;
+        std::size_t waitingBytes = 4'194'304;
         /// Pings, pongs and parts of messages in `framesTime`.
         int frames = 4000;
         std::chrono::milliseconds framesTime{10'000};

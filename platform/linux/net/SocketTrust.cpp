@@ -11,7 +11,7 @@ namespace zofra {
 
 namespace {
 
-constexpr qint64 maxFileBytes = 1024 * 1024;
+constexpr qint64 maxFileBytes = 1'048'576;
 
 QList<QSslCertificate> certificatesIn(const QString& name) {
     QFile file(name);

@@ -11,7 +11,7 @@ namespace zofra {
 
 namespace {
 
-constexpr qsizetype maxAnswerBytes = 16 * 1024;
+constexpr qsizetype maxAnswerBytes = 16'384;
 
 /// The values of every header `name`, joined with commas as if they stood in one line; absent when there is
 /// none.

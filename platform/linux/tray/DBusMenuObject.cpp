@@ -159,7 +159,7 @@ void DBusMenuObject::emitLayoutUpdated() {
     m_connection.send(signal);
 }
 
-void DBusMenuObject::event(int id, const QString& eventId) {
+void DBusMenuObject::handleEvent(int id, const QString& eventId) {
     if (id == 0 && eventId == QLatin1String("opened")) {
         m_tree.forgetMenuBefore();
         // Not every panel says when it closes the menu again.
@@ -213,7 +213,7 @@ bool DBusMenuObject::handleMenuCall(const QDBusMessage& message, QDBusMessage& r
     } else if (call == QLatin1String("Event:isvu")) {
         const int id = message.arguments().at(0).toInt();
         reply = message.createReply();
-        event(id, message.arguments().at(1).toString());
+        handleEvent(id, message.arguments().at(1).toString());
     } else if (call == QLatin1String("EventGroup:a(isvu)")) {
         reply = eventGroup(message);
     } else if (call == QLatin1String("AboutToShow:i")) {
@@ -278,7 +278,7 @@ QDBusMessage DBusMenuObject::eventGroup(const QDBusMessage& message) {
     for (const BusMenuEvent& one : events) {
         if (alive.expired())
             break;
-        event(one.id, one.eventId);
+        handleEvent(one.id, one.eventId);
     }
     return reply;
 }

@@ -44,7 +44,7 @@ private:
     /// Takes the current menu over; whether it differs from what panels were last given.
     bool rebuild();
     void checkForChange();
-    void event(int id, const QString& eventId);
+    void handleEvent(int id, const QString& eventId);
     void emitLayoutUpdated();
 
     bool handleMenuCall(const QDBusMessage& message, QDBusMessage& reply);
