@@ -141,6 +141,8 @@ std::unique_ptr<QCoreApplication> makeApplication(const Options& options, int& a
 
 } // namespace
 
+// Nothing here can be done about what is thrown: memory has run out.
+// NOLINTNEXTLINE(bugprone-exception-escape)
 int main(int argc, char** argv) {
     prepareStandardStreams();
     QStringList arguments;
@@ -159,6 +161,7 @@ int main(int argc, char** argv) {
     const Activation activation = takeActivation();
     // The toolkit must not take options of ours for its own.
     int toolkitArgc = 1;
+    // NOLINTNEXTLINE(clang-analyzer-deadcode.DeadStores): it is there until the end, and asked for by itself
     const auto application = makeApplication(options, toolkitArgc, argv, hasDisplay);
     // The toolkit sets the user's locale; the audio engine must read numbers with points.
     std::setlocale(LC_NUMERIC, "C");

@@ -110,7 +110,7 @@ QPixmap IconSet::pixmap(const QString& name, QSize size, qreal devicePixelRatio,
     if (pixmap.isNull())
         return pixmap;
     pixmap.setDevicePixelRatio(devicePixelRatio);
-    m_pixmaps.insert(key, new QPixmap(pixmap), pixels.width() * pixels.height() * 4);
+    m_pixmaps.insert(key, new QPixmap(pixmap), qsizetype{4} * pixels.width() * pixels.height());
     return pixmap;
 }
 
