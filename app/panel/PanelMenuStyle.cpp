@@ -157,9 +157,8 @@ int PanelMenuStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, 
         return 1;
     case PM_MenuHMargin:
     case PM_MenuVMargin:
-        return m_look.metrics.px(4);
+    // Beside the menu, not over its margin; the two frames fall together.
     case PM_SubMenuOverlap:
-        // Beside the menu, not over its margin; the two frames fall together.
         return m_look.metrics.px(4);
     case PM_MenuDesktopFrameWidth:
         return 0;
