@@ -71,7 +71,11 @@ TEST_F(PopupWindowTest, IsTitledAndClosableOnly) {
 TEST_F(PopupWindowTest, IsAsLargeAsThePanelAndFollowsIt) {
     open();
     const QWidget* host = windows().first();
-    const auto* view = host->findChild<AboutPopupView*>();
+    const AboutPopupView* view = nullptr;
+    for (const QWidget* part : host->findChildren<QWidget*>()) {
+        if (const auto* found = dynamic_cast<const AboutPopupView*>(part))
+            view = found;
+    }
     EXPECT_EQ(host->size(), view->size());
     EXPECT_EQ(host->minimumSize(), host->maximumSize());
     const int height = host->height();
