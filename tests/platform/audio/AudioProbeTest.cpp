@@ -51,7 +51,7 @@ TEST_F(AudioProbeTest, OpensTheDeviceOfASoundServerAndNamesIt) {
         GTEST_SKIP() << "skipped: needs pulseaudio and libmpv";
     PrivateSoundServer server;
     environment.set("PULSE_SERVER", server.address());
-    ASSERT_TRUE(spinUntil([&server] { return server.isListening(); }));
+    ASSERT_TRUE(pollUntil([&server] { return server.isListening(); })) << server.log();
     const auto probe = AudioProbe::run(30s);
     EXPECT_EQ(probe.outcome, Outcome::opened) << probe.reason.toStdString();
     EXPECT_EQ(probe.driver, u"pulse"_qs);

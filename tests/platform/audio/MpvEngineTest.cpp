@@ -58,7 +58,7 @@ protected:
             return false;
         sound = std::make_unique<PrivateSoundServer>();
         environment.set("PULSE_SERVER", sound->address());
-        return spinUntil([this] { return sound->isListening(); });
+        return pollUntil([this] { return sound->isListening(); });
     }
     /// Lets pass whatever is already on its way.
     static void settle() {
@@ -210,7 +210,7 @@ TEST_F(MpvEngine, failsWhenTheSoundServerDiesAndPlaysOnTheNext) {
     ASSERT_TRUE(spinUntil([this] { return failures > 0; }));
     EXPECT_THAT(surroundings().log.lines, ElementsAre(QStringLiteral("There is no audio device to play on")));
     sound->start();
-    ASSERT_TRUE(spinUntil([this] { return sound->isListening(); }));
+    ASSERT_TRUE(pollUntil([this] { return sound->isListening(); })) << sound->log();
     player->play();
     EXPECT_TRUE(spinUntil([this] { return player->timeControlStatus() == playing; }));
 }

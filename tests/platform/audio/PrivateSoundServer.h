@@ -8,17 +8,26 @@
 #include <QString>
 #include <QTemporaryDir>
 
+#include <csignal>
+#include <cstring>
+#include <string>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
 namespace zofra::test {
 
-/// A PulseAudio of the test's own with one sink that goes nowhere. Needs an application object.
+/// A PulseAudio of the test's own with one sink that goes nowhere.
 class PrivateSoundServer {
 public:
     PrivateSoundServer() {
         QFile script(m_folder.filePath(QStringLiteral("server.pa")));
         if (!script.open(QIODevice::WriteOnly))
             return;
-        script.write("load-module module-native-protocol-unix auth-anonymous=1 socket=" +
-                     socketPath().toUtf8() + "\nload-module module-null-sink sink_name=nowhere\n");
+        // The sink first: whoever finds the socket finds the sink.
+        script.write("load-module module-null-sink sink_name=nowhere\n"
+                     "load-module module-native-protocol-unix auth-anonymous=1 socket=" +
+                     socketPath().toUtf8() + "\n");
         script.close();
         start();
     }
@@ -31,28 +40,50 @@ public:
     }
     /// For PULSE_SERVER.
     [[nodiscard]] QByteArray address() const { return "unix:" + socketPath().toUtf8(); }
-    [[nodiscard]] bool isListening() const { return QFile::exists(socketPath()); }
+    /// It takes connections. No event tells: to be polled for.
+    [[nodiscard]] bool isListening() const {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        const auto path = socketPath().toLocal8Bit();
+        if (static_cast<std::size_t>(path.size()) >= sizeof address.sun_path)
+            return false;
+        std::memcpy(address.sun_path, path.constData(), static_cast<std::size_t>(path.size()));
+        const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        const bool isTaken =
+            ::connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+        ::close(descriptor);
+        return isTaken;
+    }
 
     void start() {
         QFile::remove(socketPath());
-        m_process.start(QStringLiteral("pulseaudio"),
-                        {QStringLiteral("-n"), QStringLiteral("--daemonize=no"),
-                         QStringLiteral("--exit-idle-time=-1"), QStringLiteral("--use-pid-file=no"),
-                         QStringLiteral("--disable-shm=yes"), QStringLiteral("-F"),
-                         m_folder.filePath(QStringLiteral("server.pa"))});
-        m_process.waitForStarted(5000);
+        m_server = spawnProgram(QStringLiteral("pulseaudio"),
+                                {QStringLiteral("-n"), QStringLiteral("--daemonize=no"),
+                                 QStringLiteral("--exit-idle-time=-1"), QStringLiteral("--use-pid-file=no"),
+                                 QStringLiteral("--disable-shm=yes"), QStringLiteral("-F"),
+                                 m_folder.filePath(QStringLiteral("server.pa"))},
+                                logFile());
     }
     /// As a crash would.
     void stop() {
-        m_process.kill();
-        m_process.waitForFinished(5000);
+        if (m_server <= 0)
+            return;
+        ::kill(m_server, SIGKILL);
+        waitForProgram(m_server);
+        m_server = -1;
+    }
+    /// What it has said, for a failed test.
+    [[nodiscard]] std::string log() const {
+        QFile file(logFile());
+        return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
     }
 
 private:
     [[nodiscard]] QString socketPath() const { return m_folder.filePath(QStringLiteral("native")); }
+    [[nodiscard]] QString logFile() const { return m_folder.filePath(QStringLiteral("log")); }
 
     QTemporaryDir m_folder;
-    ChildProcess m_process;
+    pid_t m_server = -1;
 };
 
 } // namespace zofra::test
