@@ -2,6 +2,7 @@
 #include "app/panel/PanelActions.h"
 
 #include "metadata/RadioViewModel.h"
+#include "platform/StreamPlayer.h"
 #include "playback/RadioPlayer.h"
 #include "speakers/SonosManager.h"
 
@@ -51,11 +52,10 @@ void PanelActions::chooseThisMac() {
 }
 
 void PanelActions::chooseRoom(const QString& roomId) {
-    // The same acts in the same order as choosing the room in the status menu. Stopping here, and not only
-    // pausing the stream, matters: a player that still counted as playing would start again on this computer
-    // with the next change of station or after a wake-up.
-    m_content.sonos.activeTarget = AudioOutputTarget::sonos(roomId);
-    m_content.player.stop();
+    // The panel hands the sound to a room for now: the target, and what the local player was asked for, stay
+    // as they were chosen in the status menu.
+    if (StreamPlayer* const streamPlayer = m_content.player.player.get())
+        streamPlayer->pause();
     m_content.sonos.playZofra(roomId);
 }
 

@@ -34,6 +34,8 @@ public:
     [[nodiscard]] const std::shared_ptr<StreamItem>& item() const { return items.back(); }
 
     QStringList calls;
+    /// Called at each of them.
+    std::function<void()> onCall;
     std::vector<FakeStreamPlayer*> alive;
     std::vector<std::shared_ptr<StreamItem>> items;
     int made = 0;
@@ -97,7 +99,11 @@ public:
     std::optional<float> volume;
 
 private:
-    void record(const QString& call) { m_factory.calls << QStringLiteral("%1 %2").arg(m_number).arg(call); }
+    void record(const QString& call) {
+        m_factory.calls << QStringLiteral("%1 %2").arg(m_number).arg(call);
+        if (m_factory.onCall)
+            m_factory.onCall();
+    }
 
     FakeStreamPlayerFactory& m_factory;
     int m_number;

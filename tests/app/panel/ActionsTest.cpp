@@ -122,32 +122,33 @@ TEST_F(PanelActionsTest, ChoosingThisMacSetsTheTargetBeforeItStops) {
     EXPECT_EQ(seen, (QStringList{u"everywhere playing"_qs, u"local playing"_qs, u"local still"_qs}));
 }
 
-TEST_F(PanelActionsTest, ChoosingARoomSilencesThisComputerBeforeTheRoomPlays) {
+TEST_F(PanelActionsTest, ChoosingARoomPausesTheStreamBeforeTheRoomPlays) {
     world.findPlayer(u"RINCON_1"_qs, u"Kitchen"_qs);
     playLocally();
-    QStringList order;
-    world.player.onPlaybackStateChanged = [&](bool isPlaying) {
-        EXPECT_FALSE(isPlaying);
-        EXPECT_EQ(world.sonos.activeTarget.get(), AudioOutputTarget::sonos(u"RINCON_1"_qs));
-        EXPECT_TRUE(world.http.requests.empty());
-        order << u"local playback ended"_qs;
-    };
+    world.streams.calls.clear();
+    world.streams.onCall = [this] { EXPECT_TRUE(world.http.requests.empty()); };
     actions.chooseRoom(u"RINCON_1"_qs);
-    EXPECT_EQ(order, QStringList{u"local playback ended"_qs});
+    world.streams.onCall = nullptr;
     EXPECT_EQ(world.streams.calls, QStringList{u"1 pause"_qs});
-    EXPECT_FALSE(world.player.isPlaying);
-    EXPECT_FALSE(world.player.isBuffering);
-    EXPECT_EQ(world.sonos.activeTargetTitle(), u"Kitchen"_qs);
     EXPECT_FALSE(world.http.requests.empty());
 }
 
-TEST_F(PanelActionsTest, AChangeOfStationInARoomStartsNothingOnThisComputer) {
+TEST_F(PanelActionsTest, ChoosingARoomLeavesTargetAndLocalPlayerAsTheyWere) {
     world.findPlayer(u"RINCON_1"_qs, u"Kitchen"_qs);
     playLocally();
+    world.player.onPlaybackStateChanged = [](bool) { ADD_FAILURE() << "the player was told to stop"; };
     actions.chooseRoom(u"RINCON_1"_qs);
-    world.streams.calls.clear();
-    actions.chooseStation(RadioStation::joe);
+    EXPECT_EQ(world.sonos.activeTarget.get(), AudioOutputTarget::localMac());
+    EXPECT_TRUE(world.player.isPlaying);
+    EXPECT_NE(world.player.player, nullptr);
+}
+
+TEST_F(PanelActionsTest, ChoosingARoomBeforeAnythingPlayedHereOpensNoStream) {
+    world.findPlayer(u"RINCON_1"_qs, u"Kitchen"_qs);
+    actions.chooseRoom(u"RINCON_1"_qs);
     EXPECT_TRUE(world.streams.calls.isEmpty());
+    EXPECT_EQ(world.player.player, nullptr);
+    EXPECT_FALSE(world.http.requests.empty());
 }
 
 TEST_F(PanelActionsTest, ChoosingARoomThatIsGonePlaysNothing) {
