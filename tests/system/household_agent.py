@@ -1,17 +1,14 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A stranger in the program's namespace: does on the network what tests tell it, one JSON object a line.
+"""A stranger in the program's namespace: does on the network what tests tell it.
 
 Bytes travel as latin-1 text.
 """
 
-import json
 import socket
-import struct
-import sys
 import threading
 import time
 
-GROUP = ("239.255.255.250", 1900)
+from agent_loop import HOME, answer_requests, multicast_socket
 
 
 def exchange(host, port, data, timeout=5.0, source=None):
@@ -72,11 +69,7 @@ class Listener(threading.Thread):
     def __init__(self):
         super().__init__(daemon=True)
         self.heard = []
-        self._udp = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
-        self._udp.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
-        self._udp.bind(("", 1900))
-        own = struct.pack("4s4s", socket.inet_aton(GROUP[0]), socket.inet_aton("10.77.0.2"))
-        self._udp.setsockopt(socket.IPPROTO_IP, socket.IP_ADD_MEMBERSHIP, own)
+        self._udp = multicast_socket()
 
     def run(self):
         while True:
@@ -92,7 +85,7 @@ class Radio(threading.Thread):
         super().__init__(daemon=True)
         self.requests = []
         self._port = port
-        self._listener = socket.create_server(("10.77.0.2", port), backlog=64)
+        self._listener = socket.create_server((HOME, port), backlog=64)
 
     def run(self):
         while True:
@@ -153,17 +146,5 @@ class Agent:
         return self._radio.requests
 
 
-def main():
-    """Answers until standard input ends."""
-    agent = Agent()
-    for line in sys.stdin:
-        asked = json.loads(line)
-        try:
-            answer = {"result": getattr(agent, asked["do"])(**asked["args"])}
-        except Exception as error:  # belongs to the test that asked
-            answer = {"error": f"{type(error).__name__}: {error}"}
-        print(json.dumps(answer), flush=True)
-
-
 if __name__ == "__main__":
-    main()
+    answer_requests(Agent())

@@ -1,9 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """What the tests of the household share: a lab with nothing but players, and a stranger to meet them with."""
 
-import json
 import os
-import subprocess
 import sys
 import xml.etree.ElementTree as ElementTree
 from xml.sax.saxutils import escape
@@ -14,8 +12,9 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 ROOT = os.path.dirname(os.path.dirname(HERE))
 sys.path.insert(0, os.path.join(ROOT, "lab"))
 
-from zofralab.lab import PYTHON, Lab  # noqa: E402
-from zofralab.process import clean_environment, terminate, wait_until  # noqa: E402
+from agent_process import AgentProcess  # noqa: E402
+from zofralab.lab import Lab  # noqa: E402
+from zofralab.process import wait_until  # noqa: E402
 
 ZONE_PLAYER = "urn:schemas-upnp-org:device:ZonePlayer:1"
 AV_TRANSPORT = "urn:schemas-upnp-org:service:AVTransport:1"
@@ -33,33 +32,14 @@ SEARCH = (
 MULTICAST, BROADCAST = "239.255.255.250", "10.77.0.255"
 
 
-class Stranger:
-    """Runs household_agent.py in the program's namespace; its functions are methods here."""
+# What may be given to the stranger without names.
+POSITIONAL = {"exchange": ("host", "port", "data"), "search": ("data", "to", "seconds"),
+              "hold": ("host", "port", "count", "seconds")}
 
-    def __init__(self, lab):
-        self._child = subprocess.Popen(
-            [*lab.enter(), PYTHON, os.path.join(HERE, "household_agent.py")],
-            stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True, env=clean_environment(),
-        )
 
-    def __getattr__(self, do):
-        def ask(*args, **named):
-            names = {"exchange": ("host", "port", "data"), "search": ("data", "to", "seconds"),
-                     "hold": ("host", "port", "count", "seconds")}
-            named.update(zip(names.get(do, ()), args))
-            self._child.stdin.write(json.dumps({"do": do, "args": named}) + "\n")
-            self._child.stdin.flush()
-            answer = json.loads(self._child.stdout.readline())
-            if "error" in answer:
-                raise RuntimeError(answer["error"])
-            return answer["result"]
-        return ask
-
-    def close(self):
-        """Ends it."""
-        self._child.stdin.close()
-        self._child.stdout.close()
-        terminate(self._child)
+def make_stranger(lab):
+    """Somebody in the program's namespace who does what household_agent.py can."""
+    return AgentProcess(lab, "household_agent.py", POSITIONAL)
 
 
 class Answer:
@@ -142,7 +122,7 @@ def household_lab():
 @pytest.fixture(scope="module")
 def household_stranger(household_lab):
     """Someone in the program's namespace, on the air with noise."""
-    stranger = Stranger(household_lab)
+    stranger = make_stranger(household_lab)
     stranger.radio(port=8000)
     yield stranger
     stranger.close()

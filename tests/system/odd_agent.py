@@ -1,20 +1,16 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Players and services that are odd, in the program's namespace: they say to the letter what a test tells them.
 
-Reads one JSON object a line, as household_agent.py does. Bytes travel as latin-1 text. What a connection is answered
+Is asked as agent_loop.py reads it. Bytes travel as latin-1 text. What a connection is answered
 with is a list: texts to send, and numbers, which are seconds to wait; then it is closed.
 """
 
-import json
 import socket
 import ssl
-import struct
-import sys
 import threading
 import time
 
-HOME = "10.77.0.2"
-GROUP = ("239.255.255.250", 1900)
+from agent_loop import HOME, answer_requests, multicast_socket
 
 
 def read_request(connection):
@@ -89,11 +85,7 @@ class Responder(threading.Thread):
         super().__init__(daemon=True)
         self.heard = []
         self._datagrams = [text.encode("latin-1") for text in datagrams]
-        self._udp = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
-        self._udp.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
-        self._udp.bind(("", 1900))
-        own = struct.pack("4s4s", socket.inet_aton(GROUP[0]), socket.inet_aton(HOME))
-        self._udp.setsockopt(socket.IPPROTO_IP, socket.IP_ADD_MEMBERSHIP, own)
+        self._udp = multicast_socket()
 
     def run(self):
         while True:
@@ -130,17 +122,5 @@ class Agent:
         return self._responder.heard
 
 
-def main():
-    """Answers until standard input ends."""
-    agent = Agent()
-    for line in sys.stdin:
-        asked = json.loads(line)
-        try:
-            answer = {"result": getattr(agent, asked["do"])(**asked["args"])}
-        except Exception as error:  # belongs to the test that asked
-            answer = {"error": f"{type(error).__name__}: {error}"}
-        print(json.dumps(answer), flush=True)
-
-
 if __name__ == "__main__":
-    main()
+    answer_requests(Agent())

@@ -13,8 +13,9 @@ import subprocess
 import pytest
 
 from household_support import (  # noqa: F401
-    HERE, MULTICAST, PYTHON, ROOT, SEARCH, ZONE_PLAYER, house, household_lab, household_stranger,
+    HERE, MULTICAST, ROOT, SEARCH, ZONE_PLAYER, house, household_lab, household_stranger,
 )
+from zofralab.lab import PYTHON
 from zofralab.process import clean_environment, terminate
 
 GSSDP = os.path.join(HERE, "household_gssdp.py")

@@ -5,7 +5,7 @@ import time
 
 import pytest
 
-from household_support import Stranger, Visitor, eventually
+from household_support import Visitor, eventually, make_stranger
 from zofralab.stations import STATIONS
 
 BEAM = "10.77.0.11"
@@ -14,7 +14,7 @@ BEAM = "10.77.0.11"
 @pytest.fixture
 def visitor(lab):
     """A controller in the program's namespace."""
-    stranger = Stranger(lab)
+    stranger = make_stranger(lab)
     yield Visitor(stranger)
     stranger.close()
 
