@@ -63,7 +63,6 @@ TEST_F(DoctorSettings, AreAProblemWhenTheyCannotBeReadOrWritten) {
     ASSERT_EQ(::chmod(path.toUtf8().constData(), 0444), 0);
     EXPECT_TRUE(judged().text.contains(u"cannot be written: it is read-only"_qs));
     EXPECT_TRUE(judged().cure.contains(u"chmod"_qs));
-    put("");
     ASSERT_TRUE(QFile::remove(path));
     ASSERT_TRUE(QDir().mkpath(path));
     EXPECT_TRUE(judged().text.contains(u"cannot be read: it is no file"_qs));
