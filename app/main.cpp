@@ -7,6 +7,7 @@
 #include "app/StatusReport.h"
 #include "app/ZofraMenuBarApp.h"
 #include "app/doctor/DoctorRun.h"
+#include "platform/linux/Allocator.h"
 #include "platform/linux/EndpointsLayers.h"
 
 #include <QApplication>
@@ -144,6 +145,7 @@ std::unique_ptr<QCoreApplication> makeApplication(const Options& options, int& a
 // Nothing here can be done about what is thrown: memory has run out.
 // NOLINTNEXTLINE(bugprone-exception-escape)
 int main(int argc, char** argv) {
+    tuneAllocator();
     prepareStandardStreams();
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
