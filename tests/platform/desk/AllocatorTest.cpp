@@ -56,9 +56,11 @@ TEST(Allocator, LargeBlocksGoBackToTheSystem) {
     const std::size_t before = ::mallinfo2().hblks;
     // The first of these would by itself raise the size from which blocks are mapped.
     for (int i = 0; i < 3; ++i) {
-        void* const block = std::malloc(8 << 20);
+        auto* const block = static_cast<volatile char*>(std::malloc(8 << 20));
+        ASSERT_NE(block, nullptr);
+        block[0] = 'x';
         EXPECT_EQ(::mallinfo2().hblks, before + 1);
-        std::free(block);
+        std::free(const_cast<char*>(block));
         EXPECT_EQ(::mallinfo2().hblks, before);
     }
 }
