@@ -3,10 +3,9 @@
 
 #include <QByteArray>
 
-#include <gtest/gtest.h>
-
 #include <cstdio>
 #include <cstdlib>
+#include <gtest/gtest.h>
 #include <latch>
 #include <malloc.h>
 #include <memory>
