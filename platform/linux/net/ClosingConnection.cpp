@@ -23,10 +23,13 @@ void ClosingConnection::takeOver(std::unique_ptr<QSslSocket> transport, bool wai
     QObject::connect(socket, &QSslSocket::readyRead, socket,
                      [socket] { socket->skip(socket->bytesAvailable()); });
     QObject::connect(socket, &QSslSocket::disconnected, socket, [socket] { socket->deleteLater(); });
-    QTimer::singleShot(2s, socket, [socket] {
+    auto* const patience = new QTimer(socket);
+    patience->setSingleShot(true);
+    QObject::connect(patience, &QTimer::timeout, socket, [socket] {
         socket->abort();
         socket->deleteLater();
     });
+    patience->start(2s);
 }
 
 } // namespace zofra

@@ -44,11 +44,11 @@ QtMetadataSocket::QtMetadataSocket(QUrl url, std::shared_ptr<SocketTrust> trust,
     , m_trust(std::move(trust))
     , m_limits(limits)
     , m_reader(limits.messageBytes)
-    , m_context(std::make_unique<QObject>()) {}
+    , m_later(std::make_unique<LaterWork>()) {}
 
 QtMetadataSocket::~QtMetadataSocket() {
     leave(goingAway, {});
-    m_context.reset();
+    m_later.reset();
 }
 
 void QtMetadataSocket::resume() {
@@ -64,10 +64,12 @@ void QtMetadataSocket::resume() {
         fail(QStringLiteral("No certificate could be read from ") + m_trust->extraAuthorityFile());
         return;
     }
-    QTimer::singleShot(m_limits.handshakeTime, m_context.get(), [this] {
+    m_handshakeTimer.setSingleShot(true);
+    QObject::connect(&m_handshakeTimer, &QTimer::timeout, m_later.get(), [this] {
         if (m_state == State::connecting)
             fail(QStringLiteral("The connection could not be made in time."));
     });
+    m_handshakeTimer.start(m_limits.handshakeTime);
     connectTransport();
 }
 
@@ -89,12 +91,12 @@ void QtMetadataSocket::connectSignals() {
     const bool isSecure = m_url.scheme() == QLatin1String("wss");
     const auto ready = [this] { transportReady(); };
     if (isSecure)
-        QObject::connect(transport, &QSslSocket::encrypted, m_context.get(), ready);
+        QObject::connect(transport, &QSslSocket::encrypted, m_later.get(), ready);
     else
-        QObject::connect(transport, &QSslSocket::connected, m_context.get(), ready);
-    QObject::connect(transport, &QSslSocket::readyRead, m_context.get(), [this] { readPiece(); });
-    QObject::connect(transport, &QSslSocket::bytesWritten, m_context.get(), [this] { answerPing(); });
-    QObject::connect(transport, &QSslSocket::errorOccurred, m_context.get(), [this] { transportFailed(); });
+        QObject::connect(transport, &QSslSocket::connected, m_later.get(), ready);
+    QObject::connect(transport, &QSslSocket::readyRead, m_later.get(), [this] { readPiece(); });
+    QObject::connect(transport, &QSslSocket::bytesWritten, m_later.get(), [this] { answerPing(); });
+    QObject::connect(transport, &QSslSocket::errorOccurred, m_later.get(), [this] { transportFailed(); });
 }
 
 void QtMetadataSocket::transportReady() {
@@ -115,7 +117,7 @@ void QtMetadataSocket::readPiece() {
         readFrames(bytes);
     // The rest in another turn of the loop, so that others have theirs.
     if (m_transport && m_transport->bytesAvailable() > 0)
-        later([this] { readPiece(); });
+        m_later->post([this] { readPiece(); });
 }
 
 void QtMetadataSocket::readHandshake(const QByteArray& bytes) {
@@ -213,7 +215,7 @@ void QtMetadataSocket::transportFailed() {
     if (m_state == State::ended)
         return;
     if (mayTryOtherTrust()) {
-        QObject::disconnect(m_transport.get(), nullptr, m_context.get(), nullptr);
+        QObject::disconnect(m_transport.get(), nullptr, m_later.get(), nullptr);
         ClosingConnection::takeOver(std::move(m_transport), false);
         ++m_trustTried;
         connectTransport();
@@ -241,7 +243,7 @@ void QtMetadataSocket::leave(std::uint16_t closeCode, const QByteArray& reason) 
         return;
     const bool wasOpen = m_state == State::open && m_transport->state() == QAbstractSocket::ConnectedState;
     m_state = State::ended;
-    QObject::disconnect(m_transport.get(), nullptr, m_context.get(), nullptr);
+    QObject::disconnect(m_transport.get(), nullptr, m_later.get(), nullptr);
     if (wasOpen)
         write(WebSocketOpcode::close, webSocketClosePayload(closeCode, reason));
     ClosingConnection::takeOver(std::move(m_transport), wasOpen);
@@ -271,7 +273,7 @@ void QtMetadataSocket::send(SocketMessage message, SendHandler completionHandler
     } else {
         write(WebSocketOpcode::binary, std::get<QByteArray>(message));
     }
-    later([handler = std::move(completionHandler), error = std::move(error)] {
+    m_later->post([handler = std::move(completionHandler), error = std::move(error)] {
         if (handler)
             handler(error);
     });
@@ -279,7 +281,7 @@ void QtMetadataSocket::send(SocketMessage message, SendHandler completionHandler
 
 void QtMetadataSocket::receive(ReceiveHandler completionHandler) {
     if (m_receiver) {
-        later([handler = std::move(completionHandler)] {
+        m_later->post([handler = std::move(completionHandler)] {
             handler(SocketError{QStringLiteral("Another message is being waited for already.")});
         });
         return;
@@ -290,7 +292,7 @@ void QtMetadataSocket::receive(ReceiveHandler completionHandler) {
 
 void QtMetadataSocket::scheduleDelivery() {
     if (m_receiver && (!m_waiting.empty() || m_failure))
-        later([this] { deliver(); });
+        m_later->post([this] { deliver(); });
 }
 
 void QtMetadataSocket::deliver() {
@@ -306,10 +308,6 @@ void QtMetadataSocket::deliver() {
     m_waitingBytes -= sizeOf(message);
     // Last, because the receiver may end this socket.
     receiver(std::move(message));
-}
-
-void QtMetadataSocket::later(std::function<void()> work) {
-    QMetaObject::invokeMethod(m_context.get(), std::move(work), Qt::QueuedConnection);
 }
 
 MakeWebSocket qtWebSockets(std::optional<QString> extraAuthorityFile) {

@@ -2,11 +2,11 @@
 #pragma once
 
 #include "platform/RadioMetadataSocket.h"
+#include "platform/linux/net/LaterWork.h"
 #include "platform/linux/net/SocketTrust.h"
 #include "platform/linux/net/WebSocketHandshake.h"
 #include "platform/linux/net/WebSocketWire.h"
 
-#include <QObject>
 #include <QString>
 #include <QTimer>
 #include <QUrl>
@@ -81,12 +81,12 @@ private:
     [[nodiscard]] qint64 unwrittenBytes() const;
     void scheduleDelivery();
     void deliver();
-    void later(std::function<void()> work);
 
     const QUrl m_url;
     const std::shared_ptr<SocketTrust> m_trust;
     const Limits m_limits;
     State m_state = State::idle;
+    QTimer m_handshakeTimer;
     std::unique_ptr<QSslSocket> m_transport;
     /// Which of the ways to trust is being tried.
     std::size_t m_trustTried = 0;
@@ -101,7 +101,7 @@ private:
     std::optional<SocketError> m_failure;
     ReceiveHandler m_receiver;
     /// Whatever is still to come is bound to this, so that it does not outlive the socket.
-    std::unique_ptr<QObject> m_context;
+    std::unique_ptr<LaterWork> m_later;
 };
 
 /// Makes such sockets, which all trust the system's authorities and those of the extra file.
