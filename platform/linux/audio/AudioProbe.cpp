@@ -23,7 +23,7 @@ constexpr qsizetype maxDevices = 32;
 /// mono, whose side information says that nothing follows.
 QByteArray silence() {
     constexpr int frames = 38;
-    constexpr int bytesAfterHeader = 100;
+    constexpr qsizetype bytesAfterHeader = 100;
     return "hex://" + (QByteArray("fffb10c4") + QByteArray(2 * bytesAfterHeader, '0')).repeated(frames);
 }
 

@@ -2,6 +2,7 @@
 #include "platform/linux/audio/MpvHandle.h"
 
 #include "platform/linux/audio/MpvOptions.h"
+#include "platform/linux/net/UserAgent.h"
 
 #include <array>
 #include <clocale>
@@ -56,7 +57,7 @@ struct MpvHandle::Doorbell {
 };
 
 void MpvHandle::make(MainQueue& mainQueue, const Recipe& recipe, std::function<void()> onEvents,
-                     Ready ready) {
+                     const Ready& ready) {
     // mpv refuses to start, and its numbers would go wrong, under any other notation. Here because it is not
     // safe on another thread, and not earlier because the application object sets the user's.
     std::setlocale(LC_NUMERIC, "C");
@@ -100,7 +101,7 @@ std::shared_ptr<MpvHandle> MpvHandle::makeNow(const Recipe& recipe, const std::s
     // First, so that no thread prepares TLS while hundreds of libraries are being loaded.
     HttpStream::Settings settings;
     settings.authorities = HttpStream::authorities(recipe.extraAuthorityFile);
-    settings.userAgent = "ZofraZofra/1.0";
+    settings.userAgent = userAgent();
     auto loaded = MpvLibrary::load(recipe.libraryFile);
     if (const auto* problem = std::get_if<QString>(&loaded)) {
         reason = *problem;

@@ -30,7 +30,8 @@ public:
 
     /// Makes one and posts it to `ready`. `onEvents` is then called on the main queue whenever there are
     /// events to be fetched, until the handle ends. The queue outlives all of it.
-    static void make(MainQueue& mainQueue, const Recipe& recipe, std::function<void()> onEvents, Ready ready);
+    static void make(MainQueue& mainQueue, const Recipe& recipe, std::function<void()> onEvents,
+                     const Ready& ready);
 
     /// Ends mpv in the background; no call comes after.
     ~MpvHandle();

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/net/CurlTransfer.h"
 
-#include "platform/linux/net/LocalHost.h"
 #include "platform/linux/net/LogText.h"
 
 #include <QLatin1String>
@@ -17,7 +16,6 @@ namespace zofra {
 
 namespace {
 
-constexpr long maxRedirects = 5;
 /// Of all responses to a request together, redirects included.
 constexpr std::size_t maxHeaderBytes = 131'072;
 
@@ -61,34 +59,13 @@ CurlTransfer::CurlTransfer(HttpRequest request, const TrustedAuthorities& author
     curl_easy_setopt(easy(), CURLOPT_ERRORBUFFER, m_errorText.data());
     setUpMethod();
     setUpLimits();
-    setUpVerification(authorities);
+    m_rules.apply(easy(), m_request.url, authorities);
 }
 
 void CurlTransfer::setUpLimits() {
     const auto timeout =
         std::clamp<std::int64_t>(m_request.timeout.count(), 1, std::numeric_limits<int>::max());
     curl_easy_setopt(easy(), CURLOPT_TIMEOUT_MS, static_cast<long>(timeout));
-    curl_easy_setopt(easy(), CURLOPT_NOSIGNAL, 1L);
-    // A name that is still being looked up when the request ends is left to itself instead of being waited
-    // for.
-    curl_easy_setopt(easy(), CURLOPT_QUICK_EXIT, 1L);
-
-    const bool startsSecure = m_request.url.scheme() == QLatin1String("https");
-    curl_easy_setopt(easy(), CURLOPT_PROTOCOLS_STR, "http,https");
-    curl_easy_setopt(easy(), CURLOPT_REDIR_PROTOCOLS_STR, startsSecure ? "https" : "http,https");
-    curl_easy_setopt(easy(), CURLOPT_FOLLOWLOCATION, 1L);
-    curl_easy_setopt(easy(), CURLOPT_MAXREDIRS, maxRedirects);
-    curl_easy_setopt(
-        easy(), CURLOPT_PREREQFUNCTION, +[](void* self, char*, char*, int, int) {
-            return static_cast<CurlTransfer*>(self)->beforeRequest();
-        });
-    curl_easy_setopt(easy(), CURLOPT_PREREQDATA, this);
-
-    // Header names keep their spelling only before HTTP/2.
-    curl_easy_setopt(easy(), CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
-    curl_easy_setopt(easy(), CURLOPT_HTTP09_ALLOWED, 0L);
-    if (isLocalHost(m_request.url.host()))
-        curl_easy_setopt(easy(), CURLOPT_PROXY, "");
 
     const auto cap = std::min<std::size_t>(m_request.maxBodyBytes, std::numeric_limits<int>::max());
     if (cap > 0) // 0 means no limit there; a cap of 0 is kept by the reading side
@@ -108,20 +85,6 @@ void CurlTransfer::setUpLimits() {
             return static_cast<CurlTransfer*>(self)->openSocket(*address);
         });
     curl_easy_setopt(easy(), CURLOPT_OPENSOCKETDATA, this);
-}
-
-void CurlTransfer::setUpVerification(const TrustedAuthorities& authorities) {
-    curl_easy_setopt(easy(), CURLOPT_SSL_VERIFYPEER, 1L);
-    curl_easy_setopt(easy(), CURLOPT_SSL_VERIFYHOST, 2L);
-    curl_easy_setopt(easy(), CURLOPT_SSLVERSION, CURL_SSLVERSION_TLSv1_2);
-    curl_easy_setopt(easy(), CURLOPT_CAINFO, authorities.file ? authorities.file->constData() : nullptr);
-    curl_easy_setopt(easy(), CURLOPT_CAPATH,
-                     authorities.directory ? authorities.directory->constData() : nullptr);
-    if (!authorities.pem)
-        return;
-    curl_blob blob{const_cast<char*>(authorities.pem->constData()),
-                   static_cast<std::size_t>(authorities.pem->size()), CURL_BLOB_NOCOPY};
-    curl_easy_setopt(easy(), CURLOPT_CAINFO_BLOB, &blob);
 }
 
 void CurlTransfer::setUpMethod() {
@@ -190,16 +153,6 @@ std::size_t CurlTransfer::receiveHeader(std::size_t size) {
     return CURL_WRITEFUNC_ERROR;
 }
 
-/// Each request of a chain of redirects comes by here, with its connection made and nothing sent.
-int CurlTransfer::beforeRequest() {
-    const char* scheme = nullptr;
-    curl_easy_getinfo(easy(), CURLINFO_SCHEME, &scheme);
-    const bool isSecure = QByteArrayView(scheme).compare("https", Qt::CaseInsensitive) == 0;
-    m_isDowngrade = m_hasBeenSecure && !isSecure;
-    m_hasBeenSecure = isSecure;
-    return m_isDowngrade ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
-}
-
 curl_socket_t CurlTransfer::openSocket(const curl_sockaddr& address) {
     const int descriptor = socket(address.family, address.socktype | SOCK_CLOEXEC, address.protocol);
     // The library says nothing of why a socket could not even be made.
@@ -221,7 +174,7 @@ HttpError CurlTransfer::error(CURLcode code) const {
         QString::fromUtf8(m_errorText.front() != '\0' ? m_errorText.data() : curl_easy_strerror(code));
     if (m_isTooLarge)
         text = QStringLiteral("The answer is larger than allowed.");
-    if (m_isDowngrade)
+    if (m_rules.hasRefusedDowngrade())
         text = QStringLiteral("A redirect leads from a secure address to an insecure one.");
     return {errorCode(code, systemErrno), systemErrno, oneLine(text)};
 }
@@ -237,7 +190,7 @@ int CurlTransfer::connectErrno(CURLcode code) const {
 HttpError::Code CurlTransfer::errorCode(CURLcode code, int systemErrno) const {
     if (m_isTooLarge)
         return HttpError::Code::tooLarge;
-    if (m_isDowngrade)
+    if (m_rules.hasRefusedDowngrade())
         return HttpError::Code::unsupportedUrl;
     switch (code) {
     case CURLE_COULDNT_CONNECT:

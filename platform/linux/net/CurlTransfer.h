@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/HttpSession.h"
+#include "platform/linux/net/CurlRules.h"
 #include "platform/linux/net/TrustedAuthorities.h"
 
 #include <QByteArray>
@@ -18,7 +19,6 @@ namespace zofra {
 /// thread.
 class CurlTransfer {
 public:
-    /// `authorities` must outlive the transfer.
     CurlTransfer(HttpRequest request, const TrustedAuthorities& authorities);
     CurlTransfer(const CurlTransfer&) = delete;
     CurlTransfer& operator=(const CurlTransfer&) = delete;
@@ -31,7 +31,6 @@ public:
 
 private:
     void setUpLimits();
-    void setUpVerification(const TrustedAuthorities& authorities);
     void setUpMethod();
     [[nodiscard]] bool setUpHeaders();
     void addHeader(const QByteArray& line);
@@ -39,7 +38,6 @@ private:
 
     std::size_t receiveBody(const char* bytes, std::size_t size);
     std::size_t receiveHeader(std::size_t size);
-    int beforeRequest();
     curl_socket_t openSocket(const curl_sockaddr& address);
 
     [[nodiscard]] HttpError error(CURLcode code) const;
@@ -61,8 +59,7 @@ private:
     std::size_t m_headerBytes = 0;
     int m_socketErrno = 0;
     bool m_isTooLarge = false;
-    bool m_hasBeenSecure = false;
-    bool m_isDowngrade = false;
+    CurlRules m_rules;
     // Last: closing it may still call back into what stands above.
     std::unique_ptr<CURL, EasyCloser> m_easy;
 };

@@ -2,7 +2,7 @@
 #include "platform/linux/net/HostProbe.h"
 
 #include "platform/linux/net/CurlGlobal.h"
-#include "platform/linux/net/LocalHost.h"
+#include "platform/linux/net/CurlRules.h"
 #include "platform/linux/net/LogText.h"
 #include "platform/linux/net/TrustedAuthorities.h"
 
@@ -41,35 +41,10 @@ int closeSocket(void* wasConnected, curl_socket_t descriptor) {
     return ::close(descriptor);
 }
 
-void setUpTrust(CURL* easy, const TrustedAuthorities& authorities) {
-    curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
-    curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L);
-    curl_easy_setopt(easy, CURLOPT_SSLVERSION, CURL_SSLVERSION_TLSv1_2);
-    curl_easy_setopt(easy, CURLOPT_CAINFO, authorities.file ? authorities.file->constData() : nullptr);
-    curl_easy_setopt(easy, CURLOPT_CAPATH,
-                     authorities.directory ? authorities.directory->constData() : nullptr);
-    if (!authorities.pem)
-        return;
-    curl_blob blob{const_cast<char*>(authorities.pem->constData()),
-                   static_cast<std::size_t>(authorities.pem->size()), CURL_BLOB_NOCOPY};
-    curl_easy_setopt(easy, CURLOPT_CAINFO_BLOB, &blob);
-}
-
 void setUp(CURL* easy, const HostProbe::Request& request) {
-    constexpr long maxRedirects = 5;
     curl_easy_setopt(easy, CURLOPT_URL, request.url.toEncoded(QUrl::RemoveFragment).constData());
     curl_easy_setopt(easy, CURLOPT_USERAGENT, request.userAgent.constData());
     curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(request.timeout.count()));
-    curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
-    curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
-    curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
-    const bool isSecure = request.url.scheme() == QLatin1String("https");
-    curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, isSecure ? "https" : "http,https");
-    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L);
-    curl_easy_setopt(easy, CURLOPT_MAXREDIRS, maxRedirects);
-    curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
-    if (isLocalHost(request.url.host()))
-        curl_easy_setopt(easy, CURLOPT_PROXY, "");
 }
 
 std::chrono::milliseconds timeOf(CURL* easy, CURLINFO which) {
@@ -133,6 +108,7 @@ HostProbe HostProbe::run(const Request& request, const std::optional<QString>& e
     bool wasConnected = false;
     std::array<char, CURL_ERROR_SIZE> errorText{};
     Body body{{}, request.enoughBodyBytes};
+    CurlRules rules;
     const Handle easy(curl_easy_init(), &curl_easy_cleanup);
     if (!easy) {
         probe.failedAt = Step::name;
@@ -143,7 +119,7 @@ HostProbe HostProbe::run(const Request& request, const std::optional<QString>& e
     curl_easy_getinfo(easy.get(), CURLINFO_CAINFO, &libraryBundle);
     const auto authorities = TrustedAuthorities::find(extraAuthorityFile, QByteArray(libraryBundle));
     setUp(easy.get(), request);
-    setUpTrust(easy.get(), authorities);
+    rules.apply(easy.get(), request.url, authorities);
     curl_easy_setopt(easy.get(), CURLOPT_ERRORBUFFER, errorText.data());
     curl_easy_setopt(easy.get(), CURLOPT_WRITEFUNCTION, &receive);
     curl_easy_setopt(easy.get(), CURLOPT_WRITEDATA, &body);
@@ -162,8 +138,10 @@ HostProbe HostProbe::run(const Request& request, const std::optional<QString>& e
     const bool nobodyKnew =
         probe.failedAt == Step::name && timeOf(easy.get(), CURLINFO_TOTAL_TIME_T) > shortestNamePatience;
     probe.timedOut = code == CURLE_OPERATION_TIMEDOUT || nobodyKnew;
-    probe.reason =
-        oneLine(QString::fromUtf8(errorText.front() != '\0' ? errorText.data() : curl_easy_strerror(code)));
+    probe.reason = rules.hasRefusedDowngrade()
+                       ? QStringLiteral("a redirect leads from a secure address to an insecure one")
+                       : oneLine(QString::fromUtf8(errorText.front() != '\0' ? errorText.data()
+                                                                             : curl_easy_strerror(code)));
     return probe;
 }
 

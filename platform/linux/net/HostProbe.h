@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/linux/net/UserAgent.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QUrl>
@@ -35,7 +37,7 @@ struct HostProbe {
 
     struct Request {
         QUrl url;
-        QByteArray userAgent = "ZofraZofra/1.0";
+        QByteArray userAgent = zofra::userAgent();
         /// The request is over when so much of the body is there; streams have no end.
         std::size_t enoughBodyBytes = 1;
         std::chrono::milliseconds timeout{10000};

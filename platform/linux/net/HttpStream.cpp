@@ -2,7 +2,7 @@
 #include "platform/linux/net/HttpStream.h"
 
 #include "platform/linux/net/CurlGlobal.h"
-#include "platform/linux/net/LocalHost.h"
+#include "platform/linux/net/CurlRules.h"
 
 #include <QUrl>
 
@@ -20,22 +20,10 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr long maxRedirects = 5;
 /// What is taken out of the network before the reader asks for it.
 constexpr qsizetype mostPending = 131'072;
 /// Of all responses together, redirects included.
 constexpr std::size_t maxHeaderBytes = 131'072;
-
-void setUpAuthorities(CURL* easy, const TrustedAuthorities& authorities) {
-    curl_easy_setopt(easy, CURLOPT_CAINFO, authorities.file ? authorities.file->constData() : nullptr);
-    curl_easy_setopt(easy, CURLOPT_CAPATH,
-                     authorities.directory ? authorities.directory->constData() : nullptr);
-    if (!authorities.pem)
-        return;
-    curl_blob blob{const_cast<char*>(authorities.pem->constData()),
-                   static_cast<std::size_t>(authorities.pem->size()), CURL_BLOB_COPY};
-    curl_easy_setopt(easy, CURLOPT_CAINFO_BLOB, &blob);
-}
 
 } // namespace
 
@@ -103,27 +91,13 @@ private:
 
     void setUp(const QByteArray& url, const Settings& settings) {
         auto* const easy = m_easy.get();
-        const bool isSecure = url.startsWith("https:");
         curl_easy_setopt(easy, CURLOPT_URL, url.constData());
-        curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, isSecure ? "https" : "http,https");
-        curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, isSecure ? "https" : "http,https");
-        curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L);
-        curl_easy_setopt(easy, CURLOPT_MAXREDIRS, maxRedirects);
         curl_easy_setopt(easy, CURLOPT_FAILONERROR, 1L);
-        curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
         // Old streaming servers have a status line of their own.
         curl_easy_setopt(easy, CURLOPT_HTTP200ALIASES, m_statusLines.get());
         curl_easy_setopt(easy, CURLOPT_USERAGENT, settings.userAgent.constData());
-        curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
-        // A name that is still being looked up is left to itself instead of being waited for.
-        curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
         curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(m_patience.count()));
-        curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
-        curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L);
-        curl_easy_setopt(easy, CURLOPT_SSLVERSION, CURL_SSLVERSION_TLSv1_2);
-        if (isLocalHost(QUrl::fromEncoded(url).host()))
-            curl_easy_setopt(easy, CURLOPT_PROXY, "");
-        setUpAuthorities(easy, settings.authorities);
+        m_rules.apply(easy, QUrl::fromEncoded(url), settings.authorities);
         setUpCallbacks();
     }
 
@@ -192,6 +166,7 @@ private:
 
     const milliseconds m_patience;
     std::unique_ptr<curl_slist, ListCloser> m_statusLines{curl_slist_append(nullptr, "ICY 200 OK")};
+    CurlRules m_rules;
     std::unique_ptr<CURLM, MultiCloser> m_multi;
     std::unique_ptr<CURL, EasyCloser> m_easy;
     bool m_isAdded = false;

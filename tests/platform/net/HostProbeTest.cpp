@@ -116,6 +116,22 @@ TEST_F(HostProbeTest, GoesNoFurtherThanFiveRedirectsAndNeverOutOfTls) {
                         identity());
     EXPECT_NE(probe(down.url(u"/"_qs, u"https"_qs)).failedAt, Step::done);
     EXPECT_EQ(plain.accepted(), 0);
+
+    const QByteArray up = "Location: " + down.url(u"/"_qs, u"https"_qs).toUtf8() + "\r\n";
+    LoopbackServer climber(serving([up](const QByteArray&) { return response(302, "", up); }));
+    const auto result = probe(climber.url(u"/"_qs));
+    EXPECT_EQ(result.failedAt, Step::answer);
+    EXPECT_EQ(result.reason, u"a redirect leads from a secure address to an insecure one"_qs);
+}
+
+TEST_F(HostProbeTest, CallsItselfByTheNameAndVersionOfTheProgram) {
+    QByteArray asked;
+    LoopbackServer server(serving([&](const QByteArray& head) {
+        asked = head;
+        return response(200, "x");
+    }));
+    EXPECT_EQ(probe(server.url(u"/"_qs)).failedAt, Step::done);
+    EXPECT_TRUE(asked.contains("\r\nUser-Agent: ZofraZofra/" ZOFRA_VERSION "\r\n")) << asked.constData();
 }
 
 } // namespace

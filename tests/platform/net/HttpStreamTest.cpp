@@ -201,7 +201,9 @@ class SecureStream : public testing::Test {
 protected:
     TestAuthority authority;
     TlsIdentity identity = authority.identityFor(u"IP:127.0.0.1"_qs);
-    LoopbackServer plain{serving([](const QByteArray&) { return response(200, "plain"); })};
+    LoopbackServer plain{serving([this](const QByteArray& head) {
+        return head.startsWith("GET /up") ? redirect(upGoal) : response(200, "plain");
+    })};
     LoopbackServer other{serving([](const QByteArray&) { return response(200, "other"); }), identity};
     LoopbackServer secure{serving([this](const QByteArray& head) {
                               if (head.startsWith("GET /down"))
@@ -211,6 +213,7 @@ protected:
                               return response(200, "secure");
                           }),
                           identity};
+    QString upGoal;
     QString url(const QString& path) { return secure.url(path, u"https"_qs); }
 };
 
@@ -240,6 +243,15 @@ TEST_F(SecureStream, neverFollowsARedirectToAnInsecureAddress) {
     EXPECT_EQ(whole.bytes, "");
     EXPECT_EQ(whole.end, -1);
     EXPECT_EQ(plain.accepted(), 0);
+}
+
+TEST_F(SecureStream, goesUpToASecureAddressButNeverDownAgain) {
+    upGoal = url(u"/"_qs);
+    EXPECT_EQ(readWhole(plain.url(u"/up"_qs), authority.certificateFile()).bytes, "secure");
+    upGoal = url(u"/down"_qs);
+    const auto whole = readWhole(plain.url(u"/up"_qs), authority.certificateFile());
+    EXPECT_EQ(whole.bytes, "");
+    EXPECT_EQ(whole.end, -1);
 }
 
 } // namespace
