@@ -58,7 +58,7 @@ Reading read(const QJsonObject& object, QLatin1String key, std::optional<Field>&
 }
 
 template<typename Record, typename... Readings>
-std::optional<Record> recordIf(Record&& record, Readings... readings) {
+std::optional<Record> recordIf(Record record, Readings... readings) {
     return ((readings == Reading::fine) && ...) ? std::optional(std::move(record)) : std::nullopt;
 }
 
@@ -87,7 +87,7 @@ QString trimmedName(const std::optional<ZofraLiveArtist>& artist) {
 
 QString joined(const std::optional<ZofraLiveArtist>& artist, const std::optional<QString>& title,
                const QString& otherwise) {
-    const auto a = trimmedName(artist);
+    auto a = trimmedName(artist);
     const auto t = title.value_or(QString()).trimmed();
     if (!a.isEmpty() && !t.isEmpty())
         return a + nowPlayingSeparator() + t;

@@ -38,12 +38,11 @@ void RadioViewModel::setStation(RadioStation station) {
 }
 
 void RadioViewModel::tellUpdate(const QString& current, const std::optional<QString>& next) const {
-    // Copies, because the listener may replace itself, set a station or end this model.
-    const auto update = onUpdate;
-    const auto currentText = current;
-    const auto nextText = next;
-    if (update)
-        update(currentText, nextText);
+    if (!onUpdate)
+        return;
+    // Holds copies, because the listener may replace itself, set a station or end this model.
+    const auto tell = [update = onUpdate, current, next] { update(current, next); };
+    tell();
 }
 
 } // namespace zofra
