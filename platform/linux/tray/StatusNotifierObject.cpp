@@ -138,7 +138,6 @@ QString StatusNotifierObject::introspect(const QString& path) const {
 
 bool StatusNotifierObject::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
     const QString interface = message.interface();
-    const QDBusConnection answerOn = connection;
     QDBusMessage reply;
     if (interface == propertiesInterface) {
         if (!handlePropertiesCall(message, reply))
@@ -153,8 +152,9 @@ bool StatusNotifierObject::handleMessage(const QDBusMessage& message, const QDBu
             QDBusError::UnknownMethod,
             QStringLiteral("The status item has no method %1").arg(message.member()));
     }
+    // Also after a click that has ended this object: message and connection are the caller's.
     if (message.isReplyRequired())
-        answerOn.send(reply);
+        connection.send(reply);
     return true;
 }
 

@@ -48,7 +48,7 @@ QString standardIconName(const QString& symbolName) {
 QImage withEdge(const IconProvider& icons, const QString& symbolName, int pixels) {
     const QColor color = QGuiApplication::palette().color(QPalette::WindowText);
     const QColor opposite = color.lightness() < 128 ? QColor(Qt::white) : QColor(Qt::black);
-    const QImage glyph = icons.image(symbolName, pixels, color);
+    QImage glyph = icons.image(symbolName, pixels, color);
     if (glyph.isNull())
         return glyph;
     const QImage edge = icons.image(symbolName, pixels, opposite);
