@@ -192,7 +192,7 @@ TEST_F(StatusMenuTest, EveryActionableItemIsEnabledAndDoesSomething) {
 }
 
 TEST_F(StatusMenuTest, ItemsActThroughTheirController) {
-    const auto choose = [this](const Menu& menu, const QString& actionName) {
+    const auto choose = [](const Menu& menu, const QString& actionName) {
         const MenuItem* item = find(menu, actionName);
         ASSERT_NE(item, nullptr) << actionName.toStdString();
         item->action(*item);

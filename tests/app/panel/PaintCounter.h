@@ -27,10 +27,12 @@ public:
     /// The classes painted, for a failing test's message.
     [[nodiscard]] QString names() const {
         QStringList names;
-        for (auto paint = m_paints.cbegin(); paint != m_paints.cend(); ++paint)
+        for (auto paint = m_paints.cbegin(); paint != m_paints.cend(); ++paint) {
+            const QWidget& widget = *paint.key();
             names << QStringLiteral("%1 %2 x%3")
-                         .arg(QLatin1String(typeid(*paint.key()).name()), paint.key()->accessibleName())
+                         .arg(QLatin1String(typeid(widget).name()), widget.accessibleName())
                          .arg(paint.value());
+        }
         return names.join(QLatin1String(", "));
     }
     void forget() { m_paints.clear(); }
