@@ -4,6 +4,7 @@
 import os
 import shutil
 import subprocess
+import time
 
 from .display import Display
 from .panels import HEIGHT, WIDTH, LxqtPanel
@@ -163,6 +164,12 @@ class VirtualScreen(Screen):
     def move(self, x, y):
         """Move the pointer."""
         self.server.move(x, y)
+
+    def glide(self, start, end, steps=20):
+        """Move the pointer from one point to another as a hand does: newer menus open nothing for one that jumps."""
+        for step in range(steps + 1):
+            self.server.move(*(round(a + (b - a) * step / steps) for a, b in zip(start, end)))
+            time.sleep(0.02)
 
     def click(self, point, button=1):
         """Move there and click."""

@@ -78,7 +78,7 @@ def test_a_screen_reader_hears_the_names_of_the_menus_items(item, screen, reader
 
 def test_a_station_chosen_with_the_mouse_is_heard(item, screen, reader, ears):
     menu = open_menu(item, reader)
-    item.screen.move(*menu.child("Station (Zofra)").box.centre)
+    screen.glide(menu.children[0].box.centre, menu.child("Station (Zofra)").box.centre)
     wait_for_menus(screen, 2)
     stations = menu.child("Station (Zofra)").children[0]
     # First sideways: a pointer that leaves across the other entries closes the submenu.

@@ -2,14 +2,31 @@
 """A tray of the old kind, which the program takes when nobody on the bus has shown its item for five seconds."""
 
 import pytest
-from panels_support import Item, display, empty, popup, radio, screen, session  # noqa: F401
+from panels_support import Item, display, popup, radio, screen, session  # noqa: F401
 from zofralab.desktop import StatusBar
 from zofralab.panels import Trayer
 from zofralab.process import wait_until
 
 PANEL = Trayer
 PROGRAM = "zofrazofra"
+#: The picture of the tray without an icon, once it is taken.
+EMPTY = []
 pytestmark = pytest.mark.xdist_group("panels_xembed")
+
+
+@pytest.fixture
+def empty(radio, screen):
+    """The tray that has had an icon: newer versions hide themselves until their first."""
+    if not EMPTY:
+        nothing = screen.still_picture(screen.panel_box)
+        radio.start(headless=False)
+        radio.wait_status(tray="xembed", timeout=30)
+        screen.wait_for_item(nothing)
+        icon = screen.still_picture(screen.panel_box)
+        radio.stop()
+        wait_until(lambda: screen.picture(screen.panel_box).difference(icon), 30, "the icon to leave", 0.05)
+        EMPTY.append(screen.still_picture(screen.panel_box))
+    return EMPTY[0]
 
 
 @pytest.fixture
