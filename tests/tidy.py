@@ -69,7 +69,7 @@ def main():
                 print(failure, flush=True)
             if sys.stderr.isatty():
                 print(f"clang-tidy: {done} of {len(names)}", end="\r", file=sys.stderr, flush=True)
-    print(f"clang-tidy: {len(seen)} findings in {faulty} of {len(names)} files"
+    print(f"clang-tidy: {len(seen)} finding{'' if len(seen) == 1 else 's'} in {faulty} of {len(names)} files"
           + (f", {failed} could not be checked" if failed else ""))
     return 1 if seen or failed else 0
 
