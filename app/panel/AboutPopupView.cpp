@@ -17,13 +17,13 @@
 #include "speakers/SonosManager.h"
 #include "stations/LanguageManager.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 #include <QKeyEvent>
 #include <QLayout>
 #include <QPaintEvent>
 #include <QScreen>
 #include <QSignalBlocker>
-#include <QTimer>
 
 #include <algorithm>
 
@@ -32,6 +32,10 @@ namespace zofra {
 namespace {
 
 constexpr qreal panelWidth = 360;
+
+/// What the panel posts to itself.
+constexpr auto refreshEvent = static_cast<QEvent::Type>(QEvent::User + 1);
+constexpr auto rebuildEvent = static_cast<QEvent::Type>(QEvent::User + 2);
 
 PanelLook makeLook(const PanelEnvironment& environment, const QWidget& widget) {
     return {PanelTheme::make(environment.appearance.current(), widget.palette()),
@@ -73,10 +77,7 @@ void AboutPopupView::scheduleRefresh() {
         return;
     m_isRefreshScheduled = true;
     // Later, for observers are told before the field has its new value.
-    QTimer::singleShot(0, this, [this] {
-        m_isRefreshScheduled = false;
-        refresh();
-    });
+    QCoreApplication::postEvent(this, new QEvent(refreshEvent));
 }
 
 void AboutPopupView::refresh() {
@@ -147,16 +148,27 @@ void AboutPopupView::scheduleRebuild() {
         return;
     m_isRebuildScheduled = true;
     // Later, for whoever announces a new font is still going through the widgets that would be deleted.
-    QTimer::singleShot(0, this, [this] {
-        m_isRebuildScheduled = false;
-        m_look.metrics = makeLook(m_environment, *this).metrics;
-        build();
-        refresh();
-        setFocus();
-    });
+    QCoreApplication::postEvent(this, new QEvent(rebuildEvent));
+}
+
+void AboutPopupView::rebuild() {
+    m_look.metrics = makeLook(m_environment, *this).metrics;
+    build();
+    refresh();
+    setFocus();
 }
 
 bool AboutPopupView::event(QEvent* event) {
+    if (event->type() == refreshEvent) {
+        m_isRefreshScheduled = false;
+        refresh();
+        return true;
+    }
+    if (event->type() == rebuildEvent) {
+        m_isRebuildScheduled = false;
+        rebuild();
+        return true;
+    }
     const bool isHandled = QWidget::event(event);
     if (event->type() == QEvent::LayoutRequest)
         updateNaturalSize();

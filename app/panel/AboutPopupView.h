@@ -94,6 +94,7 @@ private:
     void updateNaturalSize();
     void updateLook();
     void scheduleRebuild();
+    void rebuild();
     void launchAtLoginToggled(bool isOn);
     void outputChosen(int command, const QString& roomId);
 
