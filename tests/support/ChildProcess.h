@@ -2,11 +2,10 @@
 #pragma once
 
 #include <QByteArray>
-#include <QProcess>
 #include <QString>
 #include <QStringList>
 
-#include <fcntl.h>
+#include <csignal>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,19 +13,16 @@
 
 namespace zofra::test {
 
-/// A QProcess that forks as everybody does. By default the child runs in its parent's memory until it becomes
-/// the program, and ThreadSanitizer, which does not expect that, would see no lock of this thread any more.
-class ChildProcess final : public QProcess {
-public:
-    ChildProcess() {
-        setChildProcessModifier([] {});
-    }
+/// Where a program writes; by default where this one does.
+struct ChildOutput {
+    int output = STDOUT_FILENO;
+    int errors = STDERR_FILENO;
 };
 
-/// Starts a program; its process, or -1 where it could not be started. What it says goes to the end of the
-/// file `output`, where one is named. To be preferred where other threads run: a process with threads that
-/// forks is more than ThreadSanitizer bears.
-inline pid_t spawnProgram(const QString& program, const QStringList& arguments, const QString& output = {}) {
+/// Starts a program; its process, or -1 where it could not be started. Not a QProcess: a process with threads
+/// that forks is more than ThreadSanitizer bears, it takes locks that everyone holds for free ones
+/// afterwards.
+inline pid_t spawnProgram(const QString& program, const QStringList& arguments, ChildOutput to = {}) {
     std::vector<QByteArray> texts{program.toLocal8Bit()};
     for (const auto& argument : arguments)
         texts.push_back(argument.toLocal8Bit());
@@ -37,11 +33,8 @@ inline pid_t spawnProgram(const QString& program, const QStringList& arguments, 
     pointers.push_back(nullptr);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    if (!output.isEmpty()) {
-        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.toLocal8Bit().constData(),
-                                         O_WRONLY | O_CREAT | O_APPEND, 0600);
-        posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
-    }
+    posix_spawn_file_actions_adddup2(&actions, to.output, STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, to.errors, STDERR_FILENO);
     pid_t child = -1;
     const int error = posix_spawnp(&child, pointers.front(), &actions, nullptr, pointers.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
@@ -52,6 +45,12 @@ inline pid_t spawnProgram(const QString& program, const QStringList& arguments, 
 inline int waitForProgram(pid_t child) {
     int status = 0;
     return waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+/// Kills it, as a crash would, and waits for its end.
+inline void killProgram(pid_t child) {
+    ::kill(child, SIGKILL);
+    waitForProgram(child);
 }
 
 /// Runs a program to its end; its exit status, or -1 where it could not be run.

@@ -8,17 +8,19 @@
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QFileInfo>
-#include <QProcessEnvironment>
 #include <QStandardPaths>
 #include <QString>
 #include <QTemporaryDir>
 
+#include <fcntl.h>
 #include <optional>
+#include <poll.h>
+#include <unistd.h>
 
 namespace zofra::test {
 
 /// A message bus of the test's own, always at the same address, that can be stopped and started again. It
-/// reads no file of the system's. Needs an application object.
+/// reads no file of the system's.
 class PrivateBus {
 public:
     /// Starts the bus and makes it the one that `variable` names for this process.
@@ -53,23 +55,32 @@ public:
 
     /// True once the daemon answers; the address is printed when it listens.
     bool start() {
+        stop();
         QFile::remove(socketPath());
-        m_daemon.start(QStringLiteral("dbus-daemon"),
-                       {QStringLiteral("--config-file=") + m_folder.filePath(QStringLiteral("session.conf")),
-                        QStringLiteral("--nofork"), QStringLiteral("--nopidfile"),
-                        QStringLiteral("--nosyslog"), QStringLiteral("--print-address")});
-        m_isUp = m_daemon.waitForStarted(5000) && m_daemon.waitForReadyRead(5000);
+        int printed[2] = {-1, -1};
+        if (::pipe2(printed, O_CLOEXEC) != 0)
+            return false;
+        m_daemon = spawnProgram(
+            QStringLiteral("dbus-daemon"),
+            {QStringLiteral("--config-file=") + m_folder.filePath(QStringLiteral("session.conf")),
+             QStringLiteral("--nofork"), QStringLiteral("--nopidfile"), QStringLiteral("--nosyslog"),
+             QStringLiteral("--print-address")},
+            {printed[1], STDERR_FILENO});
+        ::close(printed[1]);
+        pollfd news{printed[0], POLLIN, 0};
+        char first = 0;
+        m_isUp = ::poll(&news, 1, 30000) == 1 && ::read(printed[0], &first, 1) == 1;
+        ::close(printed[0]);
         return m_isUp;
     }
     void stop() {
-        if (m_daemon.state() == QProcess::NotRunning)
-            return;
-        m_daemon.kill();
-        m_daemon.waitForFinished(5000);
+        if (m_daemon > 0)
+            killProgram(m_daemon);
+        m_daemon = -1;
         m_isUp = false;
     }
     [[nodiscard]] bool isUp() const { return m_isUp; }
-    [[nodiscard]] qint64 processId() const { return m_daemon.processId(); }
+    [[nodiscard]] pid_t processId() const { return m_daemon; }
 
     [[nodiscard]] QString address() const { return QStringLiteral("unix:path=") + socketPath(); }
 
@@ -95,7 +106,7 @@ private:
     QByteArray m_variable;
     std::optional<QByteArray> m_previous;
     QTemporaryDir m_folder;
-    ChildProcess m_daemon;
+    pid_t m_daemon = -1;
     bool m_isUp = false;
 };
 

@@ -8,7 +8,6 @@
 #include <QString>
 #include <QTemporaryDir>
 
-#include <csignal>
 #include <cstring>
 #include <string>
 #include <sys/socket.h>
@@ -56,20 +55,22 @@ public:
     }
 
     void start() {
+        stop();
         QFile::remove(socketPath());
+        QFile log(logFile());
+        if (!log.open(QIODevice::WriteOnly | QIODevice::Append))
+            return;
         m_server = spawnProgram(QStringLiteral("pulseaudio"),
                                 {QStringLiteral("-n"), QStringLiteral("--daemonize=no"),
                                  QStringLiteral("--exit-idle-time=-1"), QStringLiteral("--use-pid-file=no"),
                                  QStringLiteral("--disable-shm=yes"), QStringLiteral("-F"),
                                  m_folder.filePath(QStringLiteral("server.pa"))},
-                                logFile());
+                                {log.handle(), log.handle()});
     }
     /// As a crash would.
     void stop() {
-        if (m_server <= 0)
-            return;
-        ::kill(m_server, SIGKILL);
-        waitForProgram(m_server);
+        if (m_server > 0)
+            killProgram(m_server);
         m_server = -1;
     }
     /// What it has said, for a failed test.

@@ -161,10 +161,10 @@ TEST_F(ApplicationBusTest, isNotWaitedForForEver) {
 }
 
 TEST_F(ApplicationBusTest, doesNotWaitForEverForABusThatHangs) {
-    ASSERT_EQ(kill(static_cast<pid_t>(daemon->processId()), SIGSTOP), 0);
+    ASSERT_EQ(kill(daemon->processId(), SIGSTOP), 0);
     ApplicationBus program(*bus);
     EXPECT_EQ(program.tryAcquire(50ms), Claim::noBus);
-    ASSERT_EQ(kill(static_cast<pid_t>(daemon->processId()), SIGCONT), 0);
+    ASSERT_EQ(kill(daemon->processId(), SIGCONT), 0);
 }
 
 TEST(Activation, comesFromTheEnvironment) {

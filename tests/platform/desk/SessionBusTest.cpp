@@ -141,17 +141,17 @@ TEST_F(SessionBusTest, keepsTheSystemBusApartFromTheSessionBus) {
 
 TEST_F(SessionBusTest, doesNotWaitForABusThatDoesNotAnswer) {
     PrivateBus daemon;
-    ASSERT_EQ(kill(static_cast<pid_t>(daemon.processId()), SIGSTOP), 0);
+    ASSERT_EQ(kill(daemon.processId(), SIGSTOP), 0);
     const SessionBus bus(SessionBus::Kind::session, queue, 20ms);
     EXPECT_FALSE(bus.connection());
-    ASSERT_EQ(kill(static_cast<pid_t>(daemon.processId()), SIGCONT), 0);
+    ASSERT_EQ(kill(daemon.processId(), SIGCONT), 0);
     EXPECT_TRUE(advanceUntil([&] { return bus.connection().has_value(); }));
 }
 
 TEST_F(SessionBusTest, subscribesWithoutWaitingForTheBus) {
     PrivateBus daemon;
     const SessionBus bus(SessionBus::Kind::session, queue);
-    ASSERT_EQ(kill(static_cast<pid_t>(daemon.processId()), SIGSTOP), 0);
+    ASSERT_EQ(kill(daemon.processId(), SIGSTOP), 0);
     // A call that waited would do so for 25 seconds.
     const auto start = std::chrono::steady_clock::now();
     {
@@ -162,12 +162,12 @@ TEST_F(SessionBusTest, subscribesWithoutWaitingForTheBus) {
         EXPECT_TRUE(owner.owner().isEmpty());
     }
     EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
-    ASSERT_EQ(kill(static_cast<pid_t>(daemon.processId()), SIGCONT), 0);
+    ASSERT_EQ(kill(daemon.processId(), SIGCONT), 0);
 }
 
 TEST_F(SessionBusTest, mayEndWhileItIsLookingForTheBus) {
     PrivateBus daemon;
-    ASSERT_EQ(kill(static_cast<pid_t>(daemon.processId()), SIGSTOP), 0);
+    ASSERT_EQ(kill(daemon.processId(), SIGSTOP), 0);
     qunsetenv("DBUS_SESSION_BUS_ADDRESS");
     {
         SessionBus bus(SessionBus::Kind::session, queue);
@@ -175,7 +175,7 @@ TEST_F(SessionBusTest, mayEndWhileItIsLookingForTheBus) {
         queue.advance(3s); // Now a thread waits for the greeting of a bus that does not answer.
         EXPECT_FALSE(bus.connection());
     }
-    ASSERT_EQ(kill(static_cast<pid_t>(daemon.processId()), SIGCONT), 0);
+    ASSERT_EQ(kill(daemon.processId(), SIGCONT), 0);
     // A new one is served as if nothing had been.
     const SessionBus again(SessionBus::Kind::session, queue);
     EXPECT_TRUE(again.connection());
