@@ -28,6 +28,8 @@ public:
 
     /// Absent while there is no bus.
     [[nodiscard]] std::optional<QDBusConnection> connection() const;
+    /// A connection is being made at this moment, perhaps to a bus that never answers.
+    [[nodiscard]] bool isConnecting() const { return m_attempt != nullptr; }
 
     /// Calls `handler` with each new connection until the token ends; at once, in place, when there is one
     /// now.

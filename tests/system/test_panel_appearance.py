@@ -115,3 +115,14 @@ def test_a_bus_that_hangs_after_the_start_does_not_hang_the_program(shown, radio
         assert radio.wait_end(15) == 0
     finally:
         os.kill(session.session_bus.pid, signal.SIGCONT)
+
+
+def test_a_bus_that_hangs_before_a_panel_came_does_not_hang_the_program(radio, session, display):
+    radio.start(headless=False)
+    os.kill(session.session_bus.pid, signal.SIGSTOP)
+    try:
+        time.sleep(7)  # past the moment in which another way to be seen is looked for
+        radio.process.send_signal(signal.SIGTERM)
+        assert radio.wait_end(15) == 0
+    finally:
+        os.kill(session.session_bus.pid, signal.SIGCONT)

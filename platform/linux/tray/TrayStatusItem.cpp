@@ -20,6 +20,8 @@ namespace {
 constexpr auto patience = std::chrono::seconds(5);
 constexpr int maxWheelDelta = 1'000'000;
 constexpr int mostLooksForTray = 24;
+constexpr auto answerLimit = std::chrono::milliseconds(1000);
+constexpr int mostSilences = 12;
 constexpr auto flashTime = std::chrono::milliseconds(1500);
 constexpr QChar figureSpace(0x2007);
 const auto itemPath = QLatin1String("/StatusNotifierItem");
@@ -86,6 +88,7 @@ void TrayStatusItem::busConnected(const QDBusConnection& connection) {
 }
 
 void TrayStatusItem::busDisconnected() {
+    m_busAnswer.reset();
     m_panel.reset();
     m_menu.reset();
     m_item.reset();
@@ -146,6 +149,7 @@ void TrayStatusItem::panelRegistered(bool hasHost) {
     if (!hasHost)
         return;
     m_waiting.reset();
+    m_busAnswer.reset();
     m_xembed.reset();
     m_mode = m_way == StatusNotifierObject::Way::direct ? StatusItemMode::direct : StatusItemMode::hostmenu;
     if (m_environment.registered)
@@ -158,10 +162,51 @@ void TrayStatusItem::startWaiting() {
 
 void TrayStatusItem::fallBack() {
     m_waiting.reset();
-    if (m_environment.session.windows == TraySession::Windows::x11 && XEmbedIcon::isAvailable()) {
-        showXEmbedIcon();
+    // An old tray's icon and the window are both drawn by a toolkit that looks at the bus first, and waits
+    // for it. One that hangs may also have a panel on it.
+    if (m_connection)
+        askBus();
+    else if (m_environment.bus.isConnecting())
+        busIsSilent();
+    else
+        showFallback();
+}
+
+void TrayStatusItem::askBus() {
+    const auto question = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"));
+    m_busAnswer = std::make_unique<QDBusPendingCallWatcher>(
+        m_connection->asyncCall(question, static_cast<int>(answerLimit.count())));
+    QObject::connect(m_busAnswer.get(), &QDBusPendingCallWatcher::finished, m_busAnswer.get(),
+                     [this](const QDBusPendingCallWatcher* answer) {
+                         const bool isSilent = answer->isError();
+                         m_busAnswer.release()->deleteLater();
+                         if (isSilent)
+                             busIsSilent();
+                         else
+                             showFallback();
+                     });
+}
+
+void TrayStatusItem::busIsSilent() {
+    if (m_silences == mostSilences) {
+        showFallback();
         return;
     }
+    ++m_silences;
+    startWaiting();
+}
+
+void TrayStatusItem::showFallback() {
+    m_silences = 0;
+    if (m_environment.session.windows == TraySession::Windows::x11 && XEmbedIcon::isAvailable())
+        showXEmbedIcon();
+    else
+        showWindow();
+}
+
+void TrayStatusItem::showWindow() {
     m_mode = StatusItemMode::window;
     // While a person logs in, an old tray may take its time, and none of them announces itself on the bus.
     if (m_environment.session.windows == TraySession::Windows::x11 && m_looksForTray < mostLooksForTray) {

@@ -14,6 +14,7 @@
 #include "platform/linux/tray/WidgetMenu.h"
 #include "platform/linux/tray/XEmbedIcon.h"
 
+#include <QDBusPendingCallWatcher>
 #include <QPoint>
 #include <QPointer>
 #include <QString>
@@ -64,6 +65,10 @@ private:
     void panelRegistered(bool hasHost);
     void startWaiting();
     void fallBack();
+    void askBus();
+    void busIsSilent();
+    void showFallback();
+    void showWindow();
     void showXEmbedIcon();
     [[nodiscard]] StatusNotifierObject::Handlers itemHandlers();
 
@@ -102,6 +107,9 @@ private:
     std::unique_ptr<DBusMenuObject> m_menu;
     std::unique_ptr<PanelWatch> m_panel;
     std::unique_ptr<XEmbedIcon> m_xembed;
+    /// Whether the bus answers, asked before something that waits for it.
+    std::unique_ptr<QDBusPendingCallWatcher> m_busAnswer;
+    int m_silences = 0;
     /// The menu that is open, of our own drawing.
     QPointer<WidgetMenu> m_openMenu;
     ObservationToken m_connected;

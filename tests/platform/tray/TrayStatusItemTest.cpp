@@ -232,15 +232,16 @@ TEST_F(TrayStatusItemTest, AfterFiveSecondsWithoutAPanelTheWindowStandsInOnce) {
     queue.advance(4999ms);
     EXPECT_EQ(unavailable, 0);
     queue.advance(1ms);
+    EXPECT_EQ(unavailable, 0) << "first the bus has to answer";
+    ASSERT_TRUE(waitFor(StatusItemMode::window));
     EXPECT_EQ(unavailable, 1);
-    EXPECT_EQ(item->mode(), StatusItemMode::window);
     {
         const FakePanel panel(*bus);
         ASSERT_TRUE(waitFor(StatusItemMode::hostmenu)) << "a panel that appears later takes over";
     }
     ASSERT_TRUE(waitFor(StatusItemMode::none));
     queue.advance(5s);
-    EXPECT_EQ(item->mode(), StatusItemMode::window);
+    ASSERT_TRUE(waitFor(StatusItemMode::window));
     EXPECT_EQ(unavailable, 1) << "nobody wants the window a second time";
 }
 
@@ -263,7 +264,7 @@ TEST_F(TrayStatusItemTest, AWatcherWithoutAPanelShowsNothing) {
     settle();
     EXPECT_EQ(item->mode(), StatusItemMode::none);
     queue.advance(5s);
-    EXPECT_EQ(item->mode(), StatusItemMode::window);
+    ASSERT_TRUE(waitFor(StatusItemMode::window));
     watcherOnly.hostArrives();
     EXPECT_TRUE(waitFor(StatusItemMode::hostmenu));
 }
@@ -331,8 +332,12 @@ TEST_F(TrayStatusItemTest, WithoutABusTheWindowStandsInAsWell) {
     bus->stop();
     session = std::make_unique<SessionBus>(SessionBus::Kind::session, queue);
     make();
-    queue.advance(5s);
-    EXPECT_EQ(item->mode(), StatusItemMode::window);
+    QObject context;
+    ASSERT_TRUE(spinUntil([&] {
+        queue.advance(1s);
+        QTimer::singleShot(1, &context, [] {});
+        return item->mode() == StatusItemMode::window;
+    }));
     EXPECT_EQ(unavailable, 1);
 }
 
