@@ -7,6 +7,7 @@
 #include <QDBusObjectPath>
 
 #include <chrono>
+#include <csignal>
 
 namespace zofra::test {
 namespace {
@@ -338,6 +339,26 @@ TEST_F(TrayStatusItemTest, WithoutABusTheWindowStandsInAsWell) {
         QTimer::singleShot(1, &context, [] {});
         return item->mode() == StatusItemMode::window;
     }));
+    EXPECT_EQ(unavailable, 1);
+}
+
+TEST_F(TrayStatusItemTest, WhileTheBusHangsNothingIsTriedThatWaitsForIt) {
+    make();
+    settle();
+    ASSERT_EQ(::kill(bus->processId(), SIGSTOP), 0);
+    QObject context;
+    for (int question = 0; question < 2; ++question) {
+        const std::size_t timers = queue.startedTimers().size();
+        queue.advance(5s);
+        EXPECT_TRUE(spinUntil([&] {
+            QTimer::singleShot(1, &context, [] {});
+            return queue.startedTimers().size() > timers;
+        })) << "it waits anew once the bus has not answered";
+        EXPECT_EQ(item->mode(), StatusItemMode::none);
+    }
+    ASSERT_EQ(::kill(bus->processId(), SIGCONT), 0);
+    queue.advance(5s);
+    EXPECT_TRUE(waitFor(StatusItemMode::window));
     EXPECT_EQ(unavailable, 1);
 }
 
