@@ -17,11 +17,7 @@ namespace zofra {
 
 namespace {
 
-constexpr auto patience = std::chrono::seconds(5);
 constexpr int maxWheelDelta = 1'000'000;
-constexpr int mostLooksForTray = 24;
-constexpr auto answerLimit = std::chrono::milliseconds(1000);
-constexpr int mostSilences = 12;
 constexpr auto flashTime = std::chrono::milliseconds(1500);
 constexpr QChar figureSpace(0x2007);
 const auto itemPath = QLatin1String("/StatusNotifierItem");
@@ -68,8 +64,10 @@ QImage withEdge(const IconProvider& icons, const QString& symbolName, int pixels
 } // namespace
 
 TrayStatusItem::TrayStatusItem(Environment environment)
-    : m_environment(std::move(environment)) {
-    startWaiting();
+    : m_environment(std::move(environment))
+    , m_fallback({m_environment.bus, m_environment.mainQueue, m_environment.session.windows,
+                  [this] { showXEmbedIcon(); }, [this] { showWindow(); }}) {
+    m_fallback.start();
     m_connected = m_environment.bus.observeConnected(
         [this](const QDBusConnection& connection) { busConnected(connection); });
     m_disconnected = m_environment.bus.observeDisconnected([this] { busDisconnected(); });
@@ -88,7 +86,6 @@ void TrayStatusItem::busConnected(const QDBusConnection& connection) {
 }
 
 void TrayStatusItem::busDisconnected() {
-    m_busAnswer.reset();
     m_panel.reset();
     m_menu.reset();
     m_item.reset();
@@ -141,79 +138,22 @@ void TrayStatusItem::panelDisappeared() {
     if (m_mode == StatusItemMode::direct || m_mode == StatusItemMode::hostmenu)
         m_mode = StatusItemMode::none;
     if (m_mode == StatusItemMode::none)
-        startWaiting();
+        m_fallback.start();
 }
 
 void TrayStatusItem::panelRegistered(bool hasHost) {
     // A watcher without a panel shows nothing; one may come within the time that is being waited.
     if (!hasHost)
         return;
-    m_waiting.reset();
-    m_busAnswer.reset();
+    m_fallback.stop();
     m_xembed.reset();
     m_mode = m_way == StatusNotifierObject::Way::direct ? StatusItemMode::direct : StatusItemMode::hostmenu;
     if (m_environment.registered)
         m_environment.registered();
 }
 
-void TrayStatusItem::startWaiting() {
-    m_waiting = m_environment.mainQueue.startTimer(patience, MainQueue::Repeat::once, [this] { fallBack(); });
-}
-
-void TrayStatusItem::fallBack() {
-    m_waiting.reset();
-    // An old tray's icon and the window are both drawn by a toolkit that looks at the bus first, and waits
-    // for it. One that hangs may also have a panel on it.
-    if (m_connection)
-        askBus();
-    else if (m_environment.bus.isConnecting())
-        busIsSilent();
-    else
-        showFallback();
-}
-
-void TrayStatusItem::askBus() {
-    const auto question = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"));
-    m_busAnswer = std::make_unique<QDBusPendingCallWatcher>(
-        m_connection->asyncCall(question, static_cast<int>(answerLimit.count())));
-    QObject::connect(m_busAnswer.get(), &QDBusPendingCallWatcher::finished, m_busAnswer.get(),
-                     [this](const QDBusPendingCallWatcher* answer) {
-                         const bool isSilent = answer->isError();
-                         m_busAnswer.release()->deleteLater();
-                         if (isSilent)
-                             busIsSilent();
-                         else
-                             showFallback();
-                     });
-}
-
-void TrayStatusItem::busIsSilent() {
-    if (m_silences == mostSilences) {
-        showFallback();
-        return;
-    }
-    ++m_silences;
-    startWaiting();
-}
-
-void TrayStatusItem::showFallback() {
-    m_silences = 0;
-    if (m_environment.session.windows == TraySession::Windows::x11 && XEmbedIcon::isAvailable())
-        showXEmbedIcon();
-    else
-        showWindow();
-}
-
 void TrayStatusItem::showWindow() {
     m_mode = StatusItemMode::window;
-    // While a person logs in, an old tray may take its time, and none of them announces itself on the bus.
-    if (m_environment.session.windows == TraySession::Windows::x11 && m_looksForTray < mostLooksForTray) {
-        ++m_looksForTray;
-        m_waiting =
-            m_environment.mainQueue.startTimer(patience, MainQueue::Repeat::once, [this] { fallBack(); });
-    }
     if (!std::exchange(m_toldUnavailable, true) && onUnavailable)
         onUnavailable();
 }

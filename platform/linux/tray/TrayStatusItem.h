@@ -9,12 +9,12 @@
 #include "platform/linux/tray/IconProvider.h"
 #include "platform/linux/tray/PanelWatch.h"
 #include "platform/linux/tray/StatusNotifierObject.h"
+#include "platform/linux/tray/TrayFallback.h"
 #include "platform/linux/tray/TrayMode.h"
 #include "platform/linux/tray/WheelSteps.h"
 #include "platform/linux/tray/WidgetMenu.h"
 #include "platform/linux/tray/XEmbedIcon.h"
 
-#include <QDBusPendingCallWatcher>
 #include <QPoint>
 #include <QPointer>
 #include <QString>
@@ -63,11 +63,6 @@ private:
     void panelAppeared(const QString& program);
     void panelDisappeared();
     void panelRegistered(bool hasHost);
-    void startWaiting();
-    void fallBack();
-    void askBus();
-    void busIsSilent();
-    void showFallback();
     void showWindow();
     void showXEmbedIcon();
     [[nodiscard]] StatusNotifierObject::Handlers itemHandlers();
@@ -81,6 +76,7 @@ private:
     [[nodiscard]] QList<BusPixmap> pixmaps(const QString& symbolName);
 
     Environment m_environment;
+    TrayFallback m_fallback;
     Action m_action;
     unsigned m_eventMask = 0;
     QString m_title;
@@ -95,21 +91,15 @@ private:
     TrayWheel m_wheelSign = TrayWheel::positiveIsUp;
     TrayIconSource m_iconSource = TrayIconSource::themeOrPixmaps;
     bool m_toldUnavailable = false;
-    /// How often a tray of the old kind was looked for since there was none.
-    int m_looksForTray = 0;
     QString m_pixmapsSymbol;
     QList<BusPixmap> m_pixmaps;
 
-    std::unique_ptr<Timer> m_waiting;
     std::unique_ptr<Timer> m_flashing;
     std::optional<QDBusConnection> m_connection;
     std::unique_ptr<StatusNotifierObject> m_item;
     std::unique_ptr<DBusMenuObject> m_menu;
     std::unique_ptr<PanelWatch> m_panel;
     std::unique_ptr<XEmbedIcon> m_xembed;
-    /// Whether the bus answers, asked before something that waits for it.
-    std::unique_ptr<QDBusPendingCallWatcher> m_busAnswer;
-    int m_silences = 0;
     /// The menu that is open, of our own drawing.
     QPointer<WidgetMenu> m_openMenu;
     ObservationToken m_connected;
