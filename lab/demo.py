@@ -47,7 +47,8 @@ def has_desktop():
     runtime, wayland = os.environ.get("XDG_RUNTIME_DIR", ""), os.environ.get("WAYLAND_DISPLAY", "")
     if wayland and os.path.exists(os.path.join(runtime, wayland)):
         return True
-    return bool(os.environ.get("DISPLAY")) and subprocess.run(
+    # One of another computer could not be reached from where the radio will run.
+    return os.environ.get("DISPLAY", "").startswith((":", "unix:")) and subprocess.run(
         ["xwininfo", "-root"], capture_output=True, check=False).returncode == 0
 
 

@@ -5,6 +5,7 @@
 with /tmp, /var/tmp, /dev/shm and a home of its own, so that what it leaves in them is seen, whoever works beside it.
 """
 
+import contextlib
 import os
 import re
 import signal
@@ -15,7 +16,11 @@ import uuid
 import pytest
 from conftest import ROOT
 from test_lab_process import MARK, marked
+from zofralab.panels import LxqtPanel
 from zofralab.process import clean_environment, wait_until
+from zofralab.screen import VirtualScreen
+from zofralab.session import Session
+from zofralab.sound import Ears
 
 #: Hides the places where programs leave things, brings back what is needed of them, runs the rest, and tells what is left.
 PRIVATE = r"""
@@ -61,20 +66,25 @@ def all_processes():
 
 
 class DemoRun:
-    """`./dev run` after the building, without a display."""
+    """`./dev run` after the building: without a display, or on the desktop whose environment is given. On a desktop the
+    places of its sockets cannot be hidden, so what is left in files is seen only without one."""
 
-    def __init__(self, binary, *options):
+    def __init__(self, binary, *options, desktop=None):
         self.mark = uuid.uuid4().hex
         self.lines = []
         # The path of an ordinary user.
         environment = {**clean_environment(), MARK: self.mark, "PATH": "/usr/local/bin:/usr/bin:/bin"}
         for name in ("DISPLAY", "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR"):
             environment.pop(name, None)
-        user = [] if os.geteuid() == 0 else ["--user", "--map-current-user", "--keep-caps"]
+        command = ["/usr/bin/python3", os.path.join(ROOT, "lab", "demo.py"), "--binary", binary, *options]
+        if desktop:
+            environment.update(desktop)
+        else:
+            user = [] if os.geteuid() == 0 else ["--user", "--map-current-user", "--keep-caps"]
+            command = ["unshare", *user, "--mount", "--", "bash", "-c", PRIVATE, "private", ROOT, os.path.dirname(binary),
+                       *command]
         self.process = subprocess.Popen(
-            ["env", "--default-signal=INT", "unshare", *user, "--mount", "--", "bash", "-c", PRIVATE, "private", ROOT,
-             os.path.dirname(binary), "/usr/bin/python3", os.path.join(ROOT, "lab", "demo.py"), "--binary", binary,
-             *options],
+            ["env", "--default-signal=INT", *command],
             env=environment, start_new_session=True, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
             stderr=subprocess.STDOUT, text=True, cwd=ROOT)
         self._reader = threading.Thread(target=self._read, daemon=True)
@@ -106,8 +116,8 @@ def demo(binary):
     """Start a demonstration; what is left of it is ended with the test."""
     started = []
 
-    def start(*options):
-        started.append(DemoRun(binary, *options))
+    def start(*options, desktop=None):
+        started.append(DemoRun(binary, *options, desktop=desktop))
         return started[-1]
     yield start
     for run in started:
@@ -142,3 +152,32 @@ def test_it_ends_by_itself_after_the_seconds_and_hands_options_on(demo):
     assert run.wait_end(60) == ["ended: 0", "done"]
     assert "time is over" in run.lines
     wait_until(lambda: not marked(run.mark), 10, "all processes to end")
+
+
+@pytest.mark.slow
+@pytest.mark.xdist_group("dev_run")
+def test_on_a_desktop_it_is_in_the_persons_own_status_bar(demo, tmp_path):
+    missing = VirtualScreen.missing() + LxqtPanel().missing()
+    if missing:
+        pytest.skip(f"not run: no {', '.join(missing)} on this machine")
+    with contextlib.ExitStack() as stack:
+        session = stack.enter_context(Session())
+        screen = VirtualScreen(str(tmp_path), {**clean_environment(), **session.environment()}, panel=LxqtPanel())
+        stack.callback(screen.stop)
+        screen.start()
+        ears = Ears(session.sound)
+        stack.callback(ears.stop)
+        ears.start()
+        empty = screen.still_picture(screen.panel_box)
+        run = demo(desktop={**session.environment(), **screen.variables})
+        run.wait_line("The radio is in your status bar: .*")
+        ears.wait_for(("zofra", "aac"), 60)
+        run.wait_line("song: .+ – .+")
+        run.wait_line(r"rooms: [1-9].*")
+        item = screen.wait_for_item(empty)
+        screen.click(item.centre, 3)
+        screen.wait_for_window("zofrazofra", "Zofra Zofra")
+        os.killpg(run.process.pid, signal.SIGINT)
+        assert run.process.wait(30) == 0
+        wait_until(lambda: not marked(run.mark), 10, "all processes to end")
+        screen.wait_for_no_item(empty)
