@@ -88,7 +88,7 @@ QString trimmedName(const std::optional<ZofraLiveArtist>& artist) {
 QString joined(const std::optional<ZofraLiveArtist>& artist, const std::optional<QString>& title,
                const QString& otherwise) {
     auto a = trimmedName(artist);
-    const auto t = title.value_or(QString()).trimmed();
+    auto t = title.value_or(QString()).trimmed();
     if (!a.isEmpty() && !t.isEmpty())
         return a + nowPlayingSeparator() + t;
     if (!t.isEmpty())
