@@ -6,7 +6,6 @@
 
 #include <array>
 #include <clocale>
-#include <malloc.h>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -16,13 +15,6 @@ namespace zofra {
 namespace {
 
 std::atomic<int> endingHandles{0};
-
-/// mpv takes 10 MB for a moment with each stream it opens. By itself the allocator stops, after the first
-/// time, giving such blocks back to the system, and each further station leaves holes of that size behind.
-void tuneAllocator() {
-    constexpr int givenBack = 256 * 1024;
-    ::mallopt(M_MMAP_THRESHOLD, givenBack);
-}
 
 void endInBackground(std::shared_ptr<const MpvLibrary> library, mpv_handle* handle,
                      std::shared_ptr<void> neededUntilThen) {
@@ -61,7 +53,6 @@ void MpvHandle::make(MainQueue& mainQueue, const Recipe& recipe, std::function<v
     // mpv refuses to start, and its numbers would go wrong, under any other notation. Here because it is not
     // safe on another thread, and not earlier because the application object sets the user's.
     std::setlocale(LC_NUMERIC, "C");
-    tuneAllocator();
     auto doorbell = std::make_shared<Doorbell>(mainQueue, std::move(onEvents));
     doorbell->self = doorbell;
     auto work = [&mainQueue, recipe, doorbell, ready] {

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/audio/StreamSource.h"
 
-#include "platform/linux/audio/FrameStart.h"
+#include "platform/linux/audio/OpenStreams.h"
 
-#include <algorithm>
-#include <array>
+#include <memory>
 #include <new>
 
 namespace zofra {
@@ -13,51 +12,6 @@ namespace {
 
 /// Before an address's own scheme.
 constexpr const char* mark = "zofra";
-
-/// One stream that is open, from its first whole frame on.
-class OpenStream {
-public:
-    OpenStream(const QByteArray& url, const HttpStream::Settings& settings)
-        : m_stream(url, settings) {}
-
-    std::int64_t read(char* buffer, std::uint64_t size) {
-        const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(size, frameSearchBytes));
-        if (!m_hasBegun && !findBeginning())
-            return -1;
-        if (m_beginning.isEmpty())
-            return m_stream.read(buffer, wanted);
-        const auto count = std::min(m_beginning.size(), static_cast<qsizetype>(wanted));
-        std::copy_n(m_beginning.constData(), count, buffer);
-        m_beginning.remove(0, count);
-        return count;
-    }
-    void cancel() { m_stream.cancel(); }
-
-private:
-    /// False when the stream broke before there was anything to play.
-    bool findBeginning() {
-        std::array<char, 4096> buffer{};
-        auto start = frameStart(m_beginning);
-        while (!start) {
-            const auto count = m_stream.read(buffer.data(), buffer.size());
-            if (count < 0)
-                return false;
-            m_beginning.append(buffer.data(), static_cast<qsizetype>(count));
-            start = count == 0 ? 0 : frameStart(m_beginning);
-        }
-        m_beginning.remove(0, *start);
-        m_hasBegun = true;
-        return true;
-    }
-
-    HttpStream m_stream;
-    QByteArray m_beginning;
-    bool m_hasBegun = false;
-};
-
-OpenStream* streamOf(void* cookie) {
-    return static_cast<OpenStream*>(cookie);
-}
 
 } // namespace
 
@@ -78,16 +32,21 @@ QByteArray StreamSource::address(const QUrl& url) {
 /// Called on a thread of mpv's, like everything that it sets.
 int StreamSource::open(void* self, char* address, mpv_stream_cb_info* info) {
     const QByteArray url = QByteArray(address).remove(0, static_cast<qsizetype>(qstrlen(mark)));
-    // Connects with the first read, which can be cancelled.
-    auto* stream = new (std::nothrow) OpenStream(url, static_cast<StreamSource*>(self)->m_settings);
-    if (!stream)
+    try {
+        info->cookie = OpenStreams::all().add(
+            std::make_shared<OpenStream>(url, static_cast<StreamSource*>(self)->m_settings));
+    } catch (const std::bad_alloc&) {
         return MPV_ERROR_LOADING_FAILED;
-    info->cookie = stream;
-    info->read_fn = [](void* cookie, char* buffer, std::uint64_t size) {
-        return streamOf(cookie)->read(buffer, size);
+    }
+    info->read_fn = [](void* cookie, char* buffer, std::uint64_t size) -> std::int64_t {
+        const auto stream = OpenStreams::all().find(cookie);
+        return stream ? stream->read(buffer, size) : -1;
     };
-    info->close_fn = [](void* cookie) { delete streamOf(cookie); };
-    info->cancel_fn = [](void* cookie) { streamOf(cookie)->cancel(); };
+    info->close_fn = [](void* cookie) { OpenStreams::all().remove(cookie); };
+    info->cancel_fn = [](void* cookie) {
+        if (const auto stream = OpenStreams::all().find(cookie))
+            stream->cancel();
+    };
     return 0;
 }
 

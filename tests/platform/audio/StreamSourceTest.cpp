@@ -6,8 +6,10 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <latch>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace zofra::test {
@@ -95,6 +97,41 @@ TEST_F(StreamSourceTest, givesOnWhatIsNoSoundAsItCame) {
     EXPECT_TRUE(read(server.url(), 10'000'000) == page);
     const LoopbackServer shortPage("text/html", "<html>", Then::close);
     EXPECT_EQ(read(shortPage.url(), 10'000'000), "<html>");
+}
+
+TEST_F(StreamSourceTest, cancellingOneThatIsClosedTouchesNothing) {
+    const LoopbackServer server("text/html", "no frames", Then::close);
+    EXPECT_EQ(source.serve(nullptr, &addProtocol), 0);
+    auto address = StreamSource::address(server.url());
+    mpv_stream_cb_info closed{};
+    ASSERT_EQ(mpv.open(mpv.userData, address.data(), &closed), 0);
+    closed.close_fn(closed.cookie);
+    mpv_stream_cb_info open{};
+    ASSERT_EQ(mpv.open(mpv.userData, address.data(), &open), 0);
+    ASSERT_NE(open.cookie, closed.cookie) << "what is closed is never meant again";
+    closed.cancel_fn(closed.cookie);
+    closed.close_fn(closed.cookie);
+    char buffer[100];
+    EXPECT_EQ(closed.read_fn(closed.cookie, buffer, sizeof buffer), -1);
+    EXPECT_EQ(open.read_fn(open.cookie, buffer, sizeof buffer), 9);
+    open.close_fn(open.cookie);
+}
+
+TEST_F(StreamSourceTest, mayBeCancelledAndClosedByTwoThreadsAtOnce) {
+    EXPECT_EQ(source.serve(nullptr, &addProtocol), 0);
+    QByteArray address = "zofrahttp://127.0.0.1:1/";
+    for (int round = 0; round < 200; ++round) {
+        mpv_stream_cb_info info{};
+        ASSERT_EQ(mpv.open(mpv.userData, address.data(), &info), 0);
+        std::latch both(2);
+        std::thread canceller([&] {
+            both.arrive_and_wait();
+            info.cancel_fn(info.cookie);
+        });
+        both.arrive_and_wait();
+        info.close_fn(info.cookie);
+        canceller.join();
+    }
 }
 
 TEST_F(StreamSourceTest, failsWhereNobodyListens) {
