@@ -105,8 +105,17 @@ def test_the_right_click_opens_the_panel_and_gives_it_the_keyboard(item, screen)
     item.click(3)
     window = popup(screen)
     assert menus(screen) == []
+    # Another window takes the keyboard, so that the second click has something to do.
+    process = screen.spawn("xev", "-geometry", "200x200+20+80")
+    other = screen.wait_for_window(title="Event Tester")
+    screen.click((100, 200))
+    wait_until(lambda: screen.server.active_window() == other.identity, 30, "the other window's turn", 0.05)
     item.click(3)
+    assert popup(screen).identity == window.identity
     assert [w.identity for w in screen.windows(PROGRAM)] == [window.identity]
+    screen.end(process)
+    screen.click(window.box.centre)
+    wait_until(lambda: screen.server.active_window() == window.identity, 30, "the panel's turn", 0.05)
     screen.key("Escape")
     wait_until(lambda: not screen.windows(PROGRAM), 30, "the panel to close", 0.05)
 

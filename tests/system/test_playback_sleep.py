@@ -126,10 +126,12 @@ def test_two_hundred_switches_leave_everything_where_it_was(radio, ears, bus, la
         ears.wait_for(AAC, 10)
         held.append(settled(radio, lab))
     print("threads, descriptors, own memory in kB:", *held)
-    assert held[-1][0] <= held[0][0] and held[-1][1] <= held[0][1]
-    # The heap of a crowded machine wanders by megabytes; a leak grows in each stretch.
-    grown = [after[2] - before[2] for before, after in zip(held, held[1:])]
-    assert min(grown) < 1500, "more than 15 kB a switch"
+    assert held[-1][0] <= held[0][0]
+    # Connections that are kept for the next question come and go, and the heap of a crowded machine wanders by
+    # megabytes; a leak grows in each stretch.
+    stretches = list(zip(held, held[1:]))
+    assert min(after[1] - before[1] for before, after in stretches) <= 1, "a descriptor every hundred switches"
+    assert min(after[2] - before[2] for before, after in stretches) < 1500, "more than 15 kB a switch"
 
 
 def settled(radio, lab):
