@@ -148,6 +148,8 @@ def test_the_item_is_registered_under_its_unique_name_and_shows_station_and_song
     assert properties["ItemIsMenu"] is True and properties["Menu"].startswith("/")
     assert properties["IconName"] and properties["IconPixmap"]
     assert properties["Status"] == "Active"
+    # What is next comes with a message of its own.
+    wait_until(lambda: len(item.tooltip) == 5, 10, "the next song")
     assert item.tooltip == [
         "Station: Zofra (Alternative Rock & Indie)", "Now Playing: The Paper Lanterns – Harbour Lights",
         "Up Next: Émilie Dùval – Les Années d'été", "Output: This Mac", "Status: Paused"]
