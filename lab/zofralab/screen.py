@@ -73,14 +73,17 @@ class Screen:
         """A part of the screen, or all of it."""
         raise NotImplementedError
 
-    def still_picture(self, box=None):
-        """The same once two pictures in a row are equal."""
-        seen = []
+    def still_picture(self, box=None, seconds=0.1):
+        """The same once it has not changed for so long."""
+        last, since = None, time.monotonic()
 
         def stands_still():
-            seen.append(self.picture(box))
-            return len(seen) > 1 and seen[-1].data == seen[-2].data and seen[-1]
-        return wait_until(stands_still, 30, "a still picture", 0.1)
+            nonlocal last, since
+            now = self.picture(box)
+            if last is None or now.data != last.data:
+                last, since = now, time.monotonic()
+            return time.monotonic() - since >= seconds and last
+        return wait_until(stands_still, 30 + seconds, "a still picture", 0.1)
 
     @property
     def panel_box(self):

@@ -51,8 +51,8 @@ def screen(request, running_lab, session, tmp_path_factory):
 
 @pytest.fixture(scope="module")
 def empty(screen):
-    """The panel without an item."""
-    return screen.still_picture(screen.panel_box)
+    """The panel without an item. Its parts come one after the other, on a crowded machine with pauses between them."""
+    return screen.still_picture(screen.panel_box, seconds=2.0)
 
 
 @pytest.fixture(scope="module")

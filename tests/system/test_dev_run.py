@@ -168,7 +168,7 @@ def test_on_a_desktop_it_is_in_the_persons_own_status_bar(demo, tmp_path):
         ears = Ears(session.sound)
         stack.callback(ears.stop)
         ears.start()
-        empty = screen.still_picture(screen.panel_box)
+        empty = screen.still_picture(screen.panel_box, seconds=2.0)
         run = demo(desktop={**session.environment(), **screen.variables})
         run.wait_line("The radio is in your status bar: .*")
         ears.wait_for(("zofra", "aac"), 60)
