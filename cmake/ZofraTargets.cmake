@@ -6,7 +6,7 @@ target_compile_features(zofra_flags INTERFACE cxx_std_20)
 target_include_directories(zofra_flags INTERFACE "${PROJECT_SOURCE_DIR}")
 target_compile_options(zofra_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual
-    -Wimplicit-fallthrough -Wnull-dereference -fstack-protector-strong)
+    -Wimplicit-fallthrough -Wnull-dereference)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # False alarms of this compiler in optimised library headers.
     target_compile_options(zofra_flags INTERFACE -Wno-null-dereference -Wno-maybe-uninitialized)
@@ -18,12 +18,10 @@ target_compile_definitions(zofra_flags INTERFACE
 if(ZOFRA_WERROR)
     target_compile_options(zofra_flags INTERFACE -Werror)
 endif()
-if(CMAKE_BUILD_TYPE STREQUAL "Release" OR CMAKE_BUILD_TYPE STREQUAL "RelWithDebInfo")
-    target_compile_definitions(zofra_flags INTERFACE _FORTIFY_SOURCE=2)
-endif()
+include(ZofraHardening)
 if(ZOFRA_SANITIZE)
     target_compile_options(zofra_flags INTERFACE -fsanitize=${ZOFRA_SANITIZE} -fno-omit-frame-pointer
-        -fno-sanitize-recover=all -U_FORTIFY_SOURCE)
+        -fno-sanitize-recover=all)
     target_link_options(zofra_flags INTERFACE -fsanitize=${ZOFRA_SANITIZE})
 endif()
 if(ZOFRA_COVERAGE)

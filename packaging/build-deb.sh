@@ -12,6 +12,8 @@ if command -v ccache >/dev/null; then
 fi
 cmake --preset release -B build/package -DCMAKE_INSTALL_PREFIX=/usr -DZOFRA_TESTS=OFF "${launcher[@]}" >/dev/null
 cmake --build build/package -j"$(nproc)" >/dev/null
+# The very flags of ./dev build; what the linker made of them is looked at in the binary.
+tests/tools/hardening.py build/package/bin/zofrazofra
 desktop-file-validate packaging/desktop/be.zofra.ZofraZofra.desktop
 # The screenshots' host is the station group's to set up, so links are not followed.
 appstreamcli validate --strict --no-net build/package/packaging/be.zofra.ZofraZofra.metainfo.xml
