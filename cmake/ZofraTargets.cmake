@@ -32,12 +32,17 @@ if(ZOFRA_FUZZ)
     target_compile_options(zofra_flags INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# zofra_library(NAME SOURCES file... [DEPENDS target...])
-# A folder's one static library. Users of it see the headers of its dependencies, nothing else.
+# zofra_library(NAME SOURCES file... [DEPENDS target...] [HEADERS core|bus|desktop])
+# A folder's one static library. Users of it see the headers of its dependencies, nothing else. HEADERS names the
+# precompiled ones; what they hold must be among the dependencies.
 function(zofra_library name)
-    cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS" ${ARGN})
+    cmake_parse_arguments(arg "" "HEADERS" "SOURCES;DEPENDS" ${ARGN})
     add_library(${name} STATIC ${arg_SOURCES})
     target_link_libraries(${name} PUBLIC zofra_flags ${arg_DEPENDS})
+    if(NOT arg_HEADERS)
+        set(arg_HEADERS core)
+    endif()
+    zofra_use_headers(${name} ${arg_HEADERS})
 endfunction()
 
 # zofra_test(NAME SOURCES file... [DEPENDS target...])
@@ -46,6 +51,7 @@ function(zofra_test name)
     cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS" ${ARGN})
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE zofra_flags zofra_test_support ${arg_DEPENDS} GTest::gmock_main)
+    zofra_use_headers(${name} tests)
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES TIMEOUT 120 LABELS unit)
 endfunction()
