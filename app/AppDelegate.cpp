@@ -2,7 +2,7 @@
 #include "app/AppDelegate.h"
 
 #include "app/VolumePercent.h"
-#include "stations/LoadingText.h"
+#include "stations/texts/InterfaceTexts.h"
 
 #include <QRegularExpression>
 #include <QUrl>
@@ -60,7 +60,7 @@ AppDelegate::AppDelegate(Environment environment)
     , m_player(m_environment.player())
     , m_sonos(m_environment.sonos())
     , m_languages(m_environment.languages())
-    , m_currentSongText(loadingText(m_languages.currentLanguage())) {}
+    , m_currentSongText(texts::loading.in(m_languages.currentLanguage())) {}
 
 AppDelegate::~AppDelegate() {
     if (s_shared == this)
@@ -117,7 +117,7 @@ void AppDelegate::installCallbacks() {
     const auto refresh = onMainQueue([this] { updateStatusBarButton(); });
     m_languages.onLanguageChanged = onMainQueue([this] {
         if (m_viewModel->isLoading())
-            m_currentSongText = loadingText(m_languages.currentLanguage());
+            m_currentSongText = texts::loading.in(m_languages.currentLanguage());
         updateStatusBarButton();
     });
     m_player.onPlaybackStateChanged = [refresh](bool) { refresh(); };
@@ -322,18 +322,7 @@ void AppDelegate::updateStatusBarButton() {
 }
 
 QString AppDelegate::statusWord() const {
-    const bool playing = isPlaying();
-    switch (m_languages.currentLanguage()) {
-    case AppLanguage::nl:
-        return playing ? QStringLiteral("Afspelen") : QStringLiteral("Gepauzeerd");
-    case AppLanguage::fr:
-        return playing ? QStringLiteral("Lecture en cours") : QStringLiteral("En pause");
-    case AppLanguage::de:
-        return playing ? QStringLiteral("Wiedergabe läuft") : QStringLiteral("Pausiert");
-    case AppLanguage::en:
-        break;
-    }
-    return playing ? QStringLiteral("Playing") : QStringLiteral("Paused");
+    return (isPlaying() ? texts::playing : texts::paused).in(m_languages.currentLanguage());
 }
 
 QString AppDelegate::toolTip() const {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/StatusMenu.h"
 
-#include "app/StatusMenuTexts.h"
 #include "app/VolumePercent.h"
+#include "stations/texts/InterfaceTexts.h"
 
 #include <array>
 #include <cmath>
@@ -53,11 +53,11 @@ public:
         , m_language(languages.currentLanguage()) {}
 
     [[nodiscard]] MenuItem playStop() const {
-        MenuItem item = actionItem(menutexts::playStop(m_state.isPlaying, m_language),
+        MenuItem item = actionItem((m_state.isPlaying ? texts::stopRadio : texts::playRadio).in(m_language),
                                    m_actions.togglePlayRadio, "togglePlayRadio");
         item.keyEquivalent = QStringLiteral("p");
         setIcon(item, m_state.isPlaying ? "speaker.wave.2.fill" : "play.fill",
-                menutexts::playStopIcon(m_state.isPlaying, m_language));
+                (m_state.isPlaying ? texts::stopIcon : texts::playIcon).in(m_language));
         return item;
     }
 
@@ -73,29 +73,29 @@ public:
         }
         MenuItem parent =
             submenuItem(m_languages.stationMenuTitle(m_state.currentStation.displayName()), std::move(menu));
-        setIcon(parent, "antenna.radiowaves.left.and.right", menutexts::stationIcon(m_language));
+        setIcon(parent, "antenna.radiowaves.left.and.right", texts::stationIcon.in(m_language));
         return parent;
     }
 
     [[nodiscard]] MenuItem outputs() const {
         Menu menu;
         MenuItem local =
-            actionItem(menutexts::thisComputer(m_language), m_actions.selectOutputMac, "selectOutputMac");
+            actionItem(texts::thisMac.in(m_language), m_actions.selectOutputMac, "selectOutputMac");
         local.state = onIf(m_state.activeTarget == AudioOutputTarget::localMac());
         menu.push_back(std::move(local));
         menu.push_back(MenuItem::separator());
         appendRooms(menu);
         menu.push_back(MenuItem::separator());
-        MenuItem everywhere = actionItem(menutexts::playEverywhere(m_language),
+        MenuItem everywhere = actionItem(texts::playEverywhere.in(m_language),
                                          m_actions.selectOutputEverywhere, "selectOutputEverywhere");
         everywhere.state = onIf(m_state.activeTarget == AudioOutputTarget::sonosEverywhere());
-        everywhere.toolTip = menutexts::playEverywhereToolTip(m_language);
+        everywhere.toolTip = texts::synchronizationNote.in(m_language);
         menu.push_back(std::move(everywhere));
         menu.push_back(MenuItem::separator());
-        menu.push_back(actionItem(menutexts::search(m_language), m_actions.rescanSonos, "rescanSonos"));
+        menu.push_back(actionItem(texts::searchItem.in(m_language), m_actions.rescanSonos, "rescanSonos"));
         MenuItem parent =
             submenuItem(m_languages.outputMenuTitle(m_state.activeTargetTitle), std::move(menu));
-        setIcon(parent, "hifispeaker.2.fill", menutexts::outputIcon(m_language));
+        setIcon(parent, "hifispeaker.2.fill", texts::outputIcon.in(m_language));
         return parent;
     }
 
@@ -104,7 +104,7 @@ public:
                                                               {QStringLiteral("75 %"), 0.75F},
                                                               {QStringLiteral("50 %"), 0.5F},
                                                               {QStringLiteral("25 %"), 0.25F},
-                                                              {menutexts::mute(m_language), 0.0F}}};
+                                                              {texts::mute.in(m_language), 0.0F}}};
         Menu menu;
         for (const auto& [title, value] : steps) {
             MenuItem item = actionItem(title, m_actions.setVolumeFromMenuItem, "setVolumeFromMenuItem");
@@ -115,30 +115,29 @@ public:
         }
         MenuItem parent =
             submenuItem(m_languages.volumeMenuTitle(shownVolumePercent(m_state.volume)), std::move(menu));
-        setIcon(parent, "speaker.wave.2.fill", menutexts::volumeIcon(m_language));
+        setIcon(parent, "speaker.wave.2.fill", texts::volume.in(m_language));
         return parent;
     }
 
     void appendSongs(Menu& menu) const {
         MenuItem now = disabledItem(m_languages.nowPlayingHeader(m_state.currentSongText));
-        setIcon(now, "music.note", menutexts::nowPlayingIcon(m_language));
+        setIcon(now, "music.note", texts::nowPlayingIcon.in(m_language));
         menu.push_back(std::move(now));
         if (!m_state.nextSongText || m_state.nextSongText->isEmpty())
             return;
         MenuItem next = disabledItem(m_languages.upNextHeader(*m_state.nextSongText));
-        setIcon(next, "forward.end.fill", menutexts::upNextIcon(m_language));
+        setIcon(next, "forward.end.fill", texts::upNextIcon.in(m_language));
         menu.push_back(std::move(next));
     }
 
     [[nodiscard]] MenuItem about() const {
-        MenuItem item =
-            actionItem(menutexts::about(m_language), m_actions.showAboutWindow, "showAboutWindow");
+        MenuItem item = actionItem(texts::about.in(m_language), m_actions.showAboutWindow, "showAboutWindow");
         setIcon(item, "info.circle");
         return item;
     }
 
     [[nodiscard]] MenuItem quit() const {
-        MenuItem item = actionItem(menutexts::quit(m_language), m_actions.quit, "quit");
+        MenuItem item = actionItem(texts::quit.in(m_language), m_actions.quit, "quit");
         setIcon(item, "power");
         return item;
     }
@@ -148,7 +147,7 @@ private:
         if (m_state.rooms.empty()) {
             menu.push_back(disabledItem(m_state.emptyStateMessage));
             if (m_state.localNetworkDenied)
-                menu.push_back(actionItem(menutexts::allowLocalNetwork(m_language),
+                menu.push_back(actionItem(texts::allowLocalNetwork.in(m_language),
                                           m_actions.openLocalNetworkSettings, "openLocalNetworkSettings"));
             return;
         }

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "metadata/RadioViewModel.h"
 
-#include "stations/LoadingText.h"
+#include "stations/texts/InterfaceTexts.h"
 
 namespace zofra {
 
 RadioViewModel::RadioViewModel(RadioStation station, HttpSession& session, Clock now,
                                MakeWebSocket makeWebSocket, const Environment& environment)
     : currentStation(*this, station)
-    , currentSong(*this, loadingText(environment.languages.currentLanguage()))
+    , currentSong(*this, texts::loading.in(environment.languages.currentLanguage()))
     , nextSong(*this, std::nullopt)
     , m_session(session)
     , m_makeWebSocket(std::move(makeWebSocket))
@@ -23,7 +23,7 @@ void RadioViewModel::setStation(RadioStation station) {
     disconnectWebSocket();
     currentStation = station;
     m_isLoading = true;
-    currentSong = loadingText(m_environment.languages.currentLanguage());
+    currentSong = texts::loading.in(m_environment.languages.currentLanguage());
     nextSong = std::nullopt;
     m_lastLiveTrack.reset();
     // Whatever is still under way belongs to the old station.

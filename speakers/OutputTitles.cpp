@@ -7,27 +7,6 @@ namespace zofra {
 
 namespace {
 
-struct Texts {
-    QString en;
-    QString nl;
-    QString fr;
-    QString de;
-};
-
-QString in(AppLanguage language, const Texts& texts) {
-    switch (language) {
-    case AppLanguage::nl:
-        return texts.nl;
-    case AppLanguage::fr:
-        return texts.fr;
-    case AppLanguage::de:
-        return texts.de;
-    case AppLanguage::en:
-        break;
-    }
-    return texts.en;
-}
-
 bool isOwn(const SonosSpeaker& speaker) {
     const auto names = [](const std::optional<QString>& text) {
         return text && (text->compare(QLatin1String("Zofra Zofra"), Qt::CaseInsensitive) == 0 ||
@@ -63,36 +42,6 @@ QString roomTitle(const SonosRoom& room, const QList<SonosRoom>& rooms) {
                  [&room](const SonosRoom& other) { return brand(other) == brand(room); });
     const QString title = room.name + QStringLiteral(" (") + brand(room) + u')';
     return sameBrand.isEmpty() ? title : title + QStringLiteral(" – ") + distinguishingText(room, sameBrand);
-}
-
-QString localTargetTitle(AppLanguage language) {
-    return in(language, {QStringLiteral("This Mac"), QStringLiteral("Deze Mac"), QStringLiteral("Ce Mac"),
-                         QStringLiteral("Dieser Mac")});
-}
-
-QString everywhereTitle(AppLanguage language) {
-    return in(language,
-              {QStringLiteral("Everywhere (All Rooms)"), QStringLiteral("Overal (Alle kamers)"),
-               QStringLiteral("Partout (Toutes les pièces)"), QStringLiteral("Überall (Alle Räume)")});
-}
-
-QString accessDeniedText(AppLanguage language) {
-    return in(language, {QStringLiteral("No access to local network"),
-                         QStringLiteral("Geen toegang tot lokaal netwerk"),
-                         QStringLiteral("Pas d'accès au réseau local"),
-                         QStringLiteral("Kein Zugriff aufs lokale Netzwerk")});
-}
-
-QString scanningText(AppLanguage language) {
-    return in(language, {QStringLiteral("Scanning…"), QStringLiteral("Bezig met zoeken…"),
-                         QStringLiteral("Recherche en cours…"), QStringLiteral("Suche läuft …")});
-}
-
-QString nothingFoundText(AppLanguage language) {
-    return in(language, {QStringLiteral("No Sonos or Zofra devices found"),
-                         QStringLiteral("Geen Sonos- of Zofra-apparaten gevonden"),
-                         QStringLiteral("Aucun appareil Sonos ou Zofra trouvé"),
-                         QStringLiteral("Keine Sonos- oder Zofra-Geräte gefunden")});
 }
 
 } // namespace zofra

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "speakers/SonosRoom.h"
-#include "stations/AppLanguage.h"
 
 #include <QList>
 #include <QString>
@@ -11,14 +10,5 @@ namespace zofra {
 
 /// How a room is shown among `rooms`: its name, and as much more as tells it from others of the same name.
 [[nodiscard]] QString roomTitle(const SonosRoom& room, const QList<SonosRoom>& rooms);
-
-/// "This Mac", and "Everywhere (All Rooms)".
-[[nodiscard]] QString localTargetTitle(AppLanguage language);
-[[nodiscard]] QString everywhereTitle(AppLanguage language);
-
-/// Why there is no room to choose.
-[[nodiscard]] QString accessDeniedText(AppLanguage language);
-[[nodiscard]] QString scanningText(AppLanguage language);
-[[nodiscard]] QString nothingFoundText(AppLanguage language);
 
 } // namespace zofra

@@ -4,6 +4,7 @@
 #include "speakers/OutputTitles.h"
 #include "speakers/RoomCache.h"
 #include "speakers/SpeakerDiscovery.h"
+#include "stations/texts/InterfaceTexts.h"
 
 #include <algorithm>
 #include <chrono>
@@ -118,8 +119,8 @@ std::optional<SonosRoom> SonosManager::room(const QString& id) const {
 QString SonosManager::emptyStateMessage() const {
     const auto language = m_environment.languages.currentLanguage();
     if (localNetworkDenied)
-        return accessDeniedText(language);
-    return isScanning ? scanningText(language) : nothingFoundText(language);
+        return texts::accessDenied.in(language);
+    return isScanning ? texts::scanning.in(language) : texts::nothingFound.in(language);
 }
 
 QString SonosManager::activeTargetTitle() const {
@@ -127,7 +128,7 @@ QString SonosManager::activeTargetTitle() const {
     const auto& target = activeTarget.get();
     switch (target.kind()) {
     case AudioOutputTarget::Kind::sonosEverywhere:
-        return everywhereTitle(language);
+        return texts::everywhere.in(language);
     case AudioOutputTarget::Kind::sonos:
         if (const auto found = room(target.roomId()))
             return displayTitle(*found);
@@ -135,7 +136,7 @@ QString SonosManager::activeTargetTitle() const {
     case AudioOutputTarget::Kind::localMac:
         break;
     }
-    return localTargetTitle(language);
+    return texts::thisMac.in(language);
 }
 
 QString SonosManager::displayTitle(const SonosRoom& room) const {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stations/LanguageManager.h"
 
+#include "stations/texts/InterfaceTexts.h"
+
 namespace zofra {
 namespace {
 
@@ -14,23 +16,6 @@ AppLanguage languageAtStart(const std::optional<QString>& stored, const QStringL
             return *language;
     }
     return AppLanguage::en;
-}
-
-/// The one of four texts that is in `language`.
-QString choose(AppLanguage language, const QString& en, const QString& nl, const QString& fr,
-               const QString& de) {
-    switch (language) {
-    case AppLanguage::en:
-        return en;
-    case AppLanguage::nl:
-        return nl;
-    case AppLanguage::fr:
-        return fr;
-    case AppLanguage::de:
-        return de;
-    }
-    Q_UNREACHABLE();
-    return {};
 }
 
 } // namespace
@@ -51,56 +36,37 @@ void LanguageManager::setLanguage(AppLanguage language) {
         setCurrentLanguage(language);
 }
 
-// The variable parts are joined on, never formatted in: a song may contain anything, "%1" included.
-
 QString LanguageManager::stationMenuTitle(const QString& stationName) const {
-    return choose(m_currentLanguage, QStringLiteral("Station ("), QStringLiteral("Zender ("),
-                  QStringLiteral("Station ("), QStringLiteral("Sender (")) +
-           stationName + u')';
+    return texts::stationMenu.in(m_currentLanguage, stationName);
 }
 
 QString LanguageManager::nowPlayingHeader(const QString& song) const {
-    return choose(m_currentLanguage, QStringLiteral("Now Playing: "), QStringLiteral("Nu bezig: "),
-                  QStringLiteral("En cours : "), QStringLiteral("Aktuell: ")) +
-           song;
+    return texts::nowPlayingLine.in(m_currentLanguage, song);
 }
 
 QString LanguageManager::upNextHeader(const QString& song) const {
-    return choose(m_currentLanguage, QStringLiteral("Up Next: "), QStringLiteral("Hierna: "),
-                  QStringLiteral("À suivre : "), QStringLiteral("Als Nächstes: ")) +
-           song;
+    return texts::upNextLine.in(m_currentLanguage, song);
 }
 
 QString LanguageManager::outputMenuTitle(const QString& targetTitle) const {
-    return choose(m_currentLanguage, QStringLiteral("Audio Output ("), QStringLiteral("Audio-uitvoer ("),
-                  QStringLiteral("Sortie audio ("), QStringLiteral("Audio-Ausgabe (")) +
-           targetTitle + u')';
+    return texts::outputMenu.in(m_currentLanguage, targetTitle);
 }
 
 QString LanguageManager::volumeMenuTitle(int percent) const {
-    return choose(m_currentLanguage, QStringLiteral("Volume ("), QStringLiteral("Volume ("),
-                  QStringLiteral("Volume ("), QStringLiteral("Lautstärke (")) +
-           QString::number(percent) + QStringLiteral(" %)");
+    return texts::volumeMenu.in(m_currentLanguage, percent);
 }
 
 QString LanguageManager::tooltipStation(const QString& name, const QString& genre) const {
-    return choose(m_currentLanguage, QStringLiteral("Station: "), QStringLiteral("Zender: "),
-                  QStringLiteral("Station : "), QStringLiteral("Sender: ")) +
-           name + QStringLiteral(" (") + genre + u')';
+    return texts::tooltipStation.in(m_currentLanguage, name, genre);
 }
 
 QString LanguageManager::tooltipOutput(const QString& title) const {
-    return choose(m_currentLanguage, QStringLiteral("Output: "), QStringLiteral("Uitvoer: "),
-                  QStringLiteral("Sortie : "), QStringLiteral("Ausgabe: ")) +
-           title;
+    return texts::tooltipOutput.in(m_currentLanguage, title);
 }
 
 QString LanguageManager::tooltipStatus(bool isPlaying) const {
-    return QStringLiteral("Status: ") +
-           (isPlaying ? choose(m_currentLanguage, QStringLiteral("Playing"), QStringLiteral("Afspelen"),
-                               QStringLiteral("Lecture en cours"), QStringLiteral("Wiedergabe läuft"))
-                      : choose(m_currentLanguage, QStringLiteral("Paused"), QStringLiteral("Gepauzeerd"),
-                               QStringLiteral("En pause"), QStringLiteral("Pausiert")));
+    const auto& word = isPlaying ? texts::playing : texts::paused;
+    return texts::tooltipStatus.in(m_currentLanguage, word.in(m_currentLanguage));
 }
 
 } // namespace zofra

@@ -8,7 +8,6 @@
 #include "app/panel/LanguageButton.h"
 #include "app/panel/MenuButton.h"
 #include "app/panel/PanelMenus.h"
-#include "app/panel/PanelTexts.h"
 #include "app/panel/PlayButton.h"
 #include "app/panel/SongCard.h"
 #include "app/panel/VolumeSlider.h"
@@ -16,6 +15,7 @@
 #include "playback/RadioPlayer.h"
 #include "speakers/SonosManager.h"
 #include "stations/LanguageManager.h"
+#include "stations/texts/InterfaceTexts.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -96,30 +96,30 @@ void AboutPopupView::showTexts(AppLanguage language) {
     m_shownLanguage = language;
     for (LanguageButton* button : m_parts.languages)
         button->setCurrent(button->language() == language, change);
-    m_parts.stationLabel->setContent(panelText::stationLabel(language));
+    m_parts.stationLabel->setContent(texts::stationLabel.in(language));
     m_parts.songs->setLanguage(language);
-    m_parts.outputLabel->setContent(panelText::outputLabel(language));
-    m_parts.output->setHelp(panelText::synchronizationNote(language));
-    m_parts.volume->setAccessibleName(panelText::volume(language));
+    m_parts.outputLabel->setContent(texts::outputLabel.in(language));
+    m_parts.output->setHelp(texts::synchronizationNote.in(language));
+    m_parts.volume->setAccessibleName(texts::volume.in(language));
     m_parts.credit->setLanguage(language);
-    m_parts.launchAtLogin->setTitle(panelText::startAutomatically(language));
-    m_parts.close->setTitle(panelText::closeWindow(language));
+    m_parts.launchAtLogin->setTitle(texts::startAutomatically.in(language));
+    m_parts.close->setTitle(texts::closeWindow.in(language));
 }
 
 void AboutPopupView::showState(AppLanguage language) {
-    m_parts.station->setContent(panelText::stationLabel(language),
+    m_parts.station->setContent(texts::stationLabel.in(language),
                                 m_content.player.currentStation.get().displayName());
     m_parts.station->refreshMenu();
     m_parts.songs->setSongs(m_content.viewModel.currentSong, m_content.viewModel.nextSong);
-    m_parts.output->setContent(panelText::outputLabel(language), m_content.sonos.activeTargetTitle());
+    m_parts.output->setContent(texts::outputLabel.in(language), m_content.sonos.activeTargetTitle());
     m_parts.output->refreshMenu();
     const bool isPlaying = m_actions.isPlaying();
     m_parts.play->setContent(isPlaying ? QStringLiteral("stop.fill") : QStringLiteral("play.fill"),
-                             isPlaying ? panelText::stop(language) : panelText::play(language));
+                             (isPlaying ? texts::stopMusic : texts::playMusic).in(language));
     m_parts.speaker->setInk(isPlaying ? IconLabel::Ink::accent : IconLabel::Ink::dim);
     const int percent = shownPercent(m_content.player.volume).value_or(0);
     m_parts.volume->show(percent);
-    m_parts.volumePercent->setContent(panelText::volumePercent(percent));
+    m_parts.volumePercent->setContent(texts::volumePercent.in(AppLanguage::en, percent));
 }
 
 void AboutPopupView::updateNaturalSize() {

@@ -9,11 +9,11 @@
 #include "app/panel/LanguageButton.h"
 #include "app/panel/MenuButton.h"
 #include "app/panel/PanelMenus.h"
-#include "app/panel/PanelTexts.h"
 #include "app/panel/PlayButton.h"
 #include "app/panel/SongCard.h"
 #include "app/panel/VolumeSlider.h"
 #include "playback/RadioPlayer.h"
+#include "stations/texts/InterfaceTexts.h"
 
 #include <QBoxLayout>
 
@@ -84,7 +84,7 @@ void AboutPopupView::addHeader(QBoxLayout& rows) {
     auto* row = makeRow(m_look.metrics, 12);
     row->addWidget(new IconLabel(m_look, QStringLiteral("ZofraLogo"), logo, this));
     auto* label = new ElidedLabel(m_look, version, this);
-    label->setContent(panelText::version(m_content.version));
+    label->setContent(texts::version.in(AppLanguage::en, m_content.version));
     row->addWidget(label);
     rows.addLayout(row);
 }
@@ -160,7 +160,7 @@ void AboutPopupView::addVolume(QBoxLayout& rows) {
     percent.alignment = Qt::AlignRight;
     m_parts.volumePercent = new ElidedLabel(m_look, percent, this);
     // As wide as its widest text, so that the slider beside it keeps its length.
-    m_parts.volumePercent->setContent(panelText::volumePercent(100));
+    m_parts.volumePercent->setContent(texts::volumePercent.in(AppLanguage::en, 100));
     m_parts.volumePercent->setFixedWidth(
         std::max(m_parts.volumePercent->sizeHint().width(), m_look.metrics.px(44 + 2 * ring)));
     row->addWidget(m_parts.volumePercent);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/CreditLine.h"
 
-#include "app/panel/PanelTexts.h"
+#include "stations/texts/InterfaceTexts.h"
 
 #include <QFontMetrics>
 #include <QPaintEvent>
@@ -36,8 +36,8 @@ CreditLine::CreditLine(const PanelLook& look, QWidget* parent)
 }
 
 void CreditLine::setLanguage(AppLanguage language) {
-    m_text->setContent(panelText::credit(language));
-    m_link->setTitle(panelText::writeToUs(language));
+    m_text->setContent(texts::credit.in(language));
+    m_link->setTitle(texts::writeToUs.in(language));
     updateGeometry();
     place();
     update();

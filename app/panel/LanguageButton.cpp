@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/LanguageButton.h"
 
-#include "app/panel/PanelTexts.h"
+#include "stations/texts/InterfaceTexts.h"
 
 #include <QEasingCurve>
 #include <QStyle>
@@ -24,8 +24,8 @@ LanguageButton::LanguageButton(const PanelLook& look, AppLanguage language, QWid
     : PanelButton(look, parent)
     , m_language(language) {
     setCheckable(true);
-    setToolTip(panelText::languageName(language));
-    setAccessibleName(panelText::languageName(language));
+    setToolTip(texts::languageName.in(language));
+    setAccessibleName(texts::languageName.in(language));
     m_fade.setDuration(fadeMilliseconds);
     m_fade.setEasingCurve(easeInOut());
     connect(&m_fade, &QVariantAnimation::valueChanged, this, [this](const QVariant& value) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/PanelMenus.h"
 
-#include "app/panel/PanelTexts.h"
+#include "stations/texts/InterfaceTexts.h"
 
 namespace zofra {
 
@@ -42,7 +42,7 @@ QList<PanelMenuEntry> outputMenuEntries(const SonosManager& sonos, AppLanguage l
     const AudioOutputTarget& active = sonos.activeTarget.get();
     QList<PanelMenuEntry> entries;
     entries +=
-        target(OutputCommand::thisMac, panelText::thisMac(language), active == AudioOutputTarget::localMac());
+        target(OutputCommand::thisMac, texts::thisMac.in(language), active == AudioOutputTarget::localMac());
     for (const SonosRoom& room : sonos.rooms.get()) {
         PanelMenuEntry entry = target(OutputCommand::room, sonos.displayTitle(room),
                                       active == AudioOutputTarget::sonos(room.id()));
@@ -56,15 +56,15 @@ QList<PanelMenuEntry> outputMenuEntries(const SonosManager& sonos, AppLanguage l
         reason.text = sonos.emptyStateMessage();
         entries += reason;
     }
-    entries += target(OutputCommand::everywhere, panelText::everywhere(language),
+    entries += target(OutputCommand::everywhere, texts::everywhere.in(language),
                       active == AudioOutputTarget::sonosEverywhere());
-    entries.back().help = panelText::synchronizationNote(language);
+    entries.back().help = texts::synchronizationNote.in(language);
     PanelMenuEntry divider;
     divider.kind = PanelMenuEntry::Kind::separator;
     divider.command = -1;
     entries += divider;
-    entries += output(OutputCommand::search, panelText::search(language));
-    entries += output(OutputCommand::allowLocalNetwork, panelText::allowLocalNetwork(language));
+    entries += output(OutputCommand::search, texts::searchEntry.in(language));
+    entries += output(OutputCommand::allowLocalNetwork, texts::allowLocalNetwork.in(language));
     return entries;
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/SongCard.h"
 
-#include "app/panel/PanelTexts.h"
+#include "stations/texts/InterfaceTexts.h"
 
 #include <QGridLayout>
 #include <QVBoxLayout>
@@ -69,8 +69,8 @@ SongCard::Row SongCard::makeRow(const PanelLook& look, const QString& icon, QFon
 }
 
 void SongCard::setLanguage(AppLanguage language) {
-    m_now.header->setContent(panelText::nowPlaying(language).toUpper());
-    m_next.header->setContent(panelText::upNext(language).toUpper());
+    m_now.header->setContent(texts::nowPlaying.in(language).toUpper());
+    m_next.header->setContent(texts::upNext.in(language).toUpper());
 }
 
 void SongCard::setSongs(const QString& current, const std::optional<QString>& next) {

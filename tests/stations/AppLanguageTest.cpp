@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stations/AppLanguage.h"
 
-#include "stations/LoadingText.h"
 #include "tests/support/PrintQt.h"
 
 #include <gtest/gtest.h>
@@ -22,14 +21,6 @@ TEST(AppLanguage, isMadeFromExactlyItsRawValue) {
         EXPECT_EQ(appLanguageFromRawValue(rawValue(language)), language);
     for (const auto* text : {u"EN", u"De", u"", u"es", u"nl_BE", u" fr", u"en "})
         EXPECT_EQ(appLanguageFromRawValue(text), std::nullopt) << QStringView(text).toString().toStdString();
-}
-
-TEST(LoadingText, isWrittenInEachLanguage) {
-    EXPECT_EQ(loadingText(AppLanguage::en), QStringLiteral("Loading..."));
-    EXPECT_EQ(loadingText(AppLanguage::nl), QStringLiteral("Laden..."));
-    EXPECT_EQ(loadingText(AppLanguage::fr), QStringLiteral("Chargement..."));
-    EXPECT_EQ(loadingText(AppLanguage::de), QString::fromUtf8("L\xC3\xA4"
-                                                              "dt..."));
 }
 
 } // namespace
