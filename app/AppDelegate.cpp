@@ -2,9 +2,9 @@
 #include "app/AppDelegate.h"
 
 #include "app/VolumePercent.h"
+#include "platform/ForeignText.h"
 #include "stations/texts/InterfaceTexts.h"
 
-#include <QRegularExpression>
 #include <QUrl>
 
 #include <algorithm>
@@ -25,12 +25,6 @@ const QString& playingSymbol() {
 const QString& pausedSymbol() {
     static const QString name = QStringLiteral("play.fill");
     return name;
-}
-
-/// A song as one line of several: what it brings of line breaks must not look like lines of ours.
-QString onOneLine(QString song) {
-    static const QRegularExpression breaks(QStringLiteral("[\\n\\r\\v\\f\\x{0085}\\x{2028}\\x{2029}]+"));
-    return song.replace(breaks, QStringLiteral(" "));
 }
 
 QString textOr(const QVariantMap& bundle, const QString& key, const QString& fallback) {
@@ -328,9 +322,9 @@ QString AppDelegate::statusWord() const {
 QString AppDelegate::toolTip() const {
     const RadioStation station = m_player.currentStation;
     QStringList lines{m_languages.tooltipStation(station.displayName(), station.genre()),
-                      m_languages.nowPlayingHeader(onOneLine(m_currentSongText))};
+                      m_languages.nowPlayingHeader(withoutLineBreaks(m_currentSongText))};
     if (m_nextSongText && !m_nextSongText->isEmpty())
-        lines.append(m_languages.upNextHeader(onOneLine(*m_nextSongText)));
+        lines.append(m_languages.upNextHeader(withoutLineBreaks(*m_nextSongText)));
     lines.append(m_languages.tooltipOutput(m_sonos.activeTargetTitle()));
     lines.append(m_languages.tooltipStatus(isPlaying()));
     return lines.join(QLatin1Char('\n'));

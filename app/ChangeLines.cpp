@@ -2,7 +2,7 @@
 #include "app/ChangeLines.h"
 
 #include "app/VolumePercent.h"
-#include "platform/linux/VisibleText.h"
+#include "platform/ForeignText.h"
 
 #include <array>
 

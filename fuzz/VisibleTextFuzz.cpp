@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fuzz/FuzzBytes.h"
-#include "platform/linux/VisibleText.h"
+#include "platform/ForeignText.h"
 
 #include <algorithm>
 

@@ -23,4 +23,12 @@ bool plainlyBefore(QStringView a, QStringView b) {
                                         [](QChar x, QChar y) { return rank(x) < rank(y); });
 }
 
+QStringList sortedAddresses(const QSet<QUrl>& addresses) {
+    QStringList texts;
+    for (const auto& address : addresses)
+        texts += QString::fromLatin1(address.toEncoded(QUrl::FullyEncoded));
+    std::sort(texts.begin(), texts.end(), plainlyBefore);
+    return texts;
+}
+
 } // namespace zofra

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/SpeakerDiscovery.h"
 
-#include "speakers/QuotedList.h"
+#include "platform/ForeignText.h"
+#include "speakers/PlainOrder.h"
 #include "speakers/SpeakerLookup.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stations/ServiceHosts.h"
 
+#include "platform/ForeignText.h"
 #include "stations/EndpointsFile.h"
 
 #include <QFile>
@@ -72,14 +73,7 @@ QString refusal(const QString& file, const QString& key, const QString& value, c
     if (!key.isEmpty() || !value.isEmpty())
         text += QStringLiteral(": ");
     text += reason;
-    QString oneLine;
-    for (const auto c : text) {
-        const bool isControl = c.category() == QChar::Other_Control ||
-                               c.category() == QChar::Separator_Line ||
-                               c.category() == QChar::Separator_Paragraph;
-        oneLine += isControl ? QChar(u'?') : c;
-    }
-    return oneLine;
+    return maskedText(text);
 }
 
 std::optional<QString> mistakeInAuthorityFile(const QString& path) {

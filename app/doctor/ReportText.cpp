@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/doctor/Report.h"
-#include "platform/linux/VisibleText.h"
+#include "platform/ForeignText.h"
 
 #include <QSet>
 #include <QStringList>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/MenuButton.h"
 
-#include "app/panel/DisplayText.h"
+#include "platform/ForeignText.h"
 
 #include <QFontMetrics>
 #include <QHelpEvent>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/PanelMenu.h"
 
-#include "app/panel/DisplayText.h"
 #include "app/panel/PanelMenuStyle.h"
+#include "platform/ForeignText.h"
 
 #include <QAction>
 #include <QGuiApplication>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/IniDefaultsStore.h"
 
+#include "platform/ForeignText.h"
 #include "platform/linux/IniFile.h"
-#include "platform/linux/VisibleText.h"
 #include "platform/linux/XdgFolders.h"
 
 #include <QHash>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/StandardOutputWriter.h"
 
-#include "platform/linux/VisibleText.h"
+#include "platform/ForeignText.h"
 
 #include <algorithm>
 #include <cerrno>

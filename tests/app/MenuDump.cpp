@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/app/MenuDump.h"
 
-#include "platform/linux/tray/ShownText.h"
+#include "platform/ForeignText.h"
 #include "speakers/SonosRoom.h"
 #include "stations/RadioStation.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/net/CurlTransfer.h"
 
-#include "platform/linux/net/LogText.h"
+#include "platform/ForeignText.h"
 
 #include <QLatin1String>
 

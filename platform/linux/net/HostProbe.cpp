@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/net/HostProbe.h"
 
+#include "platform/ForeignText.h"
 #include "platform/linux/net/CurlGlobal.h"
 #include "platform/linux/net/CurlRules.h"
-#include "platform/linux/net/LogText.h"
 #include "platform/linux/net/TrustedAuthorities.h"
 
 #include <array>

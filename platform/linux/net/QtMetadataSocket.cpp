@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/net/QtMetadataSocket.h"
 
+#include "platform/ForeignText.h"
 #include "platform/linux/net/ClosingConnection.h"
-#include "platform/linux/net/LogText.h"
 
 #include <QNetworkProxy>
 #include <QRandomGenerator>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/tray/WidgetMenu.h"
 
-#include "platform/linux/tray/ShownText.h"
+#include "platform/ForeignText.h"
 
 #include <QAction>
 #include <QGuiApplication>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/StandardOutputWriter.h"
 #include "platform/linux/SyslogLog.h"
-#include "platform/linux/VisibleText.h"
 #include "tests/support/PrintQt.h"
 
 #include <array>
@@ -15,30 +14,6 @@
 
 namespace zofra {
 namespace {
-
-TEST(VisibleText, leavesTextAlone) {
-    const auto text = QString::fromUtf8("Variété – \xE2\x80\x8E\xD7\xA9 & <b> \\ %s \xF0\x9F\x8E\xB5");
-    EXPECT_EQ(visibleText(text), text);
-}
-
-TEST(VisibleText, showsWhatWouldSteerATerminal) {
-    EXPECT_EQ(visibleText(QStringLiteral("a\nb\rc\td")), QStringLiteral("a\\nb\\rc\\td"));
-    EXPECT_EQ(visibleText(QString::fromUtf8("\x1b[31m\x07\x7f")), QStringLiteral("\\x1b[31m\\x07\\x7f"));
-    EXPECT_EQ(visibleText(QString(QChar(0x9B))), QStringLiteral("\\x9b"));
-    EXPECT_EQ(visibleText(QString(QChar(u'\0'))), QStringLiteral("\\x00"));
-    EXPECT_EQ(visibleText(QString(QChar(0x2028)) + QChar(0x202E) + QChar(0x2066)),
-              QStringLiteral("\\u2028\\u202e\\u2066"));
-}
-
-TEST(VisibleText, isCutWithAnEllipsis) {
-    EXPECT_EQ(cutText(QStringLiteral("abcd"), 4), QStringLiteral("abcd"));
-    EXPECT_EQ(cutText(QStringLiteral("abcde"), 4), QStringLiteral("abc") + QChar(0x2026));
-    // The note needs two units; half of it is not left.
-    EXPECT_EQ(cutText(QString::fromUtf8("ab\xF0\x9F\x8E\xB5"
-                                        "cd"),
-                      4),
-              QStringLiteral("ab") + QChar(0x2026));
-}
 
 TEST(SyslogLog, writesOneHarmlessLine) {
     std::vector<QByteArray> lines;

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/tray/WheelSteps.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace zofra {
+namespace {
+
+TEST(WheelSteps, CountsNotchesHoweverThePanelReportsThem) {
+    WheelSteps wheel;
+    EXPECT_EQ(wheel.add(1), 1);
+    EXPECT_EQ(wheel.add(-1), -1);
+    EXPECT_EQ(wheel.add(120), 1);
+    EXPECT_EQ(wheel.add(-240), -2);
+    EXPECT_EQ(wheel.add(0), 0);
+}
+
+TEST(WheelSteps, GathersSmallAnglesToWholeSteps) {
+    WheelSteps wheel;
+    int steps = 0;
+    for (int i = 0; i < 16; ++i)
+        steps += wheel.add(15);
+    EXPECT_EQ(steps, 2);
+    EXPECT_EQ(wheel.add(-119), 0);
+    EXPECT_EQ(wheel.add(-1), -1) << "one notch by a small number";
+}
+
+TEST(WheelSteps, BoundsWhatAPeerMaySend) {
+    WheelSteps wheel;
+    EXPECT_EQ(wheel.add(std::numeric_limits<int>::max()), 20);
+    EXPECT_EQ(wheel.add(std::numeric_limits<int>::min()), -20);
+}
+
+} // namespace
+} // namespace zofra
