@@ -8,7 +8,7 @@
 #include "app/ZofraMenuBarApp.h"
 #include "app/doctor/DoctorRun.h"
 #include "platform/linux/Allocator.h"
-#include "platform/linux/EndpointsLayers.h"
+#include "platform/linux/XdgFolders.h"
 
 #include <QApplication>
 #include <QDBusConnectionInterface>
@@ -110,15 +110,15 @@ int start(const Options& options, bool hasDisplay, const Activation& activation)
     if (applicationBus.tryAcquire() == ApplicationBus::Claim::anotherIsRunning)
         return handOver(*sessionBus.connection(), options, activation);
 
-    auto hosts = loadServiceHosts(options.endpointsFile);
-    if (const auto* refusal = std::get_if<QString>(&hosts))
-        return refuse(misused, *refusal);
+    auto hosts = ServiceHosts::load(xdg::configFiles(ServiceHosts::fileName), options.endpointsFile);
+    if (!hosts)
+        return refuse(misused, hosts.error());
     if (!hasDisplay && !options.headless)
         return refuse(failed,
                       QStringLiteral("there is no display to show the status item on (try --headless)"));
 
     auto& program = *new ZofraMenuBarApp(
-        {options, std::get<ServiceHosts>(hosts),
+        {options, *hosts,
          options.headless ? ZofraMenuBarApp::Display::none : ZofraMenuBarApp::Display::present, activation},
         mainQueue, sessionBus, applicationBus);
     return program.run();

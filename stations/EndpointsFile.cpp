@@ -1,22 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stations/EndpointsFile.h"
 
+#include "platform/IniDocument.h"
+
 #include <QRegularExpression>
-#include <QStringConverter>
 #include <QUrl>
 
 namespace zofra::endpoints {
 namespace {
-
-/// The line without its comment and the blanks around it.
-QString withoutComment(const QString& line) {
-    for (qsizetype i = 0; i < line.size(); ++i) {
-        const bool starts = line[i] == u';' || line[i] == u'#';
-        if (starts && (i == 0 || line[i - 1].isSpace()))
-            return line.left(i).trimmed();
-    }
-    return line.trimmed();
-}
 
 bool isDottedQuad(const QString& host) {
     static const QRegularExpression quad(
@@ -48,40 +39,40 @@ std::optional<QString> mistakeInPort(const QString& port) {
 
 } // namespace
 
-std::variant<std::vector<Entry>, Mistake> parse(const QByteArray& bytes) {
+Result<std::vector<Entry>, Mistake> parse(const QByteArray& bytes) {
+    const auto mistake = [](int line, const QString& key, const QString& value, const char* reason) {
+        return failure(Mistake{line, key, value, QString::fromLatin1(reason)});
+    };
     if (bytes.size() > maxFileBytes)
-        return Mistake{0, {}, {}, QStringLiteral("is larger than 64 KiB")};
+        return mistake(0, {}, {}, "is larger than 64 KiB");
     if (bytes.contains('\0'))
-        return Mistake{0, {}, {}, QStringLiteral("is no text file")};
-    QStringDecoder decoder(QStringDecoder::Utf8);
-    QString text = decoder.decode(bytes);
-    if (decoder.hasError())
-        return Mistake{0, {}, {}, QStringLiteral("is not UTF-8 text")};
+        return mistake(0, {}, {}, "is no text file");
+    if (!bytes.isValidUtf8())
+        return mistake(0, {}, {}, "is not UTF-8 text");
 
     std::vector<Entry> entries;
-    QString section;
+    const IniDocument document(bytes);
     int number = 0;
-    for (const auto& raw : text.split(u'\n')) {
+    for (const auto& line : document.lines()) {
         ++number;
-        const QString line = withoutComment(raw);
-        if (line.isEmpty())
+        const auto text = QString::fromUtf8(withoutIniComment(line.text));
+        if (text.isEmpty())
             continue;
-        if (line.startsWith(u'[')) {
-            if (!line.endsWith(u']'))
-                return Mistake{number, {}, line, QStringLiteral("is a section without its closing bracket")};
-            section = line.mid(1, line.size() - 2).trimmed();
-            if (section.isEmpty())
-                return Mistake{number, {}, line, QStringLiteral("is a section without a name")};
-            entries.push_back({Entry::Kind::sectionHeader, section, {}, {}, number});
+        if (text.startsWith(u'[')) {
+            if (!text.endsWith(u']'))
+                return mistake(number, {}, text, "is a section without its closing bracket");
+            if (line.section.isEmpty() || text.size() < 3)
+                return mistake(number, {}, text, "is a section without a name");
+            entries.push_back({Entry::Kind::sectionHeader, QString::fromUtf8(line.section), {}, {}, number});
             continue;
         }
-        const auto equals = line.indexOf(u'=');
+        const auto equals = text.indexOf(u'=');
         if (equals < 0)
-            return Mistake{number, {}, line, QStringLiteral("is neither a section nor key=value")};
-        const Entry entry{Entry::Kind::value, section, line.left(equals).trimmed(),
-                          line.mid(equals + 1).trimmed(), number};
-        if (section.isEmpty())
-            return Mistake{number, entry.key, entry.value, QStringLiteral("stands before the first section")};
+            return mistake(number, {}, text, "is neither a section nor key=value");
+        const Entry entry{Entry::Kind::value, QString::fromUtf8(line.section), text.left(equals).trimmed(),
+                          text.mid(equals + 1).trimmed(), number};
+        if (entry.section.isEmpty())
+            return mistake(number, entry.key, entry.value, "stands before the first section");
         entries.push_back(entry);
     }
     return entries;

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/Result.h"
+
 #include <QByteArray>
 #include <QString>
 
 #include <optional>
-#include <variant>
 #include <vector>
 
 namespace zofra {
@@ -37,7 +38,7 @@ inline constexpr int maxFileBytes = 64 * 1024;
 
 /// Every entry in the order of the file, or the first mistake of form. Lines end in LF or CRLF; a byte order
 /// mark is skipped; a comment is a line that starts with `;` or `#`, or what follows a blank and `;` or `#`.
-[[nodiscard]] std::variant<std::vector<Entry>, Mistake> parse(const QByteArray& bytes);
+[[nodiscard]] Result<std::vector<Entry>, Mistake> parse(const QByteArray& bytes);
 
 /// Why `value` is neither `host` nor `host:port`; nothing when it is.
 [[nodiscard]] std::optional<QString> mistakeInHost(const QString& value);

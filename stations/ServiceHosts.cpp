@@ -2,6 +2,7 @@
 #include "stations/ServiceHosts.h"
 
 #include "platform/ForeignText.h"
+#include "platform/RegularFile.h"
 #include "stations/EndpointsFile.h"
 
 #include <QFile>
@@ -59,21 +60,15 @@ const QHash<QString, QString>& builtInTable() {
 }
 
 /// One line whatever the parts contain; parts that are empty are left out.
-QString refusal(const QString& file, const QString& key, const QString& value, const QString& reason,
-                int line = 0) {
+tl::unexpected<QString> refusal(const QString& file, const endpoints::Mistake& mistake) {
     QString text = file;
-    if (line > 0)
-        text += u':' + QString::number(line);
-    text += QStringLiteral(": ");
-    if (!key.isEmpty())
-        text += key;
-    if (!key.isEmpty() && !value.isEmpty())
-        text += QStringLiteral(" = ");
-    text += value;
-    if (!key.isEmpty() || !value.isEmpty())
-        text += QStringLiteral(": ");
-    text += reason;
-    return maskedText(text);
+    if (mistake.line > 0)
+        text += u':' + QString::number(mistake.line);
+    QStringList parts{mistake.key, mistake.value};
+    parts.removeAll(QString());
+    if (!parts.isEmpty())
+        text += QStringLiteral(": ") + parts.join(QStringLiteral(" = "));
+    return failure(maskedText(text + QStringLiteral(": ") + mistake.reason));
 }
 
 std::optional<QString> mistakeInAuthorityFile(const QString& path) {
@@ -135,41 +130,47 @@ std::optional<QString> ServiceHosts::extraAuthorityFile() const {
     return found != m_values.constEnd() ? std::optional(*found) : std::nullopt;
 }
 
-ServiceHosts::Refusal ServiceHosts::overlay(const QString& path, MissingFile missing) {
-    const QFileInfo info(path);
-    if (!info.exists() && !info.isSymLink()) {
-        if (missing == MissingFile::isFine)
-            return std::nullopt;
-        return refusal(path, {}, {}, QStringLiteral("no such file"));
+Result<void> ServiceHosts::overlay(const QString& path, MissingFile missing) {
+    const auto bytes = readRegularFile(path, endpoints::maxFileBytes + 1);
+    if (!bytes)
+        return refusal(path, {.reason = QStringLiteral("cannot be read: ") + bytes.error()});
+    if (!*bytes) {
+        // A link that leads nowhere was meant to be read.
+        if (missing == MissingFile::isFine && !QFileInfo(path).isSymLink())
+            return {};
+        return refusal(path, {.reason = QStringLiteral("no such file")});
     }
-    if (info.isDir())
-        return refusal(path, {}, {}, QStringLiteral("is a directory"));
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return refusal(path, {}, {}, QStringLiteral("cannot be read: ") + file.errorString());
-    const auto bytes = file.read(endpoints::maxFileBytes + 1);
-    if (file.error() != QFileDevice::NoError)
-        return refusal(path, {}, {}, QStringLiteral("cannot be read: ") + file.errorString());
-
-    const auto parsed = endpoints::parse(bytes);
-    if (const auto* mistake = std::get_if<endpoints::Mistake>(&parsed))
-        return refusal(path, mistake->key, mistake->value, mistake->reason, mistake->line);
+    const auto entries = endpoints::parse(**bytes);
+    if (!entries)
+        return refusal(path, entries.error());
 
     auto values = m_values;
     QSet<QString> seen;
-    for (const auto& entry : std::get<std::vector<endpoints::Entry>>(parsed)) {
+    for (const auto& entry : *entries) {
         const QString key = entry.section + u'/' + entry.key;
-        if (const auto mistake = mistakeInEntry(entry))
-            return refusal(path, entry.key, entry.value, *mistake, entry.line);
-        if (entry.kind == endpoints::Entry::Kind::sectionHeader)
+        auto mistake = mistakeInEntry(entry);
+        if (!mistake && entry.kind == endpoints::Entry::Kind::sectionHeader)
             continue;
-        if (seen.contains(key))
-            return refusal(path, entry.key, entry.value, QStringLiteral("stands there twice"), entry.line);
+        if (!mistake && seen.contains(key))
+            mistake = QStringLiteral("stands there twice");
+        if (mistake)
+            return refusal(path, {entry.line, entry.key, entry.value, *mistake});
         seen.insert(key);
         values.insert(key, entry.value);
     }
     m_values = std::move(values);
-    return std::nullopt;
+    return {};
+}
+
+Result<ServiceHosts> ServiceHosts::load(const QStringList& layers,
+                                        const std::optional<QString>& commandLineFile) {
+    ServiceHosts hosts;
+    Result<void> good;
+    for (const auto& layer : layers)
+        good = good ? hosts.overlay(layer, MissingFile::isFine) : good;
+    if (good && commandLineFile)
+        good = hosts.overlay(*commandLineFile, MissingFile::isRefused);
+    return good.map([&] { return hosts; });
 }
 
 } // namespace zofra

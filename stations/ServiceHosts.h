@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/Result.h"
+
 #include <QHash>
 #include <QString>
 #include <QStringList>
@@ -25,11 +27,16 @@ public:
     /// A file of authorities trusted in addition to the system's, if one was named.
     [[nodiscard]] std::optional<QString> extraAuthorityFile() const;
 
-    /// What is wrong with a file, on one line: file, key, value, reason.
-    using Refusal = std::optional<QString>;
+    /// Of its files, in the folders of configuration.
+    static inline const QString fileName = QStringLiteral("zofrazofra/endpoints.ini");
     enum class MissingFile { isFine, isRefused };
-    /// Lays the values of `path` over this table. On a refusal the table is unchanged.
-    [[nodiscard]] Refusal overlay(const QString& path, MissingFile missing);
+    /// Lays the values of `path` over this table. Where the file is wrong, the error is one line, "file:line:
+    /// key = value: reason", and the table is unchanged.
+    [[nodiscard]] Result<void> overlay(const QString& path, MissingFile missing);
+    /// The hosts to use: built-in, then each of `layers` that exists, weakest first, then `commandLineFile`,
+    /// which must exist.
+    [[nodiscard]] static Result<ServiceHosts> load(const QStringList& layers,
+                                                   const std::optional<QString>& commandLineFile);
 
 private:
     QHash<QString, QString> m_values;

@@ -9,9 +9,9 @@
 #include "app/doctor/Report.h"
 #include "app/doctor/SettingsFindings.h"
 #include "app/doctor/SpeakerCheck.h"
-#include "platform/linux/EndpointsLayers.h"
 #include "platform/linux/IniDefaultsStore.h"
 #include "platform/linux/ThreadTaskPool.h"
+#include "platform/linux/XdgFolders.h"
 #include "platform/linux/lan/LinuxLocalNetwork.h"
 #include "platform/linux/net/CurlGlobal.h"
 #include "platform/linux/net/CurlHttpSession.h"
@@ -124,17 +124,17 @@ private:
     /// Hosts are asked only when it is certain which: a wrong file must not lead to servers that nobody
     /// meant.
     void addEndpoints(std::vector<std::unique_ptr<Check>>& checks) {
-        const auto loaded = loadServiceHosts(m_options.endpointsFile);
+        const auto layers = xdg::configFiles(ServiceHosts::fileName);
+        const auto hosts = ServiceHosts::load(layers, m_options.endpointsFile);
         EndpointsFacts facts;
-        for (const auto& file : endpointsFiles()) {
+        for (const auto& file : layers) {
             if (QFileInfo::exists(file))
                 facts.files.append(file);
         }
         if (m_options.endpointsFile)
             facts.files.append(*m_options.endpointsFile);
-        const auto* hosts = std::get_if<ServiceHosts>(&loaded);
         if (!hosts)
-            facts.refusal = std::get<QString>(loaded);
+            facts.refusal = hosts.error();
         const Finding finding = judgeEndpoints(facts);
         checks.push_back(background(finding, [finding] { return Findings{finding}; }));
         if (!hosts) {

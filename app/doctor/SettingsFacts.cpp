@@ -67,17 +67,16 @@ SettingsFacts SettingsFacts::of(const QString& path) {
     SettingsFacts facts;
     facts.path = path;
     facts.exists = QFileInfo::exists(path) || QFileInfo(path).isSymLink();
-    const auto read = inifile::read(path);
-    if (const auto* failure = std::get_if<inifile::Problem>(&read)) {
-        facts.readProblem = failure->reason;
+    const auto document = inifile::read(path);
+    if (!document) {
+        facts.readProblem = document.error();
         return facts;
     }
-    const auto& document = std::get<IniDocument>(read);
-    facts.isDamaged = document.isDamaged();
-    facts.volume = document.value("zofra_radio_volume");
-    facts.station = document.value("zofra_selected_station");
-    facts.language = document.value("app_language");
-    facts.trayMode = document.value("tray/mode");
+    facts.isDamaged = document->isDamaged();
+    facts.volume = document->value("zofra_radio_volume");
+    facts.station = document->value("zofra_selected_station");
+    facts.language = document->value("app_language");
+    facts.trayMode = document->value("tray/mode");
     facts.writeProblem = mistakeInWritingTo(path);
     return facts;
 }

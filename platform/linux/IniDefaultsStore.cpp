@@ -42,10 +42,10 @@ public:
         , m_report(std::move(report))
         , m_options(std::move(options)) {
         auto read = inifile::read(m_path);
-        if (auto* document = std::get_if<IniDocument>(&read))
-            m_document = std::move(*document);
+        if (read)
+            m_document = std::move(*read);
         else
-            tell(QStringLiteral("cannot be read from"), std::get<inifile::Problem>(read),
+            tell(QStringLiteral("cannot be read from"), read.error(),
                  QStringLiteral("nothing stored there is used or changed"));
     }
 
@@ -65,6 +65,13 @@ public:
     Next set(const QByteArray& key, const QByteArray& value) {
         const std::scoped_lock lock(m_mutex);
         m_written.insert(key, value);
+        // What could not be read again is not written.
+        if (key.size() + encodedIniValue(value).size() >= IniDocument::maxLineBytes) {
+            tell(QStringLiteral("cannot be written to"),
+                 QString::fromUtf8(key) + QStringLiteral(" is too long"),
+                 QStringLiteral("it lasts until the program ends"));
+            return Next::nothing;
+        }
         m_unsaved.insert(key, value);
         return std::exchange(m_isWriting, true) ? Next::nothing : Next::write;
     }
@@ -82,17 +89,17 @@ public:
             lock.unlock();
             auto merged = inifile::merge(m_path, batch, m_options.lockWait);
             lock.lock();
-            if (auto* written = std::get_if<inifile::Merged>(&merged)) {
-                m_document = std::move(written->document);
+            if (merged) {
+                m_document = std::move(merged->document);
                 m_toldReason.clear();
-                if (!written->keptAs.isEmpty())
-                    tellKept(written->keptAs);
+                if (!merged->keptAs.isEmpty())
+                    tellKept(merged->keptAs);
                 continue;
             }
             // Kept for the next time, but for what has been set anew since.
             batch.insert(std::exchange(m_unsaved, {}));
             m_unsaved = std::move(batch);
-            tell(QStringLiteral("cannot be written to"), std::get<inifile::Problem>(merged),
+            tell(QStringLiteral("cannot be written to"), merged.error(),
                  QStringLiteral("changes last until the program ends"));
             break;
         }
@@ -106,11 +113,11 @@ public:
     }
 
 private:
-    void tell(const QString& what, const inifile::Problem& problem, const QString& consequence) {
-        if (problem.reason == std::exchange(m_toldReason, problem.reason))
+    void tell(const QString& what, const QString& reason, const QString& consequence) {
+        if (reason == std::exchange(m_toldReason, reason))
             return;
         m_report(visibleText(QStringLiteral("Settings ") + what + u' ' + m_path + QStringLiteral(": ") +
-                             problem.reason + QStringLiteral("; ") + consequence));
+                             reason + QStringLiteral("; ") + consequence));
     }
 
     void tellKept(const QString& copy) {

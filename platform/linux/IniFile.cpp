@@ -1,212 +1,141 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/IniFile.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
+#include "platform/RegularFile.h"
 
+#include <QDir>
+#include <QFileInfo>
+#include <QLockFile>
+#include <QSaveFile>
+
+#include <algorithm>
 #include <cerrno>
-#include <fcntl.h>
-#include <optional>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <system_error>
-#include <thread>
 #include <unistd.h>
-#include <utility>
 
 namespace zofra::inifile {
 namespace {
 
-using namespace std::chrono_literals;
-
-Problem problem(int error) {
-    return {QString::fromStdString(std::generic_category().message(error))};
-}
-
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor)
-        : m_descriptor(descriptor) {}
-    ~Descriptor() {
-        if (m_descriptor >= 0)
-            ::close(m_descriptor);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    [[nodiscard]] int get() const { return m_descriptor; }
-    [[nodiscard]] bool isOpen() const { return m_descriptor >= 0; }
-
-private:
-    int m_descriptor;
-};
-
-/// Where a link, or a chain of them, leads; people keep such files elsewhere and link them.
-QString followed(const QString& path) {
-    QFileInfo info(path);
-    for (int i = 0; i < 8 && info.isSymLink(); ++i)
-        info.setFile(info.symLinkTarget());
-    return info.absoluteFilePath();
-}
+constexpr auto ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
 
 /// Makes the missing folders, private to the user.
-std::optional<Problem> makeFolder(const QString& folder) {
+Result<void> makeFolder(const QString& folder) {
     const QFileInfo info(folder);
     if (info.isDir())
-        return std::nullopt;
+        return {};
     if (info.path() != folder) {
-        if (auto failure = makeFolder(info.path()))
-            return failure;
+        if (auto made = makeFolder(info.path()); !made)
+            return made;
     }
-    if (::mkdir(QFile::encodeName(folder).constData(), 0700) != 0 && errno != EEXIST)
-        return problem(errno);
-    return std::nullopt;
+    if (!QDir().mkdir(folder, ownerOnly | QFileDevice::ExeOwner) && !info.isDir())
+        return failure(folder + QStringLiteral(" cannot be made"));
+    return {};
 }
 
-/// Waits for the lock. A file system that knows no locks is used without.
-std::optional<Problem> lock(int descriptor, std::chrono::milliseconds limit) {
-    for (auto waited = 0ms;; waited += 10ms) {
-        if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0 || (errno != EWOULDBLOCK && errno != EINTR))
-            return std::nullopt;
-        if (waited >= limit)
-            return Problem{QStringLiteral("another program holds its lock")};
-        std::this_thread::sleep_for(10ms);
-    }
-}
-
-std::optional<Problem> writeAll(int descriptor, const QByteArray& bytes) {
-    for (qsizetype at = 0; at < bytes.size();) {
-        const auto written =
-            ::write(descriptor, bytes.constData() + at, static_cast<std::size_t>(bytes.size() - at));
-        if (written < 0 && errno != EINTR)
-            return problem(errno);
-        at += written > 0 ? written : 0;
-    }
-    return ::fsync(descriptor) == 0 ? std::nullopt : std::optional(problem(errno));
-}
-
-/// The mode of the file to be replaced, 0600 when there is none yet; a problem when it may not be written.
-std::variant<mode_t, Problem> modeOfTarget(const QByteArray& target) {
-    struct stat status {};
-    if (::stat(target.constData(), &status) != 0)
-        return errno == ENOENT ? std::variant<mode_t, Problem>(mode_t(0600)) : problem(errno);
+/// Replaces the file in one step, or makes it; it is complete or as it was. A link is followed.
+Result<void> save(const QString& path, const QByteArray& bytes) {
+    if (bytes.size() > maxFileBytes)
+        return failure(QStringLiteral("it would be too large"));
     // Replacing a file needs no right to write it, but whoever took that right away meant it.
-    if ((status.st_mode & 0222) == 0 || ::access(target.constData(), W_OK) != 0)
-        return Problem{QStringLiteral("it is read-only")};
-    return mode_t(status.st_mode & 07777);
-}
-
-/// Writes a file that is not there yet; it is complete or not there at all.
-std::optional<Problem> writeNew(const QByteArray& name, const QByteArray& bytes, mode_t mode) {
-    const Descriptor file(::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-    if (!file.isOpen())
-        return problem(errno);
-    auto failure = writeAll(file.get(), bytes);
-    if (!failure && ::fchmod(file.get(), mode) != 0)
-        failure = problem(errno);
-    if (failure)
-        ::unlink(name.constData());
-    return failure;
-}
-
-std::optional<Problem> replace(const QString& path, const QByteArray& bytes, mode_t mode) {
-    const auto target = QFile::encodeName(path);
-    const QFileInfo info(path);
-    const auto folder = QFile::encodeName(info.path());
-    const auto temporary = folder + "/." + QFile::encodeName(info.fileName()) + ".new";
-    ::unlink(temporary.constData()); // What a crash left.
-    if (auto failure = writeNew(temporary, bytes, mode))
-        return failure;
-    if (::rename(temporary.constData(), target.constData()) != 0) {
-        const auto failure = problem(errno);
-        ::unlink(temporary.constData());
-        return failure;
-    }
-    const Descriptor directory(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (directory.isOpen())
-        ::fsync(directory.get());
-    return std::nullopt;
+    constexpr auto anyonesRight = QFileDevice::WriteOwner | QFileDevice::WriteGroup | QFileDevice::WriteOther;
+    const QFileInfo present(path);
+    if (present.exists() && (!present.isWritable() || !(present.permissions() & anyonesRight)))
+        return failure(QStringLiteral("it is read-only"));
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return failure(file.errorString());
+    if (!present.exists())
+        file.setPermissions(ownerOnly);
+    if (file.write(bytes) < 0 || !file.flush())
+        return failure(file.errorString());
+    if (::fsync(file.handle()) != 0)
+        return failure(qt_error_string(errno));
+    return file.commit() ? Result<void>() : failure(file.errorString());
 }
 
 /// Keeps `bytes` under the first free name beside the file, or under one that holds just these already.
-std::variant<QString, Problem> keepDamaged(const QString& path, const QByteArray& bytes) {
+Result<QString> keepDamaged(const QString& path, const QByteArray& bytes) {
     for (int i = 1; i <= maxDamagedCopies; ++i) {
         const QString copy =
             path + QStringLiteral(".damaged") + (i > 1 ? u'-' + QString::number(i) : QString());
-        QFile present(copy);
-        if (present.exists()) {
-            if (present.size() == bytes.size() && present.open(QIODevice::ReadOnly) &&
-                present.readAll() == bytes)
-                return copy;
+        const auto present = readRegularFile(copy, bytes.size() + 1);
+        if (present && *present == bytes)
+            return copy;
+        if (!present || *present)
             continue;
-        }
-        if (const auto failure = writeNew(QFile::encodeName(copy), bytes, 0600))
-            return Problem{QStringLiteral("it is damaged and no copy of it can be kept: ") + failure->reason};
+        if (const auto kept = save(copy, bytes); !kept)
+            return failure(QStringLiteral("it is damaged and no copy of it can be kept: ") + kept.error());
         return copy;
     }
-    return Problem{QStringLiteral("it is damaged and there are too many copies of it already")};
+    return failure(QStringLiteral("it is damaged and there are too many copies of it already"));
+}
+
+/// The file with `values` in it.
+struct Change {
+    Merged merged;
+    /// Whether it says something else as yet.
+    bool isNeeded = false;
+    /// The whole file as it is, when it is damaged.
+    QByteArray damaged;
+};
+
+Result<Change> changed(const QString& path, const QHash<QByteArray, QByteArray>& values) {
+    return read(path).map([&](const IniDocument& document) {
+        Change change{{document, {}}, false, {}};
+        if (document.isDamaged()) {
+            change = {{document, {}}, true, document.bytes()};
+            change.merged.document.dropDamage();
+        }
+        auto keys = values.keys();
+        std::sort(keys.begin(), keys.end());
+        for (const auto& key : keys) {
+            if (change.merged.document.value(key) == values.value(key))
+                continue;
+            change.merged.document.setValue(key, values.value(key));
+            change.isNeeded = true;
+        }
+        return change;
+    });
 }
 
 } // namespace
 
-std::variant<IniDocument, Problem> read(const QString& path) {
-    const Descriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    if (!file.isOpen())
-        return errno == ENOENT ? std::variant<IniDocument, Problem>(IniDocument()) : problem(errno);
-    struct stat status {};
-    if (::fstat(file.get(), &status) != 0)
-        return problem(errno);
-    if (!S_ISREG(status.st_mode))
-        return Problem{QStringLiteral("it is no file")};
-    if (status.st_size > maxFileBytes)
-        return Problem{QStringLiteral("it is too large")};
-    QByteArray bytes(status.st_size, '\0');
-    for (qsizetype at = 0;;) {
-        const auto count = ::read(file.get(), bytes.data() + at, static_cast<std::size_t>(bytes.size() - at));
-        if (count < 0 && errno != EINTR)
-            return problem(errno);
-        at += count > 0 ? count : 0;
-        if (count == 0 || at == bytes.size()) {
-            bytes.truncate(at);
-            return IniDocument(bytes);
-        }
-    }
+Result<IniDocument> read(const QString& path) {
+    const auto bytes = readRegularFile(path, maxFileBytes + 1);
+    if (!bytes)
+        return failure(bytes.error());
+    if (*bytes && (*bytes)->size() > maxFileBytes)
+        return failure(QStringLiteral("it is too large"));
+    return IniDocument(bytes->value_or(QByteArray()));
 }
 
-std::variant<Merged, Problem> merge(const QString& path, const QHash<QByteArray, QByteArray>& values,
-                                    std::chrono::milliseconds lockWait) {
+Result<Merged> merge(const QString& path, const QHash<QByteArray, QByteArray>& values,
+                     std::chrono::milliseconds lockWait) {
+    // A file is replaced in one step, so it can be looked at without the lock.
+    if (auto change = changed(path, values); change && !change->isNeeded)
+        return change->merged;
     const QFileInfo info(path);
-    if (auto failure = makeFolder(info.path()))
-        return *failure;
-    const auto lockPath = QFile::encodeName(info.path() + QStringLiteral("/.") + info.fileName()) + ".lock";
-    const Descriptor lockFile(::open(lockPath.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-    if (!lockFile.isOpen())
-        return problem(errno);
-    if (auto failure = lock(lockFile.get(), lockWait))
-        return *failure;
-
-    const auto target = followed(path);
-    auto current = read(target);
-    if (const auto* failure = std::get_if<Problem>(&current))
-        return *failure;
-    const auto mode = modeOfTarget(QFile::encodeName(target));
-    if (const auto* failure = std::get_if<Problem>(&mode))
-        return *failure;
-    Merged merged{std::move(std::get<IniDocument>(current)), {}};
-    if (merged.document.isDamaged()) {
-        const auto kept = keepDamaged(target, merged.document.bytes());
-        if (const auto* failure = std::get_if<Problem>(&kept))
-            return *failure;
-        merged.keptAs = std::get<QString>(kept);
-        merged.document.dropDamage();
+    if (auto made = makeFolder(info.path()); !made)
+        return failure(made.error());
+    QLockFile lock(info.path() + QStringLiteral("/.") + info.fileName() + QStringLiteral(".lock"));
+    // Where no lock can be made, none is held; why not is told by the writing.
+    if (!lock.tryLock(static_cast<int>(lockWait.count())) && lock.error() == QLockFile::LockFailedError)
+        return failure(QStringLiteral("another program holds its lock"));
+    auto change = changed(path, values);
+    if (!change)
+        return failure(change.error());
+    // Links are followed: people keep such files elsewhere.
+    const auto target = info.exists() ? info.canonicalFilePath() : path;
+    if (!change->damaged.isEmpty()) {
+        auto kept = keepDamaged(target, change->damaged);
+        if (!kept)
+            return failure(kept.error());
+        change->merged.keptAs = *kept;
     }
-    auto keys = values.keys();
-    std::sort(keys.begin(), keys.end());
-    for (const auto& key : keys)
-        merged.document.setValue(key, values.value(key));
-    if (auto failure = replace(target, merged.document.bytes(), std::get<mode_t>(mode)))
-        return *failure;
-    return merged;
+    if (change->isNeeded) {
+        if (const auto saved = save(target, change->merged.document.bytes()); !saved)
+            return failure(saved.error());
+    }
+    return change->merged;
 }
 
 } // namespace zofra::inifile

@@ -4,6 +4,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace zofra::xdg {
 namespace {
 
@@ -25,6 +27,14 @@ QStringList configDirs() {
             folders += QDir::cleanPath(folder);
     }
     return folders.isEmpty() ? QStringList{QStringLiteral("/etc/xdg")} : folders;
+}
+
+QStringList configFiles(const QString& name) {
+    auto folders = QStringList{configHome()} + configDirs();
+    std::reverse(folders.begin(), folders.end());
+    for (auto& folder : folders)
+        folder += u'/' + name;
+    return folders;
 }
 
 QStringList currentDesktops() {

@@ -10,6 +10,8 @@ namespace zofra::xdg {
 [[nodiscard]] QString configHome();
 /// $XDG_CONFIG_DIRS in descending weight, else /etc/xdg. Relative entries are left out.
 [[nodiscard]] QStringList configDirs();
+/// Where a file of this name may stand in those folders, weakest first.
+[[nodiscard]] QStringList configFiles(const QString& name);
 /// The names in $XDG_CURRENT_DESKTOP, in order.
 [[nodiscard]] QStringList currentDesktops();
 /// The file of this name in $PATH that can be run; empty when there is none. Unlike the shell, never the

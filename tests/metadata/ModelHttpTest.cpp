@@ -477,7 +477,7 @@ TEST_F(ModelHttp, ServiceHostsMayCarryAPort) {
     ASSERT_TRUE(file.open());
     file.write("[metadata]\non_air=127.0.0.1:8443\nscraper=localhost:8444\nlive_socket=127.0.0.1:8445\n");
     file.close();
-    ASSERT_EQ(hosts.overlay(file.fileName(), ServiceHosts::MissingFile::isRefused), std::nullopt);
+    ASSERT_TRUE(hosts.overlay(file.fileName(), ServiceHosts::MissingFile::isRefused));
     start(RadioStation::zofra);
     failRequest();
     EXPECT_EQ(http.requests.at(0).url, QUrl(u"https://127.0.0.1:8443/056/qp/v3/onair?rpIds=5067"_qs));

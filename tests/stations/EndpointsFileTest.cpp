@@ -11,10 +11,10 @@ namespace {
 /// "section/key=value@line" for each entry, headers as "[section]@line"; a mistake as "line: reason".
 QStringList read(const QByteArray& bytes) {
     const auto parsed = parse(bytes);
-    if (const auto* mistake = std::get_if<Mistake>(&parsed))
-        return {QString::number(mistake->line) + QStringLiteral(": ") + mistake->reason};
+    if (!parsed)
+        return {QString::number(parsed.error().line) + QStringLiteral(": ") + parsed.error().reason};
     QStringList lines;
-    for (const auto& entry : std::get<std::vector<Entry>>(parsed)) {
+    for (const auto& entry : *parsed) {
         lines += (entry.kind == Entry::Kind::sectionHeader
                       ? u'[' + entry.section + u']'
                       : entry.section + u'/' + entry.key + u'=' + entry.value) +

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/EndpointsLayers.h"
-
+#include "platform/linux/XdgFolders.h"
+#include "stations/ServiceHosts.h"
 #include "tests/support/PrintQt.h"
 #include "tests/support/ScopedEnvironment.h"
 
@@ -30,10 +30,12 @@ protected:
         return file;
     }
     static ServiceHosts loaded(const std::optional<QString>& file = {}) {
-        const auto result = loadServiceHosts(file);
-        const auto* refusal = std::get_if<QString>(&result);
-        EXPECT_EQ(refusal, nullptr) << (refusal ? refusal->toStdString() : "");
-        return refusal ? ServiceHosts() : std::get<ServiceHosts>(result);
+        const auto hosts = load(file);
+        EXPECT_TRUE(hosts) << (hosts ? "" : hosts.error().toStdString());
+        return hosts.value_or(ServiceHosts());
+    }
+    static Result<ServiceHosts> load(const std::optional<QString>& file = {}) {
+        return ServiceHosts::load(xdg::configFiles(ServiceHosts::fileName), file);
     }
 
     test::ScopedEnvironment environment;
@@ -42,9 +44,10 @@ protected:
 
 TEST_F(EndpointsLayersTest, areBuiltInWhereThereIsNoFile) {
     EXPECT_EQ(loaded().onAirHost(), QStringLiteral("core-search.radioplayer.cloud"));
-    EXPECT_EQ(endpointsFiles(), (QStringList{path("weak") + QStringLiteral("/zofrazofra/endpoints.ini"),
-                                             path("strong") + QStringLiteral("/zofrazofra/endpoints.ini"),
-                                             path("home") + QStringLiteral("/zofrazofra/endpoints.ini")}));
+    EXPECT_EQ(xdg::configFiles(ServiceHosts::fileName),
+              (QStringList{path("weak") + QStringLiteral("/zofrazofra/endpoints.ini"),
+                           path("strong") + QStringLiteral("/zofrazofra/endpoints.ini"),
+                           path("home") + QStringLiteral("/zofrazofra/endpoints.ini")}));
 }
 
 TEST_F(EndpointsLayersTest, areLaidOverEachOtherKeyByKey) {
@@ -62,11 +65,9 @@ TEST_F(EndpointsLayersTest, areLaidOverEachOtherKeyByKey) {
 
 TEST_F(EndpointsLayersTest, areRefusedWithTheFileThatIsWrong) {
     const auto wrong = put("home", "on_air=a b\n");
-    EXPECT_EQ(std::get<QString>(loadServiceHosts({})),
-              wrong + QStringLiteral(":2: on_air = a b: is no host name"));
+    EXPECT_EQ(load().error(), wrong + QStringLiteral(":2: on_air = a b: is no host name"));
     put("home", "on_air=a\n");
-    EXPECT_EQ(std::get<QString>(loadServiceHosts(path("absent.ini"))),
-              path("absent.ini") + QStringLiteral(": no such file"));
+    EXPECT_EQ(load(path("absent.ini")).error(), path("absent.ini") + QStringLiteral(": no such file"));
 }
 
 } // namespace

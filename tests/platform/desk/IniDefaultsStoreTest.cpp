@@ -10,20 +10,18 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLockFile>
 #include <QTemporaryDir>
 
 #include <clocale>
 #include <cmath>
 #include <csignal>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <limits>
 #include <mutex>
-#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
-#include <unistd.h>
 
 namespace zofra {
 namespace {
@@ -273,7 +271,7 @@ TEST_F(IniDefaultsStoreTest, goesOnWhereAFolderIsInTheFilesPlace) {
     QDir().mkpath(path);
     const auto store = open();
     EXPECT_EQ(onlyLine(),
-              QStringLiteral("Settings cannot be read from FILE: it is no file; nothing stored there is "
+              QStringLiteral("Settings cannot be read from FILE: Is a directory; nothing stored there is "
                              "used or changed"));
     store->setFloat(volumeKey, 0.5F);
     EXPECT_EQ(store->floatValue(volumeKey), 0.5F);
@@ -351,9 +349,8 @@ TEST_F(IniDefaultsStoreTest, losesNothingWhenTheDiskIsFull) {
     EXPECT_EQ(onlyLine(),
               QStringLiteral("Settings cannot be written to FILE: File too large; changes last until the "
                              "program ends"));
-    EXPECT_EQ(
-        QDir(QFileInfo(path).path()).entryList(QDir::Files | QDir::Hidden).filter(QStringLiteral(".new")),
-        QStringList())
+    EXPECT_EQ(QDir(QFileInfo(path).path()).entryList(QDir::Files | QDir::Hidden),
+              QStringList{QStringLiteral("zofrazofra.ini")})
         << "no half file is left";
 
     // There is room again: at the end of the program it is written after all.
@@ -362,30 +359,73 @@ TEST_F(IniDefaultsStoreTest, losesNothingWhenTheDiskIsFull) {
     EXPECT_EQ(open()->string(stationKey), QStringLiteral("joe"));
 }
 
-TEST_F(IniDefaultsStoreTest, clearsAwayWhatACrashLeft) {
-    put("[General]\n");
-    QFile left(QFileInfo(path).path() + QStringLiteral("/.zofrazofra.ini.new"));
-    ASSERT_TRUE(left.open(QIODevice::WriteOnly));
-    left.write("half a fi");
-    left.close();
+TEST_F(IniDefaultsStoreTest, leavesAloneWhatSaysItAlready) {
+    const auto store = open();
+    store->setString(stationKey, QStringLiteral("joe"));
+    struct stat before {};
+    ASSERT_EQ(stat(path.toUtf8().constData(), &before), 0);
+    store->setString(stationKey, QStringLiteral("joe"));
     open()->setString(stationKey, QStringLiteral("joe"));
+    struct stat after {};
+    ASSERT_EQ(stat(path.toUtf8().constData(), &after), 0);
+    EXPECT_EQ(after.st_ino, before.st_ino) << "the same file, not one in its place";
+    EXPECT_EQ(QDir(QFileInfo(path).path()).entryList(QDir::Files | QDir::Hidden),
+              QStringList{QStringLiteral("zofrazofra.ini")})
+        << "and no lock is left";
+    // What somebody else wrote there meanwhile is another text.
+    put("[General]\nzofra_selected_station=qmusic\n");
+    store->setString(stationKey, QStringLiteral("joe"));
     EXPECT_EQ(content(), "[General]\nzofra_selected_station=joe\n");
-    EXPECT_FALSE(left.exists());
+}
+
+TEST_F(IniDefaultsStoreTest, neverWritesWhatItCannotRead) {
+    const auto store = open();
+    store->setString(stationKey, QStringLiteral("joe"));
+    const QByteArray endless(2 << 20, 'x');
+    store->setData(QStringLiteral("cached_sonos_rooms"), endless);
+    EXPECT_EQ(store->data(QStringLiteral("cached_sonos_rooms")), endless);
+    EXPECT_EQ(onlyLine(),
+              QStringLiteral("Settings cannot be written to FILE: cached_sonos_rooms is too long; it "
+                             "lasts until the program ends"));
+    store->setFloat(volumeKey, 0.5F);
+    EXPECT_EQ(content(), "[General]\nzofra_selected_station=joe\nzofra_radio_volume=0.5\n");
+}
+
+TEST_F(IniDefaultsStoreTest, keepsTheOtherKeysOfAFileThatHasGrownTooLarge) {
+    const QByteArray grown = "[General]\nzofra_selected_station=joe\ncached_sonos_rooms=[\"" +
+                             QByteArray(23 << 20, 'x') + "\"]\nzofra_radio_volume=0.25\n";
+    put(grown);
+    const auto store = open();
+    EXPECT_EQ(store->string(stationKey), QStringLiteral("joe"));
+    EXPECT_EQ(store->floatValue(volumeKey), 0.25F);
+    store->setFloat(volumeKey, 0.5F);
+    EXPECT_EQ(content(), "[General]\nzofra_selected_station=joe\nzofra_radio_volume=0.5\n");
+    EXPECT_EQ(copy(), grown);
+    EXPECT_EQ(open()->string(stationKey), QStringLiteral("joe"));
+}
+
+TEST_F(IniDefaultsStoreTest, opensNothingButAFile) {
+    QDir().mkpath(QFileInfo(path).path());
+    ASSERT_EQ(mkfifo(path.toUtf8().constData(), 0600), 0);
+    const auto store = open();
+    store->setFloat(volumeKey, 0.5F);
+    EXPECT_EQ(store->floatValue(volumeKey), 0.5F);
+    EXPECT_EQ(onlyLine(),
+              QStringLiteral("Settings cannot be read from FILE: Not a regular file; nothing stored "
+                             "there is used or changed"));
 }
 
 TEST_F(IniDefaultsStoreTest, givesUpOnALockThatIsNeverReleased) {
     put("[General]\n");
-    const auto lockPath = QFileInfo(path).path().toUtf8() + "/.zofrazofra.ini.lock";
-    const int lock = ::open(lockPath.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    ASSERT_GE(lock, 0);
-    ASSERT_EQ(flock(lock, LOCK_EX), 0);
+    QLockFile lock(QFileInfo(path).path() + QStringLiteral("/.zofrazofra.ini.lock"));
+    ASSERT_TRUE(lock.tryLock());
     const auto store = open();
     store->setString(stationKey, QStringLiteral("joe"));
     EXPECT_EQ(onlyLine(),
               QStringLiteral("Settings cannot be written to FILE: another program holds its lock; changes "
                              "last until the program ends"));
     EXPECT_EQ(content(), "[General]\n");
-    close(lock);
+    lock.unlock();
     EXPECT_TRUE(store->flush(0ms));
     EXPECT_EQ(content(), "[General]\nzofra_selected_station=joe\n");
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/IniDocument.h"
+#include "platform/IniDocument.h"
 
 #include "tests/support/PrintQt.h"
 

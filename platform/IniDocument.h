@@ -9,7 +9,7 @@
 
 namespace zofra {
 
-/// The text of a settings file, kept line by line so that writing one key leaves every other byte as a person
+/// The text of an INI file, kept line by line so that writing one key leaves every other byte as a person
 /// wrote it: comments, unknown keys, lines that make no sense. A plain value.
 ///
 /// Keys are `name` in [General] (or before the first section) and `section/name` elsewhere. Where a key
@@ -18,6 +18,18 @@ namespace zofra {
 /// text and taken whole, any other ends before a comment (blank and `;` or `#`).
 class IniDocument {
 public:
+    struct Line {
+        /// Without its line end.
+        QByteArray text;
+        QByteArray lineEnd;
+        /// Full key, or empty when the line has none.
+        QByteArray key;
+        /// The section it stands in, or opens.
+        QByteArray section;
+    };
+    /// A longer line holds nothing that a program here would write.
+    static constexpr qsizetype maxLineBytes = 1'048'576;
+
     IniDocument() = default;
     explicit IniDocument(const QByteArray& bytes);
 
@@ -25,23 +37,15 @@ public:
     /// Replaces the value where it stands, else adds it at the end of its section.
     void setValue(const QByteArray& key, const QByteArray& value);
     [[nodiscard]] QByteArray bytes() const;
+    [[nodiscard]] const std::vector<Line>& lines() const { return m_lines; }
 
-    /// Whether there are lines that are no text at all: control characters, or not UTF-8. A person's lines
-    /// that merely make no sense are none.
+    /// Whether there are lines that are no text at all: control characters, not UTF-8, or endless. A person's
+    /// lines that merely make no sense are none.
     [[nodiscard]] bool isDamaged() const;
     /// Takes those lines out. Whoever does keeps what `bytes` was before.
     void dropDamage();
 
 private:
-    struct Line {
-        /// Without its line end.
-        QByteArray text;
-        QByteArray lineEnd;
-        /// Full key, or empty when the line has none.
-        QByteArray key;
-        QByteArray section;
-    };
-
     [[nodiscard]] std::vector<Line>::const_iterator find(const QByteArray& key) const;
     void insertAtEndOfSection(const QByteArray& section, const QByteArray& name, const QByteArray& value);
     [[nodiscard]] QByteArray newLineEnd() const;
@@ -52,6 +56,8 @@ private:
 
 /// What stands after the `=`: the value itself where that is safe, else quoted. Always one line.
 [[nodiscard]] QByteArray encodedIniValue(const QByteArray& value);
+/// `line` without the blanks around it and its comment, which begins it or follows a blank.
+[[nodiscard]] QByteArrayView withoutIniComment(QByteArrayView line);
 /// The value of what stands after the `=`.
 [[nodiscard]] QByteArray decodedIniValue(QByteArrayView text);
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/IniDocument.h"
+#include "platform/IniDocument.h"
 
 #include <QString>
 
@@ -101,7 +101,7 @@ bool isText(const QByteArray& line) {
     });
     // A comment in an older encoding is a person's all the same.
     const auto start = line.trimmed();
-    return !hasControl && (line.isValidUtf8() || (!start.isEmpty() && isCommentStart(start[0])));
+    return !hasControl && line.size() <= IniDocument::maxLineBytes && (line.isValidUtf8() || (!start.isEmpty() && isCommentStart(start[0])));
 }
 
 Span spanOfValue(QByteArrayView text) {
@@ -113,12 +113,7 @@ Span spanOfValue(QByteArrayView text) {
     if (rest.startsWith('"') && unquoted(text, at)) {
         span.end = at;
     } else if (!startsJson(rest)) {
-        for (auto i = span.begin; i < text.size(); ++i) {
-            if (isCommentStart(text[i]) && (i == span.begin || isBlank(text[i - 1]))) {
-                span.end = i;
-                break;
-            }
-        }
+        span.end = span.begin + withoutIniComment(rest).size();
     }
     while (span.end > span.begin && isBlank(text[span.end - 1]))
         --span.end;
@@ -148,6 +143,15 @@ QByteArray quoted(const QByteArray& value) {
 }
 
 } // namespace
+
+QByteArrayView withoutIniComment(QByteArrayView line) {
+    line = line.trimmed();
+    for (qsizetype i = 0; i < line.size(); ++i) {
+        if (isCommentStart(line[i]) && (i == 0 || isBlank(line[i - 1])))
+            return line.first(i).trimmed();
+    }
+    return line;
+}
 
 QByteArray encodedIniValue(const QByteArray& value) {
     const bool isPlain = std::none_of(

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/RegularFile.h"
+
+#include <QFile>
+
+#include <filesystem>
+
+namespace zofra {
+
+Result<std::optional<QByteArray>> readRegularFile(const QString& path, qint64 maxBytes) {
+    std::error_code error;
+    const auto status = std::filesystem::status(QFile::encodeName(path).toStdString(), error);
+    if (error == std::errc::no_such_file_or_directory)
+        return std::nullopt;
+    if (error)
+        return failure(QString::fromStdString(error.message()));
+    if (status.type() == std::filesystem::file_type::directory)
+        return failure(QStringLiteral("Is a directory"));
+    if (status.type() != std::filesystem::file_type::regular)
+        return failure(QStringLiteral("Not a regular file"));
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return failure(file.errorString());
+    auto bytes = file.read(maxBytes);
+    if (file.error() != QFileDevice::NoError)
+        return failure(file.errorString());
+    return bytes;
+}
+
+} // namespace zofra
