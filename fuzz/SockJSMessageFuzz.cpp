@@ -18,7 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         ZofraLivePlayEvent event;
         event.data = track;
         JsonBudget budget;
-        fuzz::require(ZofraLivePlayEvent::decode(QJsonDocument(event.toJson()).toJson(), budget) == event);
+        fuzz::require(decodeDocument<ZofraLivePlayEvent>(QJsonDocument(toJson(event).toObject()).toJson(),
+                                                         budget) == event);
     }
     return 0;
 }

@@ -14,10 +14,10 @@ namespace {
 /// The track in one element of an array frame, if it holds one for `station`.
 std::optional<ZofraLiveTrackData> liveTrackInElement(const QString& element, RadioStation station,
                                                      JsonBudget& budget) {
-    const auto payload = SockJSDataPayload::decode(element.toUtf8(), budget);
+    const auto payload = decodeDocument<SockJSDataPayload>(element.toUtf8(), budget);
     if (!payload || payload->action != QStringLiteral("data") || !payload->data)
         return std::nullopt;
-    auto event = ZofraLivePlayEvent::decode(payload->data->toUtf8(), budget);
+    auto event = decodeDocument<ZofraLivePlayEvent>(payload->data->toUtf8(), budget);
     if (!event)
         return std::nullopt;
     if (event->station && event->station != liveSocketId(station))

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "metadata/JsonText.h"
+#include "platform/JsonRecord.h"
 
 #include <QByteArray>
-#include <QJsonObject>
 #include <QString>
 
 #include <cstdint>
@@ -13,9 +13,8 @@
 
 namespace zofra {
 
-// What the live feed sends. Every field is optional: a missing key or a null leaves it absent, unknown keys
-// are ignored. A value of another JSON type makes the whole document undecodable. Encoding leaves absent
-// fields out. Plain values and pure functions, usable from any thread.
+// What the live feed sends, as JSON records of optional fields. Plain values and pure functions, usable from
+// any thread.
 
 /// " – ", between an artist and a title wherever both are shown.
 [[nodiscard]] QString nowPlayingSeparator();
@@ -23,9 +22,6 @@ namespace zofra {
 /// Who performs a track.
 struct ZofraLiveArtist {
     std::optional<QString> name;
-
-    [[nodiscard]] static std::optional<ZofraLiveArtist> fromJson(const QJsonObject& object);
-    [[nodiscard]] QJsonObject toJson() const;
     friend bool operator==(const ZofraLiveArtist&, const ZofraLiveArtist&) = default;
 };
 
@@ -36,9 +32,6 @@ struct ZofraNextTrack {
 
     /// Artist and title, or the one there is; empty when there is neither.
     [[nodiscard]] QString formatted() const;
-
-    [[nodiscard]] static std::optional<ZofraNextTrack> fromJson(const QJsonObject& object);
-    [[nodiscard]] QJsonObject toJson() const;
     friend bool operator==(const ZofraNextTrack&, const ZofraNextTrack&) = default;
 };
 
@@ -50,9 +43,6 @@ struct ZofraLiveTrackData {
 
     /// Artist and title, or the one there is; "Radio" when there is neither.
     [[nodiscard]] QString formattedCurrent() const;
-
-    [[nodiscard]] static std::optional<ZofraLiveTrackData> fromJson(const QJsonObject& object);
-    [[nodiscard]] QJsonObject toJson() const;
     friend bool operator==(const ZofraLiveTrackData&, const ZofraLiveTrackData&) = default;
 };
 
@@ -63,11 +53,6 @@ struct ZofraLivePlayEvent {
     std::optional<QString> entity;
     std::optional<QString> action;
     std::optional<ZofraLiveTrackData> data;
-
-    [[nodiscard]] static std::optional<ZofraLivePlayEvent> fromJson(const QJsonObject& object);
-    /// From a whole document, which may cost no more than `budget`.
-    [[nodiscard]] static std::optional<ZofraLivePlayEvent> decode(const QByteArray& utf8, JsonBudget& budget);
-    [[nodiscard]] QJsonObject toJson() const;
     friend bool operator==(const ZofraLivePlayEvent&, const ZofraLivePlayEvent&) = default;
 };
 
@@ -78,12 +63,55 @@ struct SockJSDataPayload {
     std::optional<std::vector<std::int64_t>> ids;
     /// A further JSON document: a ZofraLivePlayEvent.
     std::optional<QString> data;
-
-    [[nodiscard]] static std::optional<SockJSDataPayload> fromJson(const QJsonObject& object);
-    /// From a whole document, which may cost no more than `budget`.
-    [[nodiscard]] static std::optional<SockJSDataPayload> decode(const QByteArray& utf8, JsonBudget& budget);
-    [[nodiscard]] QJsonObject toJson() const;
     friend bool operator==(const SockJSDataPayload&, const SockJSDataPayload&) = default;
+};
+
+/// The record in a whole document, which may cost no more than `budget`.
+template<typename Record>
+[[nodiscard]] std::optional<Record> decodeDocument(const QByteArray& utf8, JsonBudget& budget) {
+    const auto document = parseJsonText(utf8, budget);
+    return document && document->isObject() ? fromJson<Record>(document->object()) : std::nullopt;
+}
+
+template<>
+struct JsonFields<ZofraLiveArtist> {
+    static void visit(auto& artist, auto&& field) { field("name", artist.name); }
+};
+
+template<>
+struct JsonFields<ZofraNextTrack> {
+    static void visit(auto& track, auto&& field) {
+        field("title", track.title);
+        field("artist", track.artist);
+    }
+};
+
+template<>
+struct JsonFields<ZofraLiveTrackData> {
+    static void visit(auto& track, auto&& field) {
+        field("title", track.title);
+        field("artist", track.artist);
+        field("next", track.next);
+    }
+};
+
+template<>
+struct JsonFields<ZofraLivePlayEvent> {
+    static void visit(auto& event, auto&& field) {
+        field("station", event.station);
+        field("entity", event.entity);
+        field("action", event.action);
+        field("data", event.data);
+    }
+};
+
+template<>
+struct JsonFields<SockJSDataPayload> {
+    static void visit(auto& payload, auto&& field) {
+        field("action", payload.action);
+        field("ids", payload.ids);
+        field("data", payload.data);
+    }
 };
 
 } // namespace zofra

@@ -6,6 +6,7 @@
 #include "metadata/LiveTrack.h"
 
 #include <QJsonArray>
+#include <QRegularExpression>
 
 namespace zofra {
 
@@ -13,38 +14,6 @@ namespace {
 
 QString trimmedText(const QJsonValue& value) {
     return value.toString().trimmed();
-}
-
-qsizetype countDigits(QByteArrayView text, qsizetype from) {
-    qsizetype count = 0;
-    while (from + count < text.size() && text[from + count] >= '0' && text[from + count] <= '9')
-        ++count;
-    return count;
-}
-
-/// Sign, digits with a point among them, exponent.
-bool isDecimalNumber(QByteArrayView text) {
-    const auto skipSign = [text](qsizetype at) {
-        return at < text.size() && (text[at] == '+' || text[at] == '-') ? at + 1 : at;
-    };
-    auto at = skipSign(0);
-    auto digits = countDigits(text, at);
-    at += digits;
-    if (at < text.size() && text[at] == '.') {
-        const auto fraction = countDigits(text, at + 1);
-        digits += fraction;
-        at += 1 + fraction;
-    }
-    if (digits == 0)
-        return false;
-    if (at < text.size() && (text[at] == 'e' || text[at] == 'E')) {
-        at = skipSign(at + 1);
-        const auto exponent = countDigits(text, at);
-        if (exponent == 0)
-            return false;
-        at += exponent;
-    }
-    return at == text.size();
 }
 
 bool isOnAir(const OnAirItem& item, double now) {
@@ -78,8 +47,10 @@ std::optional<double> timestamp(const QJsonValue& value) {
         return value.toDouble();
     if (!value.isString())
         return std::nullopt;
-    const auto text = value.toString().trimmed().toUtf8();
-    if (!isDecimalNumber(text))
+    static const QRegularExpression number(
+        QStringLiteral(R"(\A[+-]?(?:\d+\.?\d*|\.\d+)(?:[eE][+-]?\d+)?\z)"));
+    const auto text = value.toString().trimmed();
+    if (!number.match(text).hasMatch())
         return std::nullopt;
     bool fits = false;
     const double seconds = text.toDouble(&fits);

@@ -67,7 +67,8 @@ QString visible(QChar c) {
         return c;
     if (auto escape = commonEscape(c); !escape.isEmpty())
         return escape;
-    return isControl(c) ? u"\\x" + hexadecimal(c, 2) : u"\\u" + hexadecimal(c, 4);
+    return isControl(c) ? QStringLiteral("\\x") + hexadecimal(c, 2)
+                        : QStringLiteral("\\u") + hexadecimal(c, 4);
 }
 
 QString quotable(QChar c) {
@@ -77,7 +78,8 @@ QString quotable(QChar c) {
         return QStringLiteral("\\0");
     if (c == u'\\' || c == u'"' || c == u'\'')
         return QStringLiteral("\\") + c;
-    return c < u' ' || c == QChar(0x7F) ? u"\\u{" + hexadecimal(c, 2).toUpper() + u'}' : QString(c);
+    return c < u' ' || c == QChar(0x7F) ? QStringLiteral("\\u{") + hexadecimal(c, 2).toUpper() + u'}'
+                                        : QString(c);
 }
 
 /// The closing characters that are missing in `text`, in the right order.

@@ -63,6 +63,32 @@ TEST(RoomCache, GivesBackWhatWasKept) {
     EXPECT_EQ(decodeRooms(encodeRooms({})), QList<SonosRoom>());
 }
 
+TEST(RoomCache, AnAddressSurvivesItsOwnWriting) {
+    const auto rooms = decodeRooms(
+        withCoordinatorKey(QStringLiteral("descriptionURL"), QStringLiteral("http://10.0.0.5/##")));
+    ASSERT_TRUE(rooms);
+    EXPECT_EQ(decodeRooms(encodeRooms(*rooms)), rooms);
+}
+
+TEST(RoomCache, HoldsALargeHouseholdAndNoInventedOne) {
+    auto speaker = full();
+    speaker.manufacturer = QString(100, u'm');
+    QList<SonosRoom> rooms;
+    for (int i = 0; i < 64; ++i) {
+        speaker.id = QStringLiteral("RINCON_000E5812345601400_%1").arg(i);
+        rooms.append({kitchen, speaker, {speaker}});
+    }
+    EXPECT_EQ(decodeRooms(encodeRooms(rooms)), rooms);
+    speaker.modelName = QString(200'000, u'x');
+    rooms.insert(3, {kitchen, speaker, {speaker}});
+    auto kept = rooms;
+    kept.removeAt(3);
+    EXPECT_EQ(decodeRooms(encodeRooms(rooms)), kept) << "one endless room costs no other its place";
+    EXPECT_LE(encodeRooms(QList<SonosRoom>(500, {kitchen, plain(), {full()}})).size(), maxCacheBytes);
+    EXPECT_EQ(decodeRooms(encodeRooms(QList<SonosRoom>(500, {kitchen, plain(), {}})))->size(),
+              maxCachedRooms);
+}
+
 TEST(RoomCache, AbsentFieldsAreLeftOut) {
     const auto coordinator =
         firstRoom(encodeRooms({{kitchen, plain(), {}}}))[QStringLiteral("coordinator")].toObject();
