@@ -16,6 +16,8 @@ import time
 import xml.etree.ElementTree as ElementTree
 from concurrent.futures import ThreadPoolExecutor
 
+from progress import Progress, run_pytest
+
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 UNIT_TIMEOUT = 300
 SYSTEM_TIMEOUT = 12 * 60
@@ -89,14 +91,18 @@ def unit_tests(build, reports, name, counts):
     binaries = sorted(path for path in (build / "bin").glob("*_test") if os.access(path, os.X_OK))
     if not binaries:
         counts.add_failure(f"no unit test programs in {build / 'bin'}")
+    progress = Progress("Unit test programs")
     with ThreadPoolExecutor(max_workers=os.cpu_count() or 1) as pool:
-        for binary, report, log, code in pool.map(lambda b: run_unit(b, reports, name), binaries):
+        results = pool.map(lambda b: run_unit(b, reports, name), binaries)
+        for done, (binary, report, log, code) in enumerate(results, 1):
+            progress.update(done, len(binaries))
             before = counts.failed
             if report.exists():
                 counts.add_unit_report(report)
             if code != 0 and counts.failed == before:
                 counts.add_failure(f"{binary.name} ended with {code}")
             state = "ok" if counts.failed == before else "FAILED"
+            progress.clear()
             print(f"{binary.name}: {state}", flush=True)
             if state != "ok":
                 print(log.read_text(encoding="utf-8", errors="replace")[-6000:], flush=True)
@@ -112,17 +118,16 @@ def system_round(build, reports, name, counts, title, arguments, timeout):
         command += ["-k", name]
     env = {**environment(), "ZOFRA_BINARY": str(build / "bin" / "zofrazofra")}
     env.pop("QT_QPA_PLATFORM")
-    try:
-        code = subprocess.run(command, stdin=subprocess.DEVNULL, env=env, timeout=timeout, check=False,
-                              cwd=ROOT).returncode
-    except subprocess.TimeoutExpired:
-        code = "out of time"
+    log = reports / f"system-{title}.log"
+    code = run_pytest(command, log, f"System tests, {title} (per cent)", timeout, env=env, cwd=ROOT)
     before = counts.failed
     if report.exists():
         counts.add_system_report(report)
     # 5: nothing matched the name, which is no failure when a name was given.
     if code not in (0, 5 if name else 0) and counts.failed == before:
         counts.add_failure(f"system tests ({title}) ended with {code}")
+    said = log.read_text(encoding="utf-8", errors="replace").rstrip()
+    print(said[-20000:] if counts.failed > before else said.splitlines()[-1] if said else "", flush=True)
 
 
 def system_tests(build, reports, name, counts):
