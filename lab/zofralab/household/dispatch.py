@@ -3,22 +3,18 @@
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING
-
 from . import descriptions, services as s
 from .playerserver import FORBIDDEN, Answer, Hang, HttpRequest, Reset
 from .soap import UpnpFault, answer as soap_answer, fault, read_call
-
-if TYPE_CHECKING:
-    from .house import House
-    from .state import Player
+from .state import Player
+from .surroundings import Surroundings
 
 _XML = [("CONTENT-TYPE", "text/xml")]
 _SOAP = [("CONTENT-TYPE", 'text/xml; charset="utf-8"'), ("EXT", "")]
 _HTML = [("CONTENT-TYPE", "text/html")]
 
 
-def dispatch(house: "House", player: "Player", request: HttpRequest) -> Answer:
+def dispatch(house: Surroundings, player: Player, request: HttpRequest) -> Answer:
     """The answer of a player; raises Hang or Reset where it is told to."""
     if request.version == "HTTP/1.1" and "host" not in request.headers:
         return Answer(400)
@@ -33,7 +29,7 @@ def dispatch(house: "House", player: "Player", request: HttpRequest) -> Answer:
     return Answer(404, _HTML)
 
 
-def _document(player: "Player", request: HttpRequest, path: str) -> Answer:
+def _document(player: Player, request: HttpRequest, path: str) -> Answer:
     if request.method not in ("GET", "HEAD"):
         return Answer(405, [("Allow", "GET, HEAD"), *_HTML])
     if path == "/xml/device_description.xml":
@@ -45,7 +41,7 @@ def _document(player: "Player", request: HttpRequest, path: str) -> Answer:
     return Answer(404, _HTML)
 
 
-def _control(house: "House", player: "Player", service: s.Service, request: HttpRequest) -> Answer:
+def _control(house: Surroundings, player: Player, service: s.Service, request: HttpRequest) -> Answer:
     if player.switches.forbidden:
         return Answer(403, _HTML, FORBIDDEN)
     if request.method != "POST":
@@ -68,7 +64,7 @@ def _control(house: "House", player: "Player", service: s.Service, request: Http
     return Answer(200, _SOAP, body)
 
 
-def _ordered_failure(player: "Player", action: str) -> Answer | None:
+def _ordered_failure(player: Player, action: str) -> Answer | None:
     """What the switch `fail` says for this action; it is not carried out then."""
     order = player.switches.fail.get(action)
     if order is None:
@@ -82,7 +78,7 @@ def _ordered_failure(player: "Player", action: str) -> Answer | None:
     raise UpnpFault(int(order))
 
 
-def _event(house: "House", player: "Player", service: s.Service, request: HttpRequest) -> Answer:
+def _event(house: Surroundings, player: Player, service: s.Service, request: HttpRequest) -> Answer:
     if player.switches.forbidden:
         return Answer(403, _HTML, FORBIDDEN)
     if request.method == "SUBSCRIBE":

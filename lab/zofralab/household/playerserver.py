@@ -11,14 +11,12 @@ import struct
 import time
 from dataclasses import dataclass, field
 from http import HTTPStatus
-from typing import TYPE_CHECKING, Optional
+from typing import Optional
 
 from .recorder import Request
 from .soap import peek_action, peek_arguments
-
-if TYPE_CHECKING:
-    from .house import House
-    from .state import Player
+from .state import Player
+from .surroundings import Surroundings
 
 PORT = 1400
 _MAX_HEAD = 64 * 1024
@@ -81,7 +79,7 @@ def parse_head(head: bytes) -> Optional[HttpRequest]:
 class PlayerServer:
     """Listens on the player's address. One request a connection, which is closed after the answer."""
 
-    def __init__(self, house: "House", player: "Player") -> None:
+    def __init__(self, house: Surroundings, player: Player) -> None:
         self._house = house
         self._player = player
         self._server: Optional[asyncio.Server] = None

@@ -8,13 +8,11 @@ written from it, and the SCPD documents are generated from it.
 from __future__ import annotations
 
 from dataclasses import dataclass, field
-from typing import TYPE_CHECKING, Callable, Optional
+from typing import Any, Callable, Optional
 from xml.sax.saxutils import escape
 
-if TYPE_CHECKING:
-    from .soap import Call
-
-Handler = Callable[["Call"], "dict[str, str]"]
+#: Takes a call (soap.Call) and gives the values of its answer.
+Handler = Callable[[Any], "dict[str, str]"]
 
 
 @dataclass(frozen=True)

@@ -6,14 +6,12 @@ from __future__ import annotations
 import re
 import xml.etree.ElementTree as ElementTree
 from dataclasses import dataclass, field
-from typing import TYPE_CHECKING, Mapping
+from typing import Mapping
 from xml.sax.saxutils import escape
 
 from .services import Action, Service
-
-if TYPE_CHECKING:
-    from .house import House
-    from .state import Player
+from .state import Player
+from .surroundings import Surroundings
 
 _ENVELOPE = "http://schemas.xmlsoap.org/soap/envelope/"
 _ACTION_HEADER = re.compile(r'^"([^"#]+)#([^"#]+)"$')
@@ -36,8 +34,8 @@ class UpnpFault(Exception):
 class Call:
     """One action to carry out."""
 
-    house: "House"
-    player: "Player"
+    house: Surroundings
+    player: Player
     service: Service
     action: Action
     arguments: dict[str, str] = field(default_factory=dict)
@@ -57,7 +55,7 @@ class Call:
         return text in ("1", "true", "yes")
 
 
-def read_call(house: "House", player: "Player", service: Service, soapaction: str, body: bytes) -> Call:
+def read_call(house: Surroundings, player: Player, service: Service, soapaction: str, body: bytes) -> Call:
     """Checks header, envelope and arguments against the table of services. Raises UpnpFault."""
     named = _ACTION_HEADER.match(soapaction.strip())
     if named is None or named.group(1) != service.type:
