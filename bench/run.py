@@ -12,14 +12,15 @@ import sys
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 sys.dont_write_bytecode = True
-sys.path.insert(0, os.path.join(ROOT, "bench"))
+sys.path[:0] = [os.path.join(ROOT, name) for name in ("bench", "lab", "tests/system")]
 
+import check  # noqa: E402
 import costs  # noqa: E402
 import endurance  # noqa: E402
 import faults  # noqa: E402
 import latency  # noqa: E402
 import speakers  # noqa: E402
-from stage import Stage  # noqa: E402
+from stage import BINARY, Stage  # noqa: E402
 
 CHAPTERS = {"latency": latency, "costs": costs, "speakers": speakers, "faults": faults, "endurance": endurance}
 
@@ -31,6 +32,9 @@ def main():
     parser.add_argument("--seconds", type=float, default=20.0, help="how long each cost is measured")
     parser.add_argument("--runs", type=int, default=60, help="searches for players in the endurance chapter")
     parser.add_argument("--json", metavar="FILE", help="also write every figure there")
+    parser.add_argument("--check", action="store_true", help="only count, and fail where something is a tenth worse")
+    parser.add_argument("--baseline", action="store_true", help="only count, and keep that as what --check compares with")
+    parser.add_argument("--binary", default=BINARY, help="another build of the program, for --check and --baseline")
     options = parser.parse_args()
     unknown = [name for name in options.chapters if name not in CHAPTERS]
     if unknown:
@@ -38,6 +42,10 @@ def main():
     load = os.getloadavg()[0]
     print(f"{os.cpu_count()} processors, load {load:.1f}" + (": figures of a crowded machine" if load > 1.5 else ""))
     with Stage() as stage:
+        if options.check:
+            return 0 if check.check(stage, options.binary) else 1
+        if options.baseline:
+            return check.write(stage, options.binary)
         for name in options.chapters or CHAPTERS:
             if name == "endurance":
                 endurance.run(stage, options.seconds, options.runs)

@@ -6,21 +6,18 @@ import json
 import os
 import shutil
 import subprocess
-import sys
 import tempfile
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-sys.path[:0] = [os.path.join(ROOT, "lab"), os.path.join(ROOT, "tests", "system")]
-
-from radio import Radio  # noqa: E402
-from zofralab.bus import Peer  # noqa: E402
-from zofralab.desktop import StatusBar  # noqa: E402
-from zofralab.display import Display  # noqa: E402
-from zofralab.household.systemlog import SystemLog  # noqa: E402
-from zofralab.lab import Lab, program_environment  # noqa: E402
-from zofralab.process import terminate  # noqa: E402
-from zofralab.session import Session  # noqa: E402
-from zofralab.sound import Ears  # noqa: E402
+from radio import Radio
+from zofralab.bus import Peer
+from zofralab.desktop import StatusBar
+from zofralab.display import Display
+from zofralab.household.systemlog import SystemLog
+from zofralab.lab import Lab, program_environment
+from zofralab.process import terminate
+from zofralab.session import Session
+from zofralab.sound import Ears
 
 BINARY = os.path.join(ROOT, "build", "release", "bin", "zofrazofra")
 

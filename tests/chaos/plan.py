@@ -13,8 +13,10 @@ LIVE = ("zofra", "qmusic", "joe", "zofra_class_x")
 STATIONS = (*LIVE, "radio_contact", "bel_rtl", "inside_radio", "sud_radio_belgique", "sud_radio_hainaut")
 CODECS = ("aac", "mp3", "*")
 CERTIFICATES = ("foreign", "expired", "wrong_name", "self_signed")
-#: Everything is put right after so many faults, and has to be as good as new.
-FAULTS_BETWEEN_HEALTH = 12
+#: Everything is put right after so many faults (one of these), and has to be as good as new.
+FAULTS_BETWEEN_HEALTH = (5, 12, 30)
+#: One rest in so many is long enough for buffers to run dry and for patience to end.
+LONG_RESTS = 12
 
 
 def _stream(rng):
@@ -99,15 +101,19 @@ FAULTS = {
 
 
 def plan(seed, count):
-    """The first `count` faults of a seed, with a step of health after every dozen and at the end."""
+    """The first `count` faults of a seed, with steps of health between them and at the end."""
     rng = random.Random(seed)
     names = list(FAULTS)
     weights = [FAULTS[name][0] for name in names]
-    steps = []
+    steps, left = [], rng.choice(FAULTS_BETWEEN_HEALTH)
     for n in range(1, count + 1):
         name = rng.choices(names, weights)[0]
-        steps.append({"n": n, "fault": name, "with": FAULTS[name][1](rng), "then": round(rng.uniform(0.05, 1.0), 2)})
-        if n % FAULTS_BETWEEN_HEALTH == 0 or n == count:
+        what = FAULTS[name][1](rng)
+        rest = rng.uniform(4, 16) if rng.randrange(LONG_RESTS) == 0 else rng.uniform(0.05, 1.0)
+        steps.append({"n": n, "fault": name, "with": what, "then": round(rest, 2)})
+        left -= 1
+        if not left or n == count:
+            left = rng.choice(FAULTS_BETWEEN_HEALTH)
             steps.append({"n": n, "fault": "health", "with": {}, "then": 0.0})
     return steps
 

@@ -22,7 +22,7 @@ SHORT_SEED, SHORT_SECONDS = 4, 40
 
 def test_a_seed_is_one_list_and_every_fault_of_it_can_be_brought_about(tmp_path):
     assert plan(7, 500) == plan(7, 500) != plan(8, 500)
-    assert plan(7, 500)[:100] == plan(7, 1000)[:100]
+    assert plan(7, 500)[:400] == plan(7, 1000)[:400]
     assert all(callable(getattr(Faults, name, None)) for name in FAULTS)
     seen = {step["fault"] for step in plan(1, 1000)}
     assert seen == {*FAULTS, "health"}, "a thousand faults are of every kind"

@@ -1,0 +1,174 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Work that can be counted: instructions and allocations of a start, a song, a menu and a search, and wake-ups.
+
+Counted by callgrind in the program as it is, between two moments, so that the figures hardly move with the load of the machine.
+"""
+
+import glob
+import os
+import re
+import stat
+import subprocess
+import time
+
+from measure import wake_ups
+from radio import NAME
+from stage import BINARY
+from zofralab.desktop import Menu
+from zofralab.process import wait_until
+
+SONGS = MENUS = 20
+PLAYERS = 8
+OBJECT, INTERFACE = "/be/zofra/ZofraZofra", "be.zofra.ZofraZofra1"
+ALLOCATORS = ("malloc", "calloc", "realloc", "posix_memalign", "aligned_alloc")
+NAMED = re.compile(r"\((\d+)\)(?: (.*))?")
+
+
+class Counted:
+    """The radio under callgrind, on a stage. Use as a context."""
+
+    def __init__(self, stage, *options, binary=BINARY, **how):
+        self._stage = stage
+        self._options, self._how, self._binary = options, how, binary
+
+    def __enter__(self):
+        self._context = self._stage.radio()
+        self.radio = self._context.__enter__()
+        self._out = os.path.join(self.radio.home, "callgrind")
+        wrapper = os.path.join(self.radio.home, "counted")
+        with open(wrapper, "w", encoding="ascii") as file:
+            file.write(f'#!/bin/sh\nexec valgrind -q --tool=callgrind --callgrind-out-file={self._out} {self._binary} "$@"\n')
+        os.chmod(wrapper, os.stat(wrapper).st_mode | stat.S_IXUSR)
+        self.radio.binary = wrapper
+        self.radio.start(*self._options, headless=False, wait=False, **self._how)
+        self._stage.peer.wait_for_name(NAME, 120)
+        return self
+
+    def __exit__(self, *error):
+        return self._context.__exit__(*error)
+
+    def status(self):
+        """What it says, asked by this process, for every second start would be counted as well."""
+        import json  # pylint: disable=import-outside-toplevel
+        return json.loads(self._stage.peer.call(NAME, OBJECT, INTERFACE, "Status", timeout=60)[0])
+
+    def zero(self):
+        """From now on."""
+        self._control("-z")
+
+    def taken(self):
+        """{instructions, allocations} since the last zero or the start."""
+        for old in glob.glob(self._out + "*"):
+            os.unlink(old)
+        self._control("-d")
+        files = wait_until(lambda: glob.glob(self._out + ".*"), 60, "callgrind's figures", 0.1)
+        wait_until(lambda: "totals:" in _tail(files[0]), 60, "the end of callgrind's figures", 0.1)
+        return read(files[0])
+
+    def _control(self, what):
+        done = subprocess.run(["callgrind_control", what, str(self.radio.pid)], capture_output=True, text=True, check=False,
+                              timeout=120)
+        if done.returncode or "Error" in done.stdout + done.stderr:
+            raise RuntimeError(f"callgrind_control: {done.stdout}{done.stderr}")
+
+
+def _tail(path):
+    with open(path, "rb") as file:
+        file.seek(max(0, os.path.getsize(path) - 200))
+        return file.read().decode("ascii", "replace")
+
+
+def read(path):
+    """Instructions and allocations of one of callgrind's files."""
+    names, callee, allocations, instructions = {}, "", 0, 0
+    with open(path, encoding="utf-8", errors="replace") as file:
+        for line in file:
+            if line.startswith(("cfn=", "fn=")):
+                number, name = NAMED.match(line.partition("=")[2].rstrip("\n")).groups()
+                if name:
+                    names[number] = name
+                callee = names[number] if line.startswith("cfn=") else callee
+            elif line.startswith("calls=") and callee.partition("'")[0].partition("@")[0] in ALLOCATORS:
+                allocations += int(line[6:].split()[0])
+            elif line.startswith("totals:"):
+                instructions = int(line.split()[1])
+    return {"instructions": instructions, "allocations": allocations}
+
+
+def _each(taken, count):
+    return {what: value / count for what, value in taken.items()}
+
+
+def settle(seconds=3.0):
+    """What a start leaves for later is done."""
+    time.sleep(seconds)
+
+
+def shell(stage, binary=BINARY):
+    """{what: figures} of a start, a song and a menu."""
+    found = {}
+    with stage.status_bar() as bar, Counted(stage, binary=binary) as radio:
+        item = bar.wait_for_item(60)
+        wait_until(lambda: "–" in item.title, 60, "the first song", 0.2)
+        settle()
+        found["start"] = radio.taken()
+        # What the item tells is waited for: questions would be counted with it, and never the same number of them.
+        stage.peer.record_signals(sender=item.name)
+        radio.zero()
+        for index in range(SONGS):
+            before = len(stage.peer.signals)
+            stage.lab.livefeed.song(station="zofra", artist="Artist", title=f"Title {index:02}", next_title="Later")
+            wait_until(lambda before=before: any(one.name == "NewTitle" for one in stage.peer.signals[before:]), 60,
+                       "the song", 0.02)
+        found["one song"] = _each(radio.taken(), SONGS)
+        menu = item.menu
+        menu.look()
+        radio.zero()
+        for _ in range(MENUS):
+            menu.look()
+        found["one menu"] = _each(radio.taken(), MENUS)
+    return found
+
+
+def search(stage, binary=BINARY):
+    """{what: figures} of one search that finds players."""
+    with stage.status_bar() as bar, Counted(stage, binary=binary, discovery=True) as radio:
+        stage.lab.household.others(mode="refused")
+        stage.lab.household.scene(scene="many", count=PLAYERS)
+        item = bar.wait_for_item(60)
+        wait_until(lambda: not radio.status()["scanning"], 120, "the first run", 0.5)
+        menu = Menu(stage.peer, item.name, "/MenuBar")
+        settle()
+        radio.zero()
+        menu.choose("Audio Output (…", "🔄 Search for Sonos and Zofra devices")
+        wait_until(lambda: radio.status()["scanning"], 20, "a run", 0.01)
+        wait_until(lambda: not radio.status()["scanning"], 120, "its end", 0.5)
+        settle(1.0)
+        taken = radio.taken()
+        found = [room["title"] for room in radio.status()["rooms"]]
+        if len(found) != PLAYERS:
+            raise RuntimeError(f"a search of {PLAYERS} players showed {found}")
+        return {f"a search of {PLAYERS} players": taken}
+
+
+def wakes(stage, binary=BINARY, seconds=20.0):
+    """{what: wake-ups a second}, idle and playing."""
+    found = {}
+    for what, options in (("idle", ()), ("playing", ("--play", "qmusic"))):
+        with stage.status_bar() as bar, stage.radio() as radio:
+            radio.binary = binary
+            radio.start(*options, headless=False)
+            bar.wait_for_item(20)
+            if options:
+                stage.ears.wait_for(("qmusic", "aac"), 20)
+            with stage.deaf():
+                time.sleep(8)
+                before, began = wake_ups(radio.pid), time.monotonic()
+                time.sleep(seconds)
+                found[what] = {"wake_ups": (wake_ups(radio.pid) - before) / (time.monotonic() - began)}
+    return found
+
+
+def all_of(stage, binary=BINARY):
+    """Every count."""
+    return {**shell(stage, binary), **search(stage, binary), **wakes(stage, binary)}
