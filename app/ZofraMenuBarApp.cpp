@@ -4,7 +4,6 @@
 #include "app/Desktop.h"
 #include "app/RemoteOptions.h"
 #include "platform/linux/PreferredLanguages.h"
-#include "platform/linux/audio/LibraryPages.h"
 #include "platform/linux/net/QtMetadataSocket.h"
 
 #include <QCoreApplication>
@@ -183,18 +182,14 @@ int ZofraMenuBarApp::run() {
 
 void ZofraMenuBarApp::settle() {
     const auto bus = m_sessionBus.connection();
-    if (!bus) {
-        LibraryPages::giveBack();
+    if (!bus)
         return;
-    }
     // Making the first widget waits for the bus, so it is done beforehand only when the bus is known to
     // answer.
     m_busAnswer = askBus(*bus);
     QObject::connect(m_busAnswer.get(), &QDBusPendingCallWatcher::finished, m_busAnswer.get(),
                      [this](const QDBusPendingCallWatcher* answer) {
-                         if (answer->isError())
-                             LibraryPages::giveBack();
-                         else
+                         if (!answer->isError())
                              prepare();
                      });
 }
@@ -204,8 +199,6 @@ void ZofraMenuBarApp::prepare() {
         versionText(bundle()),  m_delegate->viewModel(),   [] {}, RadioPlayer::shared(),
         SonosManager::shared(), LanguageManager::shared(), [] {}};
     IdleSteps steps = m_desktop->preparation(content, m_delegate->contextMenu());
-    // Starting touches much that nobody needs afterwards.
-    steps.emplace_back([] { LibraryPages::giveBack(); });
     runIdleSteps(m_mainQueue, std::move(steps));
 }
 

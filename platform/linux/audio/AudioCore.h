@@ -31,7 +31,9 @@ public:
     virtual void setVolume(float volume) = 0;
 };
 
-/// Makes a core; main thread only.
-using AudioCoreMaker = std::function<std::unique_ptr<AudioCore>()>;
+/// Makes a core that tells `report`, on one line, why it cannot play at all. `report` outlives it. Main
+/// thread only.
+using AudioCoreMaker =
+    std::function<std::unique_ptr<AudioCore>(std::function<void(const QString& reason)> report)>;
 
 } // namespace zofra

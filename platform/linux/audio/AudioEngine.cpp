@@ -16,7 +16,7 @@ AudioEngine::AudioEngine(MainQueue& queue, SystemLog& log, ReconnectPacing::Stea
 std::unique_ptr<AudioCore> AudioEngine::takeCore() {
     if (m_spare)
         return std::move(m_spare);
-    return m_makeCore();
+    return m_makeCore([this](const QString& reason) { report(reason); });
 }
 
 void AudioEngine::giveBack(std::unique_ptr<AudioCore> core) {

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/audio/AudioProbe.h"
 
-#include "platform/linux/audio/MpvOptions.h"
-
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -30,35 +28,19 @@ QByteArray silence() {
 /// One engine, made for this.
 class Engine {
 public:
-    explicit Engine(std::shared_ptr<const MpvLibrary> library)
+    Engine(std::shared_ptr<const MpvLibrary> library, mpv_handle* handle)
         : m_library(std::move(library))
-        , m_handle(m_library->create()) {}
-    Engine(const Engine&) = delete;
-    Engine& operator=(const Engine&) = delete;
-    ~Engine() {
-        if (m_handle)
-            m_library->terminateDestroy(m_handle);
-    }
-
-    /// Why it cannot be started, on one line; empty when it has been.
-    QString start() {
-        if (!m_handle)
-            return QStringLiteral("libmpv cannot be started");
-        for (const auto& option : mpvOptions()) {
-            const int result = m_library->setOptionString(m_handle, option.name, option.value.constData());
-            if (result < 0 && option.need == MpvOption::Need::required)
-                return QStringLiteral("libmpv does not take the option ") + QString::fromLatin1(option.name);
-        }
-        if (const int result = m_library->initialize(m_handle); result < 0)
-            return QStringLiteral("libmpv cannot be started: ") + errorText(result);
+        , m_handle(handle) {
         m_library->observeProperty(m_handle, coreIdleId, "core-idle", MPV_FORMAT_FLAG);
         m_library->observeProperty(m_handle, driverId, "current-ao", MPV_FORMAT_STRING);
         m_library->observeProperty(m_handle, devicesId, "audio-device-list", MPV_FORMAT_STRING);
         const QByteArray address = silence();
         std::array<const char*, 3> words{"loadfile", address.constData(), nullptr};
         m_library->commandAsync(m_handle, commandId, words.data());
-        return {};
     }
+    Engine(const Engine&) = delete;
+    Engine& operator=(const Engine&) = delete;
+    ~Engine() { m_library->terminateDestroy(m_handle); }
 
     void listen(AudioProbe& probe, std::chrono::milliseconds limit) {
         const auto deadline = Clock::now() + limit;
@@ -97,11 +79,7 @@ private:
         if (end.reason != MPV_END_FILE_REASON_ERROR)
             return;
         probe.outcome = AudioProbe::Outcome::noDevice;
-        probe.reason = errorText(end.error);
-    }
-
-    [[nodiscard]] QString errorText(int error) const {
-        return QString::fromUtf8(m_library->errorString(error));
+        probe.reason = m_library->errorText(end.error);
     }
 
     std::shared_ptr<const MpvLibrary> m_library;
@@ -116,18 +94,14 @@ private:
 
 AudioProbe AudioProbe::run(std::chrono::milliseconds limit, const char* libraryFile) {
     AudioProbe probe;
-    const auto loaded = MpvLibrary::load(libraryFile);
-    if (const auto* problem = std::get_if<QString>(&loaded)) {
+    const auto library = MpvLibrary::load(libraryFile);
+    const auto handle = library.and_then([](const auto& engine) { return engine->start(); });
+    if (!handle) {
         probe.outcome = Outcome::noEngine;
-        probe.reason = *problem;
+        probe.reason = handle.error();
         return probe;
     }
-    Engine engine(std::get<std::shared_ptr<const MpvLibrary>>(loaded));
-    probe.reason = engine.start();
-    if (!probe.reason.isEmpty()) {
-        probe.outcome = Outcome::noEngine;
-        return probe;
-    }
+    Engine engine(*library, *handle);
     engine.listen(probe, limit);
     return probe;
 }

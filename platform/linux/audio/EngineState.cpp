@@ -16,7 +16,7 @@ void EngineState::closed() {
     m_restarted = false;
     m_coreIdle = true;
     m_pausedForCache = false;
-    m_stallSettled = false;
+    m_stallTold = false;
     m_ended.reset();
 }
 
@@ -43,7 +43,7 @@ void EngineState::take(const EngineEvent& event) {
     }
 }
 
-EngineState::Outcome EngineState::settle() {
+EngineState::Outcome EngineState::conclude() {
     Outcome outcome;
     outcome.ended = std::exchange(m_ended, std::nullopt);
     outcome.failed = outcome.ended && m_sound == Sound::wanted;
@@ -54,17 +54,17 @@ EngineState::Outcome EngineState::settle() {
 
 bool EngineState::isNewStall(TimeControlStatus status) {
     if (!m_pausedForCache)
-        m_stallSettled = false;
-    if (!m_pausedForCache || m_stallSettled)
+        m_stallTold = false;
+    if (!m_pausedForCache || m_stallTold)
         return false;
     if (status == TimeControlStatus::paused) {
-        m_stallSettled = true; // Nobody listens: not a stall, also not once somebody does.
+        m_stallTold = true; // Nobody listens: not a stall, also not once somebody does.
         return false;
     }
     // Never together with "playing": whoever is told would wait for a "playing" that does not come any more.
     if (!m_restarted || status != TimeControlStatus::waitingToPlayAtSpecifiedRate)
         return false;
-    m_stallSettled = true;
+    m_stallTold = true;
     return true;
 }
 

@@ -35,7 +35,7 @@ struct EngineEvent {
 
 /// Makes a player's status out of what the listener wants and what the engine tells. The engine tells related
 /// things one after the other in no useful order, so events are only taken in, and conclusions are drawn
-/// once, by `settle`, when there are no more. A plain value.
+/// once, by `conclude`, when there are no more. A plain value.
 class EngineState {
 public:
     enum class Sound { wanted, notWanted };
@@ -60,7 +60,7 @@ public:
         bool failed = false;
     };
     /// Draws the conclusions from what was taken since the last call.
-    [[nodiscard]] Outcome settle();
+    [[nodiscard]] Outcome conclude();
 
 private:
     [[nodiscard]] TimeControlStatus status() const;
@@ -72,7 +72,7 @@ private:
     bool m_restarted = false;
     bool m_coreIdle = true;
     bool m_pausedForCache = false;
-    bool m_stallSettled = false;
+    bool m_stallTold = false;
     std::optional<EndCause> m_ended;
 };
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/audio/MpvCore.h"
 
-#include "platform/linux/audio/LibraryPages.h"
 #include "platform/linux/audio/MpvOptions.h"
 
 #include <algorithm>
@@ -79,20 +78,19 @@ void MpvCore::makeHandle() {
     m_startedEntry.reset();
     m_coreIdle = true;
     m_pausedForCache = false;
-    MpvHandle::make(m_mainQueue, m_recipe, m_lifetime.guard([this] { drain(); }),
-                    m_lifetime.guard([this](const std::shared_ptr<MpvHandle>& handle, const QString& reason) {
-                        handleReady(handle, reason);
-                    }));
+    MpvHandle::make(
+        m_mainQueue, m_recipe, m_lifetime.guard([this] { drain(); }),
+        m_lifetime.guard([this](const Result<std::shared_ptr<MpvHandle>>& handle) { handleReady(handle); }));
 }
 
-void MpvCore::handleReady(std::shared_ptr<MpvHandle> handle, const QString& reason) {
+void MpvCore::handleReady(const Result<std::shared_ptr<MpvHandle>>& handle) {
     m_making = false;
-    m_handle = std::move(handle);
-    if (!m_handle) {
-        m_report(reason);
+    if (!handle) {
+        m_report(handle.error());
         deliver({EngineEvent::ended(EndCause::engine)});
         return;
     }
+    m_handle = *handle;
     setVolume(m_volume);
     setPaused(m_pause);
     if (m_handler)
@@ -215,14 +213,10 @@ void MpvCore::takeProperty(const mpv_event& event, std::vector<EngineEvent>& eve
 void MpvCore::deliver(const std::vector<EngineEvent>& events) {
     if (events.empty() || !m_handler)
         return;
-    const auto is = [](EngineEvent::Kind kind) {
-        return [kind](const EngineEvent& event) { return event.kind == kind; };
-    };
-    if (std::any_of(events.begin(), events.end(), is(EngineEvent::Kind::playbackRestarted)))
-        LibraryPages::giveBackOnce(m_mainQueue);
     // Whoever is told may load, stop or end this core: nothing of it is touched afterwards.
     auto handler = m_handler;
-    if (std::any_of(events.begin(), events.end(), is(EngineEvent::Kind::ended))) {
+    if (std::any_of(events.begin(), events.end(),
+                    [](const EngineEvent& event) { return event.kind == EngineEvent::Kind::ended; })) {
         m_handler = nullptr;
         m_entry.reset();
         m_startTimer.reset();

@@ -30,7 +30,7 @@ public:
 
 private:
     void makeHandle();
-    void handleReady(std::shared_ptr<MpvHandle> handle, const QString& reason);
+    void handleReady(const Result<std::shared_ptr<MpvHandle>>& handle);
     void startLoading();
     void replaceHungHandle();
     void drain();

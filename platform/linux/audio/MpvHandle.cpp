@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/audio/MpvHandle.h"
 
-#include "platform/linux/audio/MpvOptions.h"
 #include "platform/linux/net/UserAgent.h"
 
 #include <array>
+#include <atomic>
 #include <clocale>
 #include <system_error>
 #include <thread>
@@ -16,35 +16,43 @@ namespace {
 
 std::atomic<int> endingHandles{0};
 
-void endInBackground(std::shared_ptr<const MpvLibrary> library, mpv_handle* handle,
-                     std::shared_ptr<void> neededUntilThen) {
-    ++endingHandles;
-    try {
-        std::thread([library = std::move(library), handle, needed = std::move(neededUntilThen)] {
-            library->terminateDestroy(handle);
-            --endingHandles;
-        }).detach();
-    } catch (const std::system_error&) {
-        // No thread to be had: better an mpv that idles for ever than a main thread that waits.
-        std::array<const char*, 2> stop{"stop", nullptr};
-        library->commandAsync(handle, 0, stop.data());
-    }
-}
-
 } // namespace
 
-/// What mpv rings, from any of its threads, when it has events. Rings once until the events are fetched. With
-/// it stays, to the end of mpv, what else its threads come to.
-struct MpvHandle::Doorbell {
-    Doorbell(MainQueue& queue, std::function<void()> handler)
+/// An mpv that is over, and what its threads still call.
+struct MpvHandle::Ending {
+    std::shared_ptr<const MpvLibrary> library;
+    mpv_handle* handle;
+    std::shared_ptr<Callbacks> callbacks;
+};
+
+/// What mpv's threads call, to the very end of mpv.
+struct MpvHandle::Callbacks {
+    Callbacks(MainQueue& queue, Recipe made, std::function<void()> handler)
         : mainQueue(queue)
+        , recipe(std::move(made))
         , onEvents(std::move(handler)) {}
 
+    /// From any thread of mpv's, when it has events. Posts once until they are fetched.
+    static void wakeUp(void* data) {
+        auto* self = static_cast<Callbacks*>(data);
+        if (self->isPosted.exchange(true))
+            return;
+        self->mainQueue.async([weak = self->self] {
+            const auto alive = weak.lock();
+            if (alive && !alive->isOver) {
+                alive->isPosted = false;
+                alive->onEvents();
+            }
+        });
+    }
+
     MainQueue& mainQueue;
+    const Recipe recipe;
     const std::function<void()> onEvents;
-    std::atomic<bool> rung{false};
-    std::atomic<bool> unheard{false};
-    std::weak_ptr<Doorbell> self;
+    std::atomic<bool> isPosted{false};
+    /// Main thread only.
+    bool isOver = false;
+    std::weak_ptr<Callbacks> self;
     std::optional<StreamSource> streams;
 };
 
@@ -53,95 +61,87 @@ void MpvHandle::make(MainQueue& mainQueue, const Recipe& recipe, std::function<v
     // mpv refuses to start, and its numbers would go wrong, under any other notation. Here because it is not
     // safe on another thread, and not earlier because the application object sets the user's.
     std::setlocale(LC_NUMERIC, "C");
-    auto doorbell = std::make_shared<Doorbell>(mainQueue, std::move(onEvents));
-    doorbell->self = doorbell;
-    auto work = [&mainQueue, recipe, doorbell, ready] {
-        QString reason;
-        auto handle = makeNow(recipe, doorbell, reason);
-        mainQueue.async([ready, handle = std::move(handle), reason] { ready(handle, reason); });
+    endWhatWaits(recipe);
+    auto callbacks = std::make_shared<Callbacks>(mainQueue, recipe, std::move(onEvents));
+    callbacks->self = callbacks;
+    const auto post = [&mainQueue, ready](Result<std::shared_ptr<MpvHandle>> made) {
+        mainQueue.async([ready, made = std::move(made)] { ready(made); });
     };
-    try {
-        std::thread(work).detach();
-    } catch (const std::system_error&) {
-        mainQueue.async(
-            [ready] { ready(nullptr, QStringLiteral("No thread could be started for the audio engine")); });
-    }
+    if (!recipe.startThread([recipe, callbacks, post] { post(makeNow(recipe, callbacks)); }))
+        post(failure(QStringLiteral("No thread could be started for the audio engine")));
 }
 
 MpvHandle::MpvHandle(std::shared_ptr<const MpvLibrary> library, mpv_handle* handle,
-                     std::shared_ptr<Doorbell> doorbell)
+                     std::shared_ptr<Callbacks> callbacks)
     : m_library(std::move(library))
     , m_handle(handle)
-    , m_doorbell(std::move(doorbell)) {
-    m_library->setWakeupCallback(m_handle, &MpvHandle::ring, m_doorbell.get());
+    , m_callbacks(std::move(callbacks)) {
+    m_library->setWakeupCallback(m_handle, &Callbacks::wakeUp, m_callbacks.get());
 }
 
 MpvHandle::~MpvHandle() {
-    // Returns when no call is under way any more; the doorbell stays until the very end all the same.
+    // Returns when no call is under way any more; the callbacks stay until the very end all the same.
     m_library->setWakeupCallback(m_handle, nullptr, nullptr);
-    m_doorbell->unheard = true;
-    endInBackground(m_library, m_handle, m_doorbell);
+    m_callbacks->isOver = true;
+    waitingToEnd().push_back({m_library, m_handle, m_callbacks});
+    endWhatWaits(m_callbacks->recipe);
+}
+
+std::vector<MpvHandle::Ending>& MpvHandle::waitingToEnd() {
+    static auto* const waiting = new std::vector<Ending>;
+    return *waiting;
+}
+
+void MpvHandle::endWhatWaits(const Recipe& recipe) {
+    auto& waiting = waitingToEnd();
+    while (!waiting.empty()) {
+        const auto& next = waiting.back();
+        ++endingHandles;
+        const bool isStarted = recipe.startThread([next] {
+            next.library->terminateDestroy(next.handle);
+            --endingHandles;
+        });
+        if (!isStarted) {
+            --endingHandles;
+            std::array<const char*, 2> stop{"stop", nullptr};
+            next.library->commandAsync(next.handle, 0, stop.data());
+            return;
+        }
+        waiting.pop_back();
+    }
 }
 
 int MpvHandle::stillEnding() {
     return endingHandles;
 }
 
-std::shared_ptr<MpvHandle> MpvHandle::makeNow(const Recipe& recipe, const std::shared_ptr<Doorbell>& doorbell,
-                                              QString& reason) {
+bool MpvHandle::startDetachedThread(const std::function<void()>& work) {
+    try {
+        std::thread(work).detach();
+    } catch (const std::system_error&) {
+        return false;
+    }
+    return true;
+}
+
+Result<std::shared_ptr<MpvHandle>> MpvHandle::makeNow(const Recipe& recipe,
+                                                      const std::shared_ptr<Callbacks>& callbacks) {
     // First, so that no thread prepares TLS while hundreds of libraries are being loaded.
     HttpStream::Settings settings;
     settings.authorities = HttpStream::authorities(recipe.extraAuthorityFile);
     settings.userAgent = userAgent();
-    auto loaded = MpvLibrary::load(recipe.libraryFile);
-    if (const auto* problem = std::get_if<QString>(&loaded)) {
-        reason = *problem;
-        return nullptr;
+    const auto library = MpvLibrary::load(recipe.libraryFile);
+    const auto handle = library.and_then([](const auto& mpv) { return mpv->start(); });
+    if (!handle)
+        return failure(handle.error());
+    callbacks->streams.emplace(std::move(settings));
+    if (const int result = callbacks->streams->serve(*handle, (*library)->streamCbAddRo); result < 0) {
+        (*library)->terminateDestroy(*handle);
+        return failure(QStringLiteral("libmpv does not take our streams: ") + (*library)->errorText(result));
     }
-    const auto library = std::get<std::shared_ptr<const MpvLibrary>>(loaded);
-    mpv_handle* handle = library->create();
-    if (!handle) {
-        reason = QStringLiteral("libmpv cannot be started");
-        return nullptr;
-    }
-    doorbell->streams.emplace(std::move(settings));
-    reason = configure(*library, handle, *doorbell->streams);
-    if (!reason.isEmpty()) {
-        library->terminateDestroy(handle);
-        return nullptr;
-    }
-    return std::shared_ptr<MpvHandle>(new MpvHandle(library, handle, doorbell));
-}
-
-QString MpvHandle::configure(const MpvLibrary& library, mpv_handle* handle, StreamSource& streams) {
-    for (const auto& option : mpvOptions()) {
-        const int result = library.setOptionString(handle, option.name, option.value.constData());
-        if (result < 0 && option.need == MpvOption::Need::required)
-            return QStringLiteral("libmpv does not take the option %1: %2")
-                .arg(QString::fromLatin1(option.name), QString::fromUtf8(library.errorString(result)));
-    }
-    if (const int result = library.initialize(handle); result < 0)
-        return QStringLiteral("libmpv cannot be started: %1")
-            .arg(QString::fromUtf8(library.errorString(result)));
-    if (const int result = streams.serve(handle, library.streamCbAddRo); result < 0)
-        return QStringLiteral("libmpv does not take our streams: %1")
-            .arg(QString::fromUtf8(library.errorString(result)));
-    library.observeProperty(handle, coreIdleId, "core-idle", MPV_FORMAT_FLAG);
-    library.observeProperty(handle, pausedForCacheId, "paused-for-cache", MPV_FORMAT_FLAG);
-    return {};
-}
-
-void MpvHandle::ring(void* doorbell) {
-    auto* bell = static_cast<Doorbell*>(doorbell);
-    if (bell->rung.exchange(true))
-        return;
-    bell->mainQueue.async([weak = bell->self] {
-        const auto alive = weak.lock();
-        if (alive && !alive->unheard) {
-            alive->rung = false;
-            alive->onEvents();
-        }
-    });
+    (*library)->observeProperty(*handle, coreIdleId, "core-idle", MPV_FORMAT_FLAG);
+    (*library)->observeProperty(*handle, pausedForCacheId, "paused-for-cache", MPV_FORMAT_FLAG);
+    return std::shared_ptr<MpvHandle>(new MpvHandle(*library, *handle, callbacks));
 }
 
 void MpvHandle::command(std::uint64_t id, const QByteArray& name, const QByteArray& argument) {

@@ -8,10 +8,10 @@
 #include <QByteArray>
 #include <QString>
 
-#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace zofra {
 
@@ -24,16 +24,18 @@ public:
         const char* libraryFile = MpvLibrary::defaultFileName;
         /// Trusted in addition to the system's authorities.
         std::optional<QString> extraAuthorityFile;
+        /// Runs work on a thread of its own; false when there is no thread to be had.
+        std::function<bool(std::function<void()>)> startThread = &startDetachedThread;
     };
-    /// The mpv, or null and why there is none, on one line.
-    using Ready = std::function<void(std::shared_ptr<MpvHandle>, const QString& reason)>;
+    using Ready = std::function<void(const Result<std::shared_ptr<MpvHandle>>&)>;
 
-    /// Makes one and posts it to `ready`. `onEvents` is then called on the main queue whenever there are
-    /// events to be fetched, until the handle ends. The queue outlives all of it.
+    /// Makes one and posts it to `ready`, or why there is none. `onEvents` is then called on the main queue
+    /// whenever there are events to be fetched, until the handle ends. The queue outlives all of it.
     static void make(MainQueue& mainQueue, const Recipe& recipe, std::function<void()> onEvents,
                      const Ready& ready);
 
-    /// Ends mpv in the background; no call comes after.
+    /// Silences mpv and ends it in the background; no call comes after. Without a thread to be had, it waits,
+    /// silent, for the next `make` or end.
     ~MpvHandle();
     MpvHandle(const MpvHandle&) = delete;
     MpvHandle& operator=(const MpvHandle&) = delete;
@@ -51,17 +53,20 @@ public:
     static constexpr std::uint64_t pausedForCacheId = 2;
 
 private:
-    struct Doorbell;
+    struct Callbacks;
+    struct Ending;
     MpvHandle(std::shared_ptr<const MpvLibrary> library, mpv_handle* handle,
-              std::shared_ptr<Doorbell> doorbell);
-    static std::shared_ptr<MpvHandle> makeNow(const Recipe& recipe, const std::shared_ptr<Doorbell>& doorbell,
-                                              QString& reason);
-    static QString configure(const MpvLibrary& library, mpv_handle* handle, StreamSource& streams);
-    static void ring(void* doorbell);
+              std::shared_ptr<Callbacks> callbacks);
+    static Result<std::shared_ptr<MpvHandle>> makeNow(const Recipe& recipe,
+                                                      const std::shared_ptr<Callbacks>& callbacks);
+    /// Those for which there was no thread to be had.
+    static std::vector<Ending>& waitingToEnd();
+    static void endWhatWaits(const Recipe& recipe);
+    static bool startDetachedThread(const std::function<void()>& work);
 
     std::shared_ptr<const MpvLibrary> m_library;
     mpv_handle* m_handle;
-    std::shared_ptr<Doorbell> m_doorbell;
+    std::shared_ptr<Callbacks> m_callbacks;
 };
 
 } // namespace zofra

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/audio/MpvLibrary.h"
 
+#include "platform/linux/audio/MpvOptions.h"
+
 #include <dlfcn.h>
 
 namespace zofra {
@@ -44,13 +46,13 @@ void silenceAlsa() {
 
 } // namespace
 
-std::variant<std::shared_ptr<const MpvLibrary>, QString> MpvLibrary::load(const char* fileName) {
+Result<std::shared_ptr<const MpvLibrary>> MpvLibrary::load(const char* fileName) {
     // Lazily: of the thousands of functions behind it, a radio needs few.
     void* handle = ::dlopen(fileName, RTLD_LAZY | RTLD_LOCAL);
     if (!handle) {
         const char* reason = ::dlerror();
-        return QStringLiteral("libmpv cannot be loaded: %1")
-            .arg(reason ? QString::fromLocal8Bit(reason) : QString::fromLatin1(fileName));
+        return failure(QStringLiteral("libmpv cannot be loaded: %1")
+                           .arg(reason ? QString::fromLocal8Bit(reason) : QString::fromLatin1(fileName)));
     }
     auto library = std::make_shared<MpvLibrary>();
     Symbols symbols(handle);
@@ -67,12 +69,32 @@ std::variant<std::shared_ptr<const MpvLibrary>, QString> MpvLibrary::load(const 
     symbols.find(library->errorString, "mpv_error_string");
     symbols.find(library->streamCbAddRo, "mpv_stream_cb_add_ro");
     if (!symbols.missing().isEmpty())
-        return QStringLiteral("libmpv cannot be used: it has no %1").arg(symbols.missing());
+        return failure(QStringLiteral("libmpv cannot be used: it has no %1").arg(symbols.missing()));
     const auto major = library->clientApiVersion() >> 16;
     if (major != MPV_CLIENT_API_VERSION >> 16)
-        return QStringLiteral("libmpv cannot be used: its interface has version %1").arg(major);
+        return failure(QStringLiteral("libmpv cannot be used: its interface has version %1").arg(major));
     silenceAlsa();
     return library;
+}
+
+Result<mpv_handle*> MpvLibrary::start() const {
+    mpv_handle* handle = create();
+    if (!handle)
+        return failure(QStringLiteral("libmpv cannot be started"));
+    const auto failed = [&](const QString& what, int error) {
+        terminateDestroy(handle);
+        return failure(what + QStringLiteral(": ") + errorText(error));
+    };
+    for (const auto& option : mpvOptions()) {
+        const int result = setOptionString(handle, option.name, option.value.constData());
+        if (result < 0 && option.need == MpvOption::Need::required)
+            return failed(QStringLiteral("libmpv does not take the option ") +
+                              QString::fromLatin1(option.name),
+                          result);
+    }
+    if (const int result = initialize(handle); result < 0)
+        return failed(QStringLiteral("libmpv cannot be started"), result);
+    return handle;
 }
 
 } // namespace zofra

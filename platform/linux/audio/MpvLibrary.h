@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QString>
+#include "platform/Result.h"
 
 #include <memory>
 #include <mpv/client.h>
 #include <mpv/stream_cb.h>
-#include <variant>
 
 namespace zofra {
 
@@ -14,10 +13,14 @@ namespace zofra {
 /// only waiting in the status bar should not carry them. Callable from any thread. Never unloaded.
 class MpvLibrary {
 public:
-    /// The library, or why it cannot be used, on one line. May take a tenth of a second: not for the main
-    /// thread.
-    [[nodiscard]] static std::variant<std::shared_ptr<const MpvLibrary>, QString> load(const char* fileName);
+    /// The library, or why it cannot be used. May take a tenth of a second: not for the main thread.
+    [[nodiscard]] static Result<std::shared_ptr<const MpvLibrary>> load(const char* fileName);
     static constexpr const char* defaultFileName = "libmpv.so.2";
+
+    /// A new mpv with every option of ours. The caller ends it.
+    [[nodiscard]] Result<mpv_handle*> start() const;
+    /// mpv's words for an error.
+    [[nodiscard]] QString errorText(int error) const { return QString::fromUtf8(errorString(error)); }
 
     decltype(&::mpv_client_api_version) clientApiVersion = nullptr;
     decltype(&::mpv_create) create = nullptr;

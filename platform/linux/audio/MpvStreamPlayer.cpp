@@ -33,7 +33,7 @@ void MpvStreamPlayer::play() {
         m_core->setPaused(AudioCore::Pause::no);
     else
         openWhenAllowed();
-    settle();
+    tellChanges();
 }
 
 void MpvStreamPlayer::pause() {
@@ -44,7 +44,7 @@ void MpvStreamPlayer::pause() {
         m_pauseTimer =
             m_engine->mainQueue.startTimer(longestHeldPause, MainQueue::Repeat::once, [this] { close(); });
     }
-    settle();
+    tellChanges();
 }
 
 void MpvStreamPlayer::setVolume(float volume) {
@@ -58,7 +58,7 @@ void MpvStreamPlayer::replaceCurrentItem(std::shared_ptr<StreamItem> item) {
     m_item = std::move(item);
     if (m_state.wanted() == EngineState::Sound::wanted)
         openWhenAllowed();
-    settle();
+    tellChanges();
 }
 
 ObservationToken MpvStreamPlayer::observeTimeControlStatus(std::function<void(TimeControlStatus)> handler) {
@@ -112,27 +112,21 @@ void MpvStreamPlayer::stopWaiting() {
 void MpvStreamPlayer::take(const std::vector<EngineEvent>& events) {
     for (const auto& event : events)
         m_state.take(event);
-    settle();
+    tellChanges();
 }
 
-void MpvStreamPlayer::settle() {
-    const auto outcome = m_state.settle();
+void MpvStreamPlayer::tellChanges() {
+    const auto outcome = m_state.conclude();
     // Any of those who are told may end this player.
-    const auto alive = std::make_shared<bool>(false);
-    auto mark = m_lifetime.guard([alive] { *alive = true; });
-    const auto isAlive = [&] {
-        *alive = false;
-        mark();
-        return *alive;
-    };
+    const auto lifetime = m_lifetime.token();
     const auto item = m_item;
     if (outcome.ended)
         connectionEnded(*outcome.ended);
     changeStatus(outcome.status);
-    if (outcome.stalled && isAlive())
+    if (outcome.stalled && lifetime.isAlive())
         item->playbackStalled.notify();
     // Not to somebody who has just paused: a fault must never bring sound back.
-    if (outcome.failed && isAlive() && m_state.wanted() == EngineState::Sound::wanted)
+    if (outcome.failed && lifetime.isAlive() && m_state.wanted() == EngineState::Sound::wanted)
         item->failedToPlayToEndTime.notify();
 }
 

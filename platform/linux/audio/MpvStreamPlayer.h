@@ -34,7 +34,7 @@ private:
     void close();
     void stopWaiting();
     void take(const std::vector<EngineEvent>& events);
-    void settle();
+    void tellChanges();
     void connectionEnded(EndCause cause);
     void changeStatus(TimeControlStatus status);
     void beginSilence();

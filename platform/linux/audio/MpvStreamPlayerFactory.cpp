@@ -31,17 +31,11 @@ MpvStreamPlayerFactory::MpvStreamPlayerFactory(MainQueue& mainQueue, SystemLog& 
     MpvHandle::Recipe recipe;
     recipe.libraryFile = configuration.libraryFile;
     recipe.extraAuthorityFile = std::move(configuration.extraAuthorityFile);
-    // The cores report to the engine that owns them; by then it is there.
-    auto self = std::make_shared<std::weak_ptr<AudioEngine>>();
-    auto makeCore = [&mainQueue, recipe, self] {
-        return std::make_unique<MpvCore>(mainQueue, recipe, [self](const QString& reason) {
-            if (const auto engine = self->lock())
-                engine->report(reason);
-        });
+    auto makeCore = [&mainQueue, recipe](MpvCore::Report report) {
+        return std::make_unique<MpvCore>(mainQueue, recipe, std::move(report));
     };
     m_engine = std::make_shared<AudioEngine>(
         mainQueue, log, steadyClock(), [] { return QRandomGenerator::global()->generateDouble(); }, makeCore);
-    *self = m_engine;
 }
 
 MpvStreamPlayerFactory::~MpvStreamPlayerFactory() = default;

@@ -17,11 +17,11 @@ protected:
     EngineState::Outcome batch(std::initializer_list<EngineEvent> events) {
         for (const auto& event : events)
             state.take(event);
-        return state.settle();
+        return state.conclude();
     }
     EngineState::Outcome want(EngineState::Sound sound) {
         state.want(sound);
-        return state.settle();
+        return state.conclude();
     }
     void startPlaying() {
         state.want(EngineState::Sound::wanted);
@@ -35,7 +35,7 @@ protected:
 };
 
 TEST_F(State, beginsPaused) {
-    const auto outcome = state.settle();
+    const auto outcome = state.conclude();
     EXPECT_EQ(outcome.status, paused);
     EXPECT_FALSE(outcome.stalled);
     EXPECT_FALSE(outcome.failed);
@@ -76,7 +76,7 @@ TEST_F(State, stallsOnceUntilTheDataIsBack) {
     auto outcome = batch({EngineEvent::coreIdle(true), EngineEvent::pausedForCache(true)});
     EXPECT_EQ(outcome.status, waiting);
     EXPECT_TRUE(outcome.stalled);
-    EXPECT_FALSE(state.settle().stalled);
+    EXPECT_FALSE(state.conclude().stalled);
     EXPECT_FALSE(want(EngineState::Sound::wanted).stalled) << "being asked again is not a new stall";
     outcome = batch({EngineEvent::coreIdle(false), EngineEvent::pausedForCache(false)});
     EXPECT_EQ(outcome.status, playing);
@@ -132,7 +132,7 @@ TEST_F(State, failsOnceWhenTheStreamEnds) {
     EXPECT_EQ(outcome.ended, EndCause::stream);
     EXPECT_EQ(outcome.status, waiting);
     EXPECT_FALSE(state.isOpen());
-    outcome = state.settle();
+    outcome = state.conclude();
     EXPECT_FALSE(outcome.failed);
     EXPECT_FALSE(outcome.ended);
     EXPECT_EQ(outcome.status, waiting);
@@ -171,7 +171,7 @@ TEST_F(State, saysWhyItEnded) {
 TEST_F(State, closedOnPurposeIsNoFailure) {
     startPlaying();
     state.closed();
-    const auto outcome = state.settle();
+    const auto outcome = state.conclude();
     EXPECT_FALSE(outcome.failed);
     EXPECT_FALSE(outcome.ended);
     EXPECT_EQ(outcome.status, waiting);

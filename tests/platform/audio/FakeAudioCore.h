@@ -80,7 +80,7 @@ private:
 };
 
 inline AudioCoreMaker FakeAudioCores::maker() {
-    return [this] { return std::make_unique<FakeAudioCore>(*this); };
+    return [this](const auto&) { return std::make_unique<FakeAudioCore>(*this); };
 }
 
 } // namespace zofra::test

@@ -182,9 +182,17 @@ protected:
     ManualMainQueue& queue = lastingQueue();
     QStringList reported;
     QStringList told;
-    std::unique_ptr<MpvCore> core =
-        std::make_unique<MpvCore>(queue, MpvHandle::Recipe{ZOFRA_FAKE_MPV, std::nullopt},
-                                  [this](const QString& reason) { reported << reason; });
+    /// Threads are to be had. What is shared lasts as long as the last mpv.
+    std::shared_ptr<bool> hasThreads = std::make_shared<bool>(true);
+    std::unique_ptr<MpvCore> core = std::make_unique<MpvCore>(
+        queue,
+        MpvHandle::Recipe{ZOFRA_FAKE_MPV, std::nullopt,
+                          [hasThreads = hasThreads](const std::function<void()>& work) {
+                              if (*hasThreads)
+                                  std::thread(work).detach();
+                              return *hasThreads;
+                          }},
+        [this](const QString& reason) { reported << reason; });
 };
 
 TEST_F(Core, makesNoMpvBeforeItIsNeeded) {
@@ -352,6 +360,33 @@ TEST_F(Core, leavesNoMoreThanThreeHungOnesBehind) {
     waitFor([] { return MpvHandle::stillEnding() == 0; });
     queue.advance(750ms);
     waitUntilMade(5);
+}
+
+TEST_F(Core, failsInOneLineWhileNoThreadIsToBeHadAndPlaysLater) {
+    *hasThreads = false;
+    core->load(QUrl(QStringLiteral("https://a.example/1.aac")),
+               [this](const std::vector<EngineEvent>& events) { told << text(events.front()); });
+    queue.drain();
+    EXPECT_THAT(told, ElementsAre(QStringLiteral("no engine")));
+    EXPECT_THAT(reported, ElementsAre(QStringLiteral("No thread could be started for the audio engine")));
+    *hasThreads = true;
+    load("https://a.example/1.aac");
+}
+
+TEST_F(Core, endsWhatIsOverOnceThreadsAreToBeHadAgain) {
+    startPlaying("https://a.example/x.aac", 1);
+    *hasThreads = false;
+    simple(MPV_EVENT_SHUTDOWN);
+    ring();
+    EXPECT_THAT(takeCalls(), ElementsAre("stop")) << "silent, though not ended";
+    EXPECT_FALSE(fake.instances.front()->isEnded);
+    EXPECT_EQ(MpvHandle::stillEnding(), 0) << "it does not keep others from being replaced";
+    *hasThreads = true;
+    load("https://a.example/x.aac", 2);
+    waitFor([this] {
+        const std::scoped_lock lock(fake.mutex);
+        return fake.instances.front()->isEnded;
+    });
 }
 
 TEST_F(Core, doesNotWaitForTheStartOfWhatItStopped) {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/audio/MpvOptions.h"
 
-#include "platform/linux/audio/LibraryPages.h"
 #include "tests/support/PrintQt.h"
 
 #include <QRegularExpression>
@@ -53,14 +52,6 @@ TEST(MpvOptions, insistOnWhatKeepsTheListenerSafe) {
         EXPECT_EQ(option->second.value, value) << name;
         EXPECT_EQ(option->second.need, MpvOption::Need::required) << name;
     }
-}
-
-TEST(LibraryPages, comeBackByThemselvesAfterTheyWereLetGo) {
-    const QString text = QStringLiteral("ZOFRA 12").toLower();
-    EXPECT_GT(LibraryPages::giveBack(), 1'000'000U) << "at least Qt's and the C library's";
-    EXPECT_EQ(QStringLiteral("ZOFRA 12").toLower(), text);
-    EXPECT_TRUE(QRegularExpression(QStringLiteral("^zofra \\d+$")).match(text).hasMatch());
-    EXPECT_THROW(std::string().at(1), std::out_of_range) << "also the tables that unwinding reads";
 }
 
 } // namespace
