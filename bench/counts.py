@@ -130,11 +130,11 @@ def shell(stage, binary=BINARY):
     return found
 
 
-def search(stage, binary=BINARY):
+def search(stage, binary=BINARY, players=PLAYERS):
     """{what: figures} of one search that finds players."""
     with stage.status_bar() as bar, Counted(stage, binary=binary, discovery=True) as radio:
         stage.lab.household.others(mode="refused")
-        stage.lab.household.scene(scene="many", count=PLAYERS)
+        stage.lab.household.scene(scene="many", count=players)
         item = bar.wait_for_item(60)
         wait_until(lambda: not radio.status()["scanning"], 120, "the first run", 0.5)
         menu = Menu(stage.peer, item.name, "/MenuBar")
@@ -146,9 +146,27 @@ def search(stage, binary=BINARY):
         settle(1.0)
         taken = radio.taken()
         found = [room["title"] for room in radio.status()["rooms"]]
-        if len(found) != PLAYERS:
-            raise RuntimeError(f"a search of {PLAYERS} players showed {found}")
-        return {f"a search of {PLAYERS} players": taken}
+        if len(found) != players:
+            raise RuntimeError(f"a search of {players} players showed {found}")
+        return {f"a search of {players} players": taken}
+
+
+def menu_with(stage, rooms):
+    """Figures of one menu in which that many rooms are shown."""
+    with stage.status_bar() as bar, Counted(stage, discovery=True) as radio:
+        stage.lab.household.others(mode="refused")
+        stage.lab.household.scene(scene="many" if rooms else "empty", count=rooms)
+        item = bar.wait_for_item(60)
+        wait_until(lambda: not radio.status()["scanning"], 300, "the first run", 0.5)
+        if len(radio.status()["rooms"]) != rooms:
+            raise RuntimeError(f"a search of {rooms} players showed {len(radio.status()['rooms'])}")
+        menu = Menu(stage.peer, item.name, "/MenuBar")
+        menu.look()
+        settle()
+        radio.zero()
+        for _ in range(MENUS):
+            menu.look()
+        return _each(radio.taken(), MENUS)
 
 
 def wakes(stage, binary=BINARY, seconds=20.0):

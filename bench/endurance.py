@@ -1,56 +1,74 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What is left behind by much of the same: memory, threads and descriptors after thousands of repetitions."""
+"""What is left behind by much of the same: memory, threads and descriptors after thousands of repetitions, and after hours."""
 
+import glob
 import time
 
-from stage import slope
+import long_run
+import plot
 from zofralab.household import measure
 from zofralab.process import wait_until
 
 RESCAN = ("Audio Output (…", "🔄 Search for Sonos and Zofra devices")
-STATIONS = ("qmusic", "joe", "zofra", "radio_contact")
+COUNTS = {"songs": 10_000, "stations": 1000, "menus": 1000, "panels": 500}
+#: Hours, and how many times faster than a clock they pass for the program.
+HOURS, SPEED = 8, 60
 
 
-def _held(radio):
-    return {"memory": measure.own_memory(radio.pid), "threads": radio.threads(), "descriptors": radio.descriptors()}
+def _show(stage, what, held, count, name, across="repetitions"):
+    """A row and a plot."""
+    growth = long_run.grown(held)
+    first, last = held[0], held[-1]
+    stage.row(what, f"{growth['memory'] * 1024 / count:+.2f} B each, {first['memory']} -> {last['memory']} kB, threads "
+              f"{first['threads']} -> {last['threads']}, files {first['descriptors']} -> {last['descriptors']}", "slope 0",
+              bytes_each=growth["memory"] * 1024 / count, grown=growth, held=held)
+    step = count / len(held)
+    stage.draw(name, plot.lines(what, across, {
+        "anonymous memory, kB": [(step * (i + 1), one["memory"]) for i, one in enumerate(held)],
+        "threads": [(step * (i + 1), one["threads"]) for i, one in enumerate(held)],
+        "descriptors": [(step * (i + 1), one["descriptors"]) for i, one in enumerate(held)]}))
 
 
-def _show(stage, what, held, each):
-    """The first third warms caches; the rest has to be flat."""
-    rest = held[len(held) // 3:]
-    grown = slope([one["memory"] for one in rest]) / each
-    stage.row(what, f"{grown * 1024:+.1f} B each, {rest[0]['memory']} -> {rest[-1]['memory']} kB, threads "
-              f"{rest[0]['threads']} -> {rest[-1]['threads']}, files {rest[0]['descriptors']} -> "
-              f"{rest[-1]['descriptors']}", "slope 0", bytes_each=grown * 1024, held=held)
+def _repetitions(stage, share):
+    """Songs, menus, panels and station changes, each with a radio of its own."""
+    for what, full in COUNTS.items():
+        count = max(long_run.SAMPLES, int(full * share))
+        with stage.status_bar() as bar, stage.radio() as radio:
+            radio.write_settings()
+            if what != "menus":
+                radio.write_section("tray", mode="direct")
+            radio.start(*(("--play", "qmusic") if what == "stations" else ()), headless=False)
+            item = bar.wait_for_item()
+            held = {
+                "songs": lambda: long_run.songs(stage.lab, radio, item, count),
+                "menus": lambda: long_run.menus(radio, item, count),
+                "panels": lambda: long_run.panels(stage.peer, radio, stage.display, item, count),
+                "stations": lambda: long_run.stations(stage.peer, radio, stage.ears, count),
+            }[what]()
+            name = {"songs": "live songs", "stations": "station changes while playing"}.get(what, f"{what} opened and closed")
+            _show(stage, f"{count} {name}", held, count, f"long-{what}")
 
 
-def _updates(stage, count=10_000, every=250):
+def _hours(stage, share):
+    """Hours of waiting, with every poll and every search of them, for a program whose clocks run faster."""
+    faketime = glob.glob("/usr/lib/*/faketime/libfaketimeMT.so.1")
+    if not faketime:
+        stage.row(f"{HOURS} hours", "not measured: libfaketime is not installed", "slope 0")
+        return
     with stage.status_bar() as bar, stage.radio() as radio:
-        radio.start(headless=False)
-        item = bar.wait_for_item()
-        wait_until(lambda: "–" in item.title, 10, "the first song")
-        held = []
-        for index in range(count):
-            stage.lab.livefeed.song(station="zofra", artist=f"Artist {index}", title=f"Title {index}")
-            if (index + 1) % every == 0:
-                wait_until(lambda wanted=f"Title {index}": wanted in item.title, 30, "the last song")
-                held.append(_held(radio))
-        _show(stage, f"{count} live songs", held, every)
-
-
-def _switches(stage, count=200, every=5):
-    with stage.radio() as radio:
-        radio.start("--play", STATIONS[0])
-        held = []
-        for index in range(count):
-            station = STATIONS[(index + 1) % len(STATIONS)]
-            since = time.monotonic()
-            assert radio.ask("--play", station).returncode == 0
-            stage.ears.wait_for((station, "aac"), 15, since=since, seconds=0.1)
-            if (index + 1) % every == 0:
-                held.append(_held(radio))
-                stage.ears.forget()
-        _show(stage, f"{count} station switches", held, every)
+        stage.lab.household.others(mode="refused")
+        radio.environment.update(LD_PRELOAD=faketime[0], FAKETIME=f"+0 x{SPEED}")
+        radio.start(headless=False, discovery=True, wait=False)
+        bar.wait_for_item()
+        hours, held = HOURS * share, []
+        rest = hours * 3600 / SPEED / long_run.SAMPLES
+        time.sleep(long_run.WARM_SECONDS)
+        for _ in range(long_run.SAMPLES):
+            time.sleep(rest)
+            stage.lab.livefeed.advance(station="zofra")
+            held.append(long_run.hold(radio))
+        asked, searched = len(stage.lab.onair.requests()), len(stage.lab.household.searches())
+        _show(stage, f"{hours:g} simulated hours: {asked} polls, {searched} search datagrams", held, hours, "long-hours", "hours")
 
 
 def _discovery(stage, count):
@@ -61,12 +79,12 @@ def _discovery(stage, count):
         menu = bar.wait_for_item().menu
         wait_until(lambda: not radio.status()["scanning"], 60, "the first run", 0.2)
         held = measure.repeated_runs(radio, log, lambda: menu.choose(*RESCAN), count)
-        _show(stage, f"{count} discovery runs", held, 1)
+        _show(stage, f"{count} discovery runs", held[len(held) // 3:], count - count // 3, "long-searches")
 
 
-def run(stage, _seconds, runs=60):
-    """Every row; `runs` searches for players, each of which takes about four seconds."""
+def run(stage, _seconds, runs=60, share=1.0):
+    """Every row; `runs` searches for players, each of which takes about four seconds; `share` of everything else."""
     stage.heading("Endurance")
-    _updates(stage)
-    _switches(stage)
+    _repetitions(stage, share)
+    _hours(stage, share)
     _discovery(stage, runs)

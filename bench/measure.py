@@ -24,16 +24,20 @@ def tree(pid):
     return found
 
 
-def pss_mb(pid):
-    """Proportional set size of the tree, in MB."""
-    total = 0
+def memory_mb(pid):
+    """(anonymous memory, proportional set size) of the tree, in MB: what is its own alone, and with it its share of the files
+    that it has mapped and others may have as well."""
+    totals = {"Anonymous:": 0, "Pss:": 0}
     for one in tree(pid):
         try:
             with open(f"/proc/{one}/smaps_rollup", encoding="ascii") as file:
-                total += next(int(line.split()[1]) for line in file if line.startswith("Pss:"))
-        except (OSError, StopIteration):
+                for line in file:
+                    name, _, rest = line.partition(" ")
+                    if name in totals:
+                        totals[name] += int(rest.split()[0])
+        except OSError:
             continue
-    return total / 1024
+    return totals["Anonymous:"] / 1024, totals["Pss:"] / 1024
 
 
 def cpu_seconds(pid):
@@ -69,8 +73,8 @@ def threads_and_descriptors(pid):
 
 
 def cost(pid, seconds):
-    """(PSS in MB, CPU in percent of a core, wake-ups per second) over a stretch of time."""
+    """((anonymous, PSS) in MB, CPU in percent of a core, wake-ups per second) over a stretch of time."""
     start, cpu, woken = time.monotonic(), cpu_seconds(pid), wake_ups(pid)
     time.sleep(seconds)
     elapsed = time.monotonic() - start
-    return pss_mb(pid), 100 * (cpu_seconds(pid) - cpu) / elapsed, (wake_ups(pid) - woken) / elapsed
+    return memory_mb(pid), 100 * (cpu_seconds(pid) - cpu) / elapsed, (wake_ups(pid) - woken) / elapsed

@@ -19,10 +19,14 @@ import costs  # noqa: E402
 import endurance  # noqa: E402
 import faults  # noqa: E402
 import latency  # noqa: E402
+import parsers  # noqa: E402
+import publish  # noqa: E402
+import sizes  # noqa: E402
 import speakers  # noqa: E402
 from stage import BINARY, Stage  # noqa: E402
 
-CHAPTERS = {"latency": latency, "costs": costs, "speakers": speakers, "faults": faults, "endurance": endurance}
+CHAPTERS = {"latency": latency, "costs": costs, "speakers": speakers, "faults": faults, "parsers": parsers, "sizes": sizes,
+            "endurance": endurance}
 
 
 def main():
@@ -31,6 +35,8 @@ def main():
     parser.add_argument("chapters", nargs="*", metavar="CHAPTER", help=f"of {', '.join(CHAPTERS)} (default: all)")
     parser.add_argument("--seconds", type=float, default=20.0, help="how long each cost is measured")
     parser.add_argument("--runs", type=int, default=60, help="searches for players in the endurance chapter")
+    parser.add_argument("--share", type=float, default=1.0, help="of the repetitions of the endurance chapter")
+    parser.add_argument("--publish", action="store_true", help="write the figures into docs/performance.md")
     parser.add_argument("--json", metavar="FILE", help="also write every figure there")
     parser.add_argument("--check", action="store_true", help="only count, and fail where something is a tenth worse")
     parser.add_argument("--baseline", action="store_true", help="only count, and keep that as what --check compares with")
@@ -48,11 +54,13 @@ def main():
             return check.write(stage, options.binary)
         for name in options.chapters or CHAPTERS:
             if name == "endurance":
-                endurance.run(stage, options.seconds, options.runs)
+                endurance.run(stage, options.seconds, options.runs, options.share)
             else:
                 CHAPTERS[name].run(stage, options.seconds)
         if options.json:
             stage.keep(options.json)
+        if options.publish:
+            publish.publish(stage.chapters, stage.pictures, load)
     return 0
 
 

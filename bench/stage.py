@@ -20,6 +20,8 @@ from zofralab.session import Session
 from zofralab.sound import Ears
 
 BINARY = os.path.join(ROOT, "build", "release", "bin", "zofrazofra")
+#: The least that a program of this kind can be: an application object of the toolkit and a name on the bus.
+FLOOR = os.path.join(ROOT, "build", "release", "bin", "floor")
 
 
 class Stage:
@@ -28,6 +30,9 @@ class Stage:
     def __init__(self):
         self._open = contextlib.ExitStack()
         self.rows = []
+        #: {title: its rows} and {name: (title, SVG)}, for those who publish.
+        self.chapters, self.pictures = {}, {}
+        self._title = ""
 
     def __enter__(self):
         self.place = self._open.enter_context(tempfile.TemporaryDirectory(prefix="zofrabench-"))
@@ -48,11 +53,17 @@ class Stage:
     def row(self, what, value, target, **figures):
         """Show one result at once, and keep its figures."""
         self.rows.append({"what": what, "value": value, "target": target, **figures})
-        print(f"{what:<46} {value:<46} {target}", flush=True)
+        self.chapters.setdefault(self._title, []).append(self.rows[-1])
+        print(f"{what:<46} {value:<46} {target:<16} {figures.get('floor', '')}", flush=True)
 
     def heading(self, text):
         """Show what the next rows are about."""
+        self._title = text
         print(f"\n{text}", flush=True)
+
+    def draw(self, name, svg):
+        """A picture for the rows of this heading."""
+        self.pictures[name] = (self._title, svg)
 
     def keep(self, path):
         """Write every row as JSON."""
