@@ -2,31 +2,97 @@
 """How long a person waits: for the item, for sound, for the menu and the panel, for a new song."""
 
 import json
+import math
 import statistics
+import struct
+import subprocess
 import time
 
-from radio import MEDIA_PLAYER
-from stage import quantile
+from radio import MEDIA_PLAYER, NAME
+from stage import FLOOR, quantile
 from zofralab.process import wait_until
 
 
-def _show(stage, name, values, target, unit=1e3):
+OBJECT, INTERFACE = "/be/zofra/ZofraZofra", "be.zofra.ZofraZofra1"
+STATIONS = ("qmusic", "joe", "zofra", "bel_rtl")
+
+
+def _show(stage, name, values, target, unit=1e3, floor=""):
     mark = "ms" if unit == 1e3 else "s"
     digits = 1 if unit == 1e3 else 2
     median, tail, worst = statistics.median(values), quantile(values, 0.99), max(values)
     stage.row(name, f"median {median * unit:.{digits}f}, p99 {tail * unit:.{digits}f}, worst {worst * unit:.{digits}f} "
-              f"{mark} ({len(values)})", target, median_s=median, p99_s=tail, worst_s=worst, count=len(values))
+              f"{mark} ({len(values)})", target, median_s=median, p99_s=tail, worst_s=worst, count=len(values), floor=floor)
 
 
 def _start(stage, runs=10):
-    times = []
+    """The radio and a bare program in turn, so that the load of the machine is the same for both."""
+    times, bare = [], []
     for _ in range(runs):
         with stage.status_bar() as bar, stage.radio() as radio:
             radio.start(headless=False, wait=False)
             item = bar.wait_for_item(10)
             stage.peer.wait_for_name(MEDIA_PLAYER, 10)
             times.append(max(item.registered_at, time.monotonic()) - radio.started_at)
-    _show(stage, "start to name on the bus and item", times, "<= 150 ms")
+        began = time.monotonic()
+        with stage.other([FLOOR]) as process:
+            if process is not None:
+                stage.peer.wait_for_name("be.zofra.Floor", 10)
+                bare.append(time.monotonic() - began)
+    _show(stage, "start to name on the bus and item", times, "<= 35 ms",
+          floor=f"bare program {statistics.median(bare) * 1e3:.1f} ms" if bare else "")
+
+
+def _call_floor(stage, calls=200):
+    """An empty call to the radio over the same bus."""
+    times = []
+    for _ in range(calls):
+        began = time.monotonic()
+        stage.peer.call(NAME, OBJECT, "org.freedesktop.DBus.Peer", "Ping")
+        times.append(time.monotonic() - began)
+    return f"empty call {statistics.median(times) * 1e3:.1f}, p99 {quantile(times, 0.99) * 1e3:.1f} ms"
+
+
+def _sound_floor(stage, runs=5):
+    """The first bytes of the stream by curl, and a tone by the sound server's own player until it is heard."""
+    first, device = [], []
+    for _ in range(runs):
+        done = subprocess.run([*stage.lab.enter("/"), "curl", "-s", "-m", "1", "--cacert", stage.lab.authority, "-o", "/dev/null",
+                               "-w", "%{time_starttransfer}", stage.address()], capture_output=True, text=True, check=False,
+                              env=stage.session.sound.environment)
+        first.append(float(done.stdout or "nan"))
+        samples = b"".join(struct.pack("<h", int(8000 * math.sin(2 * math.pi * 440 * i / 8000))) for i in range(8000))
+        stage.ears.wait_for(None, 10)
+        began = time.monotonic()
+        with subprocess.Popen(["pacat", "--rate=8000", "--channels=1", "--format=s16le", "--latency-msec=20"],
+                              stdin=subprocess.PIPE, env=stage.session.sound.environment) as process:
+            process.stdin.write(samples)
+            process.stdin.close()
+            wait_until(lambda began=began: any(span.what is not None for span in stage.ears.spans(began)), 10, "a tone", 0.01)
+            device.append(next(span.start for span in stage.ears.spans(began) if span.what is not None) - began)
+    return f"first byte {statistics.median(first):.2f} s, a tone heard {statistics.median(device):.2f} s"
+
+
+def _change(stage, changes=16):
+    """From the order to the new station's first sound."""
+    times = []
+    with stage.radio() as radio:
+        radio.start("--play", STATIONS[-1])
+        stage.ears.wait_for_any(((STATIONS[-1], "aac"), (STATIONS[-1], "mp3")), 20)
+        for index in range(changes):
+            station = STATIONS[index % len(STATIONS)]
+            time.sleep(1.5)
+            began = time.monotonic()
+            stage.peer.call(NAME, OBJECT, INTERFACE, "Run", "(a{sv})",
+                            ({"play": _variant("b", True), "station": _variant("s", station)},))
+            at, _ = stage.ears.wait_for_any(((station, "aac"), (station, "mp3")), 15, since=began, seconds=0.15)
+            times.append(at - began)
+    _show(stage, "station change to sound", times, "<= 0.25 s", 1)
+
+
+def _variant(kind, value):
+    from gi.repository import GLib  # pylint: disable=import-outside-toplevel
+    return GLib.Variant(kind, value)
 
 
 def _sound(stage, runs=7):
@@ -48,7 +114,7 @@ def _sound(stage, runs=7):
             began = time.monotonic()
             if process is not None:
                 theirs.append(stage.ears.wait_for(heard, 15, since=began, seconds=0.15) - began)
-    _show(stage, "play pressed to sound: zofrazofra", pressed, "<= mpv", 1)
+    _show(stage, "play pressed to sound: zofrazofra", pressed, "<= 0.25 s", 1, _sound_floor(stage))
     _show(stage, "start to sound: zofrazofra --play", ours, "", 1)
     if theirs:
         _show(stage, "start to sound: mpv", theirs, "", 1)
@@ -71,7 +137,7 @@ def _song(stage, songs=200):
                              if s.name in ("NewTitle", "XAyatanaNewLabel")
                              or wanted in json.dumps(s.arguments, ensure_ascii=False, default=str)), None)
             times.append(wait_until(told, 5, "the new title", 0.0005).at - sent)
-        _show(stage, "live frame sent to new title on the bus", times, "p99 <= 10 ms")
+        _show(stage, "live frame sent to new title on the bus", times, "p99 <= 1 ms", floor=_call_floor(stage))
 
 
 def _hang(lab):
@@ -95,7 +161,7 @@ def _menu_of_the_panel(stage, clicks=200):
             times.append(time.monotonic() - began)
             menu.close()
             time.sleep(0.05)
-        _show(stage, "click to menu, drawn by the panel, all hanging", times, "<= 16 ms")
+        _show(stage, "click to menu, drawn by the panel, all hanging", times, "p99 <= 5 ms", floor=_call_floor(stage))
 
 
 def _windows(stage, mode, click, name, clicks=40):
@@ -154,6 +220,7 @@ def run(stage, _seconds):
     stage.heading("Waiting")
     _start(stage)
     _sound(stage)
+    _change(stage)
     _song(stage)
     _menu_of_the_panel(stage)
     try:
