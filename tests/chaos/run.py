@@ -30,6 +30,7 @@ def play(steps, binary, report=None, seconds=None):
     from faults import Faults  # pylint: disable=import-outside-toplevel
     from judge import Judge, Violation  # pylint: disable=import-outside-toplevel
     from surroundings import Surroundings  # pylint: disable=import-outside-toplevel
+    from zofralab.control import ControlError  # pylint: disable=import-outside-toplevel
     violations, done = [], 0
     until = time.monotonic() + seconds if seconds else None
     with Surroundings(binary) as around:
@@ -50,6 +51,9 @@ def play(steps, binary, report=None, seconds=None):
                     time.sleep(step["then"])
                     judge.after_fault()
                     done += 1
+            except ControlError as error:
+                # The lab refuses what makes no sense beside an earlier fault: to pause what is off the air.
+                result = f"void: {error}"
             except Exception as error:  # what a step throws is a finding as well: no answer, no name, no item
                 result = f"{type(error).__name__}: {error}"
                 violations.append({**step, "result": result})
