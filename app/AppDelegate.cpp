@@ -247,7 +247,7 @@ void AppDelegate::scrollVolume(int steps) {
         std::clamp(shownVolumePercent(m_player.volume) + std::clamp(steps, -20, 20) * percentPerStep, 0, 100);
     chooseVolume(volumeOfPercent(percent));
     if (m_statusItem)
-        m_statusItem->flash(m_languages.volumeMenuTitle(percent));
+        m_statusItem->flashVolume(percent, m_languages.volumeMenuTitle(percent));
 }
 
 void AppDelegate::showAboutWindow() {

@@ -6,9 +6,11 @@
 #include "app/panel/PanelMenuStyle.h"
 #include "app/panel/PortalAppearance.h"
 #include "app/panel/QtPopupWindow.h"
+#include "platform/linux/IconTheme.h"
 #include "platform/linux/XdgLoginItem.h"
 #include "platform/linux/tray/LinuxStatusBar.h"
 #include "platform/linux/tray/WidgetMenu.h"
+#include "platform/linux/x11/XServer.h"
 
 #include <QApplication>
 #include <QScreen>
@@ -62,6 +64,7 @@ public:
         : m_environment(environment)
         , m_symbols(m_icons, m_appearance)
         , m_statusBar(itemEnvironment()) {
+        QApplication::setWindowIcon(m_icons.icon(QStringLiteral("ZofraLogo"), Qt::white));
         // Once the item is there. The first panel is to know light from dark, and the desktop's answer takes
         // a while.
         m_environment.mainQueue.async([this] { panel(); });
@@ -70,8 +73,12 @@ public:
     StatusBar& statusBar() override { return m_statusBar; }
     PopupWindowFactory& windows() override { return *this; }
     void setActivationToken(const QByteArray& token) override {
-        if (!token.isEmpty())
-            panel().factory.setActivationToken(token);
+        if (token.isEmpty())
+            return;
+        panel().factory.setActivationToken(token);
+        // Else the pointer is busy until the desktop gives up, for windows here come without its knowledge.
+        if (const auto server = XServer::ofToolkit())
+            server->endStartup(QString::fromUtf8(token));
     }
     void hideEverything() override { QApplication::closeAllWindows(); }
     IdleSteps preparation(const PopupPanelContent& content, const Menu& menu) override {
@@ -102,6 +109,7 @@ private:
                 m_environment.mainQueue,
                 m_symbols,
                 traySessionFromEnvironment(QGuiApplication::platformName(), setting),
+                icontheme::unusualFolder(),
                 m_environment.itemChanged,
                 [this](const QByteArray& token) { setActivationToken(token); }};
     }

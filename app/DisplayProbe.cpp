@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/DisplayProbe.h"
 
+#include "platform/linux/x11/XServer.h"
+
 #include <QDir>
 #include <QLibraryInfo>
 
-#include <cstdint>
-#include <cstdlib>
 #include <dlfcn.h>
-#include <string_view>
 
 namespace zofra {
 
@@ -15,36 +14,9 @@ namespace {
 
 using Connection = std::shared_ptr<void>;
 
-/// A library that the toolkit brings with it, so that nothing needs to link it. Stays loaded.
-class Library {
-public:
-    explicit Library(const char* name)
-        : m_handle(dlopen(name, RTLD_LAZY | RTLD_LOCAL)) {}
-    template<typename Function>
-    [[nodiscard]] Function* function(const char* name) const {
-        return m_handle ? reinterpret_cast<Function*>(dlsym(m_handle, name)) : nullptr;
-    }
-
-private:
-    void* m_handle;
-};
-
 /// Null unless an X server answers and lets this program in.
 Connection connectX11() {
-    if (qEnvironmentVariableIsEmpty("DISPLAY"))
-        return nullptr;
-    const Library library("libxcb.so.1");
-    auto* const connect = library.function<void*(const char*, int*)>("xcb_connect");
-    auto* const hasError = library.function<int(void*)>("xcb_connection_has_error");
-    auto* const disconnect = library.function<void(void*)>("xcb_disconnect");
-    if (!connect || !hasError || !disconnect)
-        return nullptr;
-    // What is in error must be freed this way, too.
-    const Connection connection(connect(nullptr, nullptr), [disconnect](void* opened) {
-        if (opened)
-            disconnect(opened);
-    });
-    return connection && hasError(connection.get()) == 0 ? connection : nullptr;
+    return XServer::connect();
 }
 
 Connection connectWayland() {
@@ -53,9 +25,12 @@ Connection connectWayland() {
     const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + QStringLiteral("/platforms"));
     if (plugins.entryList({QStringLiteral("libqwayland*.so")}, QDir::Files).isEmpty())
         return nullptr;
-    const Library library("libwayland-client.so.0");
-    auto* const connect = library.function<void*(const char*)>("wl_display_connect");
-    auto* const disconnect = library.function<void(void*)>("wl_display_disconnect");
+    // A library that the toolkit brings with it, so that nothing needs to link it. Stays loaded.
+    void* const library = dlopen("libwayland-client.so.0", RTLD_LAZY | RTLD_LOCAL);
+    if (!library)
+        return nullptr;
+    auto* const connect = reinterpret_cast<void* (*)(const char*)>(dlsym(library, "wl_display_connect"));
+    auto* const disconnect = reinterpret_cast<void (*)(void*)>(dlsym(library, "wl_display_disconnect"));
     if (!connect || !disconnect)
         return nullptr;
     return Connection(connect(nullptr), [disconnect](void* opened) {
@@ -95,37 +70,6 @@ std::optional<UsableDisplay> usableDisplay() {
     }
     const auto display = onlyWith(wayland, connectWayland());
     return display ? display : onlyWith(x11, connectX11());
-}
-
-bool hasOldStyleTray() {
-    // As they travel to and from the server.
-    struct Cookie {
-        unsigned int sequence;
-    };
-    struct Reply {
-        std::uint8_t type;
-        std::uint8_t pad;
-        std::uint16_t sequence;
-        std::uint32_t length;
-        std::uint32_t value;
-    };
-    const Connection connection = connectX11();
-    const Library library("libxcb.so.1");
-    auto* const askAtom =
-        library.function<Cookie(void*, std::uint8_t, std::uint16_t, const char*)>("xcb_intern_atom");
-    auto* const atomReply = library.function<Reply*(void*, Cookie, void**)>("xcb_intern_atom_reply");
-    auto* const askOwner = library.function<Cookie(void*, std::uint32_t)>("xcb_get_selection_owner");
-    auto* const ownerReply = library.function<Reply*(void*, Cookie, void**)>("xcb_get_selection_owner_reply");
-    if (!connection || !askAtom || !atomReply || !askOwner || !ownerReply)
-        return false;
-    using Answer = std::unique_ptr<Reply, decltype(&std::free)>;
-    constexpr std::string_view name = "_NET_SYSTEM_TRAY_S0";
-    void* const server = connection.get();
-    const Answer atom(atomReply(server, askAtom(server, 0, name.size(), name.data()), nullptr), &std::free);
-    if (!atom || atom->value == 0)
-        return false;
-    const Answer owner(ownerReply(server, askOwner(server, atom->value), nullptr), &std::free);
-    return owner && owner->value != 0;
 }
 
 } // namespace zofra

@@ -21,7 +21,4 @@ struct UsableDisplay {
 /// answers; absent when none does. The toolkit itself would end the program without a display.
 [[nodiscard]] std::optional<UsableDisplay> usableDisplay();
 
-/// Whether the X server has a tray of the old kind (XEmbed). Waits for the server's answer.
-[[nodiscard]] bool hasOldStyleTray();
-
 } // namespace zofra

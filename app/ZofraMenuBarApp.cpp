@@ -7,8 +7,6 @@
 #include "platform/linux/net/QtMetadataSocket.h"
 
 #include <QCoreApplication>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QJsonDocument>
 
 #include <cstdio>
@@ -21,6 +19,7 @@ namespace {
 ZofraMenuBarApp* s_current = nullptr;
 
 constexpr auto endLimit = std::chrono::milliseconds(1000);
+constexpr auto answerLimit = std::chrono::seconds(25);
 constexpr auto endLook = std::chrono::milliseconds(50);
 constexpr auto startupSettled = std::chrono::milliseconds(3000);
 constexpr auto settingsLimit = std::chrono::milliseconds(500);
@@ -37,16 +36,30 @@ QVariantMap bundle() {
             {QStringLiteral("CFBundleVersion"), QStringLiteral(ZOFRA_BUILD_NUMBER)}};
 }
 
-void writeError(const QString& line) {
-    std::fprintf(stderr, "zofrazofra: %s\n", qUtf8Printable(line));
+/// The stations as media displays and searches of desktops list them.
+std::vector<MprisPlaylists::Entry> playlists() {
+    std::vector<MprisPlaylists::Entry> entries;
+    for (const RadioStation station : RadioStation::allCases)
+        entries.push_back({station.rawValue(), station.displayName()});
+    return entries;
+}
+std::vector<SearchProvider::Entry> searchEntries() {
+    std::vector<SearchProvider::Entry> entries;
+    for (const RadioStation station : RadioStation::allCases)
+        entries.push_back({station.rawValue(), station.displayName(), station.genre()});
+    return entries;
 }
 
-/// Whether the bus answers at all; it knows what is asked.
-std::unique_ptr<QDBusPendingCallWatcher> askBus(const QDBusConnection& bus) {
-    const auto call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"));
-    return std::make_unique<QDBusPendingCallWatcher>(bus.asyncCall(call));
+/// What an action of the desktop file stands for: "play-" and a station, with hyphens for underscores.
+std::optional<RadioStation> stationOfAction(const QString& action) {
+    const QLatin1String prefix("play-");
+    if (!action.startsWith(prefix))
+        return std::nullopt;
+    return RadioStation::fromRawValue(action.mid(prefix.size()).replace(QLatin1Char('-'), QLatin1Char('_')));
+}
+
+void writeError(const QString& line) {
+    std::fprintf(stderr, "zofrazofra: %s\n", qUtf8Printable(line));
 }
 
 } // namespace
@@ -76,22 +89,14 @@ private:
         if (m_program.m_session.underWay() > 0)
             return;
         m_look.reset();
-        const auto bus = m_program.m_sessionBus.connection();
-        if (!bus) {
-            leave();
-            return;
-        }
-        // Messages leave in their order: when this one is answered, those before it are out.
-        m_lastCall = askBus(*bus);
-        QObject::connect(m_lastCall.get(), &QDBusPendingCallWatcher::finished, m_lastCall.get(),
-                         [] { leave(); });
+        // Messages leave in their order: when this is answered, those before it are out.
+        m_program.m_sessionBus.askHealth(endLimit, [](SessionBus::Health) { leave(); });
     }
     static void leave() { QCoreApplication::exit(0); }
 
     ZofraMenuBarApp& m_program;
     std::unique_ptr<Timer> m_look;
     std::unique_ptr<Timer> m_limit;
-    std::unique_ptr<QDBusPendingCallWatcher> m_lastCall;
 };
 
 ZofraMenuBarApp::ZofraMenuBarApp(Configuration configuration, QtMainQueue& mainQueue, SessionBus& sessionBus,
@@ -108,6 +113,7 @@ ZofraMenuBarApp::ZofraMenuBarApp(Configuration configuration, QtMainQueue& mainQ
     , m_wake(m_systemBus)
     , m_networkChange(m_mainQueue)
     , m_media(m_sessionBus)
+    , m_search(m_sessionBus, searchEntries())
     , m_streams(m_mainQueue, m_systemLog, {m_configuration.hosts.extraAuthorityFile()})
     , m_workspace(m_sessionBus) {
     s_current = this;
@@ -181,17 +187,12 @@ int ZofraMenuBarApp::run() {
 }
 
 void ZofraMenuBarApp::settle() {
-    const auto bus = m_sessionBus.connection();
-    if (!bus)
-        return;
     // Making the first widget waits for the bus, so it is done beforehand only when the bus is known to
     // answer.
-    m_busAnswer = askBus(*bus);
-    QObject::connect(m_busAnswer.get(), &QDBusPendingCallWatcher::finished, m_busAnswer.get(),
-                     [this](const QDBusPendingCallWatcher* answer) {
-                         if (!answer->isError())
-                             prepare();
-                     });
+    m_sessionBus.askHealth(answerLimit, [this](SessionBus::Health health) {
+        if (health == SessionBus::Health::answers)
+            prepare();
+    });
 }
 
 void ZofraMenuBarApp::prepare() {
@@ -207,18 +208,47 @@ void ZofraMenuBarApp::connectApplicationBus() {
     m_applicationBus.onOpen = [this](const QStringList&, const Activation& activation) { raise(activation); };
     m_applicationBus.onActivateAction = [this](const QString& action, const QVariantList&,
                                                const Activation&) {
-        if (action == QLatin1String("quit")) {
+        if (action == QLatin1String("quit"))
             m_delegate->quit();
-        } else if (action == QLatin1String("play")) {
-            Options options;
-            options.play = true;
-            static_cast<void>(m_commands->run(options));
-        }
+        else if (action == QLatin1String("play"))
+            play(std::nullopt);
+        else if (const auto station = stationOfAction(action))
+            play(station);
     };
+    m_search.onChosen = [this](const QString& id) { play(RadioStation::fromRawValue(id)); };
+    m_search.onShow = [this] { m_delegate->showAboutWindow(); };
+    m_applicationBus.onAnotherIsRunning = [this] { stepBack(); };
     m_applicationBus.onRun = [this](const QVariantMap& options) { return runRequest(options); };
     m_applicationBus.onStatus = [this] {
         return QString::fromUtf8(QJsonDocument(toJson(report())).toJson(QJsonDocument::Compact));
     };
+}
+
+void ZofraMenuBarApp::play(std::optional<RadioStation> station) {
+    Options options;
+    options.play = true;
+    options.station = station;
+    static_cast<void>(m_commands->run(options));
+}
+
+void ZofraMenuBarApp::stepBack() {
+    Options options;
+    if (!m_applicationBus.hasBeenRunning()) {
+        // What only a first start understands has had its effect.
+        options.play = m_configuration.options.play;
+        options.station = m_configuration.options.station;
+        options.output = m_configuration.options.output;
+    } else if (m_delegate->isPlaying()) {
+        const AudioOutputTarget target = SonosManager::shared().activeTarget;
+        options.play = true;
+        if (target == AudioOutputTarget::sonosEverywhere())
+            options.output = QStringLiteral("everywhere");
+        else if (target != AudioOutputTarget::localMac())
+            options.output = target.roomId();
+    }
+    // What plays in rooms is the other's now: nothing is stopped there.
+    m_applicationBus.handOver(toVariantMap(options), m_configuration.activation,
+                              [this] { m_application->terminate(); });
 }
 
 RunReply ZofraMenuBarApp::runRequest(const QVariantMap& map) {
@@ -244,6 +274,12 @@ void ZofraMenuBarApp::raise(const Activation& activation) {
 
 void ZofraMenuBarApp::connectMediaControls() {
     m_media.onVolumeRequested = [this](double volume) { m_delegate->setVolume(static_cast<float>(volume)); };
+    m_media.setStations(playlists());
+    m_media.onStationRequested = [](const QString& key) {
+        if (const auto station = RadioStation::fromRawValue(key))
+            RadioPlayer::shared().setStation(*station);
+    };
+    m_media.onPlayStationRequested = [this](const QString& key) { play(RadioStation::fromRawValue(key)); };
     m_media.onQuit = [this] { m_delegate->quit(); };
     if (m_configuration.display == Display::present)
         m_media.onRaise = [this] { m_delegate->showAboutWindow(); };
@@ -262,8 +298,10 @@ void ZofraMenuBarApp::connectChanges() {
 
 void ZofraMenuBarApp::changed() {
     showMediaState();
-    if (StatusItem* item = m_delegate->statusItem())
+    if (StatusItem* item = m_delegate->statusItem()) {
+        item->setBuffering(report().buffering);
         item->menuDidChange();
+    }
     writeChangeLines();
 }
 
@@ -281,6 +319,8 @@ void ZofraMenuBarApp::showMediaState() {
                              : player.player  ? State::paused
                                               : State::stopped);
     m_media.setVolume(static_cast<double>(player.volume.get()));
+    const RadioStation station = player.currentStation;
+    m_media.setStation(station.rawValue(), station.displayName());
 }
 
 StatusReport ZofraMenuBarApp::report() const {

@@ -16,6 +16,7 @@
 #include "platform/linux/MprisPlayer.h"
 #include "platform/linux/NetworkChange.h"
 #include "platform/linux/QtMainQueue.h"
+#include "platform/linux/SearchProvider.h"
 #include "platform/linux/SessionBus.h"
 #include "platform/linux/StandardOutputWriter.h"
 #include "platform/linux/SyslogLog.h"
@@ -26,8 +27,6 @@
 
 #include <memory>
 #include <optional>
-
-class QDBusPendingCallWatcher;
 
 namespace zofra {
 
@@ -74,6 +73,10 @@ private:
     void connectMediaControls();
     void connectApplicationBus();
     void connectChanges();
+    /// As a second start asks for it.
+    void play(std::optional<RadioStation> station);
+    /// Another has become the one running program: hands over what plays, or was asked for, and ends.
+    void stepBack();
     [[nodiscard]] RunReply runRequest(const QVariantMap& options);
     void raise(const Activation& activation);
     void changed();
@@ -97,6 +100,7 @@ private:
     LogindWake m_wake;
     NetworkChange m_networkChange;
     MprisPlayer m_media;
+    SearchProvider m_search;
     MpvStreamPlayerFactory m_streams;
     DesktopWorkspace m_workspace;
     std::unique_ptr<Desktop> m_desktop;
@@ -105,7 +109,6 @@ private:
     std::unique_ptr<ChangeWatch> m_changes;
     std::unique_ptr<CommandRunner> m_commands;
     std::unique_ptr<UnixSignals> m_signals;
-    std::unique_ptr<QDBusPendingCallWatcher> m_busAnswer;
     ChangeLines m_lines;
     std::vector<ObservationToken> m_observations;
 };

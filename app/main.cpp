@@ -3,12 +3,12 @@
 #include "app/DisplayProbe.h"
 #include "app/Options.h"
 #include "app/RemoteOptions.h"
-#include "app/StartupNotice.h"
 #include "app/StatusReport.h"
 #include "app/ZofraMenuBarApp.h"
 #include "app/doctor/DoctorRun.h"
 #include "platform/linux/Allocator.h"
 #include "platform/linux/XdgFolders.h"
+#include "platform/linux/x11/XServer.h"
 
 #include <QApplication>
 #include <QDBusConnectionInterface>
@@ -160,15 +160,15 @@ int main(int argc, char** argv) {
         return print(QStringLiteral("zofrazofra ") + version());
 
     bool hasDisplay = false;
-    const Activation activation = takeActivation();
+    const Activation activation = Activation::takeFromEnvironment();
     // The toolkit must not take options of ours for its own.
     int toolkitArgc = 1;
     // NOLINTNEXTLINE(clang-analyzer-deadcode.DeadStores): it is there until the end, and asked for by itself
     const auto application = makeApplication(options, toolkitArgc, argv, hasDisplay);
     // The toolkit sets the user's locale; the audio engine must read numbers with points.
     std::setlocale(LC_NUMERIC, "C");
-    if (QGuiApplication::platformName() == QLatin1String("xcb"))
-        endStartup(activation.desktopStartupId);
+    if (const auto server = XServer::ofToolkit())
+        server->endStartup(activation.desktopStartupId);
     const int status = start(options, hasDisplay, activation);
     // Threads may still be at work: whatever they use must not be taken apart under them.
     std::fflush(nullptr);

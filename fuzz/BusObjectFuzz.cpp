@@ -20,36 +20,29 @@ bool isOfType(const QVariant& value, int type) {
 }
 
 dbus::Interface table(double& volume) {
-    const auto one = [](const char* signature, int type) {
-        return dbus::Method{QString::fromLatin1("Take_%1").arg(QString::fromLatin1(signature).size()),
-                            {{QStringLiteral("value"), QString::fromLatin1(signature)}},
-                            {},
-                            [type](const QVariantList& arguments) {
+    const auto one = [](const char* name, const char* in, int type) {
+        return dbus::Method{name, in, "", [type](const QVariantList& arguments) {
                                 fuzz::require(arguments.size() == 1 && isOfType(arguments[0], type));
                                 return dbus::Answer{arguments, {}, {}};
                             }};
     };
-    return {QStringLiteral("org.example.Player"),
-            {one("s", QMetaType::QString),
-             one("as", QMetaType::QStringList),
-             {QStringLiteral("Nothing"),
-              {},
-              {},
-              [](const QVariantList& arguments) {
-                  fuzz::require(arguments.isEmpty());
-                  return dbus::Answer();
-              }}},
-            {},
-            {{QStringLiteral("Volume"), QStringLiteral("d"), [&volume] { return QVariant(volume); },
-              [&volume](const QVariant& value) -> std::optional<dbus::Error> {
-                  fuzz::require(isOfType(value, QMetaType::Double));
-                  volume = value.toDouble();
-                  return std::nullopt;
-              }},
-             {QStringLiteral("Fixed"),
-              QStringLiteral("s"),
-              [] { return QVariant(QStringLiteral("always")); },
-              {}}}};
+    const auto nothing = [](const QVariantList& arguments) {
+        fuzz::require(arguments.isEmpty());
+        return dbus::Answer();
+    };
+    const auto setVolume = [&volume](const QVariant& value) -> std::optional<dbus::Error> {
+        fuzz::require(isOfType(value, QMetaType::Double));
+        volume = value.toDouble();
+        return std::nullopt;
+    };
+    return {
+        "org.example.Player",
+        {one("Take_1", "value:s", QMetaType::QString),
+         one("Take_2", "value:as", QMetaType::QStringList),
+         {"Nothing", "", "", nothing}},
+        {},
+        {{"Volume", "d", [&volume] { return QVariant(volume); }, dbus::Property::Changes::areTold, setVolume},
+         dbus::constant("Fixed", "s", QStringLiteral("always"))}};
 }
 
 QVariant wrapped(fuzz::Input& input) {

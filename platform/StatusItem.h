@@ -87,11 +87,15 @@ public:
     std::function<void()> onSecondaryActivate;
     /// There is no status bar in which the item could be shown.
     std::function<void()> onUnavailable;
+    /// There is one, or one again.
+    std::function<void()> onAvailable;
 
     /// What `menuProvider` answers may have changed. Cheap; may be called often.
     virtual void menuDidChange() = 0;
-    /// Shows `text` in place of title and first tooltip line for a moment.
-    virtual void flash(const QString& text) = 0;
+    /// Shows for a moment that the volume is now `percent`, which `text` says.
+    virtual void flashVolume(int percent, const QString& text) = 0;
+    /// Whether what is meant to play is still awaited: the image tells it.
+    virtual void setBuffering(bool isBuffering) = 0;
     [[nodiscard]] virtual StatusItemMode mode() const = 0;
 };
 

@@ -16,6 +16,7 @@
 #include "platform/linux/net/CurlGlobal.h"
 #include "platform/linux/net/CurlHttpSession.h"
 #include "platform/linux/net/QtMetadataSocket.h"
+#include "platform/linux/x11/XServer.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -80,7 +81,8 @@ private:
             const SettingsFacts settings = SettingsFacts::of(IniDefaultsStore::defaultPath());
             facts.session = traySessionFromEnvironment(
                 facts.platform, QString::fromUtf8(settings.trayMode.value_or(QByteArray())));
-            facts.hasOldTray = display && facts.platform == QLatin1String("xcb") && hasOldStyleTray();
+            const auto server = facts.platform == QLatin1String("xcb") ? XServer::connect() : nullptr;
+            facts.hasOldTray = server && server->hasTray();
             isKnown->release();
             if (bus)
                 askForPanel(facts, *bus);

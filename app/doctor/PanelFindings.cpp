@@ -30,10 +30,10 @@ bool isChosenByUser(const QString& setting) {
     return setting == QLatin1String("direct") || setting == QLatin1String("hostmenu");
 }
 
-QString reasonFor(const DesktopFacts& facts, StatusNotifierObject::Way way) {
+QString reasonFor(const DesktopFacts& facts, StatusItemMode mode) {
     if (isChosenByUser(facts.session.setting))
         return QStringLiteral("as the setting tray/mode says");
-    if (way == StatusNotifierObject::Way::direct)
+    if (mode == StatusItemMode::direct)
         return QStringLiteral("for it passes both clicks on");
     return facts.session.windows == TraySession::Windows::wayland
                ? QStringLiteral("for on Wayland only the panel can place a menu")
@@ -41,13 +41,12 @@ QString reasonFor(const DesktopFacts& facts, StatusNotifierObject::Way way) {
 }
 
 Finding shown(const DesktopFacts& facts) {
-    const auto way = trayWay(facts.session);
-    const bool isDirect = way == StatusNotifierObject::Way::direct;
-    const QString mode = isDirect ? QStringLiteral("direct") : QStringLiteral("hostmenu");
+    const auto mode = trayMode(facts.session);
+    const QString name = statusItemModeName(mode);
     return fine(area(),
-                panelName(facts) + QStringLiteral(" shows the button; mode ") + mode + QStringLiteral(", ") +
-                    reasonFor(facts, way),
-                {{QStringLiteral("panel"), facts.session.panelProgram}, {QStringLiteral("mode"), mode}});
+                panelName(facts) + QStringLiteral(" shows the button; mode ") + name + QStringLiteral(", ") +
+                    reasonFor(facts, mode),
+                {{QStringLiteral("panel"), facts.session.panelProgram}, {QStringLiteral("mode"), name}});
 }
 
 Finding notShown(const DesktopFacts& facts) {

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/ApplicationBus.h"
 
+#include "platform/linux/DBusArguments.h"
 #include "platform/linux/DBusCalls.h"
 #include "platform/linux/DBusExportedObject.h"
 
-#include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusVariant>
 
@@ -17,37 +17,36 @@ using dbus::Answer;
 
 const auto busName = QStringLiteral("be.zofra.ZofraZofra");
 const auto objectPath = QStringLiteral("/be/zofra/ZofraZofra");
-const auto standardInterface = QStringLiteral("org.freedesktop.Application");
-const auto programInterface = QStringLiteral("be.zofra.ZofraZofra1");
+constexpr auto* standardInterface = "org.freedesktop.Application";
+constexpr auto* programInterface = "be.zofra.ZofraZofra1";
 const auto startupIdKey = QStringLiteral("desktop-startup-id");
 const auto tokenKey = QStringLiteral("activation-token");
+constexpr auto answerLimit = std::chrono::seconds(5);
+
+/// A call of the running program.
+QDBusMessage callOf(const char* interface, const char* method, const QVariantList& arguments) {
+    auto message = QDBusMessage::createMethodCall(busName, objectPath, QString::fromLatin1(interface),
+                                                  QString::fromLatin1(method));
+    message.setArguments(arguments);
+    // It is running or it is not; starting it is not what was asked for.
+    message.setAutoStartService(false);
+    return message;
+}
 
 Answer notOffered() {
-    return {{},
-            dbus::Error{QStringLiteral("org.freedesktop.DBus.Error.NotSupported"),
-                        QStringLiteral("The program does not offer this now")},
-            {}};
+    return dbus::refused("NotSupported", QStringLiteral("The program does not offer this now"));
 }
 
-/// A map as it comes from the bus, its values without their wrappers.
-QVariantMap mapFrom(const QVariant& value) {
-    auto map = value.metaType() == QMetaType::fromType<QDBusArgument>() ? qdbus_cast<QVariantMap>(value)
-                                                                        : value.toMap();
-    for (auto& entry : map) {
-        if (entry.metaType() == QMetaType::fromType<QDBusVariant>())
-            entry = qvariant_cast<QDBusVariant>(entry).variant();
-    }
-    return map;
+/// More than any request of ours, or of a desktop, has.
+constexpr int mostEntries = 64;
+
+Answer tooMuch() {
+    return dbus::refused("LimitsExceeded", QStringLiteral("No request has as much as that"));
 }
 
-QVariantList listFrom(const QVariant& value) {
-    auto list = value.metaType() == QMetaType::fromType<QDBusArgument>() ? qdbus_cast<QVariantList>(value)
-                                                                         : value.toList();
-    for (auto& entry : list) {
-        if (entry.metaType() == QMetaType::fromType<QDBusVariant>())
-            entry = qvariant_cast<QDBusVariant>(entry).variant();
-    }
-    return list;
+std::optional<Activation> activationFrom(const QVariant& platformData) {
+    const auto map = dbus::boundedMap(platformData, mostEntries);
+    return map ? std::optional(Activation::fromPlatformData(*map)) : std::nullopt;
 }
 
 } // namespace
@@ -65,8 +64,12 @@ QVariantMap Activation::platformData() const {
     return data;
 }
 
-Activation Activation::fromEnvironment() {
-    return {qEnvironmentVariable("DESKTOP_STARTUP_ID"), qEnvironmentVariable("XDG_ACTIVATION_TOKEN")};
+Activation Activation::takeFromEnvironment() {
+    const Activation activation{qEnvironmentVariable("DESKTOP_STARTUP_ID"),
+                                qEnvironmentVariable("XDG_ACTIVATION_TOKEN")};
+    qunsetenv("DESKTOP_STARTUP_ID");
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+    return activation;
 }
 
 ApplicationBus::ApplicationBus(SessionBus& bus)
@@ -93,68 +96,100 @@ ApplicationBus::Claim ApplicationBus::tryAcquire(std::chrono::milliseconds timeo
     }
     if (claim == Claim::anotherIsRunning)
         return claim;
-    m_connected = m_bus.observeConnected([this, served = now](const QDBusConnection& connection) {
-        if (served && served->name() == connection.name())
-            return;
-        m_object->exportOn(connection);
-        dbus::requestName(connection, busName, m_object.get(), [](dbus::NameRequest) {});
-    });
+    m_hasBeenRunning = claim == Claim::acquired;
+    m_connected = m_bus.observeConnected(
+        [this, owned = claim == Claim::acquired ? now : std::nullopt](const QDBusConnection& connection) {
+            if (!owned || owned->name() != connection.name())
+                this->claim(connection);
+        });
     m_disconnected = m_bus.observeDisconnected([this] { m_object->connectionLost(); });
     return claim;
 }
 
+void ApplicationBus::claim(const QDBusConnection& connection) {
+    m_object->exportOn(connection);
+    dbus::requestName(connection, busName, m_object.get(), [this](dbus::NameRequest result) {
+        if (result == dbus::NameRequest::owned)
+            m_hasBeenRunning = true;
+        else if (result == dbus::NameRequest::taken && onAnotherIsRunning)
+            onAnotherIsRunning();
+    });
+}
+
+void ApplicationBus::handOver(const QVariantMap& options, const Activation& activation,
+                              std::function<void()> taken) {
+    const auto connection = m_bus.connection();
+    if (!connection)
+        return;
+    const bool isNewcomer = options.isEmpty() && !m_hasBeenRunning;
+    const auto message = isNewcomer ? callOf(standardInterface, "Activate", {activation.platformData()})
+                                    : callOf(programInterface, "Run", {options});
+    dbus::callLater(*connection, message, answerLimit, m_object.get(),
+                    [this, taken = std::move(taken)](const QDBusMessage& reply) {
+                        const auto now = m_bus.connection();
+                        const bool isAnswer = reply.type() == QDBusMessage::ReplyMessage;
+                        if (isAnswer && taken)
+                            taken();
+                        else if (!isAnswer && now)
+                            claim(*now);
+                    });
+}
+
 dbus::Interface ApplicationBus::applicationInterface() {
-    const dbus::Argument platformData{QStringLiteral("platform_data"), QStringLiteral("a{sv}")};
     const auto activate = [this](const QVariantList& arguments) {
+        const auto activation = activationFrom(arguments[0]);
+        if (!activation)
+            return tooMuch();
         if (!onActivate)
             return notOffered();
-        onActivate(Activation::fromPlatformData(mapFrom(arguments[0])));
+        onActivate(*activation);
         return Answer();
     };
     const auto open = [this](const QVariantList& arguments) {
+        const auto activation = activationFrom(arguments[1]);
+        if (!activation || arguments[0].toStringList().size() > mostEntries)
+            return tooMuch();
         if (!onOpen)
             return notOffered();
-        onOpen(arguments[0].toStringList(), Activation::fromPlatformData(mapFrom(arguments[1])));
+        onOpen(arguments[0].toStringList(), *activation);
         return Answer();
     };
     const auto action = [this](const QVariantList& arguments) {
+        const auto parameter = dbus::boundedList<QDBusVariant>(arguments[1], mostEntries);
+        const auto activation = activationFrom(arguments[2]);
+        if (!parameter || !activation)
+            return tooMuch();
         if (!onActivateAction)
             return notOffered();
-        onActivateAction(arguments[0].toString(), listFrom(arguments[1]),
-                         Activation::fromPlatformData(mapFrom(arguments[2])));
+        QVariantList values;
+        for (const QDBusVariant& value : *parameter)
+            values.append(value.variant());
+        onActivateAction(arguments[0].toString(), values, *activation);
         return Answer();
     };
-    return {
-        standardInterface,
-        {{QStringLiteral("Activate"), {platformData}, {}, activate},
-         {QStringLiteral("Open"), {{QStringLiteral("uris"), QStringLiteral("as")}, platformData}, {}, open},
-         {QStringLiteral("ActivateAction"),
-          {{QStringLiteral("action_name"), QStringLiteral("s")},
-           {QStringLiteral("parameter"), QStringLiteral("av")},
-           platformData},
-          {},
-          action}},
-        {},
-        {}};
+    return {standardInterface,
+            {{"Activate", "platform_data:a{sv}", "", activate},
+             {"Open", "uris:as platform_data:a{sv}", "", open},
+             {"ActivateAction", "action_name:s parameter:av platform_data:a{sv}", "", action}},
+            {},
+            {}};
 }
 
 dbus::Interface ApplicationBus::ownInterface() {
     const auto run = [this](const QVariantList& arguments) {
+        const auto options = dbus::boundedMap(arguments[0], mostEntries);
+        if (!options)
+            return tooMuch();
         if (!onRun)
             return notOffered();
-        const auto reply = onRun(mapFrom(arguments[0]));
+        const auto reply = onRun(*options);
         return Answer{{reply.exitStatus, reply.line}, {}, {}};
     };
     const auto status = [this](const QVariantList&) {
         return onStatus ? Answer{{onStatus()}, {}, {}} : notOffered();
     };
     return {programInterface,
-            {{QStringLiteral("Run"),
-              {{QStringLiteral("options"), QStringLiteral("a{sv}")}},
-              {{QStringLiteral("exit_status"), QStringLiteral("i")},
-               {QStringLiteral("line"), QStringLiteral("s")}},
-              run},
-             {QStringLiteral("Status"), {}, {{QStringLiteral("json"), QStringLiteral("s")}}, status}},
+            {{"Run", "options:a{sv}", "exit_status:i line:s", run}, {"Status", "", "json:s", status}},
             {},
             {}};
 }
@@ -163,30 +198,27 @@ RunningApplication::RunningApplication(const QDBusConnection& connection, std::c
     : m_connection(connection)
     , m_timeout(timeout) {}
 
-std::optional<QVariantList> RunningApplication::call(const QString& interface, const QString& method,
+std::optional<QVariantList> RunningApplication::call(const char* interface, const char* method,
                                                      const QVariantList& arguments) const {
-    auto message = QDBusMessage::createMethodCall(busName, objectPath, interface, method);
-    message.setArguments(arguments);
-    // It is running or it is not; starting it is not what was asked for.
-    message.setAutoStartService(false);
-    const auto reply = m_connection.call(message, QDBus::Block, static_cast<int>(m_timeout.count()));
+    const auto reply = m_connection.call(callOf(interface, method, arguments), QDBus::Block,
+                                         static_cast<int>(m_timeout.count()));
     return reply.type() == QDBusMessage::ReplyMessage ? std::optional(reply.arguments()) : std::nullopt;
 }
 
 std::optional<RunReply> RunningApplication::run(const QVariantMap& options) const {
-    const auto values = call(programInterface, QStringLiteral("Run"), {options});
+    const auto values = call(programInterface, "Run", {options});
     if (!values || values->size() != 2)
         return std::nullopt;
     return RunReply{values->at(0).toInt(), values->at(1).toString()};
 }
 
 std::optional<QString> RunningApplication::status() const {
-    const auto values = call(programInterface, QStringLiteral("Status"), {});
+    const auto values = call(programInterface, "Status", {});
     return values && values->size() == 1 ? std::optional(values->at(0).toString()) : std::nullopt;
 }
 
 bool RunningApplication::activate(const Activation& activation) const {
-    return call(standardInterface, QStringLiteral("Activate"), {activation.platformData()}).has_value();
+    return call(standardInterface, "Activate", {activation.platformData()}).has_value();
 }
 
 } // namespace zofra

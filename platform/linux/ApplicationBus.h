@@ -29,8 +29,10 @@ struct Activation {
     /// From and to the map that travels on the bus.
     [[nodiscard]] static Activation fromPlatformData(const QVariantMap& data);
     [[nodiscard]] QVariantMap platformData() const;
-    /// What this process was started with ($DESKTOP_STARTUP_ID, $XDG_ACTIVATION_TOKEN).
-    [[nodiscard]] static Activation fromEnvironment();
+    /// What this process was started with ($DESKTOP_STARTUP_ID, $XDG_ACTIVATION_TOKEN), taken out of the
+    /// environment so that no child passes it for its own. To be called before the toolkit starts, which
+    /// takes a part of it away.
+    [[nodiscard]] static Activation takeFromEnvironment();
 
     friend bool operator==(const Activation&, const Activation&) = default;
 };
@@ -57,9 +59,18 @@ public:
 
     enum class Claim { acquired, anotherIsRunning, noBus };
     /// Tries to become the one running program; waits for the bus for `timeout` at most. Unless another is
-    /// running, the name is claimed again whenever the bus has come back. To be called after the callbacks
-    /// are set.
+    /// running, the name is claimed again whenever the bus has come back, or at last answers. To be called
+    /// after the callbacks are set.
     [[nodiscard]] Claim tryAcquire(std::chrono::milliseconds timeout = std::chrono::seconds(5));
+    /// Whether this program has ever been the running one.
+    [[nodiscard]] bool hasBeenRunning() const { return m_hasBeenRunning; }
+    /// Gives the running program `options`, as a second start would; one without any, that has never been the
+    /// running one, asks that the other be shown. `taken` is called once it has answered; one that has gone
+    /// meanwhile leaves the name to be claimed anew.
+    void handOver(const QVariantMap& options, const Activation& activation, std::function<void()> taken);
+
+    /// Another has become the running program meanwhile: there is one, so this one hands over and ends.
+    std::function<void()> onAnotherIsRunning;
 
     std::function<void(const Activation&)> onActivate;
     std::function<void(const QStringList& uris, const Activation&)> onOpen;
@@ -73,8 +84,10 @@ public:
 private:
     [[nodiscard]] dbus::Interface applicationInterface();
     [[nodiscard]] dbus::Interface ownInterface();
+    void claim(const QDBusConnection& connection);
 
     SessionBus& m_bus;
+    bool m_hasBeenRunning = false;
     std::unique_ptr<dbus::ExportedObject> m_object;
     ObservationToken m_connected;
     ObservationToken m_disconnected;
@@ -93,7 +106,7 @@ public:
     [[nodiscard]] bool activate(const Activation& activation) const;
 
 private:
-    [[nodiscard]] std::optional<QVariantList> call(const QString& interface, const QString& method,
+    [[nodiscard]] std::optional<QVariantList> call(const char* interface, const char* method,
                                                    const QVariantList& arguments) const;
     QDBusConnection m_connection;
     std::chrono::milliseconds m_timeout;

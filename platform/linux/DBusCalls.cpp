@@ -4,22 +4,22 @@
 #include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
 
+#include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <utility>
 
 namespace zofra::dbus {
 namespace {
 
-QDBusMessage busCall(const QString& method) {
-    return QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
-                                          QStringLiteral("/org/freedesktop/DBus"),
-                                          QStringLiteral("org.freedesktop.DBus"), method);
-}
-
 QDBusMessage nameRequest(const QString& name) {
     constexpr uint doNotQueue = 4;
-    auto call = busCall(QStringLiteral("RequestName"));
-    call << name << doNotQueue;
-    return call;
+    return busCall("RequestName", {name, doNotQueue});
+}
+
+int milliseconds(std::chrono::milliseconds time) {
+    // The greatest number means no limit.
+    return static_cast<int>(std::min<std::int64_t>(time.count(), std::numeric_limits<int>::max()));
 }
 
 NameRequest outcome(const QDBusMessage& reply) {
@@ -33,10 +33,17 @@ NameRequest outcome(const QDBusMessage& reply) {
 
 } // namespace
 
+QDBusMessage busCall(const char* method, const QVariantList& arguments) {
+    auto call = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QString::fromLatin1(method));
+    call.setArguments(arguments);
+    return call;
+}
+
 void callLater(const QDBusConnection& connection, const QDBusMessage& call, std::chrono::milliseconds timeout,
                QObject* owner, std::function<void(const QDBusMessage& reply)> finished) {
-    auto* watcher =
-        new QDBusPendingCallWatcher(connection.asyncCall(call, static_cast<int>(timeout.count())), owner);
+    auto* watcher = new QDBusPendingCallWatcher(connection.asyncCall(call, milliseconds(timeout)), owner);
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, owner,
                      [finished = std::move(finished)](QDBusPendingCallWatcher* done) {
                          done->deleteLater();
@@ -46,19 +53,17 @@ void callLater(const QDBusConnection& connection, const QDBusMessage& call, std:
 
 void requestName(const QDBusConnection& connection, const QString& name, QObject* owner,
                  std::function<void(NameRequest)> finished) {
-    callLater(connection, nameRequest(name), std::chrono::seconds(25), owner,
+    callLater(connection, nameRequest(name), withoutLimit, owner,
               [finished = std::move(finished)](const QDBusMessage& reply) { finished(outcome(reply)); });
 }
 
 NameRequest requestNameNow(const QDBusConnection& connection, const QString& name,
                            std::chrono::milliseconds timeout) {
-    return outcome(connection.call(nameRequest(name), QDBus::Block, static_cast<int>(timeout.count())));
+    return outcome(connection.call(nameRequest(name), QDBus::Block, milliseconds(timeout)));
 }
 
 void releaseName(const QDBusConnection& connection, const QString& name) {
-    auto call = busCall(QStringLiteral("ReleaseName"));
-    call << name;
-    connection.send(call);
+    connection.send(busCall("ReleaseName", {name}));
 }
 
 } // namespace zofra::dbus

@@ -5,11 +5,18 @@
 #include <QDBusMessage>
 #include <QObject>
 #include <QString>
+#include <QVariantList>
 
 #include <chrono>
 #include <functional>
 
 namespace zofra::dbus {
+
+/// A call of the bus itself.
+[[nodiscard]] QDBusMessage busCall(const char* method, const QVariantList& arguments = {});
+
+/// Longer than any bus is asked to wait for an answer.
+inline constexpr auto withoutLimit = std::chrono::milliseconds::max();
 
 /// Sends a call and returns at once. `finished` gets the answer or the error, unless `owner` has ended.
 void callLater(const QDBusConnection& connection, const QDBusMessage& call, std::chrono::milliseconds timeout,
@@ -17,7 +24,8 @@ void callLater(const QDBusConnection& connection, const QDBusMessage& call, std:
 
 enum class NameRequest { owned, taken, failed };
 
-/// Asks for a well-known name, without queueing for it and without waiting.
+/// Asks for a well-known name, without queueing for it and without waiting. A bus that hangs may answer as
+/// late as it likes.
 void requestName(const QDBusConnection& connection, const QString& name, QObject* owner,
                  std::function<void(NameRequest)> finished);
 /// The same, waiting for the bus for at most `timeout`.

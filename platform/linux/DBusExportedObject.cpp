@@ -3,36 +3,42 @@
 
 #include <QDBusMetaType>
 #include <QDBusVariant>
+#include <QStringList>
 #include <QVariantMap>
 
 #include <algorithm>
+#include <utility>
 
 namespace zofra::dbus {
 namespace {
 
-const auto propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
-const auto errorPrefix = QStringLiteral("org.freedesktop.DBus.Error.");
+const auto propertiesInterface = QLatin1String("org.freedesktop.DBus.Properties");
+/// What a caller gets to see again of its own words.
+constexpr int quotedCharacters = 100;
+/// More calls than a panel sends when it sees an item for the first time.
+constexpr int mostCallsOfOne = 32;
+constexpr int mostCalls = 96;
 
-Answer failure(const QString& name, const QString& text) {
-    return {{}, Error{errorPrefix + name, text}, {}};
+bool isNamed(const char* name, const QString& wanted) {
+    return wanted == QLatin1String(name);
 }
 
-Answer unknownInterface(const QString& name) {
-    return failure(QStringLiteral("UnknownInterface"),
-                   QStringLiteral("There is no interface \"%1\" here").arg(name));
+/// The interfaces that a caller means by this name; an empty one means all.
+bool isMeant(const Interface& interface, const QString& name) {
+    return name.isEmpty() || isNamed(interface.name, name);
 }
 
-template<typename Entry>
-const Entry* findNamed(const std::vector<Entry>& entries, const QString& name) {
-    const auto found =
-        std::find_if(entries.begin(), entries.end(), [&](const Entry& entry) { return entry.name == name; });
-    return found == entries.end() ? nullptr : &*found;
+QList<QStringList> argumentsOf(const char* text) {
+    QList<QStringList> arguments;
+    for (const QString& one : QString::fromLatin1(text).split(QLatin1Char(' '), Qt::SkipEmptyParts))
+        arguments.append(one.split(QLatin1Char(':')));
+    return arguments;
 }
 
-QString signatureOf(const std::vector<Argument>& arguments) {
+QString signatureOf(const char* text) {
     QString signature;
-    for (const auto& argument : arguments)
-        signature += argument.signature;
+    for (const QStringList& argument : argumentsOf(text))
+        signature += argument.last();
     return signature;
 }
 
@@ -40,37 +46,37 @@ QString signatureOf(const QVariant& value) {
     return QString::fromLatin1(QDBusMetaType::typeToSignature(value.metaType()));
 }
 
-/// Only constants of this program are written here, so nothing has to be escaped.
-QString argumentXml(const Argument& argument, const char* direction) {
-    QString xml = QStringLiteral("      <arg");
-    if (!argument.name.isEmpty())
-        xml += QStringLiteral(" name=\"%1\"").arg(argument.name);
-    xml += QStringLiteral(" type=\"%1\"").arg(argument.signature);
-    if (direction)
-        xml += QStringLiteral(" direction=\"%1\"").arg(QLatin1String(direction));
-    return xml + QStringLiteral("/>\n");
+Answer wrongTypes(const QString& what, const QString& wanted, const QString& given) {
+    return refused("InvalidArgs", QStringLiteral("%1 takes \"%2\", not \"%3\"").arg(what, wanted, given));
 }
 
-QString methodXml(const Method& method) {
-    QString xml = QStringLiteral("    <method name=\"%1\">\n").arg(method.name);
-    for (const auto& argument : method.in)
-        xml += argumentXml(argument, "in");
-    for (const auto& argument : method.out)
-        xml += argumentXml(argument, "out");
-    return xml + QStringLiteral("    </method>\n");
+Answer unknown(const char* kind, const QString& name) {
+    return refused((QByteArray("Unknown") + kind).constData(),
+                   QStringLiteral("There is no %1 \"%2\" here")
+                       .arg(QString::fromLatin1(kind).toLower(), name.left(quotedCharacters)));
 }
 
-QString signalXml(const Signal& signal) {
-    QString xml = QStringLiteral("    <signal name=\"%1\">\n").arg(signal.name);
-    for (const auto& argument : signal.arguments)
-        xml += argumentXml(argument, nullptr);
-    return xml + QStringLiteral("    </signal>\n");
+// Only constants of this program are written here, so nothing has to be escaped.
+QString argumentsXml(const char* arguments, const char* direction) {
+    QString xml;
+    for (const QStringList& argument : argumentsOf(arguments)) {
+        xml += QStringLiteral("      <arg name=\"%1\" type=\"%2\"").arg(argument.first(), argument.last());
+        if (direction)
+            xml += QStringLiteral(" direction=\"%1\"").arg(QLatin1String(direction));
+        xml += QStringLiteral("/>\n");
+    }
+    return xml;
+}
+
+QString memberXml(const char* kind, const char* name, const QString& arguments) {
+    return QStringLiteral("    <%1 name=\"%2\">\n%3    </%1>\n")
+        .arg(QLatin1String(kind), QLatin1String(name), arguments);
 }
 
 QString propertyXml(const Property& property) {
-    auto xml = QStringLiteral("    <property name=\"%1\" type=\"%2\" access=\"%3\"")
-                   .arg(property.name, property.signature,
-                        property.set ? QStringLiteral("readwrite") : QStringLiteral("read"));
+    const auto xml = QStringLiteral("    <property name=\"%1\" type=\"%2\" access=\"%3\"")
+                         .arg(QLatin1String(property.name), QLatin1String(property.signature),
+                              property.set ? QStringLiteral("readwrite") : QStringLiteral("read"));
     if (property.changes == Property::Changes::areTold)
         return xml + QStringLiteral("/>\n");
     const auto emits =
@@ -82,6 +88,18 @@ QString propertyXml(const Property& property) {
 }
 
 } // namespace
+
+Error error(const char* name, const QString& text) {
+    return {QStringLiteral("org.freedesktop.DBus.Error.") + QLatin1String(name), text};
+}
+
+Answer refused(const char* name, const QString& text) {
+    return {{}, error(name, text), {}};
+}
+
+Property constant(const char* name, const char* signature, const QVariant& value) {
+    return {name, signature, [value] { return value; }, Property::Changes::never};
+}
 
 ExportedObject::ExportedObject(QString path, std::vector<Interface> interfaces)
     : m_path(std::move(path))
@@ -96,12 +114,7 @@ bool ExportedObject::exportOn(const QDBusConnection& connection) {
     if (m_connection)
         m_connection->unregisterObject(m_path);
     m_connection = connection;
-    m_told.clear();
-    for (const auto& interface : m_interfaces) {
-        auto& told = m_told.emplace_back();
-        for (const auto& property : interface.properties)
-            told.push_back(property.get());
-    }
+    m_told = toldValues();
     return m_connection->registerVirtualObject(m_path, this);
 }
 
@@ -109,39 +122,61 @@ void ExportedObject::connectionLost() {
     m_connection.reset();
 }
 
+void ExportedObject::replaceInterfaces(std::vector<Interface> interfaces) {
+    m_interfaces = std::move(interfaces);
+    m_told = toldValues();
+}
+
+std::vector<std::vector<QVariant>> ExportedObject::toldValues() const {
+    std::vector<std::vector<QVariant>> values;
+    for (const auto& interface : m_interfaces) {
+        auto& told = values.emplace_back();
+        for (const auto& property : interface.properties)
+            told.push_back(property.changes == Property::Changes::areTold ? property.get() : QVariant());
+    }
+    return values;
+}
+
 void ExportedObject::tellChangedProperties() {
     if (!m_connection)
         return;
+    auto values = toldValues();
     for (std::size_t i = 0; i < m_interfaces.size(); ++i) {
-        const auto& interface = m_interfaces[i];
         QVariantMap changed;
-        for (std::size_t j = 0; j < interface.properties.size(); ++j) {
-            const auto& property = interface.properties[j];
-            if (property.changes != Property::Changes::areTold)
-                continue;
-            auto value = property.get();
-            if (value == m_told[i][j])
-                continue;
-            changed.insert(property.name, value);
-            m_told[i][j] = std::move(value);
+        for (std::size_t j = 0; j < values[i].size(); ++j) {
+            if (values[i][j] != m_told[i][j])
+                changed.insert(QLatin1String(m_interfaces[i].properties[j].name), values[i][j]);
         }
         if (changed.isEmpty())
             continue;
         auto signal =
             QDBusMessage::createSignal(m_path, propertiesInterface, QStringLiteral("PropertiesChanged"));
-        signal << interface.name << changed << QStringList();
+        signal << QString::fromLatin1(m_interfaces[i].name) << changed << QStringList();
         m_connection->send(signal);
     }
+    m_told = std::move(values);
 }
 
-QString ExportedObject::introspect(const QString& /*path*/) const {
+void ExportedObject::send(const char* interface, const char* signal, const QVariantList& arguments) const {
+    if (!m_connection)
+        return;
+    auto message =
+        QDBusMessage::createSignal(m_path, QString::fromLatin1(interface), QString::fromLatin1(signal));
+    message.setArguments(arguments);
+    m_connection->send(message);
+}
+
+QString ExportedObject::introspect(const QString& path) const {
+    if (path != m_path)
+        return {};
     QString xml;
     for (const auto& interface : m_interfaces) {
-        xml += QStringLiteral("  <interface name=\"%1\">\n").arg(interface.name);
+        xml += QStringLiteral("  <interface name=\"%1\">\n").arg(QLatin1String(interface.name));
         for (const auto& method : interface.methods)
-            xml += methodXml(method);
+            xml += memberXml("method", method.name,
+                             argumentsXml(method.in, "in") + argumentsXml(method.out, "out"));
         for (const auto& signal : interface.signalList)
-            xml += signalXml(signal);
+            xml += memberXml("signal", signal.name, argumentsXml(signal.arguments, nullptr));
         for (const auto& property : interface.properties)
             xml += propertyXml(property);
         xml += QStringLiteral("  </interface>\n");
@@ -151,11 +186,14 @@ QString ExportedObject::introspect(const QString& /*path*/) const {
 
 bool ExportedObject::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
     // The library describes objects itself, with our introspect() as a part.
-    if (message.interface() == QStringLiteral("org.freedesktop.DBus.Introspectable") ||
-        (message.interface().isEmpty() && message.member() == QStringLiteral("Introspect")))
+    const bool isStandard = message.interface().startsWith(QLatin1String("org.freedesktop.DBus."));
+    if ((isStandard && message.interface() != propertiesInterface) ||
+        (message.interface().isEmpty() && message.member() == QLatin1String("Introspect")))
         return false;
     // A handler may end this object: nothing of it is touched afterwards.
-    const auto result = answer(message);
+    const auto result = isFlooded(message.service())
+                            ? refused("LimitsExceeded", QStringLiteral("Too many calls at once"))
+                            : answer(message);
     if (message.isReplyRequired()) {
         connection.send(result.error ? message.createErrorReply(result.error->name, result.error->text)
                                      : message.createReply(result.values));
@@ -165,28 +203,28 @@ bool ExportedObject::handleMessage(const QDBusMessage& message, const QDBusConne
     return true;
 }
 
+bool ExportedObject::isFlooded(const QString& caller) {
+    // It ends when all that had arrived has been seen.
+    if (!m_endOfTurn.isActive())
+        m_endOfTurn.start(0, this);
+    return ++m_calls > mostCalls || ++m_callsBy[caller] > mostCallsOfOne;
+}
+
+void ExportedObject::timerEvent(QTimerEvent*) {
+    m_endOfTurn.stop();
+    m_calls = 0;
+    m_callsBy.clear();
+}
+
 Answer ExportedObject::answer(const QDBusMessage& message) const {
-    const auto name = message.interface();
-    if (name == propertiesInterface)
+    if (message.interface() == propertiesInterface)
         return answerProperties(message);
-    const Method* method = nullptr;
-    if (name.isEmpty()) {
-        for (const auto& interface : m_interfaces) {
-            if (!method)
-                method = findNamed(interface.methods, message.member());
-        }
-    } else if (const auto* interface = findInterface(name)) {
-        method = findNamed(interface->methods, message.member());
-    } else {
-        return unknownInterface(name);
-    }
+    const Method* method = findMethod(message.interface(), message.member());
     if (!method)
-        return failure(QStringLiteral("UnknownMethod"),
-                       QStringLiteral("There is no method \"%1\" here").arg(message.member()));
-    if (message.signature() != signatureOf(method->in))
-        return failure(QStringLiteral("InvalidArgs"),
-                       QStringLiteral("%1 takes \"%2\", not \"%3\"")
-                           .arg(method->name, signatureOf(method->in), message.signature()));
+        return unknown("Method", message.member());
+    const QString wanted = signatureOf(method->in);
+    if (message.signature() != wanted)
+        return wrongTypes(message.member(), wanted, message.signature());
     // Copied, because the handler may end this object.
     const auto handler = method->handler;
     return handler(message.arguments());
@@ -195,50 +233,66 @@ Answer ExportedObject::answer(const QDBusMessage& message) const {
 Answer ExportedObject::answerProperties(const QDBusMessage& message) const {
     const auto arguments = message.arguments();
     const auto member = message.member();
-    const QString expected = member == QStringLiteral("Get")      ? QStringLiteral("ss")
-                             : member == QStringLiteral("GetAll") ? QStringLiteral("s")
-                             : member == QStringLiteral("Set")    ? QStringLiteral("ssv")
-                                                                  : QString();
-    if (expected.isEmpty())
-        return failure(QStringLiteral("UnknownMethod"),
-                       QStringLiteral("There is no method \"%1\" here").arg(member));
-    if (message.signature() != expected)
-        return failure(
-            QStringLiteral("InvalidArgs"),
-            QStringLiteral("%1 takes \"%2\", not \"%3\"").arg(member, expected, message.signature()));
-    const auto* interface = findInterface(arguments[0].toString());
-    if (!interface)
-        return unknownInterface(arguments[0].toString());
-    if (expected.size() == 1)
-        return getAll(*interface);
-    const auto* property = findNamed(interface->properties, arguments[1].toString());
+    const QString wanted = member == QLatin1String("Get")      ? QStringLiteral("ss")
+                           : member == QLatin1String("GetAll") ? QStringLiteral("s")
+                           : member == QLatin1String("Set")    ? QStringLiteral("ssv")
+                                                               : QString();
+    if (wanted.isEmpty())
+        return unknown("Method", member);
+    if (message.signature() != wanted)
+        return wrongTypes(member, wanted, message.signature());
+    const QString interface = arguments[0].toString();
+    if (!hasInterface(interface))
+        return unknown("Interface", interface);
+    if (member == QLatin1String("GetAll")) {
+        QVariantMap all;
+        for (const auto& one : m_interfaces) {
+            for (const auto& property : one.properties) {
+                if (isMeant(one, interface))
+                    all.insert(QLatin1String(property.name), property.get());
+            }
+        }
+        return {{all}, {}, {}};
+    }
+    const auto* property = findProperty(interface, arguments[1].toString());
     if (!property)
-        return failure(QStringLiteral("UnknownProperty"),
-                       QStringLiteral("There is no property \"%1\" here").arg(arguments[1].toString()));
-    if (expected.size() == 2)
+        return unknown("Property", arguments[1].toString());
+    if (member == QLatin1String("Get"))
         return {{QVariant::fromValue(QDBusVariant(property->get()))}, {}, {}};
 
+    const QString name = QString::fromLatin1(property->name);
     if (!property->set)
-        return failure(QStringLiteral("PropertyReadOnly"),
-                       QStringLiteral("%1 can only be read").arg(property->name));
+        return refused("PropertyReadOnly", QStringLiteral("%1 can only be read").arg(name));
     const auto value = qvariant_cast<QDBusVariant>(arguments[2]).variant();
-    if (signatureOf(value) != property->signature)
-        return failure(QStringLiteral("InvalidArgs"),
-                       QStringLiteral("%1 is \"%2\", not \"%3\"")
-                           .arg(property->name, property->signature, signatureOf(value)));
+    if (!isNamed(property->signature, signatureOf(value)))
+        return wrongTypes(name, QString::fromLatin1(property->signature), signatureOf(value));
     const auto set = property->set;
     return {{}, set(value), {}};
 }
 
-Answer ExportedObject::getAll(const Interface& interface) const {
-    QVariantMap all;
-    for (const auto& property : interface.properties)
-        all.insert(property.name, property.get());
-    return {{all}, {}, {}};
+const Method* ExportedObject::findMethod(const QString& interface, const QString& name) const {
+    for (const auto& one : m_interfaces) {
+        for (const auto& method : one.methods) {
+            if (isMeant(one, interface) && isNamed(method.name, name))
+                return &method;
+        }
+    }
+    return nullptr;
 }
 
-const Interface* ExportedObject::findInterface(const QString& name) const {
-    return findNamed(m_interfaces, name);
+const Property* ExportedObject::findProperty(const QString& interface, const QString& name) const {
+    for (const auto& one : m_interfaces) {
+        for (const auto& property : one.properties) {
+            if (isMeant(one, interface) && isNamed(property.name, name))
+                return &property;
+        }
+    }
+    return nullptr;
+}
+
+bool ExportedObject::hasInterface(const QString& name) const {
+    return std::any_of(m_interfaces.begin(), m_interfaces.end(),
+                       [&](const Interface& interface) { return isMeant(interface, name); });
 }
 
 } // namespace zofra::dbus

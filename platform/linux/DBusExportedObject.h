@@ -1,29 +1,26 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QBasicTimer>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
+#include <QHash>
 #include <QString>
-#include <QStringList>
 #include <QVariant>
 
 #include <functional>
 #include <optional>
-#include <utility>
 #include <vector>
 
 namespace zofra::dbus {
-
-struct Argument {
-    QString name;
-    QString signature;
-};
 
 struct Error {
     QString name;
     QString text;
 };
+/// One of the errors that the bus itself knows, `name` without their common prefix.
+[[nodiscard]] Error error(const char* name, const QString& text);
 
 /// What a method comes to: values, or an error. `afterwards` runs when the answer has been sent.
 struct Answer {
@@ -31,40 +28,43 @@ struct Answer {
     std::optional<Error> error;
     std::function<void()> afterwards;
 };
+[[nodiscard]] Answer refused(const char* name, const QString& text);
 
+/// Arguments are written "name:type name:type", here and in signals.
 struct Method {
-    QString name;
-    std::vector<Argument> in;
-    std::vector<Argument> out;
+    const char* name;
+    const char* in;
+    const char* out;
     /// Called with arguments of exactly the types in `in`.
     std::function<Answer(const QVariantList& arguments)> handler;
 };
 
 struct Signal {
-    QString name;
-    std::vector<Argument> arguments;
+    const char* name;
+    const char* arguments;
 };
 
 struct Property {
-    QString name;
-    QString signature;
+    const char* name;
+    const char* signature;
     std::function<QVariant()> get;
-    /// Absent for one that can only be read. Called with a value of type `signature`.
-    std::function<std::optional<Error>(const QVariant& value)> set;
     enum class Changes { areTold, areNotTold, never };
     Changes changes = Changes::areTold;
+    /// Absent for one that can only be read. Called with a value of type `signature`.
+    std::function<std::optional<Error>(const QVariant& value)> set = {};
 };
+[[nodiscard]] Property constant(const char* name, const char* signature, const QVariant& value);
 
 struct Interface {
-    QString name;
+    const char* name;
     std::vector<Method> methods;
     std::vector<Signal> signalList;
     std::vector<Property> properties;
 };
 
-/// An object on a bus made from tables, so that what it says of itself is what it does: unknown interfaces,
-/// methods and properties, wrong types and read-only properties are answered with the right errors. Main
-/// thread only.
+/// An object on a bus made from tables, so that what it says of itself is what it does: unknown methods and
+/// properties, wrong types and read-only properties are answered with the right errors. A method of an
+/// unknown interface is an unknown method, for that is what panels take as "do without it". Main thread only.
 class ExportedObject final : public QDBusVirtualObject {
 public:
     ExportedObject(QString path, std::vector<Interface> interfaces);
@@ -76,25 +76,39 @@ public:
     bool exportOn(const QDBusConnection& connection);
     /// Forgets the connection, which is gone.
     void connectionLost();
+    /// Has other members from now on.
+    void replaceInterfaces(std::vector<Interface> interfaces);
 
     /// Tells every listener which properties have a new value since the last time this was called, or since
     /// they were exported; nothing when none has.
     void tellChangedProperties();
+    /// Sends a signal of one of the interfaces; nothing where there is no bus.
+    void send(const char* interface, const char* signal, const QVariantList& arguments = {}) const;
 
     [[nodiscard]] QString introspect(const QString& path) const override;
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
+protected:
+    void timerEvent(QTimerEvent* event) override;
+
 private:
+    [[nodiscard]] bool isFlooded(const QString& caller);
     [[nodiscard]] Answer answer(const QDBusMessage& message) const;
     [[nodiscard]] Answer answerProperties(const QDBusMessage& message) const;
-    [[nodiscard]] Answer getAll(const Interface& interface) const;
-    [[nodiscard]] const Interface* findInterface(const QString& name) const;
+    [[nodiscard]] const Method* findMethod(const QString& interface, const QString& name) const;
+    [[nodiscard]] const Property* findProperty(const QString& interface, const QString& name) const;
+    [[nodiscard]] bool hasInterface(const QString& name) const;
+    [[nodiscard]] std::vector<std::vector<QVariant>> toldValues() const;
 
     QString m_path;
     std::vector<Interface> m_interfaces;
     std::optional<QDBusConnection> m_connection;
-    /// Values last told, by interface and name.
+    /// Values last told, by interface and property; invalid for properties whose changes are not told.
     std::vector<std::vector<QVariant>> m_told;
+    /// Calls in this turn of the event loop, all and by caller.
+    int m_calls = 0;
+    QHash<QString, int> m_callsBy;
+    QBasicTimer m_endOfTurn;
 };
 
 } // namespace zofra::dbus

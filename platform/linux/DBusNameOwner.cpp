@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/DBusNameOwner.h"
 
+#include "platform/linux/DBusCalls.h"
+
 #include <QDBusMessage>
-#include <QDBusPendingCall>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 
 #include <utility>
 
@@ -29,17 +28,12 @@ DBusNameOwner::DBusNameOwner(const QDBusConnection& connection, QString name, Ha
 }
 
 void DBusNameOwner::ask(const QDBusConnection& connection) {
-    auto call = QDBusMessage::createMethodCall(busName, busPath, busName, QStringLiteral("GetNameOwner"));
-    call << m_name;
-    auto* watcher = new QDBusPendingCallWatcher(connection.asyncCall(call), &m_changed);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, &m_changed,
-                     m_lifetime.guard([this](QDBusPendingCallWatcher* finished) {
-                         finished->deleteLater();
-                         const QDBusPendingReply<QString> reply = *finished;
-                         // A change that was told meanwhile is newer than this answer.
-                         if (!m_isKnown && reply.isValid())
-                             setOwner(reply.value());
-                     }));
+    dbus::callLater(connection, dbus::busCall("GetNameOwner", {m_name}), dbus::withoutLimit, &m_changed,
+                    [this](const QDBusMessage& reply) {
+                        // A change that was told meanwhile is newer than this answer.
+                        if (!m_isKnown && reply.type() == QDBusMessage::ReplyMessage)
+                            setOwner(reply.arguments().value(0).toString());
+                    });
 }
 
 void DBusNameOwner::setOwner(const QString& owner) {

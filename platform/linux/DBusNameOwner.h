@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/Lifetime.h"
 #include "platform/linux/DBusSignal.h"
 
 #include <QDBusConnection>
@@ -32,7 +31,6 @@ private:
     QString m_owner;
     bool m_isKnown = false;
     DBusSignal m_changed;
-    Lifetime m_lifetime;
 };
 
 } // namespace zofra

@@ -3,10 +3,12 @@
 
 #include "platform/linux/DBusCalls.h"
 #include "platform/linux/DBusExportedObject.h"
+#include "platform/linux/IconTheme.h"
 
 #include <QCoreApplication>
 #include <QDBusObjectPath>
 #include <QStringList>
+#include <QUrl>
 #include <QVariantMap>
 
 #include <algorithm>
@@ -16,6 +18,7 @@ namespace zofra {
 namespace {
 
 using dbus::Answer;
+using dbus::constant;
 using dbus::Error;
 using dbus::Interface;
 using dbus::Method;
@@ -24,34 +27,30 @@ using dbus::Property;
 const auto busName = QStringLiteral("org.mpris.MediaPlayer2.zofrazofra");
 const auto objectPath = QStringLiteral("/org/mpris/MediaPlayer2");
 
-Property constant(const QString& name, const QString& signature, const QVariant& value) {
-    return {name, signature, [value] { return value; }, {}, Property::Changes::never};
-}
-
 /// A method that is part of the interface and does nothing here.
-Method inert(const QString& name, std::vector<dbus::Argument> in = {}) {
-    return {name, std::move(in), {}, [](const QVariantList&) { return Answer(); }};
+Method inert(const char* name, const char* in = "") {
+    return {name, in, "", [](const QVariantList&) { return Answer(); }};
 }
 
 Method openUri() {
     // No kind of address is supported, and whoever tries one anyway should hear of it.
-    return {QStringLiteral("OpenUri"),
-            {{QStringLiteral("Uri"), QStringLiteral("s")}},
-            {},
-            [](const QVariantList&) {
-                return Answer{{},
-                              Error{QStringLiteral("org.freedesktop.DBus.Error.NotSupported"),
-                                    QStringLiteral("Only the stations of the catalogue can be played")},
-                              {}};
+    return {"OpenUri", "Uri:s", "", [](const QVariantList&) {
+                return dbus::refused("NotSupported",
+                                     QStringLiteral("Only the stations of the catalogue can be played"));
             }};
 }
 
 /// A handler's outcome as an answer; without a handler nothing is done.
 Answer run(const RemoteCommandCenter::Handler& handler) {
     if (handler && handler() == RemoteCommandStatus::commandFailed)
-        return {
-            {}, Error{QStringLiteral("org.freedesktop.DBus.Error.Failed"), QStringLiteral("It failed")}, {}};
+        return dbus::refused("Failed", QStringLiteral("It failed"));
     return {};
+}
+
+/// The program's own picture, as clients find it; empty where there is none.
+QString iconUrl() {
+    const QString file = icontheme::programIcon();
+    return file.isEmpty() ? QString() : QUrl::fromLocalFile(file).toString(QUrl::FullyEncoded);
 }
 
 /// Free of the noise that a volume gets on its way from a 32-bit number.
@@ -64,8 +63,12 @@ double rounded(double volume) {
 MprisPlayer::MprisPlayer(SessionBus& bus)
     : m_bus(bus)
     , m_object(std::make_unique<dbus::ExportedObject>(
-          objectPath, std::vector<Interface>{rootInterface(), playerInterface()})) {
+          objectPath, std::vector<Interface>{rootInterface(), playerInterface(), m_playlists.interface()})) {
     m_connected = bus.observeConnected([this](const QDBusConnection& connection) { appearOn(connection); });
+    m_playlists.onChosen = [this](const QString& key) {
+        if (onPlayStationRequested)
+            onPlayStationRequested(key);
+    };
     m_disconnected = bus.observeDisconnected([this] {
         m_object->connectionLost();
         m_ownedName.clear();
@@ -130,6 +133,24 @@ void MprisPlayer::setVolume(double volume) {
     m_object->tellChangedProperties();
 }
 
+void MprisPlayer::setStations(const std::vector<MprisPlaylists::Entry>& stations) {
+    m_playlists.setEntries(stations, iconUrl());
+    m_object->tellChangedProperties();
+}
+
+void MprisPlayer::setStation(const QString& key, const QString& name) {
+    m_playlists.setActive(key);
+    m_stationName = name;
+    m_object->tellChangedProperties();
+}
+
+Answer MprisPlayer::skip(int distance) {
+    const QString key = m_playlists.neighbour(distance);
+    if (!key.isEmpty() && onStationRequested)
+        onStationRequested(key);
+    return {};
+}
+
 QString MprisPlayer::playbackStatus() const {
     switch (m_state) {
     case PlaybackState::playing:
@@ -151,6 +172,10 @@ QVariantMap MprisPlayer::metadata() const {
         {QStringLiteral("xesam:title"), m_info->title},
         {QStringLiteral("zofra:isLiveStream"), m_info->isLiveStream},
     };
+    if (!m_stationName.isEmpty())
+        map.insert(QStringLiteral("xesam:album"), m_stationName);
+    if (const QString icon = iconUrl(); !icon.isEmpty())
+        map.insert(QStringLiteral("mpris:artUrl"), icon);
     if (m_info->artist && !m_info->artist->isEmpty())
         map.insert(QStringLiteral("xesam:artist"), QStringList{*m_info->artist});
     return map;
@@ -161,23 +186,21 @@ Interface MprisPlayer::rootInterface() {
     const auto raise = [this](const QVariantList&) { return Answer{{}, {}, onRaise}; };
     // The answer goes out before everything ends.
     const auto quit = [this](const QVariantList&) { return Answer{{}, {}, onQuit}; };
-    const auto text = QStringLiteral("s");
-    const auto flag = QStringLiteral("b");
-    return {QStringLiteral("org.mpris.MediaPlayer2"),
-            {{QStringLiteral("Raise"), {}, {}, raise}, {QStringLiteral("Quit"), {}, {}, quit}},
+    return {"org.mpris.MediaPlayer2",
+            {{"Raise", "", "", raise}, {"Quit", "", "", quit}},
             {},
-            {constant(QStringLiteral("CanQuit"), flag, true),
-             {QStringLiteral("CanRaise"), flag, canRaise, {}, Property::Changes::areTold},
-             constant(QStringLiteral("HasTrackList"), flag, false),
-             constant(QStringLiteral("Identity"), text, QStringLiteral("Zofra Zofra")),
-             constant(QStringLiteral("DesktopEntry"), text, QStringLiteral("be.zofra.ZofraZofra")),
-             constant(QStringLiteral("SupportedUriSchemes"), QStringLiteral("as"), QStringList()),
-             constant(QStringLiteral("SupportedMimeTypes"), QStringLiteral("as"), QStringList())}};
+            {constant("CanQuit", "b", true),
+             {"CanRaise", "b", canRaise},
+             constant("HasTrackList", "b", false),
+             constant("Identity", "s", QStringLiteral("Zofra Zofra")),
+             constant("DesktopEntry", "s", QStringLiteral("be.zofra.ZofraZofra")),
+             constant("SupportedUriSchemes", "as", QStringList()),
+             constant("SupportedMimeTypes", "as", QStringList())}};
 }
 
 Interface MprisPlayer::playerInterface() {
-    const auto method = [](const QString& name, std::function<Answer()> act) {
-        return Method{name, {}, {}, [act = std::move(act)](const QVariantList&) { return act(); }};
+    const auto method = [](const char* name, std::function<Answer()> act) {
+        return Method{name, "", "", [act = std::move(act)](const QVariantList&) { return act(); }};
     };
     const auto setRate = [this](const QVariant& rate) -> std::optional<Error> {
         // There is one rate; asking for none means a pause.
@@ -185,58 +208,36 @@ Interface MprisPlayer::playerInterface() {
     };
     const auto setVolume = [this](const QVariant& volume) -> std::optional<Error> {
         if (!std::isfinite(volume.toDouble()))
-            return Error{QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs"),
-                         QStringLiteral("Volume is a finite number")};
+            return dbus::error("InvalidArgs", QStringLiteral("Volume is a finite number"));
         if (onVolumeRequested)
             onVolumeRequested(std::clamp(volume.toDouble(), 0.0, 1.0));
         return std::nullopt;
     };
-    const auto flag = QStringLiteral("b");
-    const auto number = QStringLiteral("d");
-    const auto time = QStringLiteral("x");
+    const auto canSkip = [this] { return QVariant(!m_playlists.neighbour(1).isEmpty()); };
+    const auto has = [](const Handler& handler) {
+        return [&handler] { return QVariant(static_cast<bool>(handler)); };
+    };
     using Changes = Property::Changes;
-    return {
-        QStringLiteral("org.mpris.MediaPlayer2.Player"),
-        {inert(QStringLiteral("Next")), inert(QStringLiteral("Previous")),
-         method(QStringLiteral("Pause"), [this] { return run(m_pause); }),
-         method(QStringLiteral("PlayPause"), [this] { return run(m_toggle); }),
-         method(QStringLiteral("Stop"), [this] { return run(m_pause); }),
-         method(QStringLiteral("Play"), [this] { return run(m_play); }),
-         inert(QStringLiteral("Seek"), {{QStringLiteral("Offset"), time}}),
-         inert(QStringLiteral("SetPosition"),
-               {{QStringLiteral("TrackId"), QStringLiteral("o")}, {QStringLiteral("Position"), time}}),
-         openUri()},
-        {{QStringLiteral("Seeked"), {{QStringLiteral("Position"), time}}}},
-        {{QStringLiteral("PlaybackStatus"),
-          QStringLiteral("s"),
-          [this] { return QVariant(playbackStatus()); },
-          {},
-          Changes::areTold},
-         {QStringLiteral("Rate"), number, [] { return QVariant(1.0); }, setRate, Changes::areTold},
-         {QStringLiteral("Metadata"),
-          QStringLiteral("a{sv}"),
-          [this] { return QVariant(metadata()); },
-          {},
-          Changes::areTold},
-         {QStringLiteral("Volume"), number, [this] { return QVariant(m_volume); }, setVolume,
-          Changes::areTold},
-         {QStringLiteral("Position"), time, [] { return QVariant(qlonglong(0)); }, {}, Changes::areNotTold},
-         constant(QStringLiteral("MinimumRate"), number, 1.0),
-         constant(QStringLiteral("MaximumRate"), number, 1.0),
-         constant(QStringLiteral("CanGoNext"), flag, false),
-         constant(QStringLiteral("CanGoPrevious"), flag, false),
-         {QStringLiteral("CanPlay"),
-          flag,
-          [this] { return QVariant(static_cast<bool>(m_play)); },
-          {},
-          Changes::areTold},
-         {QStringLiteral("CanPause"),
-          flag,
-          [this] { return QVariant(static_cast<bool>(m_pause)); },
-          {},
-          Changes::areTold},
-         constant(QStringLiteral("CanSeek"), flag, false),
-         {QStringLiteral("CanControl"), flag, [] { return QVariant(true); }, {}, Changes::areNotTold}}};
+    return {"org.mpris.MediaPlayer2.Player",
+            {method("Next", [this] { return skip(1); }), method("Previous", [this] { return skip(-1); }),
+             method("Pause", [this] { return run(m_pause); }),
+             method("PlayPause", [this] { return run(m_toggle); }),
+             method("Stop", [this] { return run(m_pause); }), method("Play", [this] { return run(m_play); }),
+             inert("Seek", "Offset:x"), inert("SetPosition", "TrackId:o Position:x"), openUri()},
+            {{"Seeked", "Position:x"}},
+            {{"PlaybackStatus", "s", [this] { return QVariant(playbackStatus()); }},
+             {"Rate", "d", [] { return QVariant(1.0); }, Changes::areTold, setRate},
+             {"Metadata", "a{sv}", [this] { return QVariant(metadata()); }},
+             {"Volume", "d", [this] { return QVariant(m_volume); }, Changes::areTold, setVolume},
+             {"Position", "x", [] { return QVariant(qlonglong(0)); }, Changes::areNotTold},
+             constant("MinimumRate", "d", 1.0),
+             constant("MaximumRate", "d", 1.0),
+             {"CanGoNext", "b", canSkip},
+             {"CanGoPrevious", "b", canSkip},
+             {"CanPlay", "b", has(m_play)},
+             {"CanPause", "b", has(m_pause)},
+             constant("CanSeek", "b", false),
+             {"CanControl", "b", [] { return QVariant(true); }, Changes::areNotTold}}};
 }
 
 } // namespace zofra

@@ -3,6 +3,7 @@
 
 #include "platform/MediaControls.h"
 #include "platform/Observable.h"
+#include "platform/linux/MprisPlaylists.h"
 #include "platform/linux/SessionBus.h"
 
 #include <QString>
@@ -11,13 +12,9 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace zofra {
-
-namespace dbus {
-class ExportedObject;
-struct Interface;
-} // namespace dbus
 
 /// The media player on the session bus (org.mpris.MediaPlayer2.zofrazofra): what media keys, lock screens and
 /// media controls of desktops see and send. Works with and without a bus. Main thread only, callbacks
@@ -40,6 +37,16 @@ public:
     /// 0 to 1.
     void setVolume(double volume);
 
+    /// What can be played (a key of letters, digits and underscores, and a name), in the order of Next and
+    /// Previous, which go round.
+    void setStations(const std::vector<MprisPlaylists::Entry>& stations);
+    /// The one that plays, or would.
+    void setStation(const QString& key, const QString& name);
+
+    /// A client asks for this station, to be played if anything plays now.
+    std::function<void(const QString& key)> onStationRequested;
+    /// A client asks for this station to be played.
+    std::function<void(const QString& key)> onPlayStationRequested;
     /// A client asks for this volume, 0 to 1. It is shown once `setVolume` says so.
     std::function<void(double)> onVolumeRequested;
     /// Absent where there is nothing to raise.
@@ -50,6 +57,7 @@ private:
     [[nodiscard]] dbus::Interface rootInterface();
     [[nodiscard]] dbus::Interface playerInterface();
     [[nodiscard]] QVariantMap metadata() const;
+    [[nodiscard]] dbus::Answer skip(int distance);
     [[nodiscard]] QString playbackStatus() const;
     void appearOn(const QDBusConnection& connection);
     void requestName(const QDBusConnection& connection, const QString& name);
@@ -62,6 +70,8 @@ private:
     quint64 m_track = 0;
     PlaybackState m_state = PlaybackState::stopped;
     double m_volume = 0;
+    QString m_stationName;
+    MprisPlaylists m_playlists;
     Handler m_toggle;
     Handler m_play;
     Handler m_pause;

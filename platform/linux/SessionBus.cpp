@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/SessionBus.h"
 
+#include "platform/linux/DBusCalls.h"
 #include "platform/linux/DBusSignal.h"
 
 #include <QFileInfo>
@@ -74,6 +75,18 @@ std::optional<QDBusConnection> SessionBus::connection() const {
     if (!m_connected)
         return std::nullopt;
     return QDBusConnection(m_name);
+}
+
+void SessionBus::askHealth(std::chrono::milliseconds limit, std::function<void(Health)> told) {
+    if (!m_connected) {
+        // One that is being connected to may never answer.
+        told(m_attempt ? Health::silent : Health::absent);
+        return;
+    }
+    dbus::callLater(QDBusConnection(m_name), dbus::busCall("GetId"), limit, this,
+                    [told = std::move(told)](const QDBusMessage& reply) {
+                        told(reply.type() == QDBusMessage::ReplyMessage ? Health::answers : Health::silent);
+                    });
 }
 
 ObservationToken SessionBus::observeConnected(std::function<void(QDBusConnection)> handler) {

@@ -28,8 +28,10 @@ public:
 
     /// Absent while there is no bus.
     [[nodiscard]] std::optional<QDBusConnection> connection() const;
-    /// A connection is being made at this moment, perhaps to a bus that never answers.
-    [[nodiscard]] bool isConnecting() const { return m_attempt != nullptr; }
+    enum class Health { absent, silent, answers };
+    /// Finds out whether the bus answers: once all that was sent before is out, within `limit`. `told` is
+    /// called once, in place where there is nothing to ask.
+    void askHealth(std::chrono::milliseconds limit, std::function<void(Health)> told);
 
     /// Calls `handler` with each new connection until the token ends; at once, in place, when there is one
     /// now.

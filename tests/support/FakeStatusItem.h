@@ -19,7 +19,9 @@ public:
 
     StatusItemButton* button() override { return hasButton ? this : nullptr; }
     void menuDidChange() override { m_record << QStringLiteral("menuDidChange"); }
-    void flash(const QString& text) override { m_record << QStringLiteral("flash ") + text; }
+    void flashVolume(int, const QString& text) override { m_record << QStringLiteral("flash ") + text; }
+    void setBuffering(bool isBuffering) override { buffering = isBuffering; }
+    bool buffering = false;
     [[nodiscard]] StatusItemMode mode() const override { return StatusItemMode::direct; }
 
     void setAction(Action value) override {

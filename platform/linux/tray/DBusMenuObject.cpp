@@ -1,37 +1,33 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/tray/DBusMenuObject.h"
 
-#include <QDBusArgument>
-#include <QDBusError>
+#include "platform/linux/DBusArguments.h"
+
 #include <QGuiApplication>
 
-#include <algorithm>
 #include <utility>
 
 namespace zofra {
 
 namespace {
 
-const auto menuInterface = QLatin1String("com.canonical.dbusmenu");
-const auto propertiesInterface = QLatin1String("org.freedesktop.DBus.Properties");
+using dbus::Answer;
+using dbus::constant;
+
+constexpr auto* interfaceName = "com.canonical.dbusmenu";
 constexpr auto longestShowing = std::chrono::seconds(60);
-/// More numbers than any menu of ours has.
-constexpr qsizetype maxGroup = 4096;
+/// More numbers, and more names of properties, than any menu of ours has.
+constexpr int mostItems = 1024;
+constexpr int mostNames = 64;
+/// More than a person does at a time.
+constexpr int mostEvents = 64;
 
-QDBusMessage invalidArguments(const QDBusMessage& message, const QString& text) {
-    return message.createErrorReply(QDBusError::InvalidArgs, text);
+Answer unknownItem(int id) {
+    return dbus::refused("InvalidArgs", QStringLiteral("There is no menu item %1").arg(id));
 }
 
-QDBusMessage unknownItem(const QDBusMessage& message, int id) {
-    return invalidArguments(message, QStringLiteral("There is no menu item %1").arg(id));
-}
-
-template<typename Value>
-QList<Value> listArgument(const QVariant& argument) {
-    auto list = qdbus_cast<QList<Value>>(argument);
-    if (list.size() > maxGroup)
-        list.resize(maxGroup);
-    return list;
+Answer tooMany() {
+    return dbus::refused("LimitsExceeded", QStringLiteral("No menu has as much as that"));
 }
 
 /// What a property that an item does not name has all the same; invalid for what the protocol does not know.
@@ -52,87 +48,55 @@ QVariant protocolDefault(const QString& property) {
     return defaults.value(property);
 }
 
-const char* const introspection = R"xml(
- <interface name="com.canonical.dbusmenu">
-  <property name="Version" type="u" access="read"/>
-  <property name="TextDirection" type="s" access="read"/>
-  <property name="Status" type="s" access="read"/>
-  <property name="IconThemePath" type="as" access="read"/>
-  <method name="GetLayout">
-   <arg type="i" name="parentId" direction="in"/>
-   <arg type="i" name="recursionDepth" direction="in"/>
-   <arg type="as" name="propertyNames" direction="in"/>
-   <arg type="u" name="revision" direction="out"/>
-   <arg type="(ia{sv}av)" name="layout" direction="out"/>
-  </method>
-  <method name="GetGroupProperties">
-   <arg type="ai" name="ids" direction="in"/>
-   <arg type="as" name="propertyNames" direction="in"/>
-   <arg type="a(ia{sv})" name="properties" direction="out"/>
-  </method>
-  <method name="GetProperty">
-   <arg type="i" name="id" direction="in"/>
-   <arg type="s" name="name" direction="in"/>
-   <arg type="v" name="value" direction="out"/>
-  </method>
-  <method name="Event">
-   <arg type="i" name="id" direction="in"/>
-   <arg type="s" name="eventId" direction="in"/>
-   <arg type="v" name="data" direction="in"/>
-   <arg type="u" name="timestamp" direction="in"/>
-  </method>
-  <method name="EventGroup">
-   <arg type="a(isvu)" name="events" direction="in"/>
-   <arg type="ai" name="idErrors" direction="out"/>
-  </method>
-  <method name="AboutToShow">
-   <arg type="i" name="id" direction="in"/>
-   <arg type="b" name="needUpdate" direction="out"/>
-  </method>
-  <method name="AboutToShowGroup">
-   <arg type="ai" name="ids" direction="in"/>
-   <arg type="ai" name="updatesNeeded" direction="out"/>
-   <arg type="ai" name="idErrors" direction="out"/>
-  </method>
-  <signal name="ItemsPropertiesUpdated">
-   <arg type="a(ia{sv})" name="updatedProps"/>
-   <arg type="a(ias)" name="removedProps"/>
-  </signal>
-  <signal name="LayoutUpdated">
-   <arg type="u" name="revision"/>
-   <arg type="i" name="parent"/>
-  </signal>
-  <signal name="ItemActivationRequested">
-   <arg type="i" name="id"/>
-   <arg type="u" name="timestamp"/>
-  </signal>
- </interface>
-)xml";
-
 } // namespace
 
-DBusMenuObject::DBusMenuObject(QDBusConnection connection, QString path, Environment environment)
-    : m_connection(std::move(connection))
-    , m_path(std::move(path))
-    , m_environment(std::move(environment))
-    , m_tree(m_environment.iconProperties) {
+DBusMenuObject::DBusMenuObject(const QDBusConnection& connection, const QString& path,
+                               Environment environment)
+    : m_environment(std::move(environment))
+    , m_tree(m_environment.iconName)
+    , m_object(path, {menuInterface()}) {
     registerTrayTypes();
-    m_connection.registerVirtualObject(m_path, this);
+    m_object.exportOn(connection);
 }
 
-DBusMenuObject::~DBusMenuObject() {
-    m_connection.unregisterObject(m_path);
+dbus::Interface DBusMenuObject::menuInterface() {
+    using Answering = Answer (DBusMenuObject::*)(const QVariantList&);
+    using Reading = Answer (DBusMenuObject::*)(const QVariantList&) const;
+    const auto answering = [this](Answering method) {
+        return [this, method](const QVariantList& arguments) { return (this->*method)(arguments); };
+    };
+    const auto reading = [this](Reading method) {
+        return [this, method](const QVariantList& arguments) { return (this->*method)(arguments); };
+    };
+    const auto event = [this](const QVariantList& arguments) {
+        handleEvent(arguments.at(0).toInt(), arguments.at(1).toString());
+        return Answer();
+    };
+    const bool rightToLeft = QGuiApplication::layoutDirection() == Qt::RightToLeft;
+    return {interfaceName,
+            {{"GetLayout", "parentId:i recursionDepth:i propertyNames:as", "revision:u layout:(ia{sv}av)",
+              answering(&DBusMenuObject::getLayout)},
+             {"GetGroupProperties", "ids:ai propertyNames:as", "properties:a(ia{sv})",
+              reading(&DBusMenuObject::getGroupProperties)},
+             {"GetProperty", "id:i name:s", "value:v", reading(&DBusMenuObject::getProperty)},
+             {"Event", "id:i eventId:s data:v timestamp:u", "", event},
+             {"EventGroup", "events:a(isvu)", "idErrors:ai", answering(&DBusMenuObject::eventGroup)},
+             {"AboutToShow", "id:i", "needUpdate:b", answering(&DBusMenuObject::aboutToShow)},
+             {"AboutToShowGroup", "ids:ai", "updatesNeeded:ai idErrors:ai",
+              answering(&DBusMenuObject::aboutToShowGroup)}},
+            {{"ItemsPropertiesUpdated", "updatedProps:a(ia{sv}) removedProps:a(ias)"},
+             {"LayoutUpdated", "revision:u parent:i"},
+             {"ItemActivationRequested", "id:i timestamp:u"}},
+            {constant("Version", "u", 3U),
+             constant("TextDirection", "s", rightToLeft ? QStringLiteral("rtl") : QStringLiteral("ltr")),
+             constant("Status", "s", QStringLiteral("normal")),
+             constant("IconThemePath", "as", m_environment.iconThemePath)}};
 }
 
 void DBusMenuObject::menuDidChange() {
     // A panel that never asked has nothing to be corrected.
-    if (m_isCheckPosted || m_fetchedRevision == 0)
-        return;
-    m_isCheckPosted = true;
-    m_environment.mainQueue.async([this, alive = std::weak_ptr(m_alive)] {
-        if (!alive.expired())
-            checkForChange();
-    });
+    if (m_fetchedRevision != 0 && !std::exchange(m_isCheckPosted, true))
+        m_environment.mainQueue.async(m_lifetime.guard([this] { checkForChange(); }));
 }
 
 void DBusMenuObject::checkForChange() {
@@ -142,26 +106,22 @@ void DBusMenuObject::checkForChange() {
 }
 
 bool DBusMenuObject::rebuild() {
-    const Menu menu = m_environment.provider ? m_environment.provider() : Menu();
-    if (m_tree.replace(menu) == DBusMenuTree::Change::content) {
+    const auto changes = m_tree.replace(m_environment.provider ? m_environment.provider() : Menu());
+    if (!changes.layouts.isEmpty())
         ++m_revision;
-        // Whoever asked is not the only one who may hold a layout: another panel would never hear of the
-        // change.
-        if (m_fetchedRevision != 0)
-            emitLayoutUpdated();
+    // Whoever asked is not the only one who may hold a layout: another panel would never hear of the change.
+    if (m_fetchedRevision != 0) {
+        if (!changes.updated.isEmpty() || !changes.removed.isEmpty())
+            m_object.send(interfaceName, "ItemsPropertiesUpdated",
+                          {QVariant::fromValue(changes.updated), QVariant::fromValue(changes.removed)});
+        for (const int menu : changes.layouts)
+            m_object.send(interfaceName, "LayoutUpdated", {m_revision, menu});
     }
     return m_fetchedRevision != m_revision;
 }
 
-void DBusMenuObject::emitLayoutUpdated() {
-    auto signal = QDBusMessage::createSignal(m_path, menuInterface, QStringLiteral("LayoutUpdated"));
-    signal << m_revision << 0;
-    m_connection.send(signal);
-}
-
 void DBusMenuObject::handleEvent(int id, const QString& eventId) {
     if (id == 0 && eventId == QLatin1String("opened")) {
-        m_tree.forgetMenuBefore();
         // Not every panel says when it closes the menu again.
         m_shown = m_environment.mainQueue.startTimer(longestShowing, MainQueue::Repeat::once, [this] {
             m_shown.reset();
@@ -171,7 +131,7 @@ void DBusMenuObject::handleEvent(int id, const QString& eventId) {
         m_shown.reset();
         menuDidChange();
     } else if (eventId == QLatin1String("clicked")) {
-        const MenuItem* found = m_tree.meantBy(id);
+        const MenuItem* found = m_tree.item(id);
         if (!found || !found->isEnabled || !found->action)
             return;
         // The action may rebuild the menu, or end this object.
@@ -180,165 +140,87 @@ void DBusMenuObject::handleEvent(int id, const QString& eventId) {
     }
 }
 
-QString DBusMenuObject::introspect(const QString& path) const {
-    return path == m_path ? QString::fromLatin1(introspection) : QString();
-}
-
-bool DBusMenuObject::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
-    const QString interface = message.interface();
-    QDBusMessage reply;
-    bool isKnown = false;
-    if (interface == propertiesInterface)
-        isKnown = handlePropertiesCall(message, reply);
-    else if (interface == menuInterface || interface.isEmpty())
-        isKnown = handleMenuCall(message, reply);
-    else if (interface.startsWith(QLatin1String("org.freedesktop.DBus.")))
-        return false;
-    if (!isKnown)
-        reply = message.createErrorReply(QDBusError::UnknownMethod,
-                                         QStringLiteral("The menu has no method %1").arg(message.member()));
-    if (message.isReplyRequired())
-        connection.send(reply);
-    return true;
-}
-
-bool DBusMenuObject::handleMenuCall(const QDBusMessage& message, QDBusMessage& reply) {
-    const QString call = message.member() + QLatin1Char(':') + message.signature();
-    if (call == QLatin1String("GetLayout:iias")) {
-        reply = getLayout(message);
-    } else if (call == QLatin1String("GetGroupProperties:aias")) {
-        reply = getGroupProperties(message);
-    } else if (call == QLatin1String("GetProperty:is")) {
-        reply = getProperty(message);
-    } else if (call == QLatin1String("Event:isvu")) {
-        const int id = message.arguments().at(0).toInt();
-        reply = message.createReply();
-        handleEvent(id, message.arguments().at(1).toString());
-    } else if (call == QLatin1String("EventGroup:a(isvu)")) {
-        reply = eventGroup(message);
-    } else if (call == QLatin1String("AboutToShow:i")) {
-        reply = aboutToShow(message);
-    } else if (call == QLatin1String("AboutToShowGroup:ai")) {
-        reply = aboutToShowGroup(message);
-    } else {
-        return false;
-    }
-    return true;
-}
-
-QDBusMessage DBusMenuObject::getLayout(const QDBusMessage& message) {
-    const int id = message.arguments().at(0).toInt();
+Answer DBusMenuObject::getLayout(const QVariantList& arguments) {
+    const int id = arguments.at(0).toInt();
+    const QStringList names = arguments.at(2).toStringList();
+    if (names.size() > mostNames)
+        return tooMany();
     // While the menu is open, a panel asking again (for a submenu, say) gets what it already shows.
     if (id == 0) {
         if (!m_shown)
             rebuild();
         m_fetchedRevision = m_revision;
     }
-    const auto layout =
-        m_tree.layout(id, message.arguments().at(1).toInt(), message.arguments().at(2).toStringList());
+    const auto layout = m_tree.layout(id, arguments.at(1).toInt(), names);
     if (!layout)
-        return unknownItem(message, id);
-    return message.createReply({QVariant::fromValue(m_revision), QVariant::fromValue(*layout)});
+        return unknownItem(id);
+    return {{m_revision, QVariant::fromValue(*layout)}, {}, {}};
 }
 
-QDBusMessage DBusMenuObject::getGroupProperties(const QDBusMessage& message) const {
-    QList<int> ids = listArgument<int>(message.arguments().at(0));
-    const QStringList names = message.arguments().at(1).toStringList();
-    if (ids.isEmpty())
+Answer DBusMenuObject::getGroupProperties(const QVariantList& arguments) const {
+    auto ids = dbus::boundedList<int>(arguments.at(0), mostItems);
+    const QStringList names = arguments.at(1).toStringList();
+    if (!ids || names.size() > mostNames)
+        return tooMany();
+    if (ids->isEmpty())
         ids = m_tree.ids();
     QList<BusMenuProperties> answer;
-    for (const int id : std::as_const(ids)) {
+    for (const int id : std::as_const(*ids)) {
         if (const auto properties = m_tree.properties(id, names))
             answer.append({id, *properties});
     }
-    return message.createReply(QVariant::fromValue(answer));
+    return {{QVariant::fromValue(answer)}, {}, {}};
 }
 
-QDBusMessage DBusMenuObject::getProperty(const QDBusMessage& message) const {
-    const int id = message.arguments().at(0).toInt();
-    const QString name = message.arguments().at(1).toString();
+Answer DBusMenuObject::getProperty(const QVariantList& arguments) const {
+    const int id = arguments.at(0).toInt();
+    const QString name = arguments.at(1).toString();
     const auto properties = m_tree.properties(id, {name});
     const QVariant value = properties ? properties->value(name, protocolDefault(name)) : QVariant();
     if (!value.isValid())
-        return invalidArguments(message, QStringLiteral("Menu item %1 has no such property").arg(id));
-    return message.createReply(QVariant::fromValue(QDBusVariant(value)));
+        return dbus::refused("InvalidArgs", QStringLiteral("Menu item %1 has no such property").arg(id));
+    return {{QVariant::fromValue(QDBusVariant(value))}, {}, {}};
 }
 
-QDBusMessage DBusMenuObject::eventGroup(const QDBusMessage& message) {
-    const auto events = listArgument<BusMenuEvent>(message.arguments().at(0));
+Answer DBusMenuObject::eventGroup(const QVariantList& arguments) {
+    const auto events = dbus::boundedList<BusMenuEvent>(arguments.at(0), mostEvents);
+    if (!events)
+        return tooMany();
     QList<int> unknown;
-    for (const BusMenuEvent& one : events) {
+    for (const BusMenuEvent& one : *events) {
         if (!m_tree.contains(one.id))
             unknown.append(one.id);
     }
-    if (!events.isEmpty() && unknown.size() == events.size())
-        return invalidArguments(message, QStringLiteral("There is none of these menu items"));
-    const auto reply = message.createReply(QVariant::fromValue(unknown));
-    const auto alive = std::weak_ptr(m_alive);
-    for (const BusMenuEvent& one : events) {
-        if (alive.expired())
-            break;
-        handleEvent(one.id, one.eventId);
-    }
-    return reply;
+    if (!events->isEmpty() && unknown.size() == events->size())
+        return dbus::refused("InvalidArgs", QStringLiteral("There is none of these menu items"));
+    // An event may end this object.
+    auto handle =
+        m_lifetime.guard([this](const BusMenuEvent& event) { handleEvent(event.id, event.eventId); });
+    for (const BusMenuEvent& one : *events)
+        handle(one);
+    return {{QVariant::fromValue(unknown)}, {}, {}};
 }
 
-QDBusMessage DBusMenuObject::aboutToShow(const QDBusMessage& message) {
-    const int id = message.arguments().at(0).toInt();
-    if (id == 0) {
-        const bool needsUpdate = rebuild();
-        m_tree.forgetMenuBefore();
-        return message.createReply(QVariant::fromValue(needsUpdate));
-    }
-    return m_tree.contains(id) ? message.createReply(QVariant::fromValue(false)) : unknownItem(message, id);
+Answer DBusMenuObject::aboutToShow(const QVariantList& arguments) {
+    const int id = arguments.at(0).toInt();
+    if (id == 0)
+        return {{rebuild()}, {}, {}};
+    return m_tree.contains(id) ? Answer{{false}, {}, {}} : unknownItem(id);
 }
 
-QDBusMessage DBusMenuObject::aboutToShowGroup(const QDBusMessage& message) {
-    const auto ids = listArgument<int>(message.arguments().at(0));
+Answer DBusMenuObject::aboutToShowGroup(const QVariantList& arguments) {
+    const auto ids = dbus::boundedList<int>(arguments.at(0), mostItems);
+    if (!ids)
+        return tooMany();
     QList<int> updates;
     QList<int> unknown;
-    for (const int id : ids) {
-        if (id == 0 && rebuild())
-            updates.append(id);
-        else if (!m_tree.contains(id))
+    if (ids->contains(0) && rebuild())
+        updates.append(0);
+    for (const int id : *ids) {
+        if (!m_tree.contains(id))
             unknown.append(id);
     }
-    return message.createReply({QVariant::fromValue(updates), QVariant::fromValue(unknown)});
-}
-
-QVariantMap DBusMenuObject::objectProperties() const {
-    const bool rightToLeft = QGuiApplication::layoutDirection() == Qt::RightToLeft;
-    return {{QStringLiteral("Version"), 3U},
-            {QStringLiteral("TextDirection"), rightToLeft ? QStringLiteral("rtl") : QStringLiteral("ltr")},
-            {QStringLiteral("Status"), QStringLiteral("normal")},
-            {QStringLiteral("IconThemePath"), m_environment.iconThemePath}};
-}
-
-bool DBusMenuObject::handlePropertiesCall(const QDBusMessage& message, QDBusMessage& reply) const {
-    const auto properties = objectProperties();
-    const auto arguments = message.arguments();
-    if (message.member() == QLatin1String("GetAll") && message.signature() == QLatin1String("s")) {
-        const bool isOurs =
-            arguments.at(0).toString().isEmpty() || arguments.at(0).toString() == menuInterface;
-        reply = message.createReply(isOurs ? properties : QVariantMap());
-        return true;
-    }
-    if (message.member() == QLatin1String("Get") && message.signature() == QLatin1String("ss")) {
-        const QString name = arguments.at(1).toString();
-        const bool isOurs =
-            arguments.at(0).toString().isEmpty() || arguments.at(0).toString() == menuInterface;
-        reply = isOurs && properties.contains(name)
-                    ? message.createReply(QVariant::fromValue(QDBusVariant(properties.value(name))))
-                    : message.createErrorReply(QDBusError::UnknownProperty,
-                                               QStringLiteral("The menu has no property %1").arg(name));
-        return true;
-    }
-    if (message.member() == QLatin1String("Set") && message.signature() == QLatin1String("ssv")) {
-        reply = message.createErrorReply(QDBusError::PropertyReadOnly,
-                                         QStringLiteral("The menu's properties can only be read"));
-        return true;
-    }
-    return false;
+    return {{QVariant::fromValue(updates), QVariant::fromValue(unknown)}, {}, {}};
 }
 
 } // namespace zofra

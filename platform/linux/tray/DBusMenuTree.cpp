@@ -33,20 +33,31 @@ auto findNode(Nodes& nodes, const Matches& matches) -> decltype(nodes.data()) {
     return nullptr;
 }
 
-/// Whether both look the same and stand for the same things.
-template<typename Node>
-bool looksAlike(const Node& a, const Node& b) {
-    return a.properties == b.properties && a.item.actionName == b.item.actionName &&
-           a.item.identity == b.item.identity &&
-           std::equal(a.children.begin(), a.children.end(), b.children.begin(), b.children.end(),
-                      [](const Node& c, const Node& d) { return looksAlike(c, d); });
+/// Whether an item is still the one that was shown: what can be chosen must also still say the same.
+bool isSame(const MenuItem& a, const MenuItem& b) {
+    const auto canBeChosen = [](const MenuItem& item) { return static_cast<bool>(item.action); };
+    return a.kind == b.kind && a.actionName == b.actionName && a.identity == b.identity &&
+           canBeChosen(a) == canBeChosen(b) &&
+           (canBeChosen(a) ? a.title == b.title : a.iconName == b.iconName);
 }
 
-template<typename Node>
-void takeNumbers(Node& to, const Node& from) {
-    to.id = from.id;
-    for (std::size_t i = 0; i < to.children.size(); ++i)
-        takeNumbers(to.children[i], from.children[i]);
+/// What an item has to be told of that is shown with `before`.
+void compareProperties(int id, const QVariantMap& before, const QVariantMap& now,
+                       DBusMenuTree::Changes& changes) {
+    BusMenuProperties updated{id, {}};
+    BusMenuRemovedProperties removed{id, {}};
+    for (auto property = now.cbegin(); property != now.cend(); ++property) {
+        if (before.value(property.key()) != property.value())
+            updated.properties.insert(property.key(), property.value());
+    }
+    for (auto property = before.cbegin(); property != before.cend(); ++property) {
+        if (!now.contains(property.key()))
+            removed.names.append(property.key());
+    }
+    if (!updated.properties.isEmpty())
+        changes.updated.append(updated);
+    if (!removed.names.isEmpty())
+        changes.removed.append(removed);
 }
 
 template<typename Node>
@@ -68,44 +79,48 @@ void appendIds(const Node& node, QList<int>& ids) {
 
 } // namespace
 
-DBusMenuTree::DBusMenuTree(IconProperties iconProperties)
-    : m_iconProperties(std::move(iconProperties)) {
+DBusMenuTree::DBusMenuTree(IconName iconName)
+    : m_iconName(std::move(iconName)) {
     m_root.properties.insert(QStringLiteral("children-display"), QStringLiteral("submenu"));
 }
 
-DBusMenuTree::Change DBusMenuTree::replace(const Menu& menu) {
+DBusMenuTree::Changes DBusMenuTree::replace(const Menu& menu) {
     Node root;
     root.properties = m_root.properties;
     for (const MenuItem& item : menu)
         root.children.push_back(makeNode(item));
-    if (looksAlike(root, m_root)) {
-        takeNumbers(root, m_root);
-        m_root = std::move(root);
-        return Change::nothing;
+    Changes changes;
+    succeed(root, m_root, changes);
+    m_root = std::move(root);
+    return changes;
+}
+
+void DBusMenuTree::succeed(Node& node, const Node& before, Changes& changes) {
+    node.id = before.id;
+    compareProperties(node.id, before.properties, node.properties, changes);
+    std::vector<const Node*> unclaimed;
+    for (const Node& child : before.children)
+        unclaimed.push_back(&child);
+    bool isSameLayout = before.children.size() == node.children.size();
+    for (Node& child : node.children) {
+        const auto same = std::find_if(unclaimed.begin(), unclaimed.end(), [&child](const Node* candidate) {
+            return isSame(candidate->item, child.item);
+        });
+        isSameLayout = isSameLayout && same == unclaimed.begin() && same != unclaimed.end();
+        if (same == unclaimed.end()) {
+            number(child);
+        } else {
+            succeed(child, **same, changes);
+            unclaimed.erase(same);
+        }
     }
-    for (Node& child : root.children)
-        number(child);
-    m_former = std::exchange(m_root, std::move(root));
-    return Change::content;
+    if (!isSameLayout)
+        changes.layouts.append(node.id);
 }
 
 const MenuItem* DBusMenuTree::item(int id) const {
     const Node* found = id == 0 ? nullptr : node(id);
     return found ? &found->item : nullptr;
-}
-
-const MenuItem* DBusMenuTree::meantBy(int id) const {
-    if (const MenuItem* now = item(id))
-        return now;
-    const Node* former =
-        findNode(m_former.children, [id](const Node& candidate) { return candidate.id == id; });
-    if (!former)
-        return nullptr;
-    const Node* same = findNode(m_root.children, [&clicked = former->item](const Node& candidate) {
-        return candidate.item.title == clicked.title && candidate.item.actionName == clicked.actionName &&
-               candidate.item.identity == clicked.identity;
-    });
-    return same ? &same->item : nullptr;
 }
 
 std::optional<BusMenuLayout> DBusMenuTree::layout(int id, int depth, const QStringList& names) const {
@@ -145,13 +160,15 @@ QVariantMap DBusMenuTree::itemProperties(const MenuItem& item) const {
     if (!item.isEnabled)
         properties.insert(QStringLiteral("enabled"), false);
     if (item.state != MenuItem::CheckState::none) {
-        properties.insert(QStringLiteral("toggle-type"), QStringLiteral("checkmark"));
+        // Every mark of this program's menus stands for one choice of several.
+        properties.insert(QStringLiteral("toggle-type"), QStringLiteral("radio"));
         properties.insert(QStringLiteral("toggle-state"), item.state == MenuItem::CheckState::on ? 1 : 0);
     }
     if (!item.submenu.empty())
         properties.insert(QStringLiteral("children-display"), QStringLiteral("submenu"));
-    if (!item.iconName.isEmpty() && m_iconProperties)
-        properties.insert(m_iconProperties(item.iconName));
+    const QString iconName = item.iconName.isEmpty() || !m_iconName ? QString() : m_iconName(item.iconName);
+    if (!iconName.isEmpty())
+        properties.insert(QStringLiteral("icon-name"), iconName);
     if (!item.keyEquivalent.isEmpty()) {
         const QStringList keys{QStringLiteral("Control"), item.keyEquivalent.toUpper()};
         properties.insert(QStringLiteral("shortcut"), QVariant::fromValue(QList<QStringList>{keys}));

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/tray/PanelWatch.h"
 
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include "platform/linux/DBusCalls.h"
+
 #include <QDBusVariant>
 #include <QFile>
 
+#include <chrono>
 #include <utility>
 
 namespace zofra {
@@ -15,19 +15,7 @@ namespace {
 
 const auto watcherName = QLatin1String("org.kde.StatusNotifierWatcher");
 const auto watcherPath = QLatin1String("/StatusNotifierWatcher");
-
-/// Sends `call`; `answered` gets the first argument of the answer, invalid on an error.
-template<typename Answered>
-void ask(const QDBusConnection& connection, const QDBusMessage& call, Answered answered) {
-    auto* pending = new QDBusPendingCallWatcher(connection.asyncCall(call));
-    QObject::connect(pending, &QDBusPendingCallWatcher::finished, pending,
-                     [pending, answered = std::move(answered)]() mutable {
-                         pending->deleteLater();
-                         const QDBusMessage reply = pending->reply();
-                         const bool isAnswer = reply.type() == QDBusMessage::ReplyMessage;
-                         answered(isAnswer, reply.arguments().value(0));
-                     });
-}
+constexpr auto answerLimit = std::chrono::seconds(25);
 
 } // namespace
 
@@ -58,14 +46,11 @@ void PanelWatch::ownerChanged(const QString& owner) {
 }
 
 void PanelWatch::askForProgram(const QString& owner) {
-    auto call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetConnectionUnixProcessID"));
-    call << owner;
-    ask(m_connection, call, m_lifetime.guard([this, owner](bool isAnswer, const QVariant& processId) {
-        if (owner == m_owner && m_handlers.appeared)
-            m_handlers.appeared(isAnswer ? processName(processId.toUInt()) : QString());
-    }));
+    ask(dbus::busCall("GetConnectionUnixProcessID", {owner}), [this](const QDBusMessage& reply) {
+        const uint processId = reply.arguments().value(0).toUInt();
+        if (m_handlers.appeared)
+            m_handlers.appeared(processId == 0 ? QString() : processName(processId));
+    });
 }
 
 void PanelWatch::registerItem() {
@@ -73,23 +58,32 @@ void PanelWatch::registerItem() {
                                                QStringLiteral("RegisterStatusNotifierItem"));
     // The unique name: with a well-known one a panel may miss the menu.
     call << m_connection.baseService();
-    ask(m_connection, call, m_lifetime.guard([this, owner = m_owner](bool isAnswer, const QVariant&) {
-        if (isAnswer && owner == m_owner)
+    ask(call, [this](const QDBusMessage& reply) {
+        if (reply.type() == QDBusMessage::ReplyMessage)
             askForHost();
-    }));
+    });
 }
 
 void PanelWatch::askForHost() {
     auto call = QDBusMessage::createMethodCall(
         m_owner, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     call << QString(watcherName) << QStringLiteral("IsStatusNotifierHostRegistered");
-    ask(m_connection, call, m_lifetime.guard([this, owner = m_owner](bool isAnswer, const QVariant& value) {
-        if (owner != m_owner || !m_handlers.registered)
-            return;
+    ask(call, [this](const QDBusMessage& reply) {
         // A watcher that does not say is taken for a panel.
-        const QVariant hasHost = qvariant_cast<QDBusVariant>(value).variant();
-        m_handlers.registered(!isAnswer || !hasHost.isValid() || hasHost.toBool());
-    }));
+        const QVariant hasHost = qvariant_cast<QDBusVariant>(reply.arguments().value(0)).variant();
+        if (m_handlers.registered)
+            m_handlers.registered(reply.type() != QDBusMessage::ReplyMessage || !hasHost.isValid() ||
+                                  hasHost.toBool());
+    });
+}
+
+void PanelWatch::ask(const QDBusMessage& call, std::function<void(const QDBusMessage& reply)> answered) {
+    dbus::callLater(m_connection, call, answerLimit, &m_calls,
+                    [this, owner = m_owner, answered = std::move(answered)](const QDBusMessage& reply) {
+                        // A watcher that has gone meanwhile is not meant any longer.
+                        if (owner == m_owner)
+                            answered(reply);
+                    });
 }
 
 } // namespace zofra

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/Lifetime.h"
 #include "platform/linux/DBusNameOwner.h"
 #include "platform/linux/DBusSignal.h"
 
 #include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
 #include <QString>
 
 #include <functional>
@@ -28,18 +29,22 @@ public:
 
     PanelWatch(const QDBusConnection& connection, Handlers handlers);
 
+    /// Whether there is a watcher of status items, so far as the bus has said.
+    [[nodiscard]] bool hasWatcher() const { return !m_owner.isEmpty(); }
     void registerItem();
 
 private:
     void ownerChanged(const QString& owner);
     void askForProgram(const QString& owner);
     void askForHost();
+    void ask(const QDBusMessage& call, std::function<void(const QDBusMessage& reply)> answered);
 
     QDBusConnection m_connection;
     Handlers m_handlers;
     QString m_owner;
     std::unique_ptr<DBusSignal> m_hostRegistered;
-    Lifetime m_lifetime;
+    /// Owns what is being asked.
+    QObject m_calls;
     DBusNameOwner m_watcher;
 };
 

@@ -1,191 +1,138 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/tray/StatusNotifierObject.h"
 
-#include <QDBusError>
 #include <QDBusObjectPath>
 
-#include <type_traits>
 #include <utility>
 
 namespace zofra {
 
 namespace {
 
-const auto itemInterface = QLatin1String("org.kde.StatusNotifierItem");
-const auto propertiesInterface = QLatin1String("org.freedesktop.DBus.Properties");
+using dbus::Answer;
+using dbus::constant;
+using dbus::Method;
+using dbus::Property;
 
-const char* const commonIntrospection = R"xml(
-  <property name="Category" type="s" access="read"/>
-  <property name="Id" type="s" access="read"/>
-  <property name="Title" type="s" access="read"/>
-  <property name="Status" type="s" access="read"/>
-  <property name="WindowId" type="i" access="read"/>
-  <property name="IconThemePath" type="s" access="read"/>
-  <property name="IconName" type="s" access="read"/>
-  <property name="IconPixmap" type="a(iiay)" access="read"/>
-  <property name="IconAccessibleDesc" type="s" access="read"/>
-  <property name="OverlayIconName" type="s" access="read"/>
-  <property name="OverlayIconPixmap" type="a(iiay)" access="read"/>
-  <property name="AttentionIconName" type="s" access="read"/>
-  <property name="AttentionIconPixmap" type="a(iiay)" access="read"/>
-  <property name="AttentionAccessibleDesc" type="s" access="read"/>
-  <property name="AttentionMovieName" type="s" access="read"/>
-  <property name="ToolTip" type="(sa(iiay)ss)" access="read"/>
-  <property name="XAyatanaLabel" type="s" access="read"/>
-  <property name="XAyatanaLabelGuide" type="s" access="read"/>
-  <property name="XAyatanaIconAccessibleDesc" type="s" access="read"/>
-  <property name="XAyatanaOrderingIndex" type="u" access="read"/>
-  <method name="ContextMenu">
-   <arg type="i" name="x" direction="in"/>
-   <arg type="i" name="y" direction="in"/>
-  </method>
-  <method name="SecondaryActivate">
-   <arg type="i" name="x" direction="in"/>
-   <arg type="i" name="y" direction="in"/>
-  </method>
-  <method name="XAyatanaSecondaryActivate">
-   <arg type="u" name="timestamp" direction="in"/>
-  </method>
-  <method name="Scroll">
-   <arg type="i" name="delta" direction="in"/>
-   <arg type="s" name="orientation" direction="in"/>
-  </method>
-  <method name="ProvideXdgActivationToken">
-   <arg type="s" name="token" direction="in"/>
-  </method>
-  <signal name="NewTitle"/>
-  <signal name="NewIcon"/>
-  <signal name="NewAttentionIcon"/>
-  <signal name="NewOverlayIcon"/>
-  <signal name="NewToolTip"/>
-  <signal name="NewStatus">
-   <arg type="s" name="status"/>
-  </signal>
-  <signal name="XAyatanaNewLabel">
-   <arg type="s" name="label"/>
-   <arg type="s" name="guide"/>
-  </signal>
-)xml";
+constexpr auto* interfaceName = "org.kde.StatusNotifierItem";
 
-const char* const directIntrospection = R"xml(
-  <method name="Activate">
-   <arg type="i" name="x" direction="in"/>
-   <arg type="i" name="y" direction="in"/>
-  </method>
-)xml";
+/// A method without an answer; without a handler nothing is done.
+template<typename Handler, typename Convert>
+Method method(const char* name, const char* in, Handler handler, Convert convert) {
+    return {name, in, "", [handler, convert](const QVariantList& arguments) {
+                if (handler)
+                    convert(handler, arguments);
+                return Answer();
+            }};
+}
 
-const char* const hostmenuIntrospection = R"xml(
-  <property name="ItemIsMenu" type="b" access="read"/>
-  <property name="Menu" type="o" access="read"/>
-)xml";
-
-template<typename... Arguments>
-void call(const std::function<void(Arguments...)>& handler, std::type_identity_t<Arguments>... arguments) {
-    // The handler may end the object that holds it.
-    const auto copy = handler;
-    if (copy)
-        copy(arguments...);
+Method clickMethod(const char* name, const std::function<void(QPoint)>& handler) {
+    return method(name, "x:i y:i", handler, [](const auto& call, const QVariantList& arguments) {
+        call(QPoint(arguments.at(0).toInt(), arguments.at(1).toInt()));
+    });
 }
 
 } // namespace
 
-StatusNotifierObject::StatusNotifierObject(QDBusConnection connection, QString path, QString menuPath,
-                                           Handlers handlers)
-    : m_connection(std::move(connection))
-    , m_path(std::move(path))
-    , m_menuPath(std::move(menuPath))
-    , m_handlers(std::move(handlers)) {
+StatusNotifierObject::StatusNotifierObject(const QDBusConnection& connection, Paths paths, Handlers handlers)
+    : m_paths(std::move(paths))
+    , m_handlers(std::move(handlers))
+    , m_object(m_paths.item, {itemInterface()}) {
     registerTrayTypes();
-    m_connection.registerVirtualObject(m_path, this);
+    m_object.exportOn(connection);
 }
 
-StatusNotifierObject::~StatusNotifierObject() {
-    m_connection.unregisterObject(m_path);
-}
-
-void StatusNotifierObject::setWay(Way way, ToolTipText toolTipText) {
-    m_way = way;
+void StatusNotifierObject::setMode(StatusItemMode mode, ToolTipText toolTipText) {
+    m_mode = mode;
     m_toolTipText = toolTipText;
+    m_object.replaceInterfaces({itemInterface()});
 }
 
 void StatusNotifierObject::setContent(StatusNotifierContent content) {
     const StatusNotifierContent before = std::exchange(m_content, std::move(content));
     if (before.title != m_content.title)
-        emitSignal("NewTitle");
+        m_object.send(interfaceName, "NewTitle");
     if (before.iconName != m_content.iconName || before.symbolName != m_content.symbolName ||
         before.iconAccessibleDescription != m_content.iconAccessibleDescription)
-        emitSignal("NewIcon");
+        m_object.send(interfaceName, "NewIcon");
     if (before.toolTip != m_content.toolTip)
-        emitSignal("NewToolTip");
+        m_object.send(interfaceName, "NewToolTip");
     if (before.label != m_content.label)
-        emitSignal("XAyatanaNewLabel", {m_content.label, m_content.label});
+        m_object.send(interfaceName, "XAyatanaNewLabel", {m_content.label, m_content.label});
 }
 
-void StatusNotifierObject::emitSignal(const char* name, const QVariantList& arguments) {
-    auto signal = QDBusMessage::createSignal(m_path, itemInterface, QString::fromLatin1(name));
-    signal.setArguments(arguments);
-    m_connection.send(signal);
-}
-
-QString StatusNotifierObject::introspect(const QString& path) const {
-    if (path != m_path)
-        return {};
-    return QStringLiteral(" <interface name=\"%1\">").arg(itemInterface) +
-           QString::fromLatin1(commonIntrospection) +
-           QString::fromLatin1(m_way == Way::direct ? directIntrospection : hostmenuIntrospection) +
-           QStringLiteral(" </interface>\n");
-}
-
-bool StatusNotifierObject::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
-    const QString interface = message.interface();
-    QDBusMessage reply;
-    if (interface == propertiesInterface) {
-        if (!handlePropertiesCall(message, reply))
-            reply = message.createErrorReply(QDBusError::UnknownMethod, message.member());
-    } else if (interface.startsWith(QLatin1String("org.freedesktop.DBus."))) {
-        return false;
-    } else if ((interface == itemInterface || interface.isEmpty()) && handleItemCall(message)) {
-        reply = message.createReply();
-    } else {
-        // Panels take this answer, and no other, as "show the menu instead".
-        reply = message.createErrorReply(
-            QDBusError::UnknownMethod,
-            QStringLiteral("The status item has no method %1").arg(message.member()));
-    }
-    // Also after a click that has ended this object: message and connection are the caller's.
-    if (message.isReplyRequired())
-        connection.send(reply);
-    return true;
-}
-
-bool StatusNotifierObject::handleItemCall(const QDBusMessage& message) {
-    const QString name = message.member();
-    const QString signature = message.signature();
-    const auto arguments = message.arguments();
-    if (signature == QLatin1String("ii")) {
-        const QPoint point(arguments.at(0).toInt(), arguments.at(1).toInt());
-        if (name == QLatin1String("Activate") && m_way == Way::direct)
-            call(m_handlers.activate, point);
-        else if (name == QLatin1String("ContextMenu"))
-            call(m_handlers.contextMenu, point);
-        else if (name == QLatin1String("SecondaryActivate"))
-            call(m_handlers.secondaryActivate);
-        else
-            return false;
-        return true;
-    }
-    if (name == QLatin1String("XAyatanaSecondaryActivate") && signature == QLatin1String("u")) {
-        call(m_handlers.secondaryActivate);
-    } else if (name == QLatin1String("Scroll") && signature == QLatin1String("is")) {
+dbus::Interface StatusNotifierObject::itemInterface() {
+    const auto secondary = [](const auto& call, const QVariantList&) { call(); };
+    const auto scroll = [](const auto& call, const QVariantList& arguments) {
         // Wheels that tilt have no meaning here.
         if (arguments.at(1).toString().compare(QLatin1String("horizontal"), Qt::CaseInsensitive) != 0)
-            call(m_handlers.scroll, arguments.at(0).toInt());
-    } else if (name == QLatin1String("ProvideXdgActivationToken") && signature == QLatin1String("s")) {
-        call(m_handlers.activationToken, arguments.at(0).toString());
-    } else {
-        return false;
+            call(arguments.at(0).toInt());
+    };
+    const auto token = [](const auto& call, const QVariantList& arguments) {
+        call(arguments.at(0).toString());
+    };
+    std::vector<Method> methods{
+        clickMethod("ContextMenu", m_handlers.contextMenu),
+        method("SecondaryActivate", "x:i y:i", m_handlers.secondaryActivate, secondary),
+        method("XAyatanaSecondaryActivate", "timestamp:u", m_handlers.secondaryActivate, secondary),
+        method("Scroll", "delta:i orientation:s", m_handlers.scroll, scroll),
+        method("ProvideXdgActivationToken", "token:s", m_handlers.activationToken, token),
+    };
+    if (m_mode == StatusItemMode::direct)
+        methods.push_back(clickMethod("Activate", m_handlers.activate));
+    return {interfaceName,
+            std::move(methods),
+            {{"NewTitle", ""},
+             {"NewIcon", ""},
+             {"NewAttentionIcon", ""},
+             {"NewOverlayIcon", ""},
+             {"NewToolTip", ""},
+             {"NewStatus", "status:s"},
+             {"XAyatanaNewLabel", "label:s guide:s"}},
+            properties()};
+}
+
+std::vector<Property> StatusNotifierObject::properties() const {
+    // Changes are told by the protocol's own signals.
+    const auto current = [](const char* name, const char* signature, std::function<QVariant()> get) {
+        return Property{name, signature, std::move(get), Property::Changes::areNotTold};
+    };
+    const auto text = [this, &current](const char* name, QString StatusNotifierContent::*field) {
+        return current(name, "s", [this, field] { return QVariant(m_content.*field); });
+    };
+    const auto pixmaps = [this] {
+        return QVariant::fromValue(m_handlers.pixmaps ? m_handlers.pixmaps(m_content.symbolName)
+                                                      : QList<BusPixmap>());
+    };
+    const auto noPixmaps = QVariant::fromValue(QList<BusPixmap>());
+    using Content = StatusNotifierContent;
+    std::vector<Property> properties{
+        constant("Category", "s", QStringLiteral("ApplicationStatus")),
+        constant("Id", "s", QStringLiteral("zofrazofra")),
+        text("Title", &Content::title),
+        constant("Status", "s", QStringLiteral("Active")),
+        constant("WindowId", "i", 0),
+        constant("IconThemePath", "s", m_paths.icons),
+        text("IconName", &Content::iconName),
+        current("IconPixmap", "a(iiay)", pixmaps),
+        text("IconAccessibleDesc", &Content::iconAccessibleDescription),
+        constant("OverlayIconName", "s", QString()),
+        constant("OverlayIconPixmap", "a(iiay)", noPixmaps),
+        constant("AttentionIconName", "s", QString()),
+        constant("AttentionIconPixmap", "a(iiay)", noPixmaps),
+        constant("AttentionAccessibleDesc", "s", QString()),
+        constant("AttentionMovieName", "s", QString()),
+        current("ToolTip", "(sa(iiay)ss)", [this] { return QVariant::fromValue(toolTip()); }),
+        text("XAyatanaLabel", &Content::label),
+        text("XAyatanaLabelGuide", &Content::label),
+        text("XAyatanaIconAccessibleDesc", &Content::iconAccessibleDescription),
+        constant("XAyatanaOrderingIndex", "u", 0U),
+    };
+    if (m_mode == StatusItemMode::hostmenu) {
+        properties.push_back(constant("ItemIsMenu", "b", true));
+        properties.push_back(constant("Menu", "o", QVariant::fromValue(QDBusObjectPath(m_paths.menu))));
     }
-    return true;
+    return properties;
 }
 
 BusToolTip StatusNotifierObject::toolTip() const {
@@ -194,64 +141,6 @@ BusToolTip StatusNotifierObject::toolTip() const {
             {},
             m_toolTipText == ToolTipText::markup ? m_content.toolTip.toHtmlEscaped() : m_content.toolTip,
             {}};
-}
-
-QVariantMap StatusNotifierObject::properties() const {
-    const auto noPixmaps = QVariant::fromValue(QList<BusPixmap>());
-    const auto pixmaps = m_handlers.pixmaps ? m_handlers.pixmaps(m_content.symbolName) : QList<BusPixmap>();
-    QVariantMap map{
-        {QStringLiteral("Category"), QStringLiteral("ApplicationStatus")},
-        {QStringLiteral("Id"), QStringLiteral("zofrazofra")},
-        {QStringLiteral("Title"), m_content.title},
-        {QStringLiteral("Status"), QStringLiteral("Active")},
-        {QStringLiteral("WindowId"), 0},
-        {QStringLiteral("IconThemePath"), QString()},
-        {QStringLiteral("IconName"), m_content.iconName},
-        {QStringLiteral("IconPixmap"), QVariant::fromValue(pixmaps)},
-        {QStringLiteral("IconAccessibleDesc"), m_content.iconAccessibleDescription},
-        {QStringLiteral("OverlayIconName"), QString()},
-        {QStringLiteral("OverlayIconPixmap"), noPixmaps},
-        {QStringLiteral("AttentionIconName"), QString()},
-        {QStringLiteral("AttentionIconPixmap"), noPixmaps},
-        {QStringLiteral("AttentionAccessibleDesc"), QString()},
-        {QStringLiteral("AttentionMovieName"), QString()},
-        {QStringLiteral("ToolTip"), QVariant::fromValue(toolTip())},
-        {QStringLiteral("XAyatanaLabel"), m_content.label},
-        {QStringLiteral("XAyatanaLabelGuide"), m_content.label},
-        {QStringLiteral("XAyatanaIconAccessibleDesc"), m_content.iconAccessibleDescription},
-        {QStringLiteral("XAyatanaOrderingIndex"), 0U},
-    };
-    if (m_way == Way::hostmenu) {
-        map.insert(QStringLiteral("ItemIsMenu"), true);
-        map.insert(QStringLiteral("Menu"), QVariant::fromValue(QDBusObjectPath(m_menuPath)));
-    }
-    return map;
-}
-
-bool StatusNotifierObject::handlePropertiesCall(const QDBusMessage& message, QDBusMessage& reply) const {
-    const auto arguments = message.arguments();
-    const QString interface = arguments.value(0).toString();
-    const bool isOurs = interface.isEmpty() || interface == itemInterface;
-    if (message.member() == QLatin1String("GetAll") && message.signature() == QLatin1String("s")) {
-        reply = message.createReply(isOurs ? properties() : QVariantMap());
-        return true;
-    }
-    if (message.member() == QLatin1String("Get") && message.signature() == QLatin1String("ss")) {
-        const auto map = properties();
-        const QString name = arguments.at(1).toString();
-        reply =
-            isOurs && map.contains(name)
-                ? message.createReply(QVariant::fromValue(QDBusVariant(map.value(name))))
-                : message.createErrorReply(QDBusError::UnknownProperty,
-                                           QStringLiteral("The status item has no property %1").arg(name));
-        return true;
-    }
-    if (message.member() == QLatin1String("Set") && message.signature() == QLatin1String("ssv")) {
-        reply = message.createErrorReply(QDBusError::PropertyReadOnly,
-                                         QStringLiteral("The status item's properties can only be read"));
-        return true;
-    }
-    return false;
 }
 
 } // namespace zofra

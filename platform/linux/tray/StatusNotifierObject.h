@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/StatusItem.h"
+#include "platform/linux/DBusExportedObject.h"
 #include "platform/linux/tray/TrayTypes.h"
 
 #include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusVirtualObject>
 #include <QPoint>
 #include <QString>
-#include <QVariantMap>
 
 #include <functional>
 
@@ -27,11 +26,8 @@ struct StatusNotifierContent {
 };
 
 /// The status item as an object of the bus, org.kde.StatusNotifierItem. Main thread only.
-class StatusNotifierObject final : public QDBusVirtualObject {
+class StatusNotifierObject final {
 public:
-    /// `direct`: the panel passes clicks on, and there is no word of a menu. `hostmenu`: the panel draws the
-    /// menu, and there is no Activate, for a panel that finds it calls it in place of the menu.
-    enum class Way { direct, hostmenu };
     /// Texts are plain; one panel reads tool tips as markup nevertheless.
     enum class ToolTipText { plain, markup };
 
@@ -46,32 +42,34 @@ public:
         std::function<QList<BusPixmap>(const QString& symbolName)> pixmaps;
     };
 
-    StatusNotifierObject(QDBusConnection connection, QString path, QString menuPath, Handlers handlers);
-    ~StatusNotifierObject() override;
+    struct Paths {
+        QString item;
+        QString menu;
+        /// Of the icon theme; empty where panels look there anyway.
+        QString icons;
+    };
+
+    StatusNotifierObject(const QDBusConnection& connection, Paths paths, Handlers handlers);
     StatusNotifierObject(const StatusNotifierObject&) = delete;
     StatusNotifierObject& operator=(const StatusNotifierObject&) = delete;
 
-    void setWay(Way way, ToolTipText toolTipText);
+    /// `direct`: the panel passes clicks on, and there is no word of a menu. `hostmenu`: the panel draws the
+    /// menu, and there is no Activate, for a panel that finds it calls it in place of the menu.
+    void setMode(StatusItemMode mode, ToolTipText toolTipText);
     /// Shows `content` and tells panels what differs from before.
     void setContent(StatusNotifierContent content);
 
-    [[nodiscard]] QString introspect(const QString& path) const override;
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
-
 private:
-    bool handleItemCall(const QDBusMessage& message);
-    bool handlePropertiesCall(const QDBusMessage& message, QDBusMessage& reply) const;
-    [[nodiscard]] QVariantMap properties() const;
+    [[nodiscard]] dbus::Interface itemInterface();
+    [[nodiscard]] std::vector<dbus::Property> properties() const;
     [[nodiscard]] BusToolTip toolTip() const;
-    void emitSignal(const char* name, const QVariantList& arguments = {});
 
-    QDBusConnection m_connection;
-    QString m_path;
-    QString m_menuPath;
+    Paths m_paths;
     Handlers m_handlers;
-    Way m_way = Way::hostmenu;
+    StatusItemMode m_mode = StatusItemMode::hostmenu;
     ToolTipText m_toolTipText = ToolTipText::plain;
     StatusNotifierContent m_content;
+    dbus::ExportedObject m_object;
 };
 
 } // namespace zofra

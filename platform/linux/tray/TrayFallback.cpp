@@ -3,8 +3,6 @@
 
 #include "platform/linux/tray/XEmbedIcon.h"
 
-#include <QDBusMessage>
-
 #include <chrono>
 #include <utility>
 
@@ -12,8 +10,12 @@ namespace zofra {
 
 namespace {
 
-constexpr auto patience = std::chrono::seconds(5);
-constexpr auto answerLimit = std::chrono::milliseconds(1000);
+using namespace std::chrono_literals;
+
+constexpr auto patience = 5s;
+/// A panel that was there is being started anew, mostly: half a minute before a window is tried.
+constexpr int waitsAfterPanel = 5;
+constexpr auto answerLimit = 1s;
 constexpr int mostSilences = 12;
 constexpr int mostLooksForTray = 24;
 
@@ -22,65 +24,65 @@ constexpr int mostLooksForTray = 24;
 TrayFallback::TrayFallback(Environment environment)
     : m_environment(std::move(environment)) {}
 
-void TrayFallback::start() {
-    m_busAnswer.reset();
-    m_waiting = m_environment.mainQueue.startTimer(patience, MainQueue::Repeat::once, [this] { timeIsUp(); });
+void TrayFallback::start(Patience kind) {
+    m_waitsLeft = kind == Patience::first ? 0 : waitsAfterPanel;
+    wait(patience);
+    // When the bus answers this, it has said before whether somebody watches over items.
+    if (kind == Patience::first && m_environment.windows == TraySession::Windows::x11)
+        ask([this] {
+            if (!m_environment.hasWatcher() && showIcon())
+                m_waiting.reset();
+        });
 }
 
 void TrayFallback::stop() {
     m_waiting.reset();
-    m_busAnswer.reset();
+    m_question.reset();
 }
 
-void TrayFallback::timeIsUp() {
-    m_waiting.reset();
+void TrayFallback::wait(std::chrono::milliseconds time) {
+    m_question.reset();
+    m_waiting = m_environment.mainQueue.startTimer(time, MainQueue::Repeat::once, [this] {
+        m_waiting.reset();
+        ask([this] { show(); });
+    });
+}
+
+void TrayFallback::ask(std::function<void()> answered) {
+    m_question = std::make_unique<Lifetime>();
     // An old tray's icon and the window are both drawn by a toolkit that looks at the bus first, and waits
     // for it. One that hangs may also have a panel on it.
-    if (const auto connection = m_environment.bus.connection())
-        askBus(*connection);
-    else if (m_environment.bus.isConnecting())
-        busIsSilent();
-    else
-        show();
+    const auto told = [this, answered = std::move(answered)](SessionBus::Health health) {
+        if (health != SessionBus::Health::silent || m_silences == mostSilences) {
+            answered();
+        } else if (!m_waiting) {
+            ++m_silences;
+            wait(patience);
+        }
+    };
+    m_environment.bus.askHealth(answerLimit, m_question->guard(told));
 }
 
-void TrayFallback::askBus(const QDBusConnection& connection) {
-    const auto question = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"));
-    m_busAnswer = std::make_unique<QDBusPendingCallWatcher>(
-        connection.asyncCall(question, static_cast<int>(answerLimit.count())));
-    QObject::connect(m_busAnswer.get(), &QDBusPendingCallWatcher::finished, m_busAnswer.get(),
-                     [this](const QDBusPendingCallWatcher* answer) {
-                         const bool isSilent = answer->isError();
-                         m_busAnswer.release()->deleteLater();
-                         if (isSilent)
-                             busIsSilent();
-                         else
-                             show();
-                     });
-}
-
-void TrayFallback::busIsSilent() {
-    if (m_silences == mostSilences) {
-        show();
-        return;
-    }
-    ++m_silences;
-    start();
+bool TrayFallback::showIcon() {
+    if (m_environment.windows != TraySession::Windows::x11 || !XEmbedIcon::isAvailable())
+        return false;
+    m_environment.showIcon();
+    return true;
 }
 
 void TrayFallback::show() {
     m_silences = 0;
-    const bool mayHaveTray = m_environment.windows == TraySession::Windows::x11;
-    if (mayHaveTray && XEmbedIcon::isAvailable()) {
-        m_environment.showIcon();
+    if (showIcon())
+        return;
+    if (m_waitsLeft > 0) {
+        --m_waitsLeft;
+        wait(patience);
         return;
     }
     // While a person logs in, an old tray may take its time, and none of them announces itself on the bus.
-    if (mayHaveTray && m_looksForTray < mostLooksForTray) {
+    if (m_environment.windows == TraySession::Windows::x11 && m_looksForTray < mostLooksForTray) {
         ++m_looksForTray;
-        start();
+        wait(patience);
     }
     m_environment.showWindow();
 }

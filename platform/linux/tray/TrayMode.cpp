@@ -8,45 +8,72 @@ namespace zofra {
 
 namespace {
 
-/// Panels that pass left and right clicks on when there is no menu, and show the item all the same.
-bool passesClicksOn(const TraySession& session) {
+/// What is special about a panel. The kernel keeps only the first fifteen letters of a program's name.
+struct PanelTraits {
+    const char* program;
+    /// Passes left and right clicks on when there is no menu, and shows the item all the same.
+    bool passesClicksOn;
+    TrayIconKind icon;
+    TrayWheel wheel;
+};
+
+constexpr TrayWheel upwards{true, 1};
+constexpr TrayWheel downwards{false, 1};
+constexpr PanelTraits knownPanels[] = {
+    // Given a name that its theme lacks, it shows nothing, whatever pictures there are beside the name.
+    {"lxqt-panel", true, TrayIconKind::pixmaps, upwards},
+    {"plasmashell", true, TrayIconKind::symbolic, upwards},
+    {"mate-panel", true, TrayIconKind::coloured, upwards},
+    {"notification-ar", true, TrayIconKind::coloured, upwards},
+    {"xapp-sn-watcher", true, TrayIconKind::symbolic, downwards},
+    {"xfce4-panel", false, TrayIconKind::symbolic, upwards},
+    {"wrapper-2.0", false, TrayIconKind::symbolic, upwards},
+    {"gnome-shell", false, TrayIconKind::symbolic, downwards},
+    {"ayatana-indicat", false, TrayIconKind::symbolic, downwards},
+    {"indicator-appli", false, TrayIconKind::symbolic, downwards},
+    // It tells of a notch as such and once more as of a smooth turn.
+    {"waybar", false, TrayIconKind::coloured, {false, 2}},
+};
+/// Of a panel that is not known: what can be seen on any of them.
+constexpr PanelTraits unknownPanel{"", false, TrayIconKind::coloured, upwards};
+
+PanelTraits traitsOf(const TraySession& session) {
     const QString& program = session.panelProgram;
-    if (program == QLatin1String("lxqt-panel") || program == QLatin1String("plasmashell"))
-        return true;
+    for (const PanelTraits& panel : knownPanels) {
+        if (program.startsWith(QLatin1String(panel.program)))
+            return panel;
+    }
+    PanelTraits traits = unknownPanel;
     const QStringList desktops = session.desktop.toUpper().split(QLatin1Char(':'));
     const bool isPlasma = desktops.contains(QLatin1String("KDE"));
     // The watcher of Plasma serves other panels' hosts as well.
     if (program == QLatin1String("kded5") || program == QLatin1String("kded6"))
-        return isPlasma || session.desktop.isEmpty();
-    return program.isEmpty() && (isPlasma || desktops.contains(QLatin1String("LXQT")));
+        traits.passesClicksOn = isPlasma || session.desktop.isEmpty();
+    else
+        traits.passesClicksOn = program.isEmpty() && (isPlasma || desktops.contains(QLatin1String("LXQT")));
+    if (isPlasma)
+        traits.icon = TrayIconKind::symbolic;
+    return traits;
 }
 
 } // namespace
 
-StatusNotifierObject::Way trayWay(const TraySession& session) {
-    using Way = StatusNotifierObject::Way;
+StatusItemMode trayMode(const TraySession& session) {
     if (session.setting == QLatin1String("direct"))
-        return Way::direct;
+        return StatusItemMode::direct;
     if (session.setting == QLatin1String("hostmenu"))
-        return Way::hostmenu;
-    return session.windows == TraySession::Windows::x11 && passesClicksOn(session) ? Way::direct
-                                                                                   : Way::hostmenu;
+        return StatusItemMode::hostmenu;
+    return session.windows == TraySession::Windows::x11 && traitsOf(session).passesClicksOn
+               ? StatusItemMode::direct
+               : StatusItemMode::hostmenu;
 }
 
-TrayIconSource trayIconSource(const TraySession& session) {
-    // Given a name that its theme lacks, this one shows nothing, whatever pictures there are beside the name.
-    return session.panelProgram == QLatin1String("lxqt-panel") ? TrayIconSource::pixmaps
-                                                               : TrayIconSource::themeOrPixmaps;
+TrayIconKind trayIconKind(const TraySession& session) {
+    return traitsOf(session).icon;
 }
 
 TrayWheel trayWheel(const TraySession& session) {
-    // The kernel keeps only the first fifteen letters of a program's name.
-    for (const auto& program : {QLatin1String("ayatana-indicat"), QLatin1String("indicator-appli"),
-                                QLatin1String("gnome-shell"), QLatin1String("waybar")}) {
-        if (session.panelProgram.startsWith(program))
-            return TrayWheel::positiveIsDown;
-    }
-    return TrayWheel::positiveIsUp;
+    return traitsOf(session).wheel;
 }
 
 StatusNotifierObject::ToolTipText trayToolTipText(const TraySession& session) {

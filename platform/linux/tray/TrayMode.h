@@ -21,13 +21,20 @@ struct TraySession {
     QString setting;
 };
 
-/// Which way this panel gives both a menu and the window.
-[[nodiscard]] StatusNotifierObject::Way trayWay(const TraySession& session);
-/// Where this panel is to take the item's icon from.
-enum class TrayIconSource { themeOrPixmaps, pixmaps };
-[[nodiscard]] TrayIconSource trayIconSource(const TraySession& session);
-/// Which way a wheel was turned that this panel tells of by a positive number.
-enum class TrayWheel { positiveIsUp, positiveIsDown };
+/// How this panel gives both a menu and the window: `direct` or `hostmenu`.
+[[nodiscard]] StatusItemMode trayMode(const TraySession& session);
+/// What this panel is to take the item's icon from: a name of a drawing in one tone, which it draws in the
+/// colour of its text; a name of one in its own colours; or pictures only.
+enum class TrayIconKind { symbolic, coloured, pixmaps };
+[[nodiscard]] TrayIconKind trayIconKind(const TraySession& session);
+/// How this panel tells of a wheel.
+struct TrayWheel {
+    bool isPositiveUp = true;
+    /// How often it tells of one notch.
+    int callsPerNotch = 1;
+
+    friend bool operator==(const TrayWheel&, const TrayWheel&) = default;
+};
 [[nodiscard]] TrayWheel trayWheel(const TraySession& session);
 /// How this panel reads tool tips.
 [[nodiscard]] StatusNotifierObject::ToolTipText trayToolTipText(const TraySession& session);

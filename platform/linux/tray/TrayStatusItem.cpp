@@ -5,7 +5,6 @@
 
 #include <QCursor>
 #include <QGuiApplication>
-#include <QPainter>
 #include <QPalette>
 #include <QToolTip>
 
@@ -17,67 +16,66 @@ namespace zofra {
 
 namespace {
 
-constexpr int maxWheelDelta = 1'000'000;
 constexpr auto flashTime = std::chrono::milliseconds(1500);
 constexpr QChar figureSpace(0x2007);
 const auto itemPath = QLatin1String("/StatusNotifierItem");
 const auto menuPath = QLatin1String("/MenuBar");
 
-/// Icons that every theme has, in the place of our drawings.
-QString standardIconName(const QString& symbolName) {
-    static const std::array<std::pair<QLatin1String, QLatin1String>, 8> names{{
-        {QLatin1String("play.fill"), QLatin1String("media-playback-start")},
-        {QLatin1String("speaker.wave.2.fill"), QLatin1String("audio-volume-high")},
-        {QLatin1String("antenna.radiowaves.left.and.right"), QLatin1String("network-wireless")},
-        {QLatin1String("hifispeaker.2.fill"), QLatin1String("audio-speakers")},
-        {QLatin1String("music.note"), QLatin1String("audio-x-generic")},
-        {QLatin1String("forward.end.fill"), QLatin1String("media-skip-forward")},
-        {QLatin1String("info.circle"), QLatin1String("help-about")},
-        {QLatin1String("power"), QLatin1String("application-exit")},
-    }};
-    for (const auto& [symbol, standard] : names) {
-        if (symbol == symbolName)
-            return standard;
-    }
-    return {};
+const auto iconPrefix = QLatin1String("be.zofra.ZofraZofra.");
+const auto symbolicSuffix = QLatin1String("-symbolic");
+
+bool isPlasma(const TraySession& session) {
+    return session.desktop.split(QLatin1Char(':')).contains(QLatin1String("KDE"));
 }
 
-/// A drawing with a faint edge in the opposite tone: nobody tells what colour the panel behind it has.
-QImage withEdge(const IconProvider& icons, const QString& symbolName, int pixels) {
-    const QColor color = QGuiApplication::palette().color(QPalette::WindowText);
-    const QColor opposite = color.lightness() < 128 ? QColor(Qt::white) : QColor(Qt::black);
-    QImage glyph = icons.image(symbolName, pixels, color);
-    if (glyph.isNull())
-        return glyph;
-    const QImage edge = icons.image(symbolName, pixels, opposite);
-    QImage image(glyph.size(), QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    painter.setOpacity(0.5);
-    for (const QPoint offset : {QPoint(-1, 0), QPoint(1, 0), QPoint(0, -1), QPoint(0, 1)})
-        painter.drawImage(offset, edge);
-    painter.setOpacity(1.0);
-    painter.drawImage(0, 0, glyph);
-    return image;
+/// Else tool tips are yellow, on dark desktops too.
+void useMenuColours(const IconProvider& icons) {
+    const auto style = icons.menuStyle();
+    if (!style)
+        return;
+    QPalette palette = style->standardPalette();
+    palette.setColor(QPalette::ToolTipBase, palette.color(QPalette::Window));
+    palette.setColor(QPalette::ToolTipText, palette.color(QPalette::WindowText));
+    QToolTip::setPalette(palette);
+}
+
+/// Asks the desktop to show the volume in its own way.
+QDBusMessage volumeDisplay(int percent) {
+    auto call = QDBusMessage::createMethodCall(
+        QStringLiteral("org.kde.plasmashell"), QStringLiteral("/org/kde/osdService"),
+        QStringLiteral("org.kde.osdService"), QStringLiteral("mediaPlayerVolumeChanged"));
+    call << percent << QStringLiteral("Zofra Zofra") << QStringLiteral("be.zofra.ZofraZofra");
+    call.setAutoStartService(false);
+    return call;
 }
 
 } // namespace
 
+QPoint placeOfClick(QPoint told, QPoint pointer) {
+    // As far as from one end of an item to the other.
+    constexpr int nearby = 64;
+    return (told - pointer).manhattanLength() <= nearby ? told : pointer;
+}
+
 TrayStatusItem::TrayStatusItem(Environment environment)
     : m_environment(std::move(environment))
     , m_fallback({m_environment.bus, m_environment.mainQueue, m_environment.session.windows,
-                  [this] { showXEmbedIcon(); }, [this] { showWindow(); }}) {
-    m_fallback.start();
+                  [this] { return m_panel && m_panel->hasWatcher(); }, [this] { showXEmbedIcon(); },
+                  [this] { showWindow(); }}) {
     m_connected = m_environment.bus.observeConnected(
         [this](const QDBusConnection& connection) { busConnected(connection); });
     m_disconnected = m_environment.bus.observeDisconnected([this] { busDisconnected(); });
+    m_fallback.start();
 }
 
 TrayStatusItem::~TrayStatusItem() = default;
 
 void TrayStatusItem::busConnected(const QDBusConnection& connection) {
     m_connection = connection;
-    m_item = std::make_unique<StatusNotifierObject>(connection, itemPath, menuPath, itemHandlers());
+    m_item = std::make_unique<StatusNotifierObject>(
+        connection,
+        StatusNotifierObject::Paths{itemPath, menuPath, m_environment.iconFolder.value_or(QString())},
+        itemHandlers());
     m_item->setContent(content());
     m_panel = std::make_unique<PanelWatch>(
         connection, PanelWatch::Handlers{[this](const QString& program) { panelAppeared(program); },
@@ -95,16 +93,17 @@ void TrayStatusItem::busDisconnected() {
 
 StatusNotifierObject::Handlers TrayStatusItem::itemHandlers() {
     StatusNotifierObject::Handlers handlers;
-    handlers.activate = [this](QPoint at) { clicked(ButtonEvent::leftMouseUp, at); };
-    handlers.contextMenu = [this](QPoint at) { clicked(ButtonEvent::rightMouseUp, at); };
+    handlers.activate = [this](QPoint at) {
+        clicked(ButtonEvent::leftMouseUp, placeOfClick(at, QCursor::pos()));
+    };
+    handlers.contextMenu = [this](QPoint at) {
+        clicked(ButtonEvent::rightMouseUp, placeOfClick(at, QCursor::pos()));
+    };
     handlers.secondaryActivate = [this] {
         if (onSecondaryActivate)
             onSecondaryActivate();
     };
-    handlers.scroll = [this](int delta) {
-        // The least number there is has no opposite.
-        scrolled(m_wheelSign == TrayWheel::positiveIsUp ? delta : -std::max(delta, -maxWheelDelta));
-    };
+    handlers.scroll = [this](int delta) { scrolled(delta); };
     handlers.activationToken = [this](const QString& token) {
         if (m_environment.activationToken)
             m_environment.activationToken(token.toUtf8());
@@ -116,29 +115,30 @@ StatusNotifierObject::Handlers TrayStatusItem::itemHandlers() {
 void TrayStatusItem::panelAppeared(const QString& program) {
     TraySession session = m_environment.session;
     session.panelProgram = program;
-    m_way = trayWay(session);
-    m_iconSource = trayIconSource(session);
-    m_wheelSign = trayWheel(session);
-    m_item->setWay(m_way, trayToolTipText(session));
+    m_panelMode = trayMode(session);
+    m_iconKind = trayIconKind(session);
+    m_wheel.setPanel(trayWheel(session));
+    m_item->setMode(m_panelMode, trayToolTipText(session));
     m_item->setContent(content());
-    if (m_way == StatusNotifierObject::Way::direct) {
+    if (m_panelMode == StatusItemMode::direct) {
         m_menu.reset();
     } else if (!m_menu) {
         m_menu = std::make_unique<DBusMenuObject>(
             *m_connection, menuPath,
-            DBusMenuObject::Environment{m_environment.mainQueue,
-                                        [this] { return menuProvider ? menuProvider() : Menu(); },
-                                        [this](const QString& name) { return iconProperties(name); },
-                                        {}});
+            DBusMenuObject::Environment{
+                m_environment.mainQueue, [this] { return menuProvider ? menuProvider() : Menu(); },
+                [this](const QString& symbolName) { return iconName(symbolName, TrayIconKind::symbolic); },
+                QStringList(m_environment.iconFolder.value_or(QString()))});
     }
     m_panel->registerItem();
 }
 
 void TrayStatusItem::panelDisappeared() {
-    if (m_mode == StatusItemMode::direct || m_mode == StatusItemMode::hostmenu)
+    const bool wasShown = m_mode == StatusItemMode::direct || m_mode == StatusItemMode::hostmenu;
+    if (wasShown)
         m_mode = StatusItemMode::none;
     if (m_mode == StatusItemMode::none)
-        m_fallback.start();
+        m_fallback.start(wasShown ? TrayFallback::Patience::afterPanel : TrayFallback::Patience::first);
 }
 
 void TrayStatusItem::panelRegistered(bool hasHost) {
@@ -147,9 +147,8 @@ void TrayStatusItem::panelRegistered(bool hasHost) {
         return;
     m_fallback.stop();
     m_xembed.reset();
-    m_mode = m_way == StatusNotifierObject::Way::direct ? StatusItemMode::direct : StatusItemMode::hostmenu;
-    if (m_environment.registered)
-        m_environment.registered();
+    m_mode = m_panelMode;
+    shown();
 }
 
 void TrayStatusItem::showWindow() {
@@ -169,6 +168,14 @@ void TrayStatusItem::showXEmbedIcon() {
     m_mode = StatusItemMode::xembed;
     publish();
     m_xembed->show();
+    shown();
+}
+
+void TrayStatusItem::shown() {
+    if (onAvailable)
+        onAvailable();
+    if (m_environment.shown)
+        m_environment.shown();
 }
 
 void TrayStatusItem::clicked(ButtonEvent event, QPoint at) {
@@ -211,7 +218,12 @@ void TrayStatusItem::menuDidChange() {
         m_menu->menuDidChange();
 }
 
-void TrayStatusItem::flash(const QString& text) {
+void TrayStatusItem::setBuffering(bool isBuffering) {
+    if (std::exchange(m_isBuffering, isBuffering) != isBuffering)
+        publish();
+}
+
+void TrayStatusItem::flashVolume(int percent, const QString& text) {
     m_flash = text;
     m_flashing = m_environment.mainQueue.startTimer(flashTime, MainQueue::Repeat::once, [this] {
         m_flashing.reset();
@@ -220,8 +232,12 @@ void TrayStatusItem::flash(const QString& text) {
     });
     publish();
     // Few panels show a changed tool tip while the wheel is being turned.
-    if (m_environment.session.windows == TraySession::Windows::x11)
+    if (m_environment.session.windows == TraySession::Windows::x11) {
+        useMenuColours(m_environment.icons);
         QToolTip::showText(QCursor::pos(), shownLine(text), nullptr, {}, static_cast<int>(flashTime.count()));
+    } else if (m_connection && isPlasma(m_environment.session)) {
+        m_connection->send(volumeDisplay(percent));
+    }
 }
 
 StatusNotifierContent TrayStatusItem::content() const {
@@ -235,9 +251,8 @@ StatusNotifierContent TrayStatusItem::content() const {
         const auto width = content.label.size();
         content.label = shownLine(m_flash, maxLabelCharacters).leftJustified(width, figureSpace);
     }
-    if (m_iconSource == TrayIconSource::themeOrPixmaps)
-        content.iconName = themeIconName(m_symbolName);
-    content.symbolName = m_symbolName;
+    content.symbolName = drawing();
+    content.iconName = iconName(content.symbolName, m_iconKind);
     content.iconAccessibleDescription = shownLine(m_description);
     content.toolTip = shownLines(isFlashing ? m_flash + QLatin1Char('\n') + m_toolTip : m_toolTip);
     return content;
@@ -249,7 +264,7 @@ void TrayStatusItem::publish() {
     if (m_xembed) {
         QIcon icon;
         for (const int pixels : std::array{16, 22, 24, 32, 48})
-            icon.addPixmap(QPixmap::fromImage(withEdge(m_environment.icons, m_symbolName, pixels)));
+            icon.addPixmap(QPixmap::fromImage(m_environment.icons.image(drawing(), pixels, Qt::white)));
         m_xembed->setIcon(icon);
         m_xembed->setToolTip(content().toolTip);
     }
@@ -277,16 +292,16 @@ void TrayStatusItem::popUpMenu(const Menu& menu, QPointF location) {
     m_openMenu->popUpAndForget(anchor);
 }
 
-QString TrayStatusItem::themeIconName(const QString& symbolName) const {
-    const QString name = standardIconName(symbolName);
-    // Panels of the GTK kind draw symbolic icons in the colour of their text.
-    const bool symbolic = m_way == StatusNotifierObject::Way::hostmenu && !name.isEmpty();
-    return symbolic ? name + QLatin1String("-symbolic") : name;
+QString TrayStatusItem::iconName(const QString& symbolName, TrayIconKind kind) const {
+    if (!m_environment.iconFolder || kind == TrayIconKind::pixmaps)
+        return {};
+    return iconPrefix + symbolName + (kind == TrayIconKind::symbolic ? symbolicSuffix : QLatin1String());
 }
 
-QVariantMap TrayStatusItem::iconProperties(const QString& symbolName) const {
-    const QString name = themeIconName(symbolName);
-    return name.isEmpty() ? QVariantMap() : QVariantMap{{QStringLiteral("icon-name"), name}};
+QString TrayStatusItem::drawing() const {
+    if (m_symbolName == QLatin1String("play.fill"))
+        return QStringLiteral("tray.stopped");
+    return m_isBuffering ? QStringLiteral("tray.buffering") : QStringLiteral("tray.playing");
 }
 
 QList<BusPixmap> TrayStatusItem::pixmaps(const QString& symbolName) {
@@ -295,7 +310,7 @@ QList<BusPixmap> TrayStatusItem::pixmaps(const QString& symbolName) {
     m_pixmaps.clear();
     m_pixmapsSymbol = symbolName;
     for (const int pixels : std::array{22, 32, 48}) {
-        const QImage image = withEdge(m_environment.icons, symbolName, pixels);
+        const QImage image = m_environment.icons.image(symbolName, pixels, Qt::white);
         if (!image.isNull())
             m_pixmaps.append(BusPixmap::fromImage(image));
     }

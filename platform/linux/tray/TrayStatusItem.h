@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/Lifetime.h"
 #include "platform/MainQueue.h"
 #include "platform/StatusItem.h"
 #include "platform/linux/SessionBus.h"
@@ -33,8 +32,11 @@ public:
         MainQueue& mainQueue;
         const IconProvider& icons;
         TraySession session;
-        /// The item has been taken by a panel.
-        std::function<void()> registered;
+        /// Where panels find the program's icon theme, empty when they look there anyway. Absent where there
+        /// is none.
+        std::optional<QString> iconFolder;
+        /// The item can be seen.
+        std::function<void()> shown;
         /// A panel passes on the right to the keyboard.
         std::function<void(const QByteArray& token)> activationToken;
     };
@@ -45,7 +47,8 @@ public:
 
     StatusItemButton* button() override { return this; }
     void menuDidChange() override;
-    void flash(const QString& text) override;
+    void flashVolume(int percent, const QString& text) override;
+    void setBuffering(bool isBuffering) override;
     [[nodiscard]] StatusItemMode mode() const override { return m_mode; }
 
 private:
@@ -65,14 +68,17 @@ private:
     void panelRegistered(bool hasHost);
     void showWindow();
     void showXEmbedIcon();
+    void shown();
     [[nodiscard]] StatusNotifierObject::Handlers itemHandlers();
 
     void clicked(ButtonEvent event, QPoint at);
     void scrolled(int delta);
     void publish();
     [[nodiscard]] StatusNotifierContent content() const;
-    [[nodiscard]] QString themeIconName(const QString& symbolName) const;
-    [[nodiscard]] QVariantMap iconProperties(const QString& symbolName) const;
+    /// What the icon theme calls a drawing; empty where it is not to be used.
+    [[nodiscard]] QString iconName(const QString& symbolName, TrayIconKind kind) const;
+    /// The drawing that stands for the program now.
+    [[nodiscard]] QString drawing() const;
     [[nodiscard]] QList<BusPixmap> pixmaps(const QString& symbolName);
 
     Environment m_environment;
@@ -84,12 +90,13 @@ private:
     QString m_description;
     QString m_toolTip;
     QString m_flash;
+    bool m_isBuffering = false;
     QPoint m_clickPoint;
     WheelSteps m_wheel;
     StatusItemMode m_mode = StatusItemMode::none;
-    StatusNotifierObject::Way m_way = StatusNotifierObject::Way::hostmenu;
-    TrayWheel m_wheelSign = TrayWheel::positiveIsUp;
-    TrayIconSource m_iconSource = TrayIconSource::themeOrPixmaps;
+    /// The one that suits the panel that is there.
+    StatusItemMode m_panelMode = StatusItemMode::hostmenu;
+    TrayIconKind m_iconKind = TrayIconKind::coloured;
     bool m_toldUnavailable = false;
     QString m_pixmapsSymbol;
     QList<BusPixmap> m_pixmaps;
@@ -104,7 +111,10 @@ private:
     QPointer<WidgetMenu> m_openMenu;
     ObservationToken m_connected;
     ObservationToken m_disconnected;
-    Lifetime m_lifetime;
 };
+
+/// Where a menu belongs, in the toolkit's pixels. Some panels tell of a click in the screen's own pixels, and
+/// some from a corner of theirs: where told and pointer disagree, the pointer knows better.
+[[nodiscard]] QPoint placeOfClick(QPoint told, QPoint pointer);
 
 } // namespace zofra

@@ -88,6 +88,20 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuProperties
     return argument;
 }
 
+QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuRemovedProperties& value) {
+    argument.beginStructure();
+    argument << value.id << value.names;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuRemovedProperties& value) {
+    argument.beginStructure();
+    argument >> value.id >> value.names;
+    argument.endStructure();
+    return argument;
+}
+
 QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuEvent& value) {
     argument.beginStructure();
     argument << value.id << value.eventId << value.data << value.timestamp;
@@ -109,6 +123,8 @@ void registerTrayTypes() {
     qDBusRegisterMetaType<BusMenuLayout>();
     qDBusRegisterMetaType<BusMenuProperties>();
     qDBusRegisterMetaType<QList<BusMenuProperties>>();
+    qDBusRegisterMetaType<BusMenuRemovedProperties>();
+    qDBusRegisterMetaType<QList<BusMenuRemovedProperties>>();
     qDBusRegisterMetaType<BusMenuEvent>();
     qDBusRegisterMetaType<QList<BusMenuEvent>>();
     qDBusRegisterMetaType<QList<int>>();

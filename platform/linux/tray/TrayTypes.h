@@ -42,6 +42,12 @@ struct BusMenuProperties {
     QVariantMap properties;
 };
 
+/// (ias): an item of a menu and what it has no longer.
+struct BusMenuRemovedProperties {
+    int id = 0;
+    QStringList names;
+};
+
 /// (isvu): something that happened to an item of a menu.
 struct BusMenuEvent {
     int id = 0;
@@ -58,6 +64,8 @@ QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuLayout& value);
 const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuLayout& value);
 QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuProperties& value);
 const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuProperties& value);
+QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuRemovedProperties& value);
+const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuRemovedProperties& value);
 QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuEvent& value);
 const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuEvent& value);
 
@@ -70,4 +78,5 @@ Q_DECLARE_METATYPE(zofra::BusPixmap)
 Q_DECLARE_METATYPE(zofra::BusToolTip)
 Q_DECLARE_METATYPE(zofra::BusMenuLayout)
 Q_DECLARE_METATYPE(zofra::BusMenuProperties)
+Q_DECLARE_METATYPE(zofra::BusMenuRemovedProperties)
 Q_DECLARE_METATYPE(zofra::BusMenuEvent)

@@ -1,30 +1,41 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <cstdint>
+#include "platform/linux/tray/TrayMode.h"
+
+#include <algorithm>
 #include <cstdlib>
 
 namespace zofra {
 
-/// Turns what panels report of a wheel into whole steps: some count notches, some give 120 a notch, and touch
-/// pads give many small parts of it.
+/// Turns what panels report of a wheel into whole notches, positive away from the user: some count notches,
+/// some give 120 a notch, and touch pads give many small parts of it.
 class WheelSteps {
 public:
+    /// Begins anew, with a panel that tells of wheels in this way.
+    void setPanel(TrayWheel panel) { *this = WheelSteps(panel); }
+
     [[nodiscard]] int add(int delta) {
         constexpr int smallestAngle = 8;
         constexpr int anglePerNotch = 120;
         constexpr int mostSteps = 20;
-        if (std::abs(static_cast<std::int64_t>(delta)) < smallestAngle)
-            return delta;
-        if (delta > mostSteps * anglePerNotch || delta < -mostSteps * anglePerNotch)
-            return delta > 0 ? mostSteps : -mostSteps;
-        m_angle += delta;
-        const int steps = m_angle / anglePerNotch;
-        m_angle -= steps * anglePerNotch;
+        // The least number there is has no opposite.
+        delta = std::clamp(delta, -mostSteps * anglePerNotch, mostSteps * anglePerNotch);
+        const int angle = std::abs(delta) < smallestAngle ? delta * anglePerNotch : delta;
+        m_angle += m_panel.isPositiveUp ? angle : -angle;
+        const int notch = anglePerNotch * m_panel.callsPerNotch;
+        const int steps = m_angle / notch;
+        m_angle -= steps * notch;
         return steps;
     }
 
+    WheelSteps() = default;
+
 private:
+    explicit WheelSteps(TrayWheel panel)
+        : m_panel(panel) {}
+
+    TrayWheel m_panel;
     int m_angle = 0;
 };
 

@@ -22,6 +22,8 @@ namespace {
 
 constexpr const char* toolTipProperty = "zofraToolTip";
 constexpr int gap = 4;
+/// In the toolkit's pixels: with icon, mark and arrow a menu stays below 480.
+constexpr int widestText = 400;
 
 /// Draws one symbol in the colours of a menu, at the size at which it is shown and no other.
 class SymbolIconEngine final : public QIconEngine {
@@ -85,12 +87,15 @@ void WidgetMenu::addItem(const MenuItem& item, const IconProvider& icons) {
         addSeparator();
         return;
     }
+    const QString whole = shownLine(item.title, maxShownCharacters * 4);
+    const QString shown = fontMetrics().elidedText(shownLine(item.title), Qt::ElideRight, widestText);
+    const QString text = widgetMenuText(shown);
     QAction* action = nullptr;
     if (item.submenu.empty()) {
-        action = addAction(widgetMenuText(item.title));
+        action = addAction(text);
     } else {
         auto* submenu = new WidgetMenu(item.submenu, icons, m_style, this);
-        submenu->setTitle(widgetMenuText(item.title));
+        submenu->setTitle(text);
         action = addMenu(submenu);
     }
     action->setEnabled(item.isEnabled);
@@ -105,9 +110,7 @@ void WidgetMenu::addItem(const MenuItem& item, const IconProvider& icons) {
         action->setShortcutVisibleInContextMenu(true);
     }
     // An elided text is shown whole while the pointer rests on it.
-    const bool isElided = shownLine(item.title) != shownLine(item.title, maxShownCharacters * 4);
-    const QString toolTip = isElided ? shownLine(item.title, maxShownCharacters * 4) : item.toolTip;
-    action->setProperty(toolTipProperty, toolTip);
+    action->setProperty(toolTipProperty, shown != whole ? whole : item.toolTip);
     if (item.action)
         connect(action, &QAction::triggered, this, [item] { item.action(item); });
 }
@@ -119,6 +122,15 @@ void WidgetMenu::popUpAndForget(QPoint anchor) {
         screen = QGuiApplication::primaryScreen();
     popup(screen ? menuCorner(anchor, sizeHint(), screen->availableGeometry()) : anchor);
     activateWindow();
+}
+
+void WidgetMenu::showEvent(QShowEvent* event) {
+    QMenu::showEvent(event);
+    // Some desktops let menus have the whole screen, the bars of panels included.
+    const QRect available = screen()->availableGeometry();
+    const QPoint corner(std::min(x(), available.right() + 1 - width()),
+                        std::min(y(), available.bottom() + 1 - height()));
+    move(std::max(corner.x(), available.left()), std::max(corner.y(), available.top()));
 }
 
 bool WidgetMenu::event(QEvent* event) {

@@ -27,6 +27,7 @@ public:
 protected:
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     WidgetMenu(const Menu& menu, const IconProvider& icons, std::shared_ptr<QStyle> style, QWidget* parent);

@@ -4,6 +4,8 @@
 #include <QPainter>
 #include <QStringList>
 
+#include <algorithm>
+#include <cmath>
 #include <gtest/gtest.h>
 
 namespace zofra::test {
@@ -20,6 +22,7 @@ const QStringList monochrome{u"speaker.wave.2.fill"_qs,
                              u"power"_qs,
                              u"checkmark"_qs,
                              u"chevron.down"_qs};
+const QStringList trayIcons{u"tray.playing"_qs, u"tray.stopped"_qs, u"tray.buffering"_qs};
 const QStringList coloured{u"ZofraLogo"_qs, u"flag-en"_qs, u"flag-nl"_qs, u"flag-fr"_qs, u"flag-de"_qs};
 
 /// How many pixels are drawn at all, and how many plainly.
@@ -44,9 +47,67 @@ Ink inkOf(const QImage& image) {
 }
 
 TEST(IconSet, HasEveryDrawing) {
-    for (const QString& name : monochrome + coloured)
+    for (const QString& name : monochrome + coloured + trayIcons)
         EXPECT_TRUE(IconSet::contains(name)) << name.toStdString();
     EXPECT_FALSE(IconSet::contains(u"no.such.drawing"_qs));
+}
+
+/// As the guidelines for accessible content define it.
+double luminance(const QColor& color) {
+    const auto linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+double contrast(const QColor& a, const QColor& b) {
+    const auto [dark, light] = std::minmax(luminance(a), luminance(b));
+    return (light + 0.05) / (dark + 0.05);
+}
+
+/// The share of what a picture draws that stands out from `bar`, three to one.
+double shareThatStandsOut(const QImage& picture, const QColor& bar) {
+    QImage shown(picture.size(), QImage::Format_RGB32);
+    shown.fill(bar);
+    QPainter(&shown).drawImage(0, 0, picture);
+    int drawn = 0;
+    int standingOut = 0;
+    for (int y = 0; y < shown.height(); ++y) {
+        for (int x = 0; x < shown.width(); ++x) {
+            if (qAlpha(picture.pixel(x, y)) < 128)
+                continue;
+            ++drawn;
+            standingOut += contrast(shown.pixelColor(x, y), bar) >= 3.0 ? 1 : 0;
+        }
+    }
+    return drawn == 0 ? 0.0 : static_cast<double>(standingOut) / drawn;
+}
+
+TEST(IconSet, TheTraysPicturesStandOutFromEveryBar) {
+    const IconSet icons;
+    for (const QString& name : trayIcons) {
+        for (const int size : {16, 22, 24, 32, 48}) {
+            for (const QColor& bar : {QColor(0x20, 0x22, 0x26), QColor(0xf0, 0xf0, 0xf0)})
+                EXPECT_GT(shareThatStandsOut(icons.image(name, size, Qt::white), bar), 0.6)
+                    << name.toStdString() << ' ' << size << " on " << bar.name().toStdString();
+        }
+    }
+}
+
+TEST(IconSet, TheTraysPicturesTellPlayingStoppedAndBufferingApart) {
+    const IconSet icons;
+    const auto differing = [&](const QString& a, const QString& b) {
+        const QImage one = icons.image(a, 16, Qt::white);
+        const QImage other = icons.image(b, 16, Qt::white);
+        int count = 0;
+        for (int y = 0; y < 16; ++y) {
+            for (int x = 0; x < 16; ++x)
+                count += contrast(one.pixelColor(x, y), other.pixelColor(x, y)) >= 3.0 ? 1 : 0;
+        }
+        return count;
+    };
+    EXPECT_GE(differing(trayIcons[0], trayIcons[1]), 8);
+    EXPECT_GE(differing(trayIcons[1], trayIcons[2]), 8);
+    EXPECT_GE(differing(trayIcons[0], trayIcons[2]), 8);
 }
 
 TEST(IconSet, DrawsEachOneSharplyAndWhollyAtEverySize) {

@@ -110,12 +110,8 @@ class Portal {
 public:
     explicit Portal(QDBusConnection& connection)
         : m_object(QStringLiteral("/org/freedesktop/portal/desktop"),
-                   {{QStringLiteral("org.freedesktop.portal.OpenURI"),
-                     {{QStringLiteral("OpenURI"),
-                       {{QStringLiteral("parent_window"), QStringLiteral("s")},
-                        {QStringLiteral("uri"), QStringLiteral("s")},
-                        {QStringLiteral("options"), QStringLiteral("a{sv}")}},
-                       {{QStringLiteral("handle"), QStringLiteral("o")}},
+                   {{"org.freedesktop.portal.OpenURI",
+                     {{"OpenURI", "parent_window:s uri:s options:a{sv}", "handle:o",
                        [this](const QVariantList& arguments) {
                            opened += arguments[1].toString();
                            return dbus::Answer{

@@ -33,8 +33,17 @@ protected:
             [this](const QDBusMessage& message) {
                 updates.push_back({message.arguments().at(0).toUInt(), message.arguments().at(1).toInt()});
             });
+        propertiesUpdated = std::make_unique<DBusSignal>(
+            client->connection(),
+            DBusSignal::Source{
+                service(), u"/MenuBar"_qs, u"com.canonical.dbusmenu"_qs, u"ItemsPropertiesUpdated"_qs, {}},
+            [this](const QDBusMessage& message) {
+                EXPECT_EQ(message.signature(), u"a(ia{sv})a(ias)"_qs);
+                told += qdbus_cast<QList<BusMenuProperties>>(message.arguments().at(0));
+            });
     }
     void TearDown() override {
+        propertiesUpdated.reset();
         layoutUpdated.reset();
         object.reset();
         server.reset();
@@ -46,9 +55,14 @@ protected:
         MenuItem song = item(song_);
         song.isEnabled = false;
         song.action = nullptr;
+        song.iconName = u"music.note"_qs;
         MenuItem more = item(u"Stations"_qs);
+        more.action = nullptr;
         more.submenu = {item(u"Zofra"_qs), item(u"Qmusic"_qs)};
-        return {play, more, MenuItem::separator(), song};
+        Menu menu{play, more, MenuItem::separator(), song};
+        if (!next_.isEmpty())
+            menu.push_back(item(next_));
+        return menu;
     }
     MenuItem item(const QString& title) {
         MenuItem item;
@@ -91,6 +105,9 @@ protected:
     std::unique_ptr<DBusSignal> layoutUpdated;
     std::vector<std::pair<uint, int>> updates;
     QString song_ = u"Song A"_qs;
+    QString next_;
+    QList<BusMenuProperties> told;
+    std::unique_ptr<DBusSignal> propertiesUpdated;
     int built = 0;
     QStringList chosen;
     std::function<void()> whenChosen;
@@ -118,6 +135,8 @@ TEST_F(DBusMenuObjectTest, AboutToShowSaysWhetherTheLayoutMustBeAskedForAnew) {
     const auto first = getLayout();
     EXPECT_FALSE(aboutToShow());
     song_ = u"Song B"_qs;
+    EXPECT_FALSE(aboutToShow()) << "what an item says is told";
+    next_ = u"Next"_qs;
     EXPECT_TRUE(aboutToShow());
     EXPECT_TRUE(aboutToShow()) << "still not fetched";
     const auto second = getLayout();
@@ -145,34 +164,46 @@ TEST_F(DBusMenuObjectTest, AClickRunsTheActionOnce) {
     EXPECT_EQ(chosen.size(), 2) << "hovering, disabled items and the root do nothing";
 }
 
-TEST_F(DBusMenuObjectTest, AnUnknownNumberDoesNothing) {
+TEST_F(DBusMenuObjectTest, ANumberDoesWhatWasShownWithItOrNothing) {
+    next_ = u"Play next"_qs;
     const auto old = getLayout();
-    song_ = u"Song B"_qs;
-    getLayout();
-    song_ = u"Song C"_qs;
+    next_ = u"Stop"_qs;
     const auto now = getLayout();
-    for (const auto& child : old.root.children)
-        event(child.id, u"clicked"_qs);
+    EXPECT_EQ(old.root.children.at(1).id, now.root.children.at(1).id) << "a menu below stays what it is";
+    event(old.root.children.at(4).id, u"clicked"_qs);
     event(4711, u"clicked"_qs);
     event(-1, u"clicked"_qs);
     EXPECT_EQ(chosen, QStringList());
-    event(now.root.children.at(0).id, u"clicked"_qs);
-    EXPECT_EQ(chosen.size(), 1);
+    event(old.root.children.at(0).id, u"clicked"_qs);
+    EXPECT_EQ(chosen, QStringList{u"Play"_qs});
 }
 
 TEST_F(DBusMenuObjectTest, AClickThatArrivesAfterTheMenuHasClosedAndChangedIsNotLost) {
     const auto layout = getLayout();
     event(0, u"opened"_qs);
     song_ = u"Song B"_qs;
+    next_ = u"Next"_qs;
     object->menuDidChange();
     queue.drain();
     event(0, u"closed"_qs);
     queue.drain();
     event(layout.root.children.at(1).children.at(1).id, u"clicked"_qs);
     EXPECT_EQ(chosen, QStringList{u"Qmusic"_qs});
-    aboutToShow();
-    event(layout.root.children.at(1).children.at(1).id, u"clicked"_qs);
-    EXPECT_EQ(chosen.size(), 1) << "another menu is being opened by now";
+}
+
+TEST_F(DBusMenuObjectTest, CallsThatCarryTooMuchAreRefused) {
+    const QString limits = u"org.freedesktop.DBus.Error.LimitsExceeded"_qs;
+    const QStringList names(65, u"label"_qs);
+    const auto ids = [](int count) { return QVariant::fromValue(QList<int>(count, 1)); };
+    EXPECT_EQ(menuCall(u"GetLayout"_qs, {0, -1, names}).errorName(), limits);
+    EXPECT_EQ(menuCall(u"GetGroupProperties"_qs, {ids(1), names}).errorName(), limits);
+    EXPECT_EQ(menuCall(u"GetGroupProperties"_qs, {ids(1025), QStringList()}).errorName(), limits);
+    EXPECT_EQ(menuCall(u"AboutToShowGroup"_qs, {ids(1025)}).errorName(), limits);
+    const QList<BusMenuEvent> events(65, {1, u"clicked"_qs, QDBusVariant(0), 0});
+    EXPECT_EQ(menuCall(u"EventGroup"_qs, {QVariant::fromValue(events)}).errorName(), limits);
+    EXPECT_EQ(chosen, QStringList());
+    EXPECT_EQ(menuCall(u"GetGroupProperties"_qs, {ids(1024), names.mid(1)}).type(),
+              QDBusMessage::ReplyMessage);
 }
 
 TEST_F(DBusMenuObjectTest, EventGroupsRunWhatIsKnownAndNameWhatIsNot) {
@@ -200,7 +231,7 @@ TEST_F(DBusMenuObjectTest, AnActionMayEndTheMenu) {
 
 TEST_F(DBusMenuObjectTest, AboutToShowGroupAnswersForEach) {
     const auto layout = getLayout();
-    song_ = u"Song B"_qs;
+    next_ = u"Next"_qs;
     const auto reply = menuCall(u"AboutToShowGroup"_qs, {QVariant::fromValue(QList<int>{0, 4711})});
     EXPECT_EQ(qdbus_cast<QList<int>>(reply.arguments().value(0)), QList<int>{0});
     EXPECT_EQ(qdbus_cast<QList<int>>(reply.arguments().value(1)), QList<int>{4711});
@@ -241,20 +272,35 @@ TEST_F(DBusMenuObjectTest, APropertyThatIsLeftOutHasTheProtocolsDefault) {
 }
 
 TEST_F(DBusMenuObjectTest, AChangeIsToldOncePerTurnAndOnlyWhenTheMenuDiffers) {
-    getLayout();
+    const auto layout = getLayout();
     song_ = u"Song B"_qs;
     object->menuDidChange();
     object->menuDidChange();
     settle();
-    EXPECT_TRUE(updates.empty()) << "in a later turn";
+    EXPECT_TRUE(told.isEmpty()) << "in a later turn";
     queue.drain();
-    ASSERT_TRUE(spinUntil([&] { return !updates.empty(); }));
-    EXPECT_EQ(updates.back().second, 0);
-    EXPECT_EQ(getLayout().revision, updates.back().first);
+    ASSERT_TRUE(spinUntil([&] { return !told.isEmpty(); }));
+    ASSERT_EQ(told.size(), 1);
+    EXPECT_EQ(told.at(0).id, layout.root.children.at(3).id);
+    EXPECT_EQ(told.at(0).properties, (QVariantMap{{u"label"_qs, u"Song B"_qs}}));
     object->menuDidChange();
     queue.drain();
     settle();
+    EXPECT_EQ(told.size(), 1);
+    EXPECT_TRUE(updates.empty()) << "the menus have the items that they had";
+    EXPECT_EQ(getLayout().revision, layout.revision);
+}
+
+TEST_F(DBusMenuObjectTest, AnotherItemIsAnotherLayout) {
+    getLayout();
+    next_ = u"Next"_qs;
+    object->menuDidChange();
+    queue.drain();
+    ASSERT_TRUE(spinUntil([&] { return !updates.empty(); }));
     EXPECT_EQ(updates.size(), 1U);
+    EXPECT_EQ(updates.back().second, 0);
+    EXPECT_EQ(getLayout().revision, updates.back().first);
+    EXPECT_TRUE(told.isEmpty());
 }
 
 TEST_F(DBusMenuObjectTest, NobodyHoldingALayoutIsToldNothingAndCostsNothing) {
@@ -268,9 +314,11 @@ TEST_F(DBusMenuObjectTest, NobodyHoldingALayoutIsToldNothingAndCostsNothing) {
 
 TEST_F(DBusMenuObjectTest, AnotherPanelHearsOfWhatTheFirstOneFound) {
     getLayout();
+    next_ = u"Next"_qs;
     song_ = u"Song B"_qs;
     EXPECT_TRUE(aboutToShow());
     EXPECT_TRUE(spinUntil([&] { return !updates.empty(); }));
+    EXPECT_EQ(told.size(), 1);
 }
 
 TEST_F(DBusMenuObjectTest, AnOpenMenuDoesNotMoveUntilItIsClosed) {
@@ -280,21 +328,22 @@ TEST_F(DBusMenuObjectTest, AnOpenMenuDoesNotMoveUntilItIsClosed) {
     object->menuDidChange();
     queue.drain();
     settle();
-    EXPECT_TRUE(updates.empty());
+    EXPECT_TRUE(told.isEmpty());
     EXPECT_EQ(labels(getLayout().root).last(), u"Song A"_qs);
     event(layout.root.children.at(0).id, u"clicked"_qs);
     EXPECT_EQ(chosen, QStringList{u"Play"_qs}) << "what is shown still works";
     event(0, u"closed"_qs);
     queue.drain();
-    EXPECT_TRUE(spinUntil([&] { return !updates.empty(); }));
+    EXPECT_TRUE(spinUntil([&] { return !told.isEmpty(); }));
     EXPECT_EQ(labels(getLayout().root).last(), u"Song B"_qs);
 }
 
 TEST_F(DBusMenuObjectTest, APanelThatNeverSaysClosedIsNotBelievedForEver) {
     getLayout();
     event(0, u"opened"_qs);
-    song_ = u"Song B"_qs;
+    next_ = u"Next"_qs;
     EXPECT_TRUE(aboutToShow()) << "opening it again shows the current state at once";
+    next_.clear();
     queue.advance(std::chrono::seconds(61));
     song_ = u"Song C"_qs;
     EXPECT_EQ(labels(getLayout().root).last(), u"Song C"_qs);
@@ -325,7 +374,8 @@ TEST_F(DBusMenuObjectTest, ItsOwnPropertiesAreReadOnly) {
 TEST_F(DBusMenuObjectTest, WhatItDoesNotKnowIsAnUnknownMethod) {
     const QString unknown = u"org.freedesktop.DBus.Error.UnknownMethod"_qs;
     EXPECT_EQ(menuCall(u"Nonsense"_qs).errorName(), unknown);
-    EXPECT_EQ(menuCall(u"GetLayout"_qs, {u"wrong"_qs}).errorName(), unknown) << "other arguments";
+    EXPECT_EQ(menuCall(u"GetLayout"_qs, {u"wrong"_qs}).errorName(),
+              u"org.freedesktop.DBus.Error.InvalidArgs"_qs);
     EXPECT_EQ(call(service(), u"/MenuBar"_qs, u"org.example.Other"_qs, u"GetLayout"_qs).errorName(), unknown);
 }
 
@@ -333,8 +383,8 @@ TEST_F(DBusMenuObjectTest, IntrospectionNamesEveryMethod) {
     const auto reply =
         call(service(), u"/MenuBar"_qs, u"org.freedesktop.DBus.Introspectable"_qs, u"Introspect"_qs);
     const QString xml = reply.arguments().value(0).toString();
-    for (const char* name : {"GetLayout", "GetGroupProperties", "GetProperty", "Event", "EventGroup",
-                             "AboutToShow", "AboutToShowGroup", "LayoutUpdated"})
+    for (const char* name : {"ItemsPropertiesUpdated", "GetLayout", "GetGroupProperties", "GetProperty",
+                             "Event", "EventGroup", "AboutToShow", "AboutToShowGroup", "LayoutUpdated"})
         EXPECT_TRUE(xml.contains(u"name=\"%1\""_qs.arg(QString::fromLatin1(name)))) << name;
 }
 

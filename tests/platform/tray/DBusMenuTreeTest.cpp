@@ -5,28 +5,39 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <tuple>
 
 namespace zofra {
 namespace {
 
-using Change = DBusMenuTree::Change;
+using Changes = DBusMenuTree::Changes;
 
+/// An item that can be chosen.
 MenuItem item(const QString& title) {
     MenuItem item;
     item.title = title;
+    item.action = [](const MenuItem&) {};
+    return item;
+}
+
+/// A line that can only be read, or a menu below.
+MenuItem line(const QString& title, const QString& iconName = {}) {
+    MenuItem item;
+    item.title = title;
+    item.isEnabled = false;
+    item.iconName = iconName;
     return item;
 }
 
 Menu sample() {
-    MenuItem parent = item(u"More"_qs);
+    MenuItem parent = line(u"More"_qs);
+    parent.isEnabled = true;
     parent.submenu = {item(u"One"_qs), MenuItem::separator(), item(u"Two"_qs)};
     return {item(u"First"_qs), parent};
 }
 
 DBusMenuTree tree() {
-    return DBusMenuTree([](const QString& name) {
-        return QVariantMap{{u"icon-name"_qs, u"theme-"_qs + name}};
-    });
+    return DBusMenuTree([](const QString& name) { return u"theme-"_qs + name; });
 }
 
 TEST(DBusMenuTree, TheRootIsZeroAndHasASubmenu) {
@@ -41,7 +52,7 @@ TEST(DBusMenuTree, TheRootIsZeroAndHasASubmenu) {
 
 TEST(DBusMenuTree, ItemsAreNumberedAndFound) {
     DBusMenuTree menu = tree();
-    EXPECT_EQ(menu.replace(sample()), Change::content);
+    EXPECT_EQ(menu.replace(sample()).layouts, QList<int>{0});
     EXPECT_EQ(menu.ids(), (QList<int>{0, 1, 2, 3, 4, 5}));
     EXPECT_EQ(menu.item(5)->title, u"Two"_qs);
     EXPECT_EQ(menu.item(6), nullptr);
@@ -49,62 +60,96 @@ TEST(DBusMenuTree, ItemsAreNumberedAndFound) {
     EXPECT_FALSE(menu.contains(6));
 }
 
-TEST(DBusMenuTree, NumbersAreNeverUsedAgain) {
+TEST(DBusMenuTree, WhatCanBeChosenAndSaysSomethingElseIsAnotherItem) {
     DBusMenuTree menu = tree();
-    menu.replace(sample());
+    std::ignore = menu.replace(sample());
     Menu other = sample();
     other.front().title = u"Changed"_qs;
-    EXPECT_EQ(menu.replace(other), Change::content);
-    EXPECT_EQ(menu.ids(), (QList<int>{0, 6, 7, 8, 9, 10}));
-    EXPECT_EQ(menu.replace(sample()), Change::content) << "an older state is a new menu, too";
-    EXPECT_EQ(menu.ids().at(1), 11);
-    EXPECT_EQ(menu.replace({}), Change::content);
+    EXPECT_EQ(menu.replace(other).layouts, QList<int>{0});
+    EXPECT_EQ(menu.ids(), (QList<int>{0, 6, 2, 3, 4, 5})) << "and all others are who they were";
+    EXPECT_EQ(menu.item(1), nullptr) << "choosing what is shown no longer does nothing";
+    EXPECT_EQ(menu.replace(sample()).layouts, QList<int>{0});
+    EXPECT_EQ(menu.ids(), (QList<int>{0, 7, 2, 3, 4, 5})) << "numbers are never used again";
+    EXPECT_EQ(menu.replace({}).layouts, QList<int>{0});
     EXPECT_EQ(menu.ids(), QList<int>{0});
 }
 
-TEST(DBusMenuTree, WhatLooksTheSameKeepsItsNumbersButLearnsWhatItStandsFor) {
-    DBusMenuTree menu = tree();
-    Menu first = sample();
-    first.front().representedObject = 1;
-    menu.replace(first);
-    Menu second = sample();
-    second.front().representedObject = 2;
-    EXPECT_EQ(menu.replace(second), Change::nothing);
-    EXPECT_EQ(menu.ids().at(1), 1);
-    EXPECT_EQ(std::any_cast<int>(menu.item(1)->representedObject), 2);
-}
-
-TEST(DBusMenuTree, TheSameTextForSomethingElseIsAChange) {
+TEST(DBusMenuTree, TheSameTextForSomethingElseIsAnotherItem) {
     DBusMenuTree menu = tree();
     Menu first = sample();
     first.front().identity = u"RINCON_1"_qs;
-    menu.replace(first);
+    std::ignore = menu.replace(first);
     Menu second = sample();
     second.front().identity = u"RINCON_2"_qs;
-    EXPECT_EQ(menu.replace(second), Change::content);
+    EXPECT_EQ(menu.replace(second).layouts, QList<int>{0});
+    EXPECT_EQ(menu.ids().at(1), 6);
     second.front().actionName = u"other"_qs;
-    EXPECT_EQ(menu.replace(second), Change::content);
+    EXPECT_EQ(menu.replace(second).layouts, QList<int>{0});
+    EXPECT_EQ(menu.ids().at(1), 7);
 }
 
-TEST(DBusMenuTree, ANumberOfTheMenuBeforeMeansTheSameItemOfThisOne) {
+TEST(DBusMenuTree, ALineThatChangesItsTextIsTheSameItem) {
+    DBusMenuTree menu = tree();
+    std::ignore = menu.replace({line(u"Song A"_qs, u"music.note"_qs)});
+    const Changes changes = menu.replace({line(u"Song B"_qs, u"music.note"_qs)});
+    EXPECT_TRUE(changes.layouts.isEmpty());
+    ASSERT_EQ(changes.updated.size(), 1);
+    EXPECT_EQ(changes.updated.at(0).id, 1);
+    EXPECT_EQ(changes.updated.at(0).properties, (QVariantMap{{u"label"_qs, u"Song B"_qs}}));
+    EXPECT_TRUE(changes.removed.isEmpty());
+}
+
+TEST(DBusMenuTree, AMenuBelowKeepsItsNumberWhateverItsTitle) {
+    DBusMenuTree menu = tree();
+    std::ignore = menu.replace(sample());
+    Menu other = sample();
+    other.at(1).title = u"Less"_qs;
+    other.at(1).submenu.pop_back();
+    const Changes changes = menu.replace(other);
+    EXPECT_EQ(changes.layouts, QList<int>{2}) << "only the menu that has other items";
+    ASSERT_EQ(changes.updated.size(), 1);
+    EXPECT_EQ(changes.updated.at(0).id, 2);
+    EXPECT_EQ(menu.ids(), (QList<int>{0, 1, 2, 3, 4}));
+}
+
+TEST(DBusMenuTree, AMarkIsTold) {
     DBusMenuTree menu = tree();
     Menu first = sample();
-    first.at(1).submenu.at(0).representedObject = 1;
-    menu.replace(first);
+    first.front().state = MenuItem::CheckState::on;
+    first.front().isEnabled = false;
+    std::ignore = menu.replace(first);
     Menu second = sample();
-    second.front().title = u"Stop"_qs;
-    second.at(1).submenu.at(0).representedObject = 2;
-    menu.replace(second);
-    EXPECT_EQ(menu.item(3), nullptr);
-    ASSERT_NE(menu.meantBy(3), nullptr);
-    EXPECT_EQ(std::any_cast<int>(menu.meantBy(3)->representedObject), 2) << "as it is now";
-    EXPECT_EQ(menu.meantBy(1), nullptr) << "what has another text by now is not what was meant";
-    second.at(1).submenu.at(0).identity = u"other"_qs;
-    menu.replace(second);
-    EXPECT_EQ(menu.meantBy(8), nullptr) << "the same text for something else";
-    EXPECT_EQ(menu.meantBy(3), nullptr) << "two menus ago";
-    EXPECT_EQ(menu.meantBy(0), nullptr);
-    EXPECT_EQ(menu.meantBy(4711), nullptr);
+    second.front().state = MenuItem::CheckState::off;
+    const Changes changes = menu.replace(second);
+    EXPECT_TRUE(changes.layouts.isEmpty());
+    ASSERT_EQ(changes.updated.size(), 1);
+    EXPECT_EQ(changes.updated.at(0).properties, (QVariantMap{{u"toggle-state"_qs, 0}}));
+    ASSERT_EQ(changes.removed.size(), 1) << "what is as the protocol has it anyway";
+    EXPECT_EQ(changes.removed.at(0).id, 1);
+    EXPECT_EQ(changes.removed.at(0).names, QStringList{u"enabled"_qs});
+}
+
+TEST(DBusMenuTree, AnotherOrderIsAnotherLayout) {
+    DBusMenuTree menu = tree();
+    std::ignore = menu.replace({item(u"A"_qs), item(u"B"_qs), item(u"C"_qs)});
+    EXPECT_EQ(menu.replace({item(u"B"_qs), item(u"A"_qs), item(u"C"_qs)}).layouts, QList<int>{0});
+    EXPECT_EQ(menu.ids(), (QList<int>{0, 2, 1, 3}));
+    EXPECT_EQ(menu.replace({item(u"B"_qs), item(u"C"_qs)}).layouts, QList<int>{0});
+    EXPECT_EQ(menu.replace({item(u"B"_qs), item(u"C"_qs), item(u"D"_qs)}).layouts, QList<int>{0});
+    EXPECT_EQ(menu.ids(), (QList<int>{0, 2, 3, 4}));
+}
+
+TEST(DBusMenuTree, WhatStaysLearnsWhatItNowStandsFor) {
+    DBusMenuTree menu = tree();
+    Menu first = sample();
+    first.front().representedObject = 1;
+    std::ignore = menu.replace(first);
+    Menu second = sample();
+    second.front().representedObject = 2;
+    const Changes changes = menu.replace(second);
+    EXPECT_TRUE(changes.layouts.isEmpty() && changes.updated.isEmpty() && changes.removed.isEmpty());
+    EXPECT_EQ(menu.ids().at(1), 1);
+    EXPECT_EQ(std::any_cast<int>(menu.item(1)->representedObject), 2);
 }
 
 TEST(DBusMenuTree, PropertiesAreThoseOfTheProtocolWithoutItsDefaults) {
@@ -118,12 +163,12 @@ TEST(DBusMenuTree, PropertiesAreThoseOfTheProtocolWithoutItsDefaults) {
     rich.keyEquivalent = u"p"_qs;
     MenuItem off = item(u"Off"_qs);
     off.state = MenuItem::CheckState::off;
-    menu.replace({rich, off, MenuItem::separator(), item(u"Plain"_qs)});
+    std::ignore = menu.replace({rich, off, MenuItem::separator(), item(u"Plain"_qs)});
     EXPECT_EQ(
         *menu.properties(1, {}),
         (QVariantMap{{u"label"_qs, u"A __b__"_qs},
                      {u"enabled"_qs, false},
-                     {u"toggle-type"_qs, u"checkmark"_qs},
+                     {u"toggle-type"_qs, u"radio"_qs},
                      {u"toggle-state"_qs, 1},
                      {u"icon-name"_qs, u"theme-play.fill"_qs},
                      {u"x-zofra-icon-desc"_qs, u"Play"_qs},
@@ -137,7 +182,7 @@ TEST(DBusMenuTree, PropertiesAreThoseOfTheProtocolWithoutItsDefaults) {
 
 TEST(DBusMenuTree, LayoutHasTheDepthAndThePropertiesAskedFor) {
     DBusMenuTree menu = tree();
-    menu.replace(sample());
+    std::ignore = menu.replace(sample());
     EXPECT_TRUE(menu.layout(0, 0, {})->children.isEmpty());
     const auto one = menu.layout(0, 1, {u"label"_qs});
     ASSERT_EQ(one->children.size(), 2);

@@ -9,7 +9,7 @@
 namespace zofra::test {
 namespace {
 
-using Way = StatusNotifierObject::Way;
+using Mode = StatusItemMode;
 
 class StatusNotifierObjectTest : public BusFixture {
 protected:
@@ -28,8 +28,9 @@ protected:
             return symbol.isEmpty() ? QList<BusPixmap>()
                                     : QList<BusPixmap>{BusPixmap{1, 1, QByteArray(4, 'x')}};
         };
-        object = std::make_unique<StatusNotifierObject>(server->connection(), u"/StatusNotifierItem"_qs,
-                                                        u"/MenuBar"_qs, handlers);
+        object = std::make_unique<StatusNotifierObject>(
+            server->connection(),
+            StatusNotifierObject::Paths{u"/StatusNotifierItem"_qs, u"/MenuBar"_qs, u"/icons"_qs}, handlers);
         object->setContent(content());
         for (const char* name : {"NewTitle", "NewIcon", "NewToolTip", "NewStatus", "XAyatanaNewLabel"}) {
             recorders.push_back(std::make_unique<DBusSignal>(
@@ -88,7 +89,7 @@ protected:
 };
 
 TEST_F(StatusNotifierObjectTest, HostmenuHasAMenuAndNoActivate) {
-    object->setWay(Way::hostmenu, StatusNotifierObject::ToolTipText::plain);
+    object->setMode(Mode::hostmenu, StatusNotifierObject::ToolTipText::plain);
     const auto map = properties();
     EXPECT_EQ(map.value(u"ItemIsMenu"_qs).toBool(), true);
     EXPECT_EQ(qvariant_cast<QDBusObjectPath>(map.value(u"Menu"_qs)).path(), u"/MenuBar"_qs);
@@ -100,7 +101,7 @@ TEST_F(StatusNotifierObjectTest, HostmenuHasAMenuAndNoActivate) {
 }
 
 TEST_F(StatusNotifierObjectTest, DirectHasActivateAndNoWordOfAMenu) {
-    object->setWay(Way::direct, StatusNotifierObject::ToolTipText::plain);
+    object->setMode(Mode::direct, StatusNotifierObject::ToolTipText::plain);
     const auto map = properties();
     EXPECT_FALSE(map.contains(u"Menu"_qs));
     EXPECT_FALSE(map.contains(u"ItemIsMenu"_qs));
@@ -126,7 +127,8 @@ TEST_F(StatusNotifierObjectTest, TheOtherWaysOfClickingArePassedOn) {
 
 TEST_F(StatusNotifierObjectTest, WhatItDoesNotKnowIsAnUnknownMethod) {
     EXPECT_EQ(itemCall(u"Nonsense"_qs, {}).errorName(), unknownMethod);
-    EXPECT_EQ(itemCall(u"Scroll"_qs, {u"wrong"_qs}).errorName(), unknownMethod);
+    EXPECT_EQ(itemCall(u"Scroll"_qs, {u"wrong"_qs}).errorName(),
+              u"org.freedesktop.DBus.Error.InvalidArgs"_qs);
     EXPECT_EQ(call(server->connection().baseService(), u"/StatusNotifierItem"_qs,
                    u"org.freedesktop.StatusNotifierItem"_qs, u"Activate"_qs, {1, 1})
                   .errorName(),
@@ -143,6 +145,7 @@ TEST_F(StatusNotifierObjectTest, PropertiesAreComplete) {
     EXPECT_EQ(map.value(u"XAyatanaLabel"_qs).toString(), u"Zofra: A"_qs);
     EXPECT_EQ(map.value(u"XAyatanaLabelGuide"_qs).toString(), u"Zofra: A"_qs);
     EXPECT_EQ(map.value(u"IconName"_qs).toString(), u"media-playback-start"_qs);
+    EXPECT_EQ(map.value(u"IconThemePath"_qs).toString(), u"/icons"_qs);
     EXPECT_EQ(map.value(u"IconAccessibleDesc"_qs).toString(), u"Paused"_qs);
     EXPECT_EQ(map.value(u"XAyatanaIconAccessibleDesc"_qs).toString(), u"Paused"_qs);
     const auto pixmaps = qdbus_cast<QList<BusPixmap>>(map.value(u"IconPixmap"_qs));
@@ -151,8 +154,8 @@ TEST_F(StatusNotifierObjectTest, PropertiesAreComplete) {
 }
 
 TEST_F(StatusNotifierObjectTest, EveryPropertyOfTheIntrospectionIsThere) {
-    for (const Way way : {Way::direct, Way::hostmenu}) {
-        object->setWay(way, StatusNotifierObject::ToolTipText::plain);
+    for (const Mode mode : {Mode::direct, Mode::hostmenu}) {
+        object->setMode(mode, StatusNotifierObject::ToolTipText::plain);
         const auto map = properties();
         const QString xml = introspection();
         qsizetype count = 0;
@@ -167,7 +170,7 @@ TEST_F(StatusNotifierObjectTest, TheToolTipIsPlainTextInItsTitle) {
     auto tip = qdbus_cast<BusToolTip>(properties().value(u"ToolTip"_qs));
     EXPECT_EQ(tip.title, u"Station: Zofra\nNow Playing: A & <b>"_qs);
     EXPECT_EQ(tip.text, QString());
-    object->setWay(Way::hostmenu, StatusNotifierObject::ToolTipText::markup);
+    object->setMode(Mode::hostmenu, StatusNotifierObject::ToolTipText::markup);
     tip = qdbus_cast<BusToolTip>(properties().value(u"ToolTip"_qs));
     EXPECT_EQ(tip.title, u"Station: Zofra\nNow Playing: A &amp; &lt;b&gt;"_qs);
 }
@@ -184,7 +187,7 @@ TEST_F(StatusNotifierObjectTest, SinglePropertiesCanBeReadAndNoneSet) {
     EXPECT_EQ(get(itemInterface, u"Nonsense"_qs).errorName(),
               u"org.freedesktop.DBus.Error.UnknownProperty"_qs);
     EXPECT_EQ(get(u"org.example.Other"_qs, u"Id"_qs).errorName(),
-              u"org.freedesktop.DBus.Error.UnknownProperty"_qs);
+              u"org.freedesktop.DBus.Error.UnknownInterface"_qs);
     EXPECT_EQ(call(service, u"/StatusNotifierItem"_qs, u"org.freedesktop.DBus.Properties"_qs, u"Set"_qs,
                    {itemInterface, u"Title"_qs, QVariant::fromValue(QDBusVariant(u"x"_qs))})
                   .errorName(),

@@ -8,7 +8,7 @@
 namespace zofra {
 namespace {
 
-using Way = StatusNotifierObject::Way;
+using Mode = StatusItemMode;
 using Windows = TraySession::Windows;
 
 TraySession session(Windows windows, const QString& program, const QString& desktop = {},
@@ -17,39 +17,41 @@ TraySession session(Windows windows, const QString& program, const QString& desk
 }
 
 TEST(TrayMode, DirectOnX11WithPanelsThatPassBothClicksOn) {
-    EXPECT_EQ(trayWay(session(Windows::x11, u"lxqt-panel"_qs)), Way::direct);
-    EXPECT_EQ(trayWay(session(Windows::x11, u"plasmashell"_qs)), Way::direct);
-    EXPECT_EQ(trayWay(session(Windows::x11, u"kded5"_qs, u"KDE"_qs)), Way::direct);
-    EXPECT_EQ(trayWay(session(Windows::x11, u"kded6"_qs)), Way::direct);
+    EXPECT_EQ(trayMode(session(Windows::x11, u"lxqt-panel"_qs)), Mode::direct);
+    EXPECT_EQ(trayMode(session(Windows::x11, u"plasmashell"_qs)), Mode::direct);
+    EXPECT_EQ(trayMode(session(Windows::x11, u"kded5"_qs, u"KDE"_qs)), Mode::direct);
+    EXPECT_EQ(trayMode(session(Windows::x11, u"kded6"_qs)), Mode::direct);
+    EXPECT_EQ(trayMode(session(Windows::x11, u"mate-panel"_qs, u"MATE"_qs)), Mode::direct);
+    EXPECT_EQ(trayMode(session(Windows::x11, u"xapp-sn-watcher"_qs, u"X-Cinnamon"_qs)), Mode::direct);
 }
 
 TEST(TrayMode, HostmenuForEveryOtherPanel) {
     for (const QString& program : {u"xfce4-panel"_qs, u"gnome-shell"_qs, u"waybar"_qs, u"python3"_qs,
-                                   u"mate-panel"_qs, u"ayatana-indicator-application-service"_qs})
-        EXPECT_EQ(trayWay(session(Windows::x11, program, u"LXQt"_qs)), Way::hostmenu)
+                                   u"ayatana-indicator-application-service"_qs})
+        EXPECT_EQ(trayMode(session(Windows::x11, program, u"LXQt"_qs)), Mode::hostmenu)
             << program.toStdString();
-    EXPECT_EQ(trayWay(session(Windows::x11, u"kded5"_qs, u"XFCE"_qs)), Way::hostmenu)
+    EXPECT_EQ(trayMode(session(Windows::x11, u"kded5"_qs, u"XFCE"_qs)), Mode::hostmenu)
         << "Plasma's watcher under another panel";
 }
 
 TEST(TrayMode, HostmenuOnEveryWaylandSession) {
     for (const QString& program : {u"lxqt-panel"_qs, u"plasmashell"_qs, u"kded6"_qs, QString()})
-        EXPECT_EQ(trayWay(session(Windows::wayland, program, u"KDE"_qs)), Way::hostmenu);
-    EXPECT_EQ(trayWay(session(Windows::other, u"plasmashell"_qs, u"KDE"_qs)), Way::hostmenu);
+        EXPECT_EQ(trayMode(session(Windows::wayland, program, u"KDE"_qs)), Mode::hostmenu);
+    EXPECT_EQ(trayMode(session(Windows::other, u"plasmashell"_qs, u"KDE"_qs)), Mode::hostmenu);
 }
 
 TEST(TrayMode, TheDesktopDecidesWhereTheProgramCannotBeKnown) {
-    EXPECT_EQ(trayWay(session(Windows::x11, {}, u"KDE"_qs)), Way::direct);
-    EXPECT_EQ(trayWay(session(Windows::x11, {}, u"LXQt"_qs)), Way::direct);
-    EXPECT_EQ(trayWay(session(Windows::x11, {}, u"ubuntu:GNOME"_qs)), Way::hostmenu);
-    EXPECT_EQ(trayWay(session(Windows::x11, {}, {})), Way::hostmenu);
+    EXPECT_EQ(trayMode(session(Windows::x11, {}, u"KDE"_qs)), Mode::direct);
+    EXPECT_EQ(trayMode(session(Windows::x11, {}, u"LXQt"_qs)), Mode::direct);
+    EXPECT_EQ(trayMode(session(Windows::x11, {}, u"ubuntu:GNOME"_qs)), Mode::hostmenu);
+    EXPECT_EQ(trayMode(session(Windows::x11, {}, {})), Mode::hostmenu);
 }
 
 TEST(TrayMode, TheSettingOverrules) {
-    EXPECT_EQ(trayWay(session(Windows::x11, u"xfce4-panel"_qs, {}, u"direct"_qs)), Way::direct);
-    EXPECT_EQ(trayWay(session(Windows::x11, u"lxqt-panel"_qs, {}, u"hostmenu"_qs)), Way::hostmenu);
-    EXPECT_EQ(trayWay(session(Windows::x11, u"lxqt-panel"_qs, {}, u"auto"_qs)), Way::direct);
-    EXPECT_EQ(trayWay(session(Windows::x11, u"lxqt-panel"_qs, {}, u"Nonsense"_qs)), Way::direct);
+    EXPECT_EQ(trayMode(session(Windows::x11, u"xfce4-panel"_qs, {}, u"direct"_qs)), Mode::direct);
+    EXPECT_EQ(trayMode(session(Windows::x11, u"lxqt-panel"_qs, {}, u"hostmenu"_qs)), Mode::hostmenu);
+    EXPECT_EQ(trayMode(session(Windows::x11, u"lxqt-panel"_qs, {}, u"auto"_qs)), Mode::direct);
+    EXPECT_EQ(trayMode(session(Windows::x11, u"lxqt-panel"_qs, {}, u"Nonsense"_qs)), Mode::direct);
 }
 
 TEST(TrayMode, OnlyOnePanelReadsToolTipsAsMarkup) {
@@ -59,19 +61,25 @@ TEST(TrayMode, OnlyOnePanelReadsToolTipsAsMarkup) {
               StatusNotifierObject::ToolTipText::plain);
 }
 
-TEST(TrayMode, OnePanelIsGivenPicturesOnlyForItShowsNothingForAnUnknownName) {
-    EXPECT_EQ(trayIconSource(session(Windows::x11, u"lxqt-panel"_qs)), TrayIconSource::pixmaps);
-    for (const QString& program : {u"plasmashell"_qs, u"xfce4-panel"_qs, u"waybar"_qs, QString()})
-        EXPECT_EQ(trayIconSource(session(Windows::x11, program)), TrayIconSource::themeOrPixmaps);
+TEST(TrayMode, OnlyPanelsThatColourIconsThemselvesGetOnesWithoutColours) {
+    EXPECT_EQ(trayIconKind(session(Windows::x11, u"lxqt-panel"_qs)), TrayIconKind::pixmaps)
+        << "it shows nothing for an unknown name";
+    for (const QString& program :
+         {u"plasmashell"_qs, u"xfce4-panel"_qs, u"gnome-shell"_qs, u"xapp-sn-watcher"_qs})
+        EXPECT_EQ(trayIconKind(session(Windows::x11, program)), TrayIconKind::symbolic)
+            << program.toStdString();
+    for (const QString& program : {u"waybar"_qs, u"mate-panel"_qs, u"python3"_qs, QString()})
+        EXPECT_EQ(trayIconKind(session(Windows::x11, program)), TrayIconKind::coloured)
+            << program.toStdString();
+    EXPECT_EQ(trayIconKind(session(Windows::wayland, u"kded5"_qs, u"KDE"_qs)), TrayIconKind::symbolic);
 }
 
 TEST(TrayMode, SomePanelsTellOfAWheelTurnedTowardsTheUserByAPositiveNumber) {
-    for (const QString& program : {u"ayatana-indicat"_qs, u"gnome-shell"_qs, u"waybar"_qs})
-        EXPECT_EQ(trayWheel(session(Windows::x11, program)), TrayWheel::positiveIsDown)
-            << program.toStdString();
+    for (const QString& program :
+         {u"ayatana-indicat"_qs, u"gnome-shell"_qs, u"waybar"_qs, u"xapp-sn-watcher"_qs})
+        EXPECT_FALSE(trayWheel(session(Windows::x11, program)).isPositiveUp) << program.toStdString();
     for (const QString& program : {u"lxqt-panel"_qs, u"plasmashell"_qs, QString()})
-        EXPECT_EQ(trayWheel(session(Windows::x11, program)), TrayWheel::positiveIsUp)
-            << program.toStdString();
+        EXPECT_TRUE(trayWheel(session(Windows::x11, program)).isPositiveUp) << program.toStdString();
 }
 
 TEST(TrayMode, TheSessionIsReadFromTheEnvironment) {

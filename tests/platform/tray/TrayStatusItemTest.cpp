@@ -74,9 +74,9 @@ protected:
     void make(const QString& setting = {}) {
         TraySession traySession;
         traySession.setting = setting;
-        item = std::make_unique<TrayStatusItem>(
-            TrayStatusItem::Environment{*session, queue, icons, traySession, [this] { ++registrations; },
-                                        [this](const QByteArray& token) { tokens.push_back(token); }});
+        item = std::make_unique<TrayStatusItem>(TrayStatusItem::Environment{
+            *session, queue, icons, traySession, u"/icons"_qs, [this] { ++registrations; },
+            [this](const QByteArray& token) { tokens.push_back(token); }});
         item->menuProvider = [this] {
             MenuItem one;
             one.title = menuTitle;
@@ -136,13 +136,16 @@ TEST_F(TrayStatusItemTest, ShowsWhatItWasTold) {
     auto map = properties();
     EXPECT_EQ(map.value(u"Title"_qs).toString(), u"Zofra: Song"_qs);
     EXPECT_EQ(map.value(u"XAyatanaLabel"_qs).toString(), u"Zofra: Song"_qs);
-    EXPECT_EQ(map.value(u"IconName"_qs).toString(), u"media-playback-start-symbolic"_qs);
+    EXPECT_EQ(map.value(u"IconName"_qs).toString(), u"be.zofra.ZofraZofra.tray.stopped"_qs);
     EXPECT_EQ(qdbus_cast<BusToolTip>(map.value(u"ToolTip"_qs)).title, u"Line one\nLine two"_qs);
     EXPECT_EQ(qdbus_cast<QList<BusPixmap>>(map.value(u"IconPixmap"_qs)).size(), 3);
     item->button()->setImage(u"speaker.wave.2.fill"_qs, u"Playing"_qs);
+    item->setBuffering(true);
+    EXPECT_EQ(properties().value(u"IconName"_qs).toString(), u"be.zofra.ZofraZofra.tray.buffering"_qs);
     item->button()->setTitle(QString(200, u'x') + u'\n');
+    item->setBuffering(false);
     map = properties();
-    EXPECT_EQ(map.value(u"IconName"_qs).toString(), u"audio-volume-high-symbolic"_qs);
+    EXPECT_EQ(map.value(u"IconName"_qs).toString(), u"be.zofra.ZofraZofra.tray.playing"_qs);
     EXPECT_EQ(map.value(u"IconAccessibleDesc"_qs).toString(), u"Playing"_qs);
     EXPECT_EQ(map.value(u"Title"_qs).toString().size(), 120);
     EXPECT_EQ(map.value(u"XAyatanaLabel"_qs).toString().size(), 80) << "a panel has less room";
@@ -176,7 +179,7 @@ TEST_F(TrayStatusItemTest, DirectPassesClicksToTheButtonAndHasNoMenuObject) {
     ASSERT_EQ(clicks.size(), 2U);
     EXPECT_EQ(clicks[0], ButtonEvent::leftMouseUp);
     EXPECT_EQ(clicks[1], ButtonEvent::rightMouseUp);
-    EXPECT_EQ(properties().value(u"IconName"_qs).toString(), u"media-playback-start"_qs);
+    EXPECT_EQ(properties().value(u"IconName"_qs).toString(), u"be.zofra.ZofraZofra.tray.stopped"_qs);
     EXPECT_EQ(call(service(), u"/MenuBar"_qs, u"com.canonical.dbusmenu"_qs, u"AboutToShow"_qs, {0}).type(),
               QDBusMessage::ErrorMessage);
 }
@@ -205,6 +208,12 @@ TEST_F(TrayStatusItemTest, WheelMiddleClickAndTokenArePassedOn) {
     EXPECT_EQ(secondary, 1);
     itemCall(u"ProvideXdgActivationToken"_qs, {u"token-1"_qs});
     EXPECT_EQ(tokens, std::vector<QByteArray>{"token-1"});
+}
+
+TEST(PlaceOfClick, IsWhereThePanelSaysUnlessThePointerIsElsewhere) {
+    EXPECT_EQ(placeOfClick({1000, 10}, {990, 20}), QPoint(1000, 10)) << "the item's corner, say";
+    EXPECT_EQ(placeOfClick({1500, 15}, {1000, 10}), QPoint(1000, 10)) << "in the pixels of a finer screen";
+    EXPECT_EQ(placeOfClick({3, 4}, {1000, 10}), QPoint(1000, 10)) << "from a corner of the panel's";
 }
 
 TEST_F(TrayStatusItemTest, OnScreensWithoutFreeMenusTheWindowStandsIn) {
@@ -241,6 +250,12 @@ TEST_F(TrayStatusItemTest, AfterFiveSecondsWithoutAPanelTheWindowStandsInOnce) {
         ASSERT_TRUE(waitFor(StatusItemMode::hostmenu)) << "a panel that appears later takes over";
     }
     ASSERT_TRUE(waitFor(StatusItemMode::none));
+    for (int question = 0; question < 5; ++question) {
+        const std::size_t timers = queue.startedTimers().size();
+        queue.advance(5s);
+        ASSERT_TRUE(spinUntil([&] { return queue.startedTimers().size() > timers; }));
+        EXPECT_EQ(item->mode(), StatusItemMode::none) << "a panel that has been there returns, mostly";
+    }
     queue.advance(5s);
     ASSERT_TRUE(waitFor(StatusItemMode::window));
     EXPECT_EQ(unavailable, 1) << "nobody wants the window a second time";
@@ -298,13 +313,13 @@ TEST_F(TrayStatusItemTest, AFlashIsSeenAtOnceAndForAMoment) {
     const FakePanel panel(*bus);
     make();
     ASSERT_TRUE(waitFor(StatusItemMode::hostmenu));
-    item->flash(u"Volume (85 %)"_qs);
+    item->flashVolume(85, u"Volume (85 %)"_qs);
     auto map = properties();
     EXPECT_EQ(map.value(u"XAyatanaLabel"_qs).toString(), u"Volume (85 %)"_qs);
     EXPECT_EQ(qdbus_cast<BusToolTip>(map.value(u"ToolTip"_qs)).title,
               u"Volume (85 %)\nLine one\nLine two"_qs);
     queue.advance(1s);
-    item->flash(u"Volume (90 %)"_qs);
+    item->flashVolume(90, u"Volume (90 %)"_qs);
     queue.advance(1s);
     EXPECT_EQ(properties().value(u"Title"_qs).toString(), u"Volume (90 %)"_qs) << "the newer one runs on";
     queue.advance(1s);
@@ -319,7 +334,7 @@ TEST_F(TrayStatusItemTest, AFlashTakesAsMuchRoomBesideTheIconAsTheTitle) {
     ASSERT_TRUE(waitFor(StatusItemMode::hostmenu));
     const QString title = u"Zofra: Somebody – A Song With A Long Name"_qs;
     item->button()->setTitle(title);
-    item->flash(u"Volume (85 %)"_qs);
+    item->flashVolume(85, u"Volume (85 %)"_qs);
     const auto map = properties();
     const QString label = map.value(u"XAyatanaLabel"_qs).toString();
     EXPECT_EQ(label.size(), title.size());

@@ -32,5 +32,16 @@ TEST(WheelSteps, BoundsWhatAPeerMaySend) {
     EXPECT_EQ(wheel.add(std::numeric_limits<int>::min()), -20);
 }
 
+TEST(WheelSteps, OneNotchIsOneStepHoweverAPanelTellsIt) {
+    WheelSteps inverted;
+    inverted.setPanel({false, 1});
+    EXPECT_EQ(inverted.add(1), -1);
+    EXPECT_EQ(inverted.add(std::numeric_limits<int>::min()), 20);
+    WheelSteps twice;
+    twice.setPanel({false, 2});
+    EXPECT_EQ(twice.add(-1) + twice.add(-1), 1) << "told twice of each notch";
+    EXPECT_EQ(twice.add(1) + twice.add(1), -1);
+}
+
 } // namespace
 } // namespace zofra

@@ -32,10 +32,11 @@ protected:
 };
 
 TEST_F(WidgetMenuTest, ShowsTextsAsTexts) {
-    const WidgetMenu menu({item(u"A & B _c_ <b>"_qs), item(u"x\ny"_qs), item(QString(500, u'z'))}, icons);
+    WidgetMenu menu({item(u"A & B _c_ <b>"_qs), item(u"x\ny"_qs), item(QString(500, u'z'))}, icons);
     EXPECT_EQ(menu.actions().at(0)->text(), u"A && B _c_ <b>"_qs);
     EXPECT_EQ(menu.actions().at(1)->text(), u"x y"_qs);
-    EXPECT_EQ(menu.actions().at(2)->text().size(), 120);
+    EXPECT_TRUE(menu.actions().at(2)->text().endsWith(QChar(0x2026)));
+    EXPECT_LE(menu.sizeHint().width(), 480);
 }
 
 TEST_F(WidgetMenuTest, ChoosingAnItemCallsItsActionWithTheUnalteredItem) {

@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/SearchProvider.h"
+
+#include <QDBusArgument>
+#include <QDBusMetaType>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <utility>
+
+namespace zofra {
+
+/// (sssida{sv}): a match as KRunner takes it.
+struct RunnerMatch {
+    QString id;
+    QString text;
+    QString icon;
+    int type = 0;
+    double relevance = 0;
+    QVariantMap properties;
+};
+/// (sss): something else to do with a match.
+struct RunnerAction {
+    QString id;
+    QString text;
+    QString icon;
+};
+
+QDBusArgument& operator<<(QDBusArgument& argument, const RunnerMatch& value) {
+    argument.beginStructure();
+    argument << value.id << value.text << value.icon << value.type << value.relevance << value.properties;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, RunnerMatch& value) {
+    argument.beginStructure();
+    argument >> value.id >> value.text >> value.icon >> value.type >> value.relevance >> value.properties;
+    argument.endStructure();
+    return argument;
+}
+
+QDBusArgument& operator<<(QDBusArgument& argument, const RunnerAction& value) {
+    argument.beginStructure();
+    argument << value.id << value.text << value.icon;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, RunnerAction& value) {
+    argument.beginStructure();
+    argument >> value.id >> value.text >> value.icon;
+    argument.endStructure();
+    return argument;
+}
+
+namespace {
+
+using dbus::Answer;
+
+const auto icon = QStringLiteral("be.zofra.ZofraZofra");
+/// More words, and more results, than any search of stations has.
+constexpr qsizetype mostTerms = 64;
+constexpr qsizetype longestText = 200;
+
+Answer tooMuch() {
+    return dbus::refused("LimitsExceeded", QStringLiteral("No search has as much as that"));
+}
+
+bool isTooMuch(const QStringList& terms) {
+    return terms.size() > mostTerms || std::any_of(terms.begin(), terms.end(), [](const QString& term) {
+               return term.size() > longestText;
+           });
+}
+
+QStringList wordsOf(const QString& text) {
+    static const QRegularExpression between(QStringLiteral("\\s+"));
+    return text.split(between, Qt::SkipEmptyParts);
+}
+
+} // namespace
+} // namespace zofra
+
+Q_DECLARE_METATYPE(zofra::RunnerMatch)
+Q_DECLARE_METATYPE(zofra::RunnerAction)
+
+namespace zofra {
+
+SearchProvider::SearchProvider(SessionBus& bus, std::vector<Entry> entries)
+    : m_entries(std::move(entries))
+    , m_object(QStringLiteral("/be/zofra/ZofraZofra/search"), {shellInterface(), runnerInterface()}) {
+    qDBusRegisterMetaType<QList<QVariantMap>>();
+    qDBusRegisterMetaType<RunnerMatch>();
+    qDBusRegisterMetaType<QList<RunnerMatch>>();
+    qDBusRegisterMetaType<RunnerAction>();
+    qDBusRegisterMetaType<QList<RunnerAction>>();
+    m_connected =
+        bus.observeConnected([this](const QDBusConnection& connection) { m_object.exportOn(connection); });
+    m_disconnected = bus.observeDisconnected([this] { m_object.connectionLost(); });
+}
+
+dbus::Interface SearchProvider::shellInterface() {
+    const auto search = [this](const QStringList& terms) {
+        return isTooMuch(terms) ? tooMuch() : Answer{{found(terms)}, {}, {}};
+    };
+    const auto initial = [search](const QVariantList& arguments) {
+        return search(arguments.at(0).toStringList());
+    };
+    const auto next = [search](const QVariantList& arguments) {
+        return search(arguments.at(1).toStringList());
+    };
+    const auto metas = [this](const QVariantList& arguments) {
+        return describe(arguments.at(0).toStringList());
+    };
+    const auto activate = [this](const QVariantList& arguments) {
+        choose(arguments.at(0).toString());
+        return Answer();
+    };
+    const auto launch = [this](const QVariantList&) { return Answer{{}, {}, onShow}; };
+    return {"org.gnome.Shell.SearchProvider2",
+            {{"GetInitialResultSet", "terms:as", "results:as", initial},
+             {"GetSubsearchResultSet", "previous_results:as terms:as", "results:as", next},
+             {"GetResultMetas", "identifiers:as", "metas:aa{sv}", metas},
+             {"ActivateResult", "identifier:s terms:as timestamp:u", "", activate},
+             {"LaunchSearch", "terms:as timestamp:u", "", launch}},
+            {},
+            {}};
+}
+
+dbus::Interface SearchProvider::runnerInterface() {
+    const auto matches = [this](const QVariantList& arguments) { return match(arguments.at(0).toString()); };
+    const auto actions = [](const QVariantList&) {
+        return Answer{{QVariant::fromValue(QList<RunnerAction>())}, {}, {}};
+    };
+    const auto run = [this](const QVariantList& arguments) {
+        choose(arguments.at(0).toString());
+        return Answer();
+    };
+    return {"org.kde.krunner1",
+            {{"Match", "query:s", "matches:a(sssida{sv})", matches},
+             {"Actions", "", "actions:a(sss)", actions},
+             {"Run", "matchId:s actionId:s", "", run}},
+            {},
+            {}};
+}
+
+QStringList SearchProvider::found(const QStringList& terms) const {
+    QStringList ids;
+    for (const Entry& entry : m_entries) {
+        const QStringList words = wordsOf(entry.title);
+        const auto isFound = [&words](const QString& term) {
+            return std::any_of(words.begin(), words.end(), [&term](const QString& word) {
+                return word.startsWith(term, Qt::CaseInsensitive);
+            });
+        };
+        if (!terms.isEmpty() && std::all_of(terms.begin(), terms.end(), isFound))
+            ids.append(entry.id);
+    }
+    return ids;
+}
+
+Answer SearchProvider::describe(const QStringList& ids) const {
+    if (isTooMuch(ids))
+        return tooMuch();
+    QList<QVariantMap> metas;
+    for (const Entry& entry : m_entries) {
+        if (ids.contains(entry.id))
+            metas.append({{QStringLiteral("id"), entry.id},
+                          {QStringLiteral("name"), entry.title},
+                          {QStringLiteral("description"), entry.description},
+                          {QStringLiteral("gicon"), icon}});
+    }
+    return {{QVariant::fromValue(metas)}, {}, {}};
+}
+
+Answer SearchProvider::match(const QString& text) const {
+    if (text.size() > longestText)
+        return tooMuch();
+    const QStringList ids = found(wordsOf(text));
+    QList<RunnerMatch> matches;
+    for (const Entry& entry : m_entries) {
+        constexpr int exactMatch = 100;
+        constexpr int possibleMatch = 30;
+        if (!ids.contains(entry.id))
+            continue;
+        const bool isExact = entry.title.compare(text.trimmed(), Qt::CaseInsensitive) == 0;
+        matches.append({entry.id,
+                        entry.title,
+                        icon,
+                        isExact ? exactMatch : possibleMatch,
+                        isExact ? 1.0 : 0.7,
+                        {{QStringLiteral("subtext"), entry.description}}});
+    }
+    return {{QVariant::fromValue(matches)}, {}, {}};
+}
+
+void SearchProvider::choose(const QString& id) const {
+    const bool isKnown =
+        std::any_of(m_entries.begin(), m_entries.end(), [&id](const Entry& entry) { return entry.id == id; });
+    const auto chosen = onChosen;
+    if (isKnown && chosen)
+        chosen(id);
+}
+
+} // namespace zofra
