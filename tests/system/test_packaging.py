@@ -95,3 +95,31 @@ def test_a_job_that_installs_nothing_for_tests_builds_none():
               if re.search(r"\bneed build\b", piece)]
     without = [piece for piece in pieces if "test-unit" not in piece and "build_preset release" in piece]
     assert without and all("build_preset release -DZOFRA_TESTS=OFF" in piece for piece in without)
+
+
+def test_the_icon_theme_has_every_drawing_of_menus_and_trays(binary):
+    theme = os.path.join(os.path.dirname(os.path.dirname(binary)), "share", "icons", "hicolor")
+    with open(os.path.join(ROOT, "app", "StatusMenu.cpp"), encoding="utf-8") as file:
+        used = set(re.findall(r'"([a-z0-9]+(?:\.[a-z0-9]+)+|power)"', file.read()))
+    assert {"play.fill", "power", "antenna.radiowaves.left.and.right"} <= used
+    used |= {"tray.playing", "tray.stopped", "tray.buffering"}
+    for name in used:
+        path = os.path.join(theme, "symbolic", "apps", f"be.zofra.ZofraZofra.{name}-symbolic.svg")
+        with open(path, encoding="utf-8") as file:
+            drawing = file.read()
+        # Panels recolour only what they know to be text.
+        assert 'class="ColorScheme-Text"' in drawing and "stroke=" not in drawing, path
+
+
+def test_every_station_can_be_started_from_the_desktop_file():
+    entry = configparser.ConfigParser(interpolation=None)
+    entry.optionxform = str
+    entry.read(DESKTOP, encoding="utf-8")
+    actions = entry["Desktop Entry"]["Actions"].strip(";").split(";")
+    stations = [action for action in actions if action.startswith("play-")]
+    assert len(stations) == 9
+    for action in actions:
+        assert entry[f"Desktop Action {action}"]["Name"]
+    for action in stations:
+        station = entry[f"Desktop Action {action}"]["Exec"].removeprefix("zofrazofra --play ")
+        assert action == "play-" + station.replace("_", "-")
