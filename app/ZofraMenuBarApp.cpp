@@ -4,7 +4,6 @@
 #include "app/Desktop.h"
 #include "app/RemoteOptions.h"
 #include "platform/linux/PreferredLanguages.h"
-#include "platform/linux/net/QtMetadataSocket.h"
 
 #include <QCoreApplication>
 #include <QJsonDocument>
@@ -158,7 +157,7 @@ AppDelegate::Environment ZofraMenuBarApp::delegateEnvironment() {
             m_configuration.hosts,
             m_session,
             systemClock(),
-            qtWebSockets(m_configuration.hosts.extraAuthorityFile()),
+            m_http.webSockets(),
             m_desktop->statusBar(),
             m_desktop->windows(),
             *m_application,
@@ -291,9 +290,14 @@ void ZofraMenuBarApp::connectChanges() {
         m_mainQueue, std::vector<Observable*>{&RadioPlayer::shared(), &SonosManager::shared(),
                                               &LanguageManager::shared(), &m_delegate->viewModel()});
     m_observations.push_back(m_changes->observe([this] { changed(); }));
-    // Streams that wait before they are tried again need not wait any longer.
-    m_observations.push_back(m_wake.observeDidWake([this] { m_streams.tryNow(); }));
-    m_observations.push_back(m_networkChange.observeChanged([this] { m_streams.tryNow(); }));
+    // Connections kept from before are dead; streams that wait before they are tried again need not wait any
+    // longer.
+    const auto startAfresh = [this] {
+        m_http.dropKeptConnections();
+        m_streams.tryNow();
+    };
+    m_observations.push_back(m_wake.observeDidWake(startAfresh));
+    m_observations.push_back(m_networkChange.observeChanged(startAfresh));
 }
 
 void ZofraMenuBarApp::changed() {

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fuzz/FuzzBytes.h"
-#include "platform/linux/net/WebSocketHandshake.h"
 #include "platform/linux/net/WebSocketWire.h"
 
 #include <algorithm>
@@ -37,7 +36,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         fuzz::require(static_cast<std::size_t>(whole[i].bytes.size()) <= cap);
         fuzz::require(static_cast<std::size_t>(whole[i].text.toUtf8().size()) <= cap);
     }
-    WebSocketHandshake handshake(QUrl(QStringLiteral("wss://live.example/")), "the sample nonce");
-    static_cast<void>(handshake.receive(bytes));
     return 0;
 }

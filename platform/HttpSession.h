@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <stop_token>
 #include <utility>
 #include <vector>
 
@@ -17,6 +18,11 @@ namespace zofra {
 /// One HTTP request. Header names go out spelt as given.
 struct HttpRequest {
     enum class CachePolicy { useProtocol, ignoreLocalAndRemote };
+    /// What the request is for. A question follows redirects and wants a whole body. An order follows none,
+    /// and its answer is the status alone: the body is thrown away, be it long, cut or late.
+    enum class Purpose { question, order };
+    /// `direct` never goes through a proxy, whatever the environment says.
+    enum class Route { environment, direct };
 
     QByteArray method = "GET";
     QUrl url;
@@ -27,6 +33,11 @@ struct HttpRequest {
     CachePolicy cachePolicy = CachePolicy::useProtocol;
     /// A longer body ends the request with HttpError::Code::tooLarge as soon as it is noticed.
     std::size_t maxBodyBytes = 1'048'576;
+    Purpose purpose = Purpose::question;
+    Route route = Route::environment;
+    /// Once a stop is requested the request is given up, waiting or under way, and ends with
+    /// HttpError::Code::cancelled.
+    std::stop_token stop = {};
 };
 
 /// Why a request gave no response.
@@ -63,8 +74,8 @@ struct HttpResult {
     std::optional<HttpError> error;
 };
 
-/// Sends HTTP requests. Redirects are followed at most 5 times, only over http and https, never from https to
-/// http.
+/// Sends HTTP requests. Redirects of questions are followed at most 5 times, only over http and https, never
+/// from https to http.
 class HttpSession {
 public:
     using Completion = std::function<void(HttpResult)>;

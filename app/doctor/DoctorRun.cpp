@@ -15,7 +15,6 @@
 #include "platform/linux/lan/LinuxLocalNetwork.h"
 #include "platform/linux/net/CurlGlobal.h"
 #include "platform/linux/net/CurlHttpSession.h"
-#include "platform/linux/net/QtMetadataSocket.h"
 #include "platform/linux/x11/XServer.h"
 
 #include <QCoreApplication>
@@ -154,10 +153,11 @@ private:
         const SendProbe send = [authority](const HostProbe::Request& request) {
             return HostProbe::run(request, authority);
         };
+        m_liveHttp = std::make_unique<CurlHttpSession>(authority);
         for (const auto& target : hostTargets(hosts)) {
             if (target.kind == HostTarget::Kind::live)
                 checks.push_back(std::make_unique<LiveSocketCheck>(m_tasks, m_mainQueue, target, send,
-                                                                   qtWebSockets(authority)));
+                                                                   m_liveHttp->webSockets()));
             else
                 checks.push_back(hostCheck(m_tasks, m_mainQueue, target, send));
         }
@@ -182,6 +182,8 @@ private:
     const std::optional<QDBusConnection> m_bus;
     ThreadTaskPool m_tasks;
     CurlHttpSession m_http;
+    /// For the live feed's socket, which trusts what the endpoints say.
+    std::unique_ptr<CurlHttpSession> m_liveHttp;
     LinuxLocalNetwork m_network;
 };
 

@@ -1,7 +1,9 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """What is on air from the live feed: joined, followed, renewed, against the real SockJS server."""
 
+import base64
 import json
+import os
 import re
 import time
 
@@ -121,7 +123,6 @@ def test_garbage_changes_nothing_and_the_connection_is_kept(radio, lab, text):
 
 
 def test_a_binary_message_that_is_text_counts(radio, lab):
-    import base64
     without_http(lab)
     radio.start()
     joined(lab)
@@ -293,7 +294,6 @@ def test_a_hostile_server_costs_no_memory_and_is_left(radio, lab, what):
     radio.start()
     joined(lab)
     before = radio.memory()
-    import base64
     if what == "huge":  # one message that declares itself larger than memory
         lab.livefeed.bytes(base64=base64.b64encode(b"\x81\x7f" + (1 << 62).to_bytes(8, "big") + b"x" * 4096).decode())
     elif what == "endless":  # fragments that never finish: 24 MB
@@ -337,3 +337,39 @@ def test_two_hundred_songs_are_on_the_bus_within_ten_milliseconds(radio, lab, bu
           f"worst {latencies[-1] * 1e3:.2f}")
     # The budget of 10 ms for the tail is the benchmark's to judge: a crowded machine is not the radio.
     assert latencies[100] <= 0.010 and latencies[197] <= 0.1
+
+
+def processor_time(pid):
+    """Seconds of processor that the process has used."""
+    fields = open(f"/proc/{pid}/stat", encoding="ascii").read().rpartition(")")[2].split()
+    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+
+def text_frame(text):
+    """One web-socket frame of a server, base64."""
+    payload = text.encode()
+    length = len(payload)
+    head = bytes([0x81, length]) if length < 126 else b"\x81\x7e" + length.to_bytes(2, "big") if length < 65536 \
+        else b"\x81\x7f" + length.to_bytes(8, "big")
+    return base64.b64encode(head + payload).decode()
+
+
+@pytest.mark.measured
+@pytest.mark.parametrize("what", ["long", "many"])
+def test_a_feed_without_end_leaves_the_core_free(radio, lab, what):
+    without_http(lab)
+    radio.start()
+    joined(lab)
+    radio.wait_line("song: The Paper Lanterns – Harbour Lights")
+    if what == "long":  # 60 frames of 1 MB, each with a quarter of a million elements
+        sent, times = text_frame("a[" + ",".join(['"x"'] * 262_000) + "]"), 60
+    else:
+        sent, times = text_frame(frame(event("Again"))), 60_000
+    lab.livefeed.bytes(base64=sent, times=times)
+    time.sleep(1.5)  # what may come at once has been read
+    before = processor_time(radio.pid)
+    time.sleep(4)
+    used = (processor_time(radio.pid) - before) / 4
+    print(f"{what}: {used * 100:.1f} % of a core")
+    assert used < 0.1
+    assert radio.status()["station"] == "zofra"

@@ -2,7 +2,6 @@
 #include "platform/linux/net/CurlGlobal.h"
 
 #include <cstdlib>
-#include <curl/curl.h>
 #include <mutex>
 #include <unistd.h>
 
@@ -26,6 +25,30 @@ void closeGate() {
     gate().isClosed = true;
 }
 
+/// Never destroyed, like the gate. One lock does for all that is shared.
+std::mutex& sessionsMutex() {
+    static auto* const instance = new std::mutex;
+    return *instance;
+}
+
+CURLSH* makeTlsSessions() {
+    CURLSH* share = curl_share_init();
+    if (share == nullptr)
+        return nullptr;
+    curl_share_setopt(
+        share, CURLSHOPT_LOCKFUNC, +[](CURL*, curl_lock_data data, curl_lock_access, void*) {
+            if (data == CURL_LOCK_DATA_SSL_SESSION)
+                sessionsMutex().lock();
+        });
+    curl_share_setopt(
+        share, CURLSHOPT_UNLOCKFUNC, +[](CURL*, curl_lock_data data, void*) {
+            if (data == CURL_LOCK_DATA_SSL_SESSION)
+                sessionsMutex().unlock();
+        });
+    curl_share_setopt(share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
+    return share;
+}
+
 } // namespace
 
 void CurlGlobal::initialise() {
@@ -35,6 +58,11 @@ void CurlGlobal::initialise() {
         // After the line above, so that it runs before what that line registered.
         std::atexit(closeGate);
     });
+}
+
+CURLSH* CurlGlobal::tlsSessions() {
+    static CURLSH* const sessions = makeTlsSessions();
+    return sessions;
 }
 
 CurlGlobal::Pass::Pass()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/net/CurlHttpSession.h"
 
+#include "platform/linux/net/CurlMetadataSocket.h"
 #include "platform/linux/net/CurlWorker.h"
 
 #include <utility>
@@ -16,6 +17,14 @@ CurlHttpSession::~CurlHttpSession() {
 
 void CurlHttpSession::start(HttpRequest request, Completion completion) {
     m_worker->submit(std::move(request), std::move(completion));
+}
+
+void CurlHttpSession::dropKeptConnections() {
+    m_worker->dropKept();
+}
+
+MakeWebSocket CurlHttpSession::webSockets() {
+    return [worker = m_worker](const QUrl& url) { return std::make_shared<CurlMetadataSocket>(worker, url); };
 }
 
 } // namespace zofra

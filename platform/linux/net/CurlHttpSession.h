@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/HttpSession.h"
+#include "platform/RadioMetadataSocket.h"
 
 #include <QString>
 
@@ -31,6 +32,14 @@ public:
     CurlHttpSession& operator=(const CurlHttpSession&) = delete;
 
     void start(HttpRequest request, Completion completion) override;
+
+    /// The network is another one, or the computer has slept: connections kept for a next request, and
+    /// addresses looked up, are used no more. Any thread.
+    void dropKeptConnections();
+
+    /// Makes web sockets that live on the session's thread, under the rules of its requests.
+    [[nodiscard]] MakeWebSocket webSockets();
+    [[nodiscard]] const std::shared_ptr<CurlWorker>& worker() const { return m_worker; }
 
 private:
     std::shared_ptr<CurlWorker> m_worker;

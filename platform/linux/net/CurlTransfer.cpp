@@ -1,23 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/net/CurlTransfer.h"
 
-#include "platform/ForeignText.h"
-
 #include <QLatin1String>
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <limits>
-#include <sys/socket.h>
 #include <utility>
 
 namespace zofra {
 
 namespace {
-
-/// Of all responses to a request together, redirects included.
-constexpr std::size_t maxHeaderBytes = 131'072;
 
 bool isToken(QByteArrayView name) {
     return !name.isEmpty() && std::all_of(name.begin(), name.end(), [](char c) {
@@ -38,53 +32,39 @@ HttpError refusalOf(HttpError::Code code, const QString& description) {
 
 CurlTransfer::CurlTransfer(HttpRequest request, const TrustedAuthorities& authorities)
     : m_request(std::move(request))
-    , m_easy(curl_easy_init()) {
-    if (!m_easy) {
-        m_refusal = refusalOf(HttpError::Code::other, QStringLiteral("No request could be made."));
-        return;
-    }
+    , m_handle(m_request.url, authorities, m_request.route) {
     const auto scheme = m_request.url.scheme();
     if (!m_request.url.isValid() || m_request.url.host().isEmpty() ||
-        (scheme != QLatin1String("http") && scheme != QLatin1String("https"))) {
+        (scheme != QLatin1String("http") && scheme != QLatin1String("https")))
         m_refusal =
             refusalOf(HttpError::Code::unsupportedUrl, QStringLiteral("The address is not one of the web."));
-        return;
-    }
-    if (!isToken(m_request.method) || !setUpHeaders()) {
+    else if (const auto& refusal = m_handle.refusal())
+        m_refusal = refusalOf(
+            easy() == nullptr ? HttpError::Code::other : HttpError::Code::secureConnectionFailed, *refusal);
+    else if (!isToken(m_request.method) || !setUpHeaders())
         m_refusal = refusalOf(HttpError::Code::other,
                               QStringLiteral("The request's method or a header is malformed."));
+    if (m_refusal)
         return;
-    }
-    curl_easy_setopt(easy(), CURLOPT_URL, m_request.url.toEncoded(QUrl::RemoveFragment).constData());
-    curl_easy_setopt(easy(), CURLOPT_ERRORBUFFER, m_errorText.data());
     setUpMethod();
     setUpLimits();
-    m_rules.apply(easy(), m_request.url, authorities);
 }
 
 void CurlTransfer::setUpLimits() {
     const auto timeout =
         std::clamp<std::int64_t>(m_request.timeout.count(), 1, std::numeric_limits<int>::max());
     curl_easy_setopt(easy(), CURLOPT_TIMEOUT_MS, static_cast<long>(timeout));
+    if (isOrder())
+        curl_easy_setopt(easy(), CURLOPT_FOLLOWLOCATION, 0L);
 
     const auto cap = std::min<std::size_t>(m_request.maxBodyBytes, std::numeric_limits<int>::max());
-    if (cap > 0) // 0 means no limit there; a cap of 0 is kept by the reading side
+    if (cap > 0 && !isOrder()) // 0 means no limit there; a cap of 0 is kept by the reading side
         curl_easy_setopt(easy(), CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(cap));
     curl_easy_setopt(
         easy(), CURLOPT_WRITEFUNCTION, +[](const char* bytes, std::size_t, std::size_t size, void* self) {
             return static_cast<CurlTransfer*>(self)->receiveBody(bytes, size);
         });
     curl_easy_setopt(easy(), CURLOPT_WRITEDATA, this);
-    curl_easy_setopt(
-        easy(), CURLOPT_HEADERFUNCTION, +[](const char*, std::size_t, std::size_t size, void* self) {
-            return static_cast<CurlTransfer*>(self)->receiveHeader(size);
-        });
-    curl_easy_setopt(easy(), CURLOPT_HEADERDATA, this);
-    curl_easy_setopt(
-        easy(), CURLOPT_OPENSOCKETFUNCTION, +[](void* self, curlsocktype, curl_sockaddr* address) {
-            return static_cast<CurlTransfer*>(self)->openSocket(*address);
-        });
-    curl_easy_setopt(easy(), CURLOPT_OPENSOCKETDATA, this);
 }
 
 void CurlTransfer::setUpMethod() {
@@ -136,32 +116,23 @@ bool CurlTransfer::hasHeader(QByteArrayView name) const {
 }
 
 std::size_t CurlTransfer::receiveBody(const char* bytes, std::size_t size) {
-    if (size > m_request.maxBodyBytes ||
-        static_cast<std::size_t>(m_body.size()) > m_request.maxBodyBytes - size) {
+    if (size > m_request.maxBodyBytes || m_bodyBytes > m_request.maxBodyBytes - size) {
         m_isTooLarge = true;
         return CURL_WRITEFUNC_ERROR;
     }
-    m_body.append(bytes, static_cast<qsizetype>(size));
+    m_bodyBytes += size;
+    if (!isOrder())
+        m_body.append(bytes, static_cast<qsizetype>(size));
     return size;
 }
 
-std::size_t CurlTransfer::receiveHeader(std::size_t size) {
-    m_headerBytes += size;
-    if (m_headerBytes <= maxHeaderBytes)
-        return size;
-    m_isTooLarge = true;
-    return CURL_WRITEFUNC_ERROR;
-}
-
-curl_socket_t CurlTransfer::openSocket(const curl_sockaddr& address) {
-    const int descriptor = socket(address.family, address.socktype | SOCK_CLOEXEC, address.protocol);
-    // The library says nothing of why a socket could not even be made.
-    m_socketErrno = descriptor < 0 ? errno : 0;
-    return descriptor < 0 ? CURL_SOCKET_BAD : descriptor;
+HttpError CurlTransfer::cancelled() {
+    return refusalOf(HttpError::Code::cancelled, QStringLiteral("The request has been cancelled."));
 }
 
 HttpResult CurlTransfer::result(CURLcode code) {
-    if (code != CURLE_OK)
+    const bool isAnswered = code == CURLE_OK || (isOrder() && m_handle.hasHead());
+    if (!isAnswered || m_request.stop.stop_requested())
         return {std::nullopt, error(code)};
     long status = 0;
     curl_easy_getinfo(easy(), CURLINFO_RESPONSE_CODE, &status);
@@ -169,28 +140,16 @@ HttpResult CurlTransfer::result(CURLcode code) {
 }
 
 HttpError CurlTransfer::error(CURLcode code) const {
-    const int systemErrno = connectErrno(code);
-    auto text =
-        QString::fromUtf8(m_errorText.front() != '\0' ? m_errorText.data() : curl_easy_strerror(code));
-    if (m_isTooLarge)
-        text = QStringLiteral("The answer is larger than allowed.");
-    if (m_rules.hasRefusedDowngrade())
-        text = QStringLiteral("A redirect leads from a secure address to an insecure one.");
-    return {errorCode(code, systemErrno), systemErrno, oneLine(text)};
-}
-
-int CurlTransfer::connectErrno(CURLcode code) const {
-    if (code != CURLE_COULDNT_CONNECT)
-        return 0;
-    long systemErrno = 0;
-    curl_easy_getinfo(easy(), CURLINFO_OS_ERRNO, &systemErrno);
-    return systemErrno != 0 ? static_cast<int>(systemErrno) : m_socketErrno;
+    if (m_request.stop.stop_requested())
+        return cancelled();
+    const int systemErrno = m_handle.connectErrno(code);
+    const bool isTooLarge = m_isTooLarge || m_handle.hasRefusedHead();
+    return {isTooLarge ? HttpError::Code::tooLarge : errorCode(code, systemErrno), systemErrno,
+            isTooLarge ? QStringLiteral("The answer is larger than allowed.") : m_handle.errorText(code)};
 }
 
 HttpError::Code CurlTransfer::errorCode(CURLcode code, int systemErrno) const {
-    if (m_isTooLarge)
-        return HttpError::Code::tooLarge;
-    if (m_rules.hasRefusedDowngrade())
+    if (m_handle.hasRefusedDowngrade())
         return HttpError::Code::unsupportedUrl;
     switch (code) {
     case CURLE_COULDNT_CONNECT:

@@ -2,16 +2,15 @@
 #pragma once
 
 #include "platform/HttpSession.h"
-#include "platform/linux/net/CurlRules.h"
-#include "platform/linux/net/TrustedAuthorities.h"
+#include "platform/linux/net/CurlHandle.h"
 
 #include <QByteArray>
 
-#include <array>
 #include <cstddef>
 #include <curl/curl.h>
 #include <memory>
 #include <optional>
+#include <stop_token>
 
 namespace zofra {
 
@@ -25,7 +24,10 @@ public:
 
     /// Why the request cannot be sent at all, if so.
     [[nodiscard]] std::optional<HttpError> refusal() const { return m_refusal; }
-    [[nodiscard]] CURL* easy() const { return m_easy.get(); }
+    [[nodiscard]] const std::stop_token& stop() const { return m_request.stop; }
+    [[nodiscard]] CURL* easy() const { return m_handle.easy(); }
+    [[nodiscard]] CurlHandle& handle() { return m_handle; }
+    [[nodiscard]] static HttpError cancelled();
     /// What it came to, once libcurl is done with it.
     [[nodiscard]] HttpResult result(CURLcode code);
 
@@ -35,33 +37,25 @@ private:
     [[nodiscard]] bool setUpHeaders();
     void addHeader(const QByteArray& line);
     [[nodiscard]] bool hasHeader(QByteArrayView name) const;
+    [[nodiscard]] bool isOrder() const { return m_request.purpose == HttpRequest::Purpose::order; }
 
     std::size_t receiveBody(const char* bytes, std::size_t size);
-    std::size_t receiveHeader(std::size_t size);
-    curl_socket_t openSocket(const curl_sockaddr& address);
 
     [[nodiscard]] HttpError error(CURLcode code) const;
     [[nodiscard]] HttpError::Code errorCode(CURLcode code, int systemErrno) const;
-    [[nodiscard]] int connectErrno(CURLcode code) const;
 
-    struct EasyCloser {
-        void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
-    };
     struct ListCloser {
         void operator()(curl_slist* list) const { curl_slist_free_all(list); }
     };
 
-    HttpRequest m_request;
+    const HttpRequest m_request;
     std::optional<HttpError> m_refusal;
     std::unique_ptr<curl_slist, ListCloser> m_headers;
-    std::array<char, CURL_ERROR_SIZE> m_errorText{};
     QByteArray m_body;
-    std::size_t m_headerBytes = 0;
-    int m_socketErrno = 0;
+    std::size_t m_bodyBytes = 0;
     bool m_isTooLarge = false;
-    CurlRules m_rules;
     // Last: closing it may still call back into what stands above.
-    std::unique_ptr<CURL, EasyCloser> m_easy;
+    CurlHandle m_handle;
 };
 
 } // namespace zofra

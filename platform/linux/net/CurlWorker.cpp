@@ -4,8 +4,13 @@
 #include "platform/linux/net/CurlGlobal.h"
 #include "platform/linux/net/LocalHost.h"
 
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <pthread.h>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -13,12 +18,14 @@ namespace zofra {
 
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr std::size_t maxRunning = 64;
 constexpr std::size_t maxRunningLocal = 48;
 /// Connections kept open for a next request.
 constexpr long maxKeptConnections = 8;
 /// How long to sleep when there is nothing to do; a submission or a stop wakes the thread.
-constexpr int idleMilliseconds = 3'600'000;
+constexpr std::chrono::milliseconds idleTime = 1h;
 
 /// Signals belong to the main thread; and a write to a connection that the peer has closed must not end the
 /// process.
@@ -30,20 +37,32 @@ void blockSignals() {
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 }
 
+HttpResult notStarted() {
+    return {std::nullopt,
+            HttpError{HttpError::Code::other, 0, QStringLiteral("No thread could be started for requests.")}};
+}
+
 } // namespace
 
 CurlWorker::CurlWorker(std::optional<QString> extraAuthorityFile)
-    : m_extraAuthorityFile(std::move(extraAuthorityFile)) {}
+    : m_extraAuthorityFile(std::move(extraAuthorityFile))
+    , m_keptSince(std::chrono::steady_clock::time_point()) {}
 
 void CurlWorker::submit(HttpRequest request, HttpSession::Completion completion) {
+    const bool isLocal = request.route == HttpRequest::Route::direct || isLocalHost(request.url.host());
     const std::scoped_lock lock(m_mutex);
     if (m_isStopping)
         return;
-    m_submitted.push_back({std::move(request), std::move(completion)});
-    if (m_wakeable != nullptr)
-        curl_multi_wakeup(m_wakeable);
-    if (!std::exchange(m_isStarted, true))
-        std::thread([self = shared_from_this()] { self->run(); }).detach();
+    m_submitted.push_back({std::move(request), std::move(completion), isLocal});
+    wake();
+}
+
+void CurlWorker::post(Work work) {
+    const std::scoped_lock lock(m_mutex);
+    if (m_isStopping)
+        return;
+    m_posted.push_back(std::move(work));
+    wake();
 }
 
 void CurlWorker::stop() {
@@ -57,68 +76,152 @@ void CurlWorker::stop() {
     m_isSilenced = true;
 }
 
+void CurlWorker::wake() {
+    if (m_wakeable != nullptr)
+        curl_multi_wakeup(m_wakeable);
+    if (m_isStarted)
+        return;
+    try {
+        std::thread([self = shared_from_this()] { self->run(); }).detach();
+        m_isStarted = true;
+    } catch (const std::system_error&) {
+        refuse(std::exchange(m_submitted, {}));
+    }
+}
+
+/// Never in place: whoever submits may hold locks that its completions take.
+void CurlWorker::refuse(std::deque<Job> jobs) {
+    QMetaObject::invokeMethod(
+        QCoreApplication::instance(),
+        [self = shared_from_this(), jobs = std::make_shared<std::deque<Job>>(std::move(jobs))] {
+            for (const auto& job : *jobs)
+                self->complete(job.completion, notStarted());
+        },
+        Qt::QueuedConnection);
+}
+
 void CurlWorker::run() {
     pthread_setname_np(pthread_self(), "zofra-http");
     blockSignals();
-    {
-        const CurlGlobal::Pass pass;
-        CurlGlobal::initialise();
-    }
-    {
-        const CurlGlobal::Pass pass;
-        const auto* info = curl_version_info(CURLVERSION_NOW);
-        m_authorities = TrustedAuthorities::find(m_extraAuthorityFile, QByteArray(info->cainfo));
-        m_multi = curl_multi_init();
-        curl_multi_setopt(m_multi, CURLMOPT_MAXCONNECTS, maxKeptConnections);
-        const std::scoped_lock lock(m_mutex);
-        m_wakeable = m_multi;
-    }
+    if (!setUp())
+        return;
     while (takeSubmitted()) {
+        std::chrono::milliseconds patience = idleTime;
         {
             const CurlGlobal::Pass pass;
+            runPosted();
+            giveUpCancelled();
             do {
                 startWaiting();
                 int running = 0;
                 curl_multi_perform(m_multi, &running);
             } while (finishDone());
+            patience = stepConnections();
         }
-        curl_multi_poll(m_multi, nullptr, 0, idleMilliseconds, nullptr);
+        curl_multi_poll(m_multi, m_waits.data(), static_cast<unsigned>(m_waits.size()),
+                        static_cast<int>(patience.count()), nullptr);
     }
     const CurlGlobal::Pass pass;
     shutDown();
 }
 
+/// False when there are too few descriptors: a loop that cannot be woken would never end.
+bool CurlWorker::setUp() {
+    {
+        const CurlGlobal::Pass pass;
+        CurlGlobal::initialise();
+    }
+    const CurlGlobal::Pass pass;
+    m_multi = curl_multi_init();
+    const std::scoped_lock lock(m_mutex);
+    if (m_multi != nullptr && curl_multi_wakeup(m_multi) == CURLM_OK) {
+        curl_multi_setopt(m_multi, CURLMOPT_MAXCONNECTS, maxKeptConnections);
+        m_wakeable = m_multi;
+        return true;
+    }
+    curl_multi_cleanup(std::exchange(m_multi, nullptr));
+    m_isStarted = false;
+    refuse(std::exchange(m_submitted, {}));
+    return false;
+}
+
 /// False once the session has ended.
 bool CurlWorker::takeSubmitted() {
-    const std::scoped_lock lock(m_mutex);
-    for (auto& job : m_submitted)
-        (isLocalHost(job.request.url.host()) ? m_waitingLocal : m_waiting).push_back(std::move(job));
-    m_submitted.clear();
-    return !m_isStopping;
+    std::deque<Job> taken;
+    {
+        const std::scoped_lock lock(m_mutex);
+        taken = std::exchange(m_submitted, {});
+        m_toRun = std::exchange(m_posted, {});
+        if (m_isStopping)
+            return false;
+    }
+    for (auto& job : taken) {
+        if (job.request.stop.stop_possible())
+            job.stopCallback = std::make_unique<StopCallback>(job.request.stop, [this] {
+                m_hasCancelled = true;
+                post([] {});
+            });
+        (job.isLocal ? m_waitingLocal : m_waiting).push_back(std::move(job));
+    }
+    return true;
+}
+
+void CurlWorker::runPosted() {
+    for (const auto& work : std::exchange(m_toRun, {}))
+        work();
+}
+
+const TrustedAuthorities& CurlWorker::authorities() {
+    if (!m_authorities || !m_authorities->isWhole())
+        m_authorities = TrustedAuthorities::find(m_extraAuthorityFile);
+    return *m_authorities;
 }
 
 void CurlWorker::startWaiting() {
     while (!m_waiting.empty() && m_running.size() < maxRunning)
-        startFrom(m_waiting, false);
+        startFrom(m_waiting);
     while (!m_waitingLocal.empty() && m_running.size() < maxRunning && m_runningLocal < maxRunningLocal)
-        startFrom(m_waitingLocal, true);
+        startFrom(m_waitingLocal);
 }
 
-void CurlWorker::startFrom(std::deque<Job>& waiting, bool isLocal) {
+void CurlWorker::startFrom(std::deque<Job>& waiting) {
     auto job = std::move(waiting.front());
     waiting.pop_front();
-    auto transfer = std::make_unique<CurlTransfer>(std::move(job.request), m_authorities);
+    auto transfer = std::make_unique<CurlTransfer>(std::move(job.request), authorities());
     if (auto refusal = transfer->refusal()) {
         complete(job.completion, {std::nullopt, std::move(refusal)});
         return;
     }
+    transfer->handle().avoidOlderThan(m_keptSince);
     auto* const easy = transfer->easy();
     if (curl_multi_add_handle(m_multi, easy) != CURLM_OK) {
         complete(job.completion, transfer->result(CURLE_FAILED_INIT));
         return;
     }
-    m_running.emplace(easy, Running{std::move(transfer), std::move(job.completion), isLocal});
-    m_runningLocal += isLocal ? 1 : 0;
+    m_running.emplace(easy, Running{std::move(transfer), std::move(job.completion), job.isLocal,
+                                    std::move(job.stopCallback)});
+    m_runningLocal += job.isLocal ? 1 : 0;
+}
+
+/// Those that wait go as well, so that they do not take a turn from others.
+void CurlWorker::giveUpCancelled() {
+    if (!m_hasCancelled.exchange(false))
+        return;
+    for (auto* waiting : {&m_waiting, &m_waitingLocal}) {
+        for (auto& job : std::exchange(*waiting, {})) {
+            if (job.request.stop.stop_requested())
+                complete(job.completion, {std::nullopt, CurlTransfer::cancelled()});
+            else
+                waiting->push_back(std::move(job));
+        }
+    }
+    std::vector<CURL*> cancelled;
+    for (const auto& [easy, running] : m_running) {
+        if (running.transfer->stop().stop_requested())
+            cancelled.push_back(easy);
+    }
+    for (auto* const easy : cancelled)
+        finish(easy, CURLE_ABORTED_BY_CALLBACK);
 }
 
 /// True when something has ended, so that there may be room for what waits.
@@ -128,15 +231,54 @@ bool CurlWorker::finishDone() {
     while (const auto* message = curl_multi_info_read(m_multi, &left)) {
         if (message->msg != CURLMSG_DONE)
             continue;
-        const auto code = message->data.result;
-        auto node = m_running.extract(message->easy_handle);
-        curl_multi_remove_handle(m_multi, node.key());
-        auto& running = node.mapped();
-        m_runningLocal -= running.isLocal ? 1 : 0;
-        complete(running.completion, running.transfer->result(code));
+        const auto connection = m_connections.find(message->easy_handle);
+        if (connection != m_connections.end())
+            connection->second->connected(message->data.result);
+        else
+            finish(message->easy_handle, message->data.result);
         any = true;
     }
     return any;
+}
+
+void CurlWorker::finish(CURL* easy, CURLcode code) {
+    auto node = m_running.extract(easy);
+    curl_multi_remove_handle(m_multi, easy);
+    auto& running = node.mapped();
+    m_runningLocal -= running.isLocal ? 1 : 0;
+    complete(running.completion, running.transfer->result(code));
+}
+
+void CurlWorker::adopt(std::shared_ptr<CurlConnection> connection) {
+    auto* const easy = connection->easy();
+    if (curl_multi_add_handle(m_multi, easy) != CURLM_OK)
+        connection->connected(CURLE_FAILED_INIT);
+    m_connections.emplace(easy, std::move(connection));
+}
+
+/// Gives every connection its turn; returns how long the loop may sleep then.
+std::chrono::milliseconds CurlWorker::stepConnections() {
+    const auto now = std::chrono::steady_clock::now();
+    auto until = now + idleTime;
+    m_waits.clear();
+    for (auto entry = m_connections.begin(); entry != m_connections.end();) {
+        const auto& [easy, connection] = *entry;
+        const auto wait = connection->step(now);
+        if (!wait) {
+            // This closes the connection.
+            curl_multi_remove_handle(m_multi, easy);
+            connection->released();
+            entry = m_connections.erase(entry);
+            continue;
+        }
+        until = std::min(until, wait->until);
+        curl_socket_t descriptor = CURL_SOCKET_BAD;
+        curl_easy_getinfo(easy, CURLINFO_ACTIVESOCKET, &descriptor);
+        if (wait->events != 0 && descriptor != CURL_SOCKET_BAD)
+            m_waits.push_back({descriptor, wait->events, 0});
+        ++entry;
+    }
+    return std::max(0ms, std::chrono::ceil<std::chrono::milliseconds>(until - now));
 }
 
 void CurlWorker::complete(const HttpSession::Completion& completion, HttpResult result) {
@@ -153,6 +295,11 @@ void CurlWorker::shutDown() {
     for (auto& [easy, running] : m_running)
         curl_multi_remove_handle(m_multi, easy);
     m_running.clear();
+    for (auto& [easy, connection] : m_connections) {
+        curl_multi_remove_handle(m_multi, easy);
+        connection->released();
+    }
+    m_connections.clear();
     curl_multi_cleanup(m_multi);
 }
 

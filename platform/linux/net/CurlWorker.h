@@ -2,51 +2,82 @@
 #pragma once
 
 #include "platform/HttpSession.h"
+#include "platform/linux/net/CurlConnection.h"
 #include "platform/linux/net/CurlTransfer.h"
 #include "platform/linux/net/TrustedAuthorities.h"
 
 #include <QString>
 
+#include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <curl/curl.h>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <stop_token>
 #include <unordered_map>
+#include <vector>
 
 namespace zofra {
 
 /// The thread of a CurlHttpSession, and its queue. The thread keeps this object alive and outlives the
-/// session for as long as it takes to give up what is under way.
+/// session for as long as it takes to give up what is under way. Where no thread is to be had, or it cannot
+/// set itself up, requests fail and whoever comes next tries again.
 class CurlWorker : public std::enable_shared_from_this<CurlWorker> {
 public:
+    using Work = std::function<void()>;
+
     explicit CurlWorker(std::optional<QString> extraAuthorityFile);
     CurlWorker(const CurlWorker&) = delete;
     CurlWorker& operator=(const CurlWorker&) = delete;
 
     /// Any thread.
     void submit(HttpRequest request, HttpSession::Completion completion);
+    /// Runs `work` on the worker's thread, in the order posted. Any thread.
+    void post(Work work);
+    /// Kept connections and looked-up addresses are used no more. Any thread.
+    void dropKept() { m_keptSince = std::chrono::steady_clock::now(); }
     /// After this no completion is called. Any thread, also from within a completion.
     void stop();
 
+    /// Takes a connection into the loop until it lets go. The worker's thread only, within posted work.
+    void adopt(std::shared_ptr<CurlConnection> connection);
+    /// Whom to trust. The worker's thread only, within posted work.
+    [[nodiscard]] const TrustedAuthorities& authorities();
+
 private:
+    using StopCallback = std::stop_callback<Work>;
     struct Job {
         HttpRequest request;
         HttpSession::Completion completion;
+        bool isLocal = false;
+        std::unique_ptr<StopCallback> stopCallback = nullptr;
     };
     struct Running {
         std::unique_ptr<CurlTransfer> transfer;
         HttpSession::Completion completion;
         bool isLocal = false;
+        std::unique_ptr<StopCallback> stopCallback;
     };
+
+    // With m_mutex held.
+    void wake();
+    void refuse(std::deque<Job> jobs);
 
     // All of these on the worker's thread.
     void run();
+    [[nodiscard]] bool setUp();
     [[nodiscard]] bool takeSubmitted();
+    void runPosted();
     void startWaiting();
-    void startFrom(std::deque<Job>& waiting, bool isLocal);
+    void startFrom(std::deque<Job>& waiting);
+    void giveUpCancelled();
     [[nodiscard]] bool finishDone();
+    void finish(CURL* easy, CURLcode code);
+    [[nodiscard]] std::chrono::milliseconds stepConnections();
     void complete(const HttpSession::Completion& completion, HttpResult result);
     void shutDown();
 
@@ -55,6 +86,7 @@ private:
     std::mutex m_mutex;
     // Guarded by m_mutex.
     std::deque<Job> m_submitted;
+    std::deque<Work> m_posted;
     bool m_isStarted = false;
     bool m_isStopping = false;
     CURLM* m_wakeable = nullptr;
@@ -63,13 +95,20 @@ private:
     std::recursive_mutex m_completionMutex;
     bool m_isSilenced = false;
 
+    std::atomic<std::chrono::steady_clock::time_point> m_keptSince;
+    /// A request that was taken has been cancelled since.
+    std::atomic<bool> m_hasCancelled = false;
+
     // The worker's thread only.
     CURLM* m_multi = nullptr;
-    TrustedAuthorities m_authorities;
+    std::optional<TrustedAuthorities> m_authorities;
+    std::deque<Work> m_toRun;
     std::deque<Job> m_waiting;
     std::deque<Job> m_waitingLocal;
     std::unordered_map<CURL*, Running> m_running;
     std::size_t m_runningLocal = 0;
+    std::unordered_map<CURL*, std::shared_ptr<CurlConnection>> m_connections;
+    std::vector<curl_waitfd> m_waits;
 };
 
 } // namespace zofra

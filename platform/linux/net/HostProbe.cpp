@@ -3,20 +3,16 @@
 
 #include "platform/ForeignText.h"
 #include "platform/linux/net/CurlGlobal.h"
-#include "platform/linux/net/CurlRules.h"
-#include "platform/linux/net/TrustedAuthorities.h"
+#include "platform/linux/net/CurlHandle.h"
 
-#include <array>
+#include <algorithm>
 #include <curl/curl.h>
-#include <memory>
 #include <sys/socket.h>
 #include <unistd.h>
 
 namespace zofra {
 
 namespace {
-
-using Handle = std::unique_ptr<CURL, decltype(&curl_easy_cleanup)>;
 
 constexpr std::chrono::milliseconds shortestNamePatience{3500};
 
@@ -39,12 +35,6 @@ int closeSocket(void* wasConnected, curl_socket_t descriptor) {
     if (::getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &length) == 0)
         *static_cast<bool*>(wasConnected) = true;
     return ::close(descriptor);
-}
-
-void setUp(CURL* easy, const HostProbe::Request& request) {
-    curl_easy_setopt(easy, CURLOPT_URL, request.url.toEncoded(QUrl::RemoveFragment).constData());
-    curl_easy_setopt(easy, CURLOPT_USERAGENT, request.userAgent.constData());
-    curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(request.timeout.count()));
 }
 
 std::chrono::milliseconds timeOf(CURL* easy, CURLINFO which) {
@@ -106,28 +96,23 @@ HostProbe HostProbe::run(const Request& request, const std::optional<QString>& e
     HostProbe probe;
     // The handle may use them until its end.
     bool wasConnected = false;
-    std::array<char, CURL_ERROR_SIZE> errorText{};
     Body body{{}, request.enoughBodyBytes};
-    CurlRules rules;
-    const Handle easy(curl_easy_init(), &curl_easy_cleanup);
-    if (!easy) {
-        probe.failedAt = Step::name;
-        probe.reason = QStringLiteral("no request could be made");
+    CurlHandle handle(request.url, TrustedAuthorities::find(extraAuthorityFile));
+    if (const auto& refusal = handle.refusal()) {
+        probe.failedAt = handle.easy() == nullptr ? Step::name : Step::tls;
+        probe.reason = *refusal;
         return probe;
     }
-    const char* libraryBundle = nullptr;
-    curl_easy_getinfo(easy.get(), CURLINFO_CAINFO, &libraryBundle);
-    const auto authorities = TrustedAuthorities::find(extraAuthorityFile, QByteArray(libraryBundle));
-    setUp(easy.get(), request);
-    rules.apply(easy.get(), request.url, authorities);
-    curl_easy_setopt(easy.get(), CURLOPT_ERRORBUFFER, errorText.data());
-    curl_easy_setopt(easy.get(), CURLOPT_WRITEFUNCTION, &receive);
-    curl_easy_setopt(easy.get(), CURLOPT_WRITEDATA, &body);
-    curl_easy_setopt(easy.get(), CURLOPT_CLOSESOCKETFUNCTION, &closeSocket);
-    curl_easy_setopt(easy.get(), CURLOPT_CLOSESOCKETDATA, &wasConnected);
+    auto* const easy = handle.easy();
+    handle.set(CURLOPT_USERAGENT, request.userAgent.constData());
+    handle.set(CURLOPT_TIMEOUT_MS, static_cast<long>(request.timeout.count()));
+    handle.set(CURLOPT_WRITEFUNCTION, &receive);
+    handle.set(CURLOPT_WRITEDATA, &body);
+    handle.set(CURLOPT_CLOSESOCKETFUNCTION, &closeSocket);
+    handle.set(CURLOPT_CLOSESOCKETDATA, &wasConnected);
 
-    const CURLcode code = curl_easy_perform(easy.get());
-    readProgress(easy.get(), probe);
+    const CURLcode code = curl_easy_perform(easy);
+    readProgress(easy, probe);
     probe.body = body.bytes;
     const bool isEnough = static_cast<std::size_t>(body.bytes.size()) >= body.enough;
     if (code == CURLE_OK || isEnough)
@@ -136,12 +121,11 @@ HostProbe HostProbe::run(const Request& request, const std::optional<QString>& e
     // A name server that says no says it at once; the system's own patience with one that says nothing may be
     // shorter than ours.
     const bool nobodyKnew =
-        probe.failedAt == Step::name && timeOf(easy.get(), CURLINFO_TOTAL_TIME_T) > shortestNamePatience;
+        probe.failedAt == Step::name && timeOf(easy, CURLINFO_TOTAL_TIME_T) > shortestNamePatience;
     probe.timedOut = code == CURLE_OPERATION_TIMEDOUT || nobodyKnew;
-    probe.reason = rules.hasRefusedDowngrade()
+    probe.reason = handle.hasRefusedDowngrade()
                        ? QStringLiteral("a redirect leads from a secure address to an insecure one")
-                       : oneLine(QString::fromUtf8(errorText.front() != '\0' ? errorText.data()
-                                                                             : curl_easy_strerror(code)));
+                       : handle.errorText(code);
     return probe;
 }
 

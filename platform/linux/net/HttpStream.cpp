@@ -2,7 +2,7 @@
 #include "platform/linux/net/HttpStream.h"
 
 #include "platform/linux/net/CurlGlobal.h"
-#include "platform/linux/net/CurlRules.h"
+#include "platform/linux/net/CurlHandle.h"
 
 #include <QUrl>
 
@@ -10,7 +10,6 @@
 #include <atomic>
 #include <curl/curl.h>
 #include <optional>
-#include <sys/socket.h>
 #include <utility>
 
 namespace zofra {
@@ -22,8 +21,6 @@ using std::chrono::steady_clock;
 
 /// What is taken out of the network before the reader asks for it.
 constexpr qsizetype mostPending = 131'072;
-/// Of all responses together, redirects included.
-constexpr std::size_t maxHeaderBytes = 131'072;
 
 } // namespace
 
@@ -31,26 +28,19 @@ constexpr std::size_t maxHeaderBytes = 131'072;
 class HttpStream::Transfer {
 public:
     Transfer(const QByteArray& url, const Settings& settings)
-        : m_patience(settings.patience) {
-        CurlGlobal::initialise();
-        const CurlGlobal::Pass pass;
-        m_multi.reset(curl_multi_init());
-        m_easy.reset(curl_easy_init());
-        if (!m_multi || !m_easy) {
-            m_outcome = CURLE_FAILED_INIT;
-            return;
-        }
-        setUp(url, settings);
-        if (curl_multi_add_handle(m_multi.get(), m_easy.get()) == CURLM_OK)
-            m_isAdded = true;
-        else
+        : m_patience(settings.patience)
+        , m_multi(curl_multi_init())
+        , m_handle(QUrl::fromEncoded(url), settings.authorities) {
+        if (m_multi && !m_handle.refusal())
+            setUp(url, settings);
+        if (!m_isAdded)
             m_outcome = CURLE_FAILED_INIT;
     }
     ~Transfer() {
         const CurlGlobal::Pass pass;
         if (m_isAdded)
-            curl_multi_remove_handle(m_multi.get(), m_easy.get());
-        m_easy.reset();
+            curl_multi_remove_handle(m_multi.get(), m_handle.easy());
+        m_handle.close();
         m_multi.reset();
     }
     Transfer(const Transfer&) = delete;
@@ -82,47 +72,29 @@ public:
     }
 
 private:
-    struct EasyCloser {
-        void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
-    };
     struct MultiCloser {
         void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
     };
 
     void setUp(const QByteArray& url, const Settings& settings) {
-        auto* const easy = m_easy.get();
-        curl_easy_setopt(easy, CURLOPT_URL, url.constData());
-        curl_easy_setopt(easy, CURLOPT_FAILONERROR, 1L);
+        m_handle.set(CURLOPT_URL, url.constData());
+        m_handle.set(CURLOPT_FAILONERROR, 1L);
         // Old streaming servers have a status line of their own.
-        curl_easy_setopt(easy, CURLOPT_HTTP200ALIASES, m_statusLines.get());
-        curl_easy_setopt(easy, CURLOPT_USERAGENT, settings.userAgent.constData());
-        curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(m_patience.count()));
-        m_rules.apply(easy, QUrl::fromEncoded(url), settings.authorities);
-        setUpCallbacks();
-    }
-
-    void setUpCallbacks() {
-        auto* const easy = m_easy.get();
-        curl_easy_setopt(
-            easy, CURLOPT_WRITEFUNCTION, +[](const char* bytes, std::size_t, std::size_t size, void* self) {
+        m_handle.set(CURLOPT_HTTP200ALIASES, m_statusLines.get());
+        m_handle.set(CURLOPT_USERAGENT, settings.userAgent.constData());
+        m_handle.set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(m_patience.count()));
+        m_handle.set(
+            CURLOPT_WRITEFUNCTION, +[](const char* bytes, std::size_t, std::size_t size, void* self) {
                 return static_cast<Transfer*>(self)->receive(bytes, size);
             });
-        curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
-        curl_easy_setopt(
-            easy, CURLOPT_HEADERFUNCTION, +[](const char*, std::size_t, std::size_t size, void* self) {
-                return static_cast<Transfer*>(self)->receiveHeader(size);
-            });
-        curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
-        curl_easy_setopt(
-            easy, CURLOPT_OPENSOCKETFUNCTION, +[](void*, curlsocktype, curl_sockaddr* address) -> int {
-                return socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
-            });
+        m_handle.set(CURLOPT_WRITEDATA, this);
+        m_isAdded = curl_multi_add_handle(m_multi.get(), m_handle.easy()) == CURLM_OK;
     }
 
     void step() {
         const CurlGlobal::Pass pass;
         if (std::exchange(m_isHeld, false))
-            curl_easy_pause(m_easy.get(), CURLPAUSE_CONT);
+            curl_easy_pause(m_handle.easy(), CURLPAUSE_CONT);
         int running = 0;
         if (curl_multi_perform(m_multi.get(), &running) != CURLM_OK)
             m_outcome = CURLE_FAILED_INIT;
@@ -140,11 +112,6 @@ private:
         }
         m_pending.append(bytes, static_cast<qsizetype>(size));
         return size;
-    }
-
-    std::size_t receiveHeader(std::size_t size) {
-        m_headerBytes += size;
-        return m_headerBytes <= maxHeaderBytes ? size : 0;
     }
 
     [[nodiscard]] bool hasPending() const { return m_taken < m_pending.size(); }
@@ -166,13 +133,11 @@ private:
 
     const milliseconds m_patience;
     std::unique_ptr<curl_slist, ListCloser> m_statusLines{curl_slist_append(nullptr, "ICY 200 OK")};
-    CurlRules m_rules;
     std::unique_ptr<CURLM, MultiCloser> m_multi;
-    std::unique_ptr<CURL, EasyCloser> m_easy;
+    CurlHandle m_handle;
     bool m_isAdded = false;
     QByteArray m_pending;
     qsizetype m_taken = 0;
-    std::size_t m_headerBytes = 0;
     /// libcurl waits for us to take what is pending.
     bool m_isHeld = false;
     std::optional<CURLcode> m_outcome;
@@ -181,12 +146,14 @@ private:
 
 TrustedAuthorities HttpStream::authorities(const std::optional<QString>& extraAuthorityFile) {
     CurlGlobal::initialise();
-    return TrustedAuthorities::find(extraAuthorityFile,
-                                    QByteArray(curl_version_info(CURLVERSION_NOW)->cainfo));
+    return TrustedAuthorities::find(extraAuthorityFile);
 }
 
-HttpStream::HttpStream(const QByteArray& url, const Settings& settings)
-    : m_transfer(std::make_unique<Transfer>(url, settings)) {}
+HttpStream::HttpStream(const QByteArray& url, const Settings& settings) {
+    CurlGlobal::initialise();
+    const CurlGlobal::Pass pass;
+    m_transfer = std::make_unique<Transfer>(url, settings);
+}
 
 HttpStream::~HttpStream() = default;
 

@@ -1,8 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/net/TrustedAuthorities.h"
 
+#include "platform/Result.h"
+
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+
+#include <atomic>
+#include <cstdio>
+#include <curl/curl.h>
 
 namespace zofra {
 
@@ -24,7 +31,8 @@ std::optional<QByteArray> systemDirectory() {
     return std::nullopt;
 }
 
-std::optional<QByteArray> systemBundle(const QByteArray& libraryBundle) {
+std::optional<QByteArray> systemBundle() {
+    const QByteArray libraryBundle = curl_version_info(CURLVERSION_NOW)->cainfo;
     for (const auto& file : {libraryBundle, QByteArray("/etc/ssl/certs/ca-certificates.crt"),
                              QByteArray("/etc/pki/tls/certs/ca-bundle.crt"),
                              QByteArray("/etc/ssl/ca-bundle.pem"), QByteArray("/etc/ssl/cert.pem")}) {
@@ -34,30 +42,54 @@ std::optional<QByteArray> systemBundle(const QByteArray& libraryBundle) {
     return std::nullopt;
 }
 
-QByteArray contents(const QByteArray& name) {
+/// Why the certificates of a file cannot be had, if so. What waits for a writer is no such file.
+Result<QByteArray> certificatesIn(const QByteArray& name) {
+    constexpr qint64 mostBytes = 4'194'304;
     QFile file(QFile::decodeName(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    if (QFileInfo(file).exists() && !QFileInfo(file).isFile())
+        return failure(QStringLiteral("not a file"));
+    if (!file.open(QIODevice::ReadOnly))
+        return failure(file.errorString());
+    if (file.size() > mostBytes)
+        return failure(QStringLiteral("too large"));
+    auto bytes = file.readAll();
+    if (!bytes.contains("-----BEGIN "))
+        return failure(QStringLiteral("it holds none in PEM form"));
+    return bytes;
 }
 
 } // namespace
 
-TrustedAuthorities TrustedAuthorities::find(const std::optional<QString>& extraAuthorityFile,
-                                            const QByteArray& libraryBundle) {
+TrustedAuthorities TrustedAuthorities::find(const std::optional<QString>& extraAuthorityFile) {
     TrustedAuthorities found;
     found.directory = systemDirectory();
-    const auto bundle = found.directory ? std::nullopt : systemBundle(libraryBundle);
+    const auto bundle = found.directory ? std::nullopt : systemBundle();
     if (!extraAuthorityFile) {
         found.file = bundle;
         return found;
     }
-    const auto extra = QFile::encodeName(*extraAuthorityFile);
-    const auto extraPem = bundle ? contents(extra) : QByteArray();
-    // An extra file that cannot be read is left to the library, which then says so.
-    if (extraPem.isEmpty())
-        found.file = extra;
+    found.extra = QFile::encodeName(*extraAuthorityFile);
+    const auto system = bundle ? certificatesIn(*bundle) : failure(QString());
+    const auto extra = system ? certificatesIn(*found.extra) : failure(QString());
+    if (system && extra)
+        found.pem = *system + '\n' + *extra;
     else
-        found.pem = contents(*bundle) + '\n' + extraPem;
+        found.file = found.extra;
     return found;
+}
+
+std::optional<QString> TrustedAuthorities::problem() const {
+    if (!extra)
+        return std::nullopt;
+    const auto certificates = certificatesIn(*extra);
+    if (certificates)
+        return std::nullopt;
+    const auto line = QStringLiteral("No certificate could be read from ") + QFile::decodeName(*extra) +
+                      QStringLiteral(": ") + certificates.error();
+    static std::atomic<bool> isTold = false;
+    if (!isTold.exchange(true))
+        std::fprintf(stderr, "zofrazofra: %s\n", qUtf8Printable(line));
+    return line;
 }
 
 } // namespace zofra

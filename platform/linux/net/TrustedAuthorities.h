@@ -20,10 +20,17 @@ struct TrustedAuthorities {
     std::optional<QByteArray> directory;
     /// PEM text, when two files have to be laid together because there is no directory.
     std::optional<QByteArray> pem;
+    /// The extra file, where one was named.
+    std::optional<QByteArray> extra;
 
-    /// Looks at the file system. `libraryBundle` is the bundle that the library was built with, if any.
-    [[nodiscard]] static TrustedAuthorities find(const std::optional<QString>& extraAuthorityFile,
-                                                 const QByteArray& libraryBundle);
+    /// Whether another look at the file system would find no more.
+    [[nodiscard]] bool isWhole() const { return !extra || directory || pem; }
+    /// Why nobody can be verified at this moment, as one line; absent when all is well. The first one of a
+    /// process is also told on standard error. Looks at the extra file, from any thread.
+    [[nodiscard]] std::optional<QString> problem() const;
+
+    /// Looks at the file system. After `CurlGlobal::initialise`, any thread.
+    [[nodiscard]] static TrustedAuthorities find(const std::optional<QString>& extraAuthorityFile);
 };
 
 } // namespace zofra

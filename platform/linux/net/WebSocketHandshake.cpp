@@ -3,6 +3,7 @@
 
 #include <QCryptographicHash>
 #include <QList>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <utility>
@@ -50,6 +51,17 @@ QByteArray target(const QUrl& url) {
     return url.hasQuery() ? path + '?' + url.query(QUrl::FullyEncoded).toLatin1() : path;
 }
 
+/// The three digits of a status line; empty when it is none.
+QByteArray statusOf(const QByteArray& head) {
+    static const QRegularExpression line(QStringLiteral(R"(^HTTP/1\.1 (\d{3})(?:[ \r\n]|$))"));
+    return line.match(QString::fromLatin1(head)).captured(1).toLatin1();
+}
+
+/// An answer that only announces another one.
+bool isInterim(const QByteArray& status) {
+    return status.startsWith('1') && status != "101";
+}
+
 } // namespace
 
 WebSocketHandshake::WebSocketHandshake(QUrl url, const QByteArray& nonce)
@@ -70,17 +82,25 @@ QByteArray WebSocketHandshake::acceptFor(const QByteArray& key) {
 std::optional<std::variant<WebSocketHandshake::Accepted, WebSocketHandshake::Refused>>
 WebSocketHandshake::receive(const QByteArray& bytes) {
     const QByteArray endOfHead = "\r\n\r\n";
-    // The end may lie across two pieces; what was searched before need not be searched again.
-    const auto from = std::max<qsizetype>(0, m_received.size() - endOfHead.size());
     m_received += bytes;
-    const auto end = m_received.indexOf(endOfHead, from);
-    if (end < 0 && m_received.size() <= maxAnswerBytes)
-        return std::nullopt;
-    if (end < 0 || end > maxAnswerBytes)
-        return Refused{QStringLiteral("The server's answer is too long.")};
-    if (auto refused = check(m_received.first(end)))
-        return *refused;
-    return Accepted{m_received.sliced(end + endOfHead.size())};
+    while (true) {
+        // The end may lie across two pieces; what was searched before need not be searched again.
+        const auto end = m_received.indexOf(endOfHead, m_searched);
+        const auto earliestEnd = std::max(m_headStart, m_received.size() - endOfHead.size() + 1);
+        if ((end < 0 ? earliestEnd : end) > maxAnswerBytes)
+            return Refused{QStringLiteral("The server's answer is too long.")};
+        if (end < 0) {
+            m_searched = earliestEnd;
+            return std::nullopt;
+        }
+        const auto head = m_received.sliced(m_headStart, end - m_headStart);
+        m_headStart = m_searched = end + endOfHead.size();
+        if (isInterim(statusOf(head)))
+            continue;
+        if (auto refused = check(head))
+            return *refused;
+        return Accepted{m_received.sliced(m_headStart)};
+    }
 }
 
 std::optional<WebSocketHandshake::Refused> WebSocketHandshake::check(const QByteArray& head) const {
@@ -89,11 +109,12 @@ std::optional<WebSocketHandshake::Refused> WebSocketHandshake::check(const QByte
         if (line.endsWith('\r'))
             line.chop(1);
     }
-    const auto status = lines.takeFirst();
-    if (!status.startsWith("HTTP/1.1 ") || (status.size() > 12 && status[12] != ' '))
+    lines.removeFirst();
+    const auto status = statusOf(head);
+    if (status.isEmpty())
         return Refused{QStringLiteral("The server does not speak HTTP.")};
-    if (const auto code = status.sliced(9).first(std::min<qsizetype>(3, status.size() - 9)); code != "101")
-        return Refused{QStringLiteral("The server answered with status ") + QString::fromLatin1(code) +
+    if (status != "101")
+        return Refused{QStringLiteral("The server answered with status ") + QString::fromLatin1(status) +
                        QStringLiteral(" instead of opening a web socket.")};
     // Neither extensions nor sub-protocols were offered, so none may be chosen.
     if (!hasToken(headerValue(lines, "Upgrade"), "websocket") ||

@@ -38,6 +38,9 @@ private:
     QUrl m_url;
     QByteArray m_key;
     QByteArray m_received;
+    /// Where the head begins that is being read, and how far its end has been looked for.
+    qsizetype m_headStart = 0;
+    qsizetype m_searched = 0;
 };
 
 } // namespace zofra

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace zofra {
 
@@ -17,11 +18,11 @@ constexpr std::uint16_t invalidPayload = 1007;
 constexpr std::uint16_t messageTooBig = 1009;
 constexpr std::uint64_t maxControlBytes = 125;
 
-/// Codes that may stand in a close frame.
+/// Codes that may stand in a close frame: those registered, and those for libraries and applications.
 bool mayBeSent(std::uint16_t closeCode) {
-    constexpr std::array<std::uint16_t, 4> never{1004, 1005, 1006, 1015};
-    return closeCode >= 1000 && closeCode < 5000 &&
-           std::find(never.begin(), never.end(), closeCode) == never.end();
+    const bool isRegistered = closeCode >= 1000 && closeCode <= 1014;
+    const bool isReserved = closeCode >= 1004 && closeCode <= 1006;
+    return (isRegistered && !isReserved) || (closeCode >= 3000 && closeCode < 5000);
 }
 
 std::optional<QString> strictUtf8(QByteArrayView bytes) {
@@ -87,6 +88,10 @@ std::optional<WebSocketEvent> WebSocketReader::checkHeader() {
         return violation(protocolError, QStringLiteral("reserved bits are set"));
     if ((headerByte(1) & 0x80U) != 0)
         return violation(protocolError, QStringLiteral("a frame of the server is masked"));
+    // The shortest form is the only one, and the top bit of the longest is no part of the number.
+    if ((m_header.size() == 4 && m_left < 126) ||
+        (m_header.size() == 10 && (m_left <= 0xffff || m_left >> 63 != 0)))
+        return violation(protocolError, QStringLiteral("a length is malformed"));
     switch (opcode()) {
     case Opcode::continuation:
     case Opcode::text:
@@ -143,10 +148,12 @@ WebSocketEvent WebSocketReader::endClose() {
     const auto payload = std::exchange(m_control, {});
     if (payload.isEmpty())
         return {WebSocketEvent::Kind::close, {}, {}, noCodeGiven};
-    const auto reason = payload.size() >= 2 ? strictUtf8(QByteArrayView(payload).sliced(2)) : std::nullopt;
-    const auto closeCode = reason ? qFromBigEndian<quint16>(payload.constData()) : quint16{0};
+    const auto closeCode = payload.size() >= 2 ? qFromBigEndian<quint16>(payload.constData()) : quint16{0};
     if (!mayBeSent(closeCode))
         return violation(protocolError, QStringLiteral("a close frame is malformed"));
+    const auto reason = strictUtf8(QByteArrayView(payload).sliced(2));
+    if (!reason)
+        return violation(invalidPayload, QStringLiteral("the reason of a close is not valid UTF-8"));
     return {WebSocketEvent::Kind::close, *reason, {}, closeCode};
 }
 

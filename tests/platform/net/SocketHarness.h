@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/linux/net/QtMetadataSocket.h"
+#include "platform/linux/net/CurlHttpSession.h"
+#include "platform/linux/net/CurlMetadataSocket.h"
 #include "tests/platform/net/WebSocketBytes.h"
 #include "tests/support/PrintQt.h"
 
@@ -40,11 +41,23 @@ inline void runFor(std::chrono::milliseconds time) {
     loop.exec();
 }
 
-/// A socket, and all that it delivers.
+/// A socket, and the session whose thread it lives on.
+struct TestSocket {
+    explicit TestSocket(const QUrl& url, const std::optional<QString>& extraAuthorityFile = std::nullopt,
+                        const WebSocketLimits& limits = {})
+        : session(std::make_shared<CurlHttpSession>(extraAuthorityFile))
+        , socket(std::make_shared<CurlMetadataSocket>(session->worker(), url, limits)) {}
+
+    std::shared_ptr<CurlHttpSession> session;
+    std::shared_ptr<RadioMetadataSocket> socket;
+};
+
+/// A socket, and all that it delivers, carried to the test's thread.
 class Listener {
 public:
-    explicit Listener(std::shared_ptr<RadioMetadataSocket> given)
-        : socket(std::move(given)) {}
+    explicit Listener(const TestSocket& given)
+        : session(given.session)
+        , socket(given.socket) {}
 
     void resumeAndListen() {
         socket->resume();
@@ -52,12 +65,21 @@ public:
     }
     void listen() {
         socket->receive([this](const std::variant<SocketMessage, SocketError>& result) {
-            if (const auto* failure = std::get_if<SocketError>(&result)) {
-                error = failure->localizedDescription;
-                return;
-            }
-            messages.push_back(std::get<SocketMessage>(result));
+            QMetaObject::invokeMethod(context.get(), [this, result] { received(result); });
+        });
+    }
+    void received(const std::variant<SocketMessage, SocketError>& result) {
+        if (const auto* failure = std::get_if<SocketError>(&result)) {
+            error = failure->localizedDescription;
+            return;
+        }
+        messages.push_back(std::get<SocketMessage>(result));
+        if (socket)
             listen();
+    }
+    void send(const SocketMessage& message) {
+        socket->send(message, [this](const std::optional<SocketError>& result) {
+            QMetaObject::invokeMethod(context.get(), [this, result] { sent.push_back(result); });
         });
     }
     bool waitForMessages(std::size_t count) {
@@ -68,20 +90,17 @@ public:
     }
     [[nodiscard]] QString text(std::size_t index) const { return std::get<QString>(messages.at(index)); }
 
-    std::shared_ptr<RadioMetadataSocket> socket;
+    std::unique_ptr<QObject> context = std::make_unique<QObject>();
     std::vector<SocketMessage> messages;
     std::optional<QString> error;
+    std::vector<std::optional<SocketError>> sent;
+    std::shared_ptr<CurlHttpSession> session;
+    std::shared_ptr<RadioMetadataSocket> socket; // last: no handler is called once it has ended
 };
 
-inline std::shared_ptr<SocketTrust>
-trusting(const std::optional<QString>& extraAuthorityFile = std::nullopt) {
-    return std::make_shared<SocketTrust>(extraAuthorityFile);
-}
-
 /// A socket for a test's own server.
-inline std::shared_ptr<QtMetadataSocket> plainSocket(const LoopbackServer& server,
-                                                     const QtMetadataSocket::Limits& limits = {}) {
-    return std::make_shared<QtMetadataSocket>(QUrl(server.url(u"/x"_qs, u"ws"_qs)), trusting(), limits);
+inline TestSocket plainSocket(const LoopbackServer& server, const WebSocketLimits& limits = {}) {
+    return TestSocket(QUrl(server.url(u"/x"_qs, u"ws"_qs)), std::nullopt, limits);
 }
 
 } // namespace zofra::test

@@ -49,7 +49,7 @@ TEST(InNamespace, DISABLED_SocketTrustsBoth) {
         connection.waitForPeerToClose();
     });
     const auto trusts = [](const std::optional<QString>& extra, const LoopbackServer& server) {
-        Listener listener(qtWebSockets(extra)(QUrl(server.url(u"/"_qs, u"wss"_qs))));
+        Listener listener(TestSocket(QUrl(server.url(u"/"_qs, u"wss"_qs)), extra));
         listener.resumeAndListen();
         return listener.waitForMessages(1);
     };

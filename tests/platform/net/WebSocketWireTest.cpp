@@ -53,6 +53,10 @@ std::vector<WebSocketEvent> eventsIn(const QByteArray& bytes) {
     return events;
 }
 
+QByteArray closeCode(int code) {
+    return QByteArray(1, static_cast<char>(code >> 8)) + static_cast<char>(code);
+}
+
 std::uint16_t violationIn(const QByteArray& bytes) {
     const auto events = eventsIn(bytes);
     return !events.empty() && events.back().kind == Kind::violation ? events.back().closeCode
@@ -131,9 +135,14 @@ TEST(WebSocketReader, RefusesWhatTheProtocolForbids) {
     EXPECT_EQ(violationIn(serverFrame(1, "x", Part::notLast) + serverFrame(1, "y")), 1002)
         << "two beginnings";
     EXPECT_EQ(violationIn(serverFrame(8, "x")), 1002) << "half a code";
-    EXPECT_EQ(violationIn(serverFrame(8, QByteArray("\x03\xE7", 2))), 1002) << "code 999";
-    EXPECT_EQ(violationIn(serverFrame(8, QByteArray("\x03\xEE", 2))), 1002) << "code 1006";
-    EXPECT_EQ(violationIn(serverFrame(8, "\x03\xE8\xFF")), 1002) << "reason is no UTF-8";
+    for (const int code : {999, 1004, 1005, 1006, 1015, 1016, 2999, 5000, 65535})
+        EXPECT_EQ(violationIn(serverFrame(8, closeCode(code))), 1002) << "reserved code " << code;
+    for (const int code : {1000, 1003, 1007, 1014, 3000, 4999})
+        EXPECT_EQ(violationIn(serverFrame(8, closeCode(code))), 0) << code;
+    EXPECT_EQ(violationIn(serverFrame(8, "\x03\xE8\xFF")), 1007) << "reason is no UTF-8";
+    EXPECT_EQ(violationIn(QByteArray("\x81\x7E\0\x7D", 4)), 1002) << "125 in the longer form";
+    EXPECT_EQ(violationIn(QByteArray("\x81\x7F\0\0\0\0\0\0\xFF\xFF", 10)), 1002)
+        << "65535 in the longest form";
 }
 
 TEST(WebSocketReader, RefusesTextThatIsNoUtf8) {
@@ -155,8 +164,9 @@ TEST(WebSocketReader, RefusesMessagesBeyondTheCap) {
 }
 
 TEST(WebSocketReader, RefusesADeclaredLengthBeforeAnyOfIt) {
-    EXPECT_EQ(violationIn(QByteArray("\x81\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", 10)), 1009);
-    EXPECT_EQ(violationIn(QByteArray("\x81\x7F\x80\0\0\0\0\0\0\0", 10)), 1009);
+    EXPECT_EQ(violationIn(QByteArray("\x81\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", 10)), 1002) << "top bit";
+    EXPECT_EQ(violationIn(QByteArray("\x81\x7F\x80\0\0\0\0\0\0\0", 10)), 1002) << "top bit alone";
+    EXPECT_EQ(violationIn(QByteArray("\x81\x7F\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF", 10)), 1009);
     EXPECT_EQ(violationIn(QByteArray("\x81\x7F\0\0\0\x01\0\0\0\0", 10)), 1009);
 }
 
@@ -224,6 +234,31 @@ TEST_F(Handshake, TakesTheAnswerInPieces) {
     for (qsizetype i = 0; i + 1 < answer.size(); ++i)
         ASSERT_EQ(outcome(answer.sliced(i, 1)), "waiting") << i;
     EXPECT_EQ(outcome("\nrest"), "open: rest");
+}
+
+TEST_F(Handshake, WaitsBeyondInterimAnswers) {
+    const QByteArray interim = "HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 103 Early Hints\r\nLink: x\r\n\r\n";
+    EXPECT_EQ(outcome(interim), "waiting");
+    EXPECT_EQ(outcome(accepted() + "rest"), "open: rest");
+    handshake = WebSocketHandshake(QUrl(u"wss://live.example/"_qs), "the sample nonce");
+    EXPECT_EQ(outcome(QByteArray("HTTP/1.1 100 Continue\r\n\r\n").repeated(1000)), "refused")
+        << "without end";
+}
+
+TEST_F(Handshake, JudgesTheSameHoweverALongAnswerComes) {
+    for (const int size : {16'383, 16'384, 16'385}) {
+        const auto head = accepted();
+        const auto answer = accepted("A: " + QByteArray(size - head.size() - 1, 'x') + "\r\n");
+        ASSERT_EQ(answer.size(), size + 4);
+        handshake = WebSocketHandshake(QUrl(u"wss://live.example/"_qs), "the sample nonce");
+        const auto whole = outcome(answer);
+        EXPECT_EQ(whole, size > 16'384 ? "refused" : "open: ");
+        handshake = WebSocketHandshake(QUrl(u"wss://live.example/"_qs), "the sample nonce");
+        QByteArray inPieces = "waiting";
+        for (qsizetype i = 0; i < answer.size() && inPieces == "waiting"; ++i)
+            inPieces = outcome(answer.sliced(i, 1));
+        EXPECT_EQ(inPieces, whole) << size;
+    }
 }
 
 TEST_F(Handshake, DoesNotMindSpellingAndCompany) {
