@@ -117,6 +117,7 @@ int start(const Options& options, bool hasDisplay, const Activation& activation)
         return refuse(failed,
                       QStringLiteral("there is no display to show the status item on (try --headless)"));
 
+    neverWaitForReaders();
     auto& program = *new ZofraMenuBarApp(
         {options, *hosts,
          options.headless ? ZofraMenuBarApp::Display::none : ZofraMenuBarApp::Display::present, activation},

@@ -3,6 +3,7 @@
 
 #include "platform/ForeignText.h"
 #include "platform/linux/IniFile.h"
+#include "platform/linux/StandardOutputWriter.h"
 #include "platform/linux/XdgFolders.h"
 
 #include <QHash>
@@ -13,7 +14,6 @@
 #include <cmath>
 #include <condition_variable>
 #include <mutex>
-#include <unistd.h>
 #include <utility>
 
 namespace zofra {
@@ -154,10 +154,7 @@ QString IniDefaultsStore::defaultPath() {
 IniDefaultsStore::Report IniDefaultsStore::reportTo(SystemLog& log) {
     return [&log](const QString& line) {
         log.log(line);
-        const auto text = "zofrazofra: " + line.toUtf8() + '\n';
-        if (::write(STDERR_FILENO, text.constData(), static_cast<std::size_t>(text.size())) < 0) {
-            // Nobody to tell is no reason to stop.
-        }
+        writeErrorLine(line);
     };
 }
 

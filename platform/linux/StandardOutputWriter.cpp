@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <limits.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace zofra {
@@ -22,6 +23,30 @@ void prepareStandardStreams() {
     }
 }
 
+void neverWaitForReaders() {
+    for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
+        struct stat status {};
+        if (::fstat(descriptor, &status) != 0)
+            continue;
+        if (S_ISSOCK(status.st_mode))
+            ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) | O_NONBLOCK); // NOLINT
+        if (!S_ISFIFO(status.st_mode) && ::isatty(descriptor) == 0)
+            continue;
+        // Opened anew it is a description of our own: others who share the pipe go on waiting as they wish.
+        const auto path = "/proc/self/fd/" + QByteArray::number(descriptor);
+        const int own = ::open(path.constData(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); // NOLINT
+        if (own < 0)
+            continue;
+        static_cast<void>(::dup2(own, descriptor));
+        ::close(own);
+    }
+}
+
+void writeErrorLine(const QString& line) {
+    static auto& writer = *new StandardOutputWriter(STDERR_FILENO);
+    writer.writeLine(QStringLiteral("zofrazofra: ") + line);
+}
+
 StandardOutputWriter::StandardOutputWriter(int descriptor)
     : m_descriptor(descriptor) {}
 
@@ -31,19 +56,18 @@ StandardOutputWriter::~StandardOutputWriter() {
 
 void StandardOutputWriter::writeLine(const QString& line) {
     const std::scoped_lock lock(m_mutex);
-    if (m_isGone)
+    if (m_isGone || !m_limit.takes(LineLimit::Clock::now()))
         return;
     flush();
-    const auto bytes = visibleText(line).toUtf8() + '\n';
-    QByteArray note;
-    if (m_dropped > 0)
-        note = "(" + QByteArray::number(m_dropped) + " lines were not written: nobody was reading)\n";
-    if (m_pending.size() + note.size() + bytes.size() > maxPendingBytes) {
-        ++m_dropped;
+    auto bytes = visibleText(line).toUtf8() + '\n';
+    if (const auto note = m_limit.note(); !note.isEmpty())
+        bytes.prepend(note + '\n');
+    if (m_pending.size() + bytes.size() > maxPendingBytes) {
+        m_limit.leaveOut();
         return;
     }
-    m_dropped = 0;
-    m_pending += note + bytes;
+    m_limit.told();
+    m_pending += bytes;
     flush();
 }
 

@@ -3,22 +3,81 @@
 
 #include "platform/ForeignText.h"
 
+#include <QDateTime>
+#include <QLocale>
+
+#include <algorithm>
+#include <cerrno>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <syslog.h>
+#include <unistd.h>
 #include <utility>
 
 namespace zofra {
+namespace {
 
-SyslogLog::SyslogLog()
-    : SyslogLog([](const QByteArray& line) { ::syslog(LOG_NOTICE, "%s", line.constData()); }) {
-    ::openlog("zofrazofra", LOG_PID, LOG_USER);
+/// "<13>Nov  2 14:05:09 zofrazofra[42]: ", as the C library writes it.
+QByteArray header() {
+    const auto now = QDateTime::currentDateTime();
+    const auto day = QByteArray::number(now.date().day()).rightJustified(2, ' ');
+    const auto text = QLocale::c().toString(now, u"MMM '%1' HH:mm:ss").toLatin1().replace("%1", day);
+    return '<' + QByteArray::number(LOG_USER | LOG_NOTICE) + '>' + text + " zofrazofra[" +
+           QByteArray::number(::getpid()) + "]: ";
 }
 
-SyslogLog::SyslogLog(Sink sink)
-    : m_sink(std::move(sink)) {}
+} // namespace
+
+SyslogLog::SyslogLog(QByteArray path)
+    : m_path(std::move(path)) {}
+
+SyslogLog::~SyslogLog() {
+    if (m_socket >= 0)
+        ::close(m_socket);
+}
 
 void SyslogLog::log(const QString& line) {
     // Cut first: an endless text is not to be walked through.
-    m_sink(cutText(visibleText(cutText(line, maxLineLength)), maxLineLength).toUtf8());
+    const auto text = cutText(visibleText(cutText(line, maxLineLength)), maxLineLength).toUtf8();
+    const std::scoped_lock lock(m_mutex);
+    if (!m_limit.takes(LineLimit::Clock::now()))
+        return;
+    const auto note = m_limit.note();
+    if (!note.isEmpty() && send(note))
+        m_limit.told();
+    if (!send(text))
+        m_limit.leaveOut();
+}
+
+bool SyslogLog::send(const QByteArray& text) {
+    const auto datagram = header() + text;
+    const auto size = static_cast<std::size_t>(datagram.size());
+    // A second time after the daemon has been started anew.
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        if (m_socket < 0 && !connect())
+            return false;
+        if (::send(m_socket, datagram.constData(), size, MSG_DONTWAIT | MSG_NOSIGNAL) >= 0)
+            return true;
+        if (errno == EAGAIN || errno == EINTR || errno == ENOBUFS)
+            return false;
+        ::close(std::exchange(m_socket, -1));
+    }
+    return false;
+}
+
+bool SyslogLog::connect() {
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    if (m_path.size() >= static_cast<qsizetype>(sizeof address.sun_path))
+        return false;
+    std::copy(m_path.begin(), m_path.end(), address.sun_path);
+    m_socket = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): as the interface of sockets is.
+    const auto* name = reinterpret_cast<const sockaddr*>(&address);
+    if (m_socket >= 0 && ::connect(m_socket, name, sizeof address) == 0)
+        return true;
+    if (m_socket >= 0)
+        ::close(std::exchange(m_socket, -1));
+    return false;
 }
 
 } // namespace zofra

@@ -2,29 +2,37 @@
 #pragma once
 
 #include "platform/SystemLog.h"
+#include "platform/linux/LineLimit.h"
 
 #include <QByteArray>
 
-#include <functional>
+#include <mutex>
 
 namespace zofra {
 
-/// The system's log through syslog(3), as "zofrazofra". What is not printable is made visible, and a line is
-/// cut after `maxLineLength` characters.
+/// The system's log, as "zofrazofra". What is not printable is made visible, and a line is cut after
+/// `maxLineLength` characters. Nobody waits for the log: syslog(3) would, for ever, where the daemon hangs.
+/// What it does not take at once is left out, and their number is told with the next line it takes.
 class SyslogLog final : public SystemLog {
 public:
     static constexpr int maxLineLength = 2000;
-    /// Where a finished line goes, UTF-8.
-    using Sink = std::function<void(const QByteArray& line)>;
 
-    SyslogLog();
-    /// For tests: to `sink`, which must be callable from any thread.
-    explicit SyslogLog(Sink sink);
+    /// Sends to the datagram socket `path`, which need not be there (yet).
+    explicit SyslogLog(QByteArray path = QByteArrayLiteral("/dev/log"));
+    ~SyslogLog() override;
+    SyslogLog(const SyslogLog&) = delete;
+    SyslogLog& operator=(const SyslogLog&) = delete;
 
     void log(const QString& line) override;
 
 private:
-    Sink m_sink;
+    [[nodiscard]] bool send(const QByteArray& text);
+    [[nodiscard]] bool connect();
+
+    const QByteArray m_path;
+    std::mutex m_mutex;
+    LineLimit m_limit;
+    int m_socket = -1;
 };
 
 } // namespace zofra

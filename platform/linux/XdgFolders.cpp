@@ -21,12 +21,14 @@ QString configHome() {
 }
 
 QStringList configDirs() {
+    if (qEnvironmentVariableIsEmpty("XDG_CONFIG_DIRS"))
+        return {QStringLiteral("/etc/xdg")};
     QStringList folders;
     for (const auto& folder : list("XDG_CONFIG_DIRS")) {
         if (folder.startsWith(u'/'))
             folders += QDir::cleanPath(folder);
     }
-    return folders.isEmpty() ? QStringList{QStringLiteral("/etc/xdg")} : folders;
+    return folders;
 }
 
 QStringList configFiles(const QString& name) {

@@ -8,7 +8,7 @@ namespace zofra::xdg {
 
 /// $XDG_CONFIG_HOME, else .config in the home folder. Relative settings count as none.
 [[nodiscard]] QString configHome();
-/// $XDG_CONFIG_DIRS in descending weight, else /etc/xdg. Relative entries are left out.
+/// $XDG_CONFIG_DIRS in descending weight; /etc/xdg only where that is empty. Relative entries are left out.
 [[nodiscard]] QStringList configDirs();
 /// Where a file of this name may stand in those folders, weakest first.
 [[nodiscard]] QStringList configFiles(const QString& name);

@@ -38,6 +38,8 @@ TEST(Xdg, findsTheSystemsConfiguration) {
     environment.set("XDG_CONFIG_DIRS", "/a:relative::/b/");
     EXPECT_EQ(xdg::configDirs(), list({"/a", "/b"}));
     environment.set("XDG_CONFIG_DIRS", "relative");
+    EXPECT_EQ(xdg::configDirs(), QStringList()) << "who sets it without /etc/xdg does not mean that";
+    environment.set("XDG_CONFIG_DIRS", "");
     EXPECT_EQ(xdg::configDirs(), list({"/etc/xdg"}));
 }
 
