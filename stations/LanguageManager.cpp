@@ -4,7 +4,6 @@
 #include "stations/texts/InterfaceTexts.h"
 
 namespace zofra {
-namespace {
 
 AppLanguage languageAtStart(const std::optional<QString>& stored, const QStringList& preferredLanguages) {
     if (stored) {
@@ -17,8 +16,6 @@ AppLanguage languageAtStart(const std::optional<QString>& stored, const QStringL
     }
     return AppLanguage::en;
 }
-
-} // namespace
 
 LanguageManager::LanguageManager(DefaultsStore& defaults, const QStringList& preferredLanguages)
     : m_defaults(defaults)

@@ -12,12 +12,16 @@
 
 namespace zofra {
 
+/// The language to begin with: the stored one, else the first of `preferredLanguages` by its first two letters,
+/// else English.
+[[nodiscard]] AppLanguage languageAtStart(const std::optional<QString>& stored,
+                                          const QStringList& preferredLanguages);
+
 /// Holds the language of the user interface and composes the texts of menu and tooltip in it. Main thread
 /// only.
 class LanguageManager final : public Observable {
 public:
-    /// Chooses the language: the stored one, else the first of `preferredLanguages` by its first two letters,
-    /// else English. The choice is not written.
+    /// The language at the start is not written.
     LanguageManager(DefaultsStore& defaults, const QStringList& preferredLanguages);
 
     /// The one of the running program.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/doctor/AudioFindings.h"
 
+#include "stations/texts/DoctorTexts.h"
+
 #include <QJsonArray>
 
 namespace zofra::doctor {
@@ -9,18 +11,18 @@ namespace {
 
 constexpr qsizetype namedDevices = 3;
 
-QString driverName(const QString& driver) {
+QString driverName(const QString& driver, AppLanguage language) {
     if (driver == QLatin1String("pulse"))
-        return QStringLiteral("PulseAudio or PipeWire");
+        return texts::doctor::pulseOrPipeWire.in(language);
     if (driver == QLatin1String("pipewire"))
         return QStringLiteral("PipeWire");
-    return driver == QLatin1String("alsa") ? QStringLiteral("ALSA, without a sound server") : driver;
+    return driver == QLatin1String("alsa") ? texts::doctor::alsaAlone.in(language) : driver;
 }
 
-QString deviceList(const QStringList& devices) {
+QString deviceList(const QStringList& devices, AppLanguage language) {
     QString text = devices.first(std::min(devices.size(), namedDevices)).join(QStringLiteral(", "));
     if (devices.size() > namedDevices)
-        text += QStringLiteral(" and %1 more").arg(devices.size() - namedDevices);
+        text += u' ' + texts::doctor::andMore.in(language, devices.size() - namedDevices);
     return text;
 }
 
@@ -37,26 +39,20 @@ QString serverName(const SoundServer& server) {
 }
 
 Finding noDevice(const QString& area, const SoundServer& server, const QString& reason,
-                 const QJsonObject& details) {
+                 const QJsonObject& details, AppLanguage language) {
     const QString why = reason.isEmpty() ? QString() : QStringLiteral(" (") + reason + u')';
     if (server.state == SoundServer::State::present)
-        return problem(
-            area, QStringLiteral("the sound server answers but has no device that can be opened") + why,
-            QStringLiteral("plug in or switch on an output and choose it in the sound settings; \"pactl list "
-                           "short sinks\" shows what there is."),
-            details);
-    return problem(
-        area,
-        QStringLiteral("no audio server answers") +
-            (server.address.isEmpty() ? QString() : QStringLiteral(" at ") + server.address) + why,
-        QStringLiteral("start it: systemctl --user start pipewire pipewire-pulse wireplumber (or pulseaudio "
-                       "--start). Network players play without one."),
-        details);
+        return problem(area, texts::doctor::noDevice.in(language, why), texts::doctor::plugInOutput.in(language),
+                       details);
+    const auto where =
+        server.address.isEmpty() ? QString() : texts::doctor::at.in(language, server.address);
+    return problem(area, texts::doctor::noServer.in(language, where + why),
+                   texts::doctor::startAudio.in(language), details);
 }
 
 } // namespace
 
-Finding judgeAudio(const SoundServer& server, const AudioProbe& probe) {
+Finding judgeAudio(const SoundServer& server, const AudioProbe& probe, AppLanguage language) {
     const QString area = QStringLiteral("audio");
     const QJsonObject details{{QStringLiteral("server"), server.address},
                               {QStringLiteral("server_state"), serverName(server)},
@@ -65,22 +61,19 @@ Finding judgeAudio(const SoundServer& server, const AudioProbe& probe) {
     switch (probe.outcome) {
     case AudioProbe::Outcome::opened:
         return fine(area,
-                    driverName(probe.driver) + (probe.devices.isEmpty()
-                                                    ? QString()
-                                                    : QStringLiteral(": ") + deviceList(probe.devices)),
+                    driverName(probe.driver, language) +
+                        (probe.devices.isEmpty() ? QString()
+                                                 : QStringLiteral(": ") + deviceList(probe.devices, language)),
                     details);
     case AudioProbe::Outcome::noEngine:
-        return problem(area, probe.reason, QStringLiteral("install libmpv 2 (Debian: libmpv2)."), details);
+        return problem(area, probe.reason, texts::doctor::installEngine.in(language), details);
     case AudioProbe::Outcome::timedOut:
-        return problem(
-            area, QStringLiteral("the audio server does not answer in time"),
-            QStringLiteral(
-                "start it again: systemctl --user restart pipewire pipewire-pulse (or pulseaudio -k)."),
-            details);
+        return problem(area, texts::doctor::audioSilent.in(language), texts::doctor::restartAudio.in(language),
+                       details);
     case AudioProbe::Outcome::noDevice:
         break;
     }
-    return noDevice(area, server, probe.reason, details);
+    return noDevice(area, server, probe.reason, details, language);
 }
 
 } // namespace zofra::doctor

@@ -19,6 +19,7 @@ struct SoundServer {
     [[nodiscard]] static SoundServer find();
 };
 
-[[nodiscard]] Finding judgeAudio(const SoundServer& server, const AudioProbe& probe);
+[[nodiscard]] Finding judgeAudio(const SoundServer& server, const AudioProbe& probe,
+ AppLanguage language = AppLanguage::en);
 
 } // namespace zofra::doctor

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/doctor/DoctorRun.h"
 
+#include "app/CommandLanguage.h"
 #include "app/DisplayProbe.h"
 #include "app/doctor/AudioFindings.h"
 #include "app/doctor/DesktopProbe.h"
@@ -16,6 +17,7 @@
 #include "platform/linux/net/CurlGlobal.h"
 #include "platform/linux/net/CurlHttpSession.h"
 #include "platform/linux/x11/XServer.h"
+#include "stations/texts/DoctorTexts.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -48,11 +50,13 @@ QString displayVariables() {
 /// Puts the checks together, in the order in which they are shown.
 class Doctor {
 public:
-    Doctor(const Options& options, const QString& version, QtMainQueue& mainQueue, SessionBus& sessionBus)
+    Doctor(const Options& options, const QString& version, QtMainQueue& mainQueue, SessionBus& sessionBus,
+           AppLanguage language)
         : m_options(options)
         , m_version(version)
         , m_mainQueue(mainQueue)
-        , m_bus(sessionBus.connection()) {}
+        , m_bus(sessionBus.connection())
+        , m_language(language) {}
 
     std::vector<std::unique_ptr<Check>> makeChecks() {
         std::vector<std::unique_ptr<Check>> checks;
@@ -71,7 +75,8 @@ private:
     }
 
     std::unique_ptr<Check> desktopCheck() {
-        const auto look = [isHeadless = m_options.headless, bus = m_bus, isKnown = m_desktopIsKnown] {
+        const auto look = [isHeadless = m_options.headless, bus = m_bus, isKnown = m_desktopIsKnown,
+                           language = m_language] {
             DesktopFacts facts;
             facts.isHeadless = isHeadless;
             facts.variables = displayVariables();
@@ -85,41 +90,43 @@ private:
             isKnown->release();
             if (bus)
                 askForPanel(facts, *bus);
-            return Findings{judgeSession(facts), judgePanel(facts)};
+            return Findings{judgeSession(facts, language), judgePanel(facts, language)};
         };
         return background(problem(QStringLiteral("session"),
-                                  QStringLiteral("the desktop does not answer in time"),
-                                  QStringLiteral("log out and in again.")),
+                                  texts::doctor::desktopSilent.in(m_language),
+                                  texts::doctor::logInAgain.in(m_language)),
                           look);
     }
 
     std::unique_ptr<Check> audioCheck() {
-        const auto look = [desktopIsKnown = m_desktopIsKnown] {
+        const auto look = [desktopIsKnown = m_desktopIsKnown, language = m_language] {
             // While the engine with its two hundred libraries is being loaded, nobody else can load any.
             static_cast<void>(desktopIsKnown->try_acquire_for(1s));
-            return Findings{judgeAudio(SoundServer::find(), AudioProbe::run(audioTime))};
+            return Findings{judgeAudio(SoundServer::find(), AudioProbe::run(audioTime), language)};
         };
         return background(
-            problem(QStringLiteral("audio"), QStringLiteral("the audio server does not answer in time"),
-                    QStringLiteral("start it again: systemctl --user restart pipewire pipewire-pulse.")),
+            problem(QStringLiteral("audio"), texts::doctor::audioSilent.in(m_language),
+                    texts::doctor::restartAudio.in(m_language)),
             look);
     }
 
     std::unique_ptr<Check> programCheck() {
         return background(problem(QStringLiteral("bus"),
-                                  QStringLiteral("the session bus does not answer in time"),
-                                  QStringLiteral("log out and in again.")),
-                          [bus = m_bus, version = m_version] {
+                                  texts::doctor::busSilent.in(m_language),
+                                  texts::doctor::logInAgain.in(m_language)),
+                          [bus = m_bus, version = m_version, language = m_language] {
                               const auto facts = askForProgram(bus, version);
-                              return Findings{judgeBus(facts), judgeProgram(facts)};
+                              return Findings{judgeBus(facts, language), judgeProgram(facts, language)};
                           });
     }
 
     std::unique_ptr<Check> settingsCheck() {
         return background(
-            problem(QStringLiteral("settings"), QStringLiteral("the disk does not answer in time"),
-                    QStringLiteral("check the disk that holds your settings.")),
-            [] { return Findings{judgeSettings(SettingsFacts::of(IniDefaultsStore::defaultPath()))}; });
+            problem(QStringLiteral("settings"), texts::doctor::diskSilent.in(m_language),
+                    texts::doctor::checkDisk.in(m_language)),
+            [language = m_language] {
+                return Findings{judgeSettings(SettingsFacts::of(IniDefaultsStore::defaultPath()), language)};
+            });
     }
 
     /// Hosts are asked only when it is certain which: a wrong file must not lead to servers that nobody
@@ -136,12 +143,11 @@ private:
             facts.files.append(*m_options.endpointsFile);
         if (!hosts)
             facts.refusal = hosts.error();
-        const Finding finding = judgeEndpoints(facts);
+        const Finding finding = judgeEndpoints(facts, m_language);
         checks.push_back(background(finding, [finding] { return Findings{finding}; }));
         if (!hosts) {
             const auto nothing =
-                skipped(QStringLiteral("hosts"),
-                        QStringLiteral("not asked: first the endpoints file has to be right"));
+                skipped(QStringLiteral("hosts"), texts::doctor::hostsNotAsked.in(m_language));
             checks.push_back(background(nothing, [nothing] { return Findings{nothing}; }));
             return;
         }
@@ -157,19 +163,19 @@ private:
         for (const auto& target : hostTargets(hosts)) {
             if (target.kind == HostTarget::Kind::live)
                 checks.push_back(std::make_unique<LiveSocketCheck>(m_tasks, m_mainQueue, target, send,
-                                                                   m_liveHttp->webSockets()));
+                                                                   m_liveHttp->webSockets(), m_language));
             else
-                checks.push_back(hostCheck(m_tasks, m_mainQueue, target, send));
+                checks.push_back(hostCheck(m_tasks, m_mainQueue, target, send, m_language));
         }
     }
 
     std::unique_ptr<Check> speakerCheck() {
         if (!m_options.noDiscovery)
             return std::make_unique<SpeakerCheck>(
-                SpeakerCheck::Outside{m_http, m_mainQueue, m_tasks, m_network});
+                SpeakerCheck::Outside{m_http, m_mainQueue, m_tasks, m_network}, m_language);
         SpeakerFacts facts;
         facts.state = SpeakerFacts::State::notWanted;
-        auto findings = judgeSpeakers(facts);
+        auto findings = judgeSpeakers(facts, m_language);
         return background(findings.front(), [findings] { return findings; });
     }
 
@@ -180,6 +186,7 @@ private:
         std::make_shared<std::binary_semaphore>(0);
     QtMainQueue& m_mainQueue;
     const std::optional<QDBusConnection> m_bus;
+    const AppLanguage m_language;
     ThreadTaskPool m_tasks;
     CurlHttpSession m_http;
     /// For the live feed's socket, which trusts what the endpoints say.
@@ -187,10 +194,9 @@ private:
     LinuxLocalNetwork m_network;
 };
 
-int print(const Report& report, Options::Task task) {
-    const QByteArray text = task == Options::Task::doctorJson
-                                ? QJsonDocument(toJson(report)).toJson(QJsonDocument::Compact)
-                                : toText(report).toUtf8();
+int print(const Report& report, bool isForScripts, AppLanguage language) {
+    const QByteArray text = isForScripts ? QJsonDocument(toJson(report)).toJson(QJsonDocument::Compact)
+                                         : toText(report, language).toUtf8();
     std::printf("%s\n", text.constData());
     return std::fflush(stdout) == 0 ? report.exitStatus() : 1;
 }
@@ -203,11 +209,14 @@ int runDoctor(const Options& options, const QString& version, QtMainQueue& mainQ
     qputenv("PIPEWIRE_DEBUG", "0");
     // Before other libraries are loaded beside it.
     CurlGlobal::initialise();
-    auto& doctor = *new Doctor(options, version, mainQueue, sessionBus);
+    // Scripts are spoken to in one language.
+    const bool isForScripts = options.task == Options::Task::doctorJson;
+    const auto language = isForScripts ? AppLanguage::en : commandLanguage();
+    auto& doctor = *new Doctor(options, version, mainQueue, sessionBus, language);
     auto& examination = *new Examination(mainQueue, doctor.makeChecks());
     int status = 1;
     examination.run(wholeTime, [&](Findings findings) {
-        status = print({version, std::move(findings)}, options.task);
+        status = print({version, std::move(findings)}, isForScripts, language);
         QCoreApplication::exit(status);
     });
     QCoreApplication::exec();

@@ -2,6 +2,7 @@
 #include "app/doctor/HostChecks.h"
 
 #include "metadata/LiveSocket.h"
+#include "stations/texts/DoctorTexts.h"
 
 #include <future>
 #include <system_error>
@@ -42,19 +43,20 @@ std::vector<HostProbe> probeAll(const HostTarget& target, const SendProbe& sendP
     return probes;
 }
 
-Finding unanswered(const HostTarget& target) {
-    return problem(areaOf(target.kind), target.host + QStringLiteral(": no answer in time"),
-                   QStringLiteral("check the network connection and its name server (/etc/resolv.conf)."),
-                   {{QStringLiteral("host"), target.host}});
+Finding unanswered(const HostTarget& target, AppLanguage language) {
+    return problem(areaOf(target.kind),
+                   target.host + QStringLiteral(": ") + texts::doctor::noAnswerInTime.in(language),
+                   texts::doctor::checkNameServer.in(language), {{QStringLiteral("host"), target.host}});
 }
 
 } // namespace
 
 std::unique_ptr<Check> hostCheck(TaskPool& tasks, MainQueue& mainQueue, const HostTarget& target,
-                                 const SendProbe& sendProbe) {
-    return std::make_unique<BackgroundCheck>(tasks, mainQueue, unanswered(target), [target, sendProbe] {
-        return Findings{judgeHost(target, probeAll(target, sendProbe))};
-    });
+                                 const SendProbe& sendProbe, AppLanguage language) {
+    return std::make_unique<BackgroundCheck>(
+        tasks, mainQueue, unanswered(target, language), [target, sendProbe, language] {
+            return Findings{judgeHost(target, probeAll(target, sendProbe), language)};
+        });
 }
 
 struct LiveSocketCheck::State : std::enable_shared_from_this<LiveSocketCheck::State> {
@@ -62,22 +64,24 @@ struct LiveSocketCheck::State : std::enable_shared_from_this<LiveSocketCheck::St
     HostTarget target;
     SendProbe sendProbe;
     MakeWebSocket makeWebSocket;
+    AppLanguage language;
     Done done;
     HostProbe probe;
     std::shared_ptr<RadioMetadataSocket> socket;
     std::unique_ptr<Timer> patience;
 
-    State(MainQueue& queue, HostTarget wanted, SendProbe send, MakeWebSocket make)
+    State(MainQueue& queue, HostTarget wanted, SendProbe send, MakeWebSocket make, AppLanguage tongue)
         : mainQueue(queue)
         , target(std::move(wanted))
         , sendProbe(std::move(send))
-        , makeWebSocket(std::move(make)) {}
+        , makeWebSocket(std::move(make))
+        , language(tongue) {}
 
     void finish(const LiveSocketOutcome& outcome) {
         patience.reset();
         socket.reset();
         if (const auto tell = std::exchange(done, nullptr))
-            tell({judgeLiveSocket(target, probe, outcome)});
+            tell({judgeLiveSocket(target, probe, outcome, language)});
     }
 
     void openSocket() {
@@ -105,16 +109,17 @@ struct LiveSocketCheck::State : std::enable_shared_from_this<LiveSocketCheck::St
         const auto* text = std::get_if<QString>(&std::get<SocketMessage>(result));
         const bool isOpen = text && sockJSFrameKind(*text) == SockJSFrameKind::open;
         finish({isOpen,
-                isOpen ? QString() : QStringLiteral("it begins with something else than an open frame")});
+                isOpen ? QString() : texts::doctor::noOpenFrame.in(language)});
     }
 };
 
 LiveSocketCheck::LiveSocketCheck(TaskPool& tasks, MainQueue& mainQueue, HostTarget target,
-                                 SendProbe sendProbe, MakeWebSocket makeWebSocket)
+                                 SendProbe sendProbe, MakeWebSocket makeWebSocket,
+                                 AppLanguage language)
     : m_mainQueue(mainQueue)
     , m_tasks(tasks)
     , m_state(std::make_shared<State>(mainQueue, std::move(target), std::move(sendProbe),
-                                      std::move(makeWebSocket))) {}
+                                      std::move(makeWebSocket), language)) {}
 
 void LiveSocketCheck::start(Done done) {
     m_state->done = std::move(done);
@@ -132,7 +137,7 @@ void LiveSocketCheck::start(Done done) {
 }
 
 Findings LiveSocketCheck::soFar() const {
-    return {unanswered(m_state->target)};
+    return {unanswered(m_state->target, m_state->language)};
 }
 
 } // namespace zofra::doctor

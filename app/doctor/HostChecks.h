@@ -16,13 +16,14 @@ using SendProbe = std::function<HostProbe(const HostProbe::Request&)>;
 
 /// Asks one host for everything that the program wants from it, all at once.
 [[nodiscard]] std::unique_ptr<Check> hostCheck(TaskPool& tasks, MainQueue& mainQueue,
-                                               const HostTarget& target, const SendProbe& sendProbe);
+                                               const HostTarget& target, const SendProbe& sendProbe,
+                                               AppLanguage language);
 
 /// Asks the live feed's host, then opens the socket the way the program does. Main thread only.
 class LiveSocketCheck final : public Check {
 public:
     LiveSocketCheck(TaskPool& tasks, MainQueue& mainQueue, HostTarget target, SendProbe sendProbe,
-                    MakeWebSocket makeWebSocket);
+                    MakeWebSocket makeWebSocket, AppLanguage language);
 
     void start(Done done) override;
     [[nodiscard]] Findings soFar() const override;

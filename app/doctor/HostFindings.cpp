@@ -3,6 +3,7 @@
 
 #include "metadata/OnAirItem.h"
 #include "metadata/ScraperPage.h"
+#include "stations/texts/DoctorTexts.h"
 
 #include <QJsonArray>
 
@@ -41,78 +42,58 @@ QString because(const HostProbe& probe) {
     return probe.reason.isEmpty() ? QString() : QStringLiteral(" (") + probe.reason + u')';
 }
 
-QString inEndpoints(const HostTarget& target) {
-    return target.keys.first() + (target.keys.size() > 1 ? QStringLiteral(" and others") : QString()) +
-           QStringLiteral(" in endpoints.ini");
+QString inEndpoints(const HostTarget& target, AppLanguage language) {
+    const auto& key = target.keys.first();
+    return texts::doctor::inEndpoints.in(
+        language, target.keys.size() > 1 ? texts::doctor::andOthers.in(language, key) : key);
 }
 
-Wrong wrongName(const HostTarget& target, const HostProbe& probe) {
+Wrong wrongName(const HostTarget& target, const HostProbe& probe, AppLanguage language) {
     const QString hostName = target.host.section(u':', 0, 0);
     if (hostName.endsWith(QLatin1String(".example")))
-        return {QStringLiteral("is a placeholder: this host has to be set"),
-                QStringLiteral("put the station group's servers into ~/.config/zofrazofra/endpoints.ini; "
-                               "/etc/xdg/zofrazofra/endpoints.ini explains every key.")};
+        return {texts::doctor::placeholder.in(language), texts::doctor::setHosts.in(language)};
     if (probe.timedOut)
-        return {QStringLiteral("the name server does not answer"),
-                QStringLiteral("check the network connection and its name server (/etc/resolv.conf).")};
-    return {
-        QStringLiteral("the name cannot be resolved"),
-        QStringLiteral("check the network connection and its name server (/etc/resolv.conf); if other names "
-                       "work, the host in endpoints.ini is wrong.")};
+        return {texts::doctor::nameServerSilent.in(language), texts::doctor::checkNameServer.in(language)};
+    return {texts::doctor::nameUnknown.in(language), texts::doctor::checkNameOrHost.in(language)};
 }
 
-Wrong wrongConnection(const HostProbe& probe) {
+Wrong wrongConnection(const HostProbe& probe, AppLanguage language) {
     const int error = probe.systemErrno;
     if (error == EPERM || error == EACCES)
-        return {QStringLiteral("this computer refuses the connection") + because(probe),
-                QStringLiteral("allow outgoing connections to TCP port 443 in the firewall.")};
+        return {texts::doctor::refusedHere.in(language, because(probe)),
+                texts::doctor::allowOutgoing.in(language)};
     if (error == ENETUNREACH || error == EHOSTUNREACH)
-        return {QStringLiteral("there is no way to it") + because(probe),
-                QStringLiteral("check cable or Wi-Fi, and the router.")};
+        return {texts::doctor::noWay.in(language, because(probe)), texts::doctor::checkCable.in(language)};
     if (probe.timedOut)
-        return {QStringLiteral("takes no connection in time"),
-                QStringLiteral("check the network connection; a firewall may drop TCP port 443.")};
-    return {QStringLiteral("refuses connections"),
-            QStringLiteral(
-                "the server is down: try again later. If it stays so, set another host in endpoints.ini.")};
+        return {texts::doctor::noConnectionInTime.in(language), texts::doctor::checkFirewall.in(language)};
+    return {texts::doctor::refusesConnections.in(language), texts::doctor::serverDown.in(language)};
 }
 
-Wrong wrongCertificate(const HostTarget& target, const HostProbe& probe) {
+Wrong wrongCertificate(const HostTarget& target, const HostProbe& probe, AppLanguage language) {
     const auto says = [&probe](const char* words) {
         return probe.reason.contains(QLatin1String(words), Qt::CaseInsensitive);
     };
-    const QString text = QStringLiteral("its certificate is not good") + because(probe);
+    const QString text = texts::doctor::badCertificate.in(language, because(probe));
     if (says("expired") || says("not yet valid"))
-        return {text, QStringLiteral("check this computer's date and time; if they are right, the server's "
-                                     "owner has to renew it.")};
+        return {text, texts::doctor::checkClock.in(language)};
     if (says("does not match") || says("no alternative certificate"))
-        return {text, QStringLiteral("check ") + inEndpoints(target) +
-                          QStringLiteral(": another host than the one you mean may answer.")};
+        return {text, texts::doctor::otherHostAnswers.in(language, inEndpoints(target, language))};
     if (says("self-signed") || says("self signed") || says("unable to get"))
-        return {
-            text,
-            QStringLiteral(
-                "install ca-certificates; log in where the network wants that; name an authority of your own "
-                "as extra_ca in endpoints.ini.")};
+        return {text, texts::doctor::installAuthorities.in(language)};
     if (probe.timedOut)
-        return {QStringLiteral("takes the connection, then says nothing (TLS)"),
-                QStringLiteral("the server or something on the way hangs: try again later.")};
-    return {
-        QStringLiteral("no secure connection") + because(probe),
-        QStringLiteral(
-            "the server or something on the way cuts TLS off: try again later, or from another network.")};
+        return {texts::doctor::silentTls.in(language), texts::doctor::somethingHangs.in(language)};
+    return {texts::doctor::noSecureConnection.in(language, because(probe)),
+            texts::doctor::tlsCutOff.in(language)};
 }
 
-std::optional<Wrong> wrongAnswer(const HostTarget& target, const HostProbe& probe) {
+std::optional<Wrong> wrongAnswer(const HostTarget& target, const HostProbe& probe, AppLanguage language) {
     const bool isStream = target.kind == HostTarget::Kind::stream;
+    const auto where = inEndpoints(target, language);
     if (probe.status == 404 && isStream)
-        return Wrong{QStringLiteral("does not have the stream (HTTP 404)"),
-                     QStringLiteral("the station is off the air there: try again later, or check ") +
-                         inEndpoints(target) + u'.'};
+        return Wrong{texts::doctor::noStream.in(language), texts::doctor::offAir.in(language, where)};
     if (probe.status < 200 || probe.status > 299)
-        return Wrong{QStringLiteral("answers HTTP %1").arg(probe.status),
-                     QStringLiteral("the service has a fault: try again later. If it stays so, check ") +
-                         inEndpoints(target) + u'.'};
+        return Wrong{texts::doctor::answersHttp.in(language, probe.status),
+                     texts::doctor::serviceFaultCheck.in(language, where)};
     const bool isPage = probe.contentType.startsWith(QLatin1String("text/html"), Qt::CaseInsensitive);
     const bool isUsable = isStream ? !isPage
                           : target.kind == HostTarget::Kind::scraper
@@ -120,31 +101,27 @@ std::optional<Wrong> wrongAnswer(const HostTarget& target, const HostProbe& prob
                               : onAirItems(probe.body, target.rpId).has_value();
     if (isUsable)
         return std::nullopt;
-    return Wrong{
-        isPage ? QStringLiteral("a web page answers in its place")
-               : QStringLiteral("answers, but not what it should"),
-        QStringLiteral("log in where the network wants that (open any page in a browser), or check ") +
-            inEndpoints(target) + u'.'};
+    return Wrong{(isPage ? texts::doctor::pageInstead : texts::doctor::wrongAnswer).in(language),
+                 texts::doctor::logInToNetwork.in(language, where)};
 }
 
-std::optional<Wrong> wrongIn(const HostTarget& target, const HostProbe& probe) {
+std::optional<Wrong> wrongIn(const HostTarget& target, const HostProbe& probe, AppLanguage language) {
     switch (probe.failedAt) {
     case Step::name:
-        return wrongName(target, probe);
+        return wrongName(target, probe, language);
     case Step::connect:
-        return wrongConnection(probe);
+        return wrongConnection(probe, language);
     case Step::tls:
-        return wrongCertificate(target, probe);
+        return wrongCertificate(target, probe, language);
     case Step::answer:
-        return Wrong{probe.timedOut
-                         ? QStringLiteral("takes the request, then says nothing")
-                         : QStringLiteral("ends the connection without an answer") + because(probe),
-                     QStringLiteral("the service has a fault: try again later.")};
+        return Wrong{probe.timedOut ? texts::doctor::silentRequest.in(language)
+                                    : texts::doctor::endsUnanswered.in(language, because(probe)),
+                     texts::doctor::serviceFault.in(language)};
     case Step::done:
         break;
     }
     // Plain HTTP is not what the live feed is for.
-    return target.kind == HostTarget::Kind::live ? std::nullopt : wrongAnswer(target, probe);
+    return target.kind == HostTarget::Kind::live ? std::nullopt : wrongAnswer(target, probe, language);
 }
 
 QJsonObject details(const HostTarget& target, const HostProbe& probe) {
@@ -161,45 +138,43 @@ QJsonObject details(const HostTarget& target, const HostProbe& probe) {
                                                {QStringLiteral("answer"), number(probe.answerTime)}}}};
 }
 
-Finding asFinding(const HostTarget& target, const HostProbe& probe, const std::optional<Wrong>& wrong) {
+Finding asFinding(const HostTarget& target, const HostProbe& probe, const std::optional<Wrong>& wrong,
+                  AppLanguage language) {
     const QString area = areaOf(target.kind);
     if (wrong)
         return problem(area, target.host + QStringLiteral(": ") + wrong->text, wrong->cure,
                        details(target, probe));
     return fine(area,
-                target.host + QStringLiteral(": name, TLS, answer in %1 ms").arg(probe.answerTime.count()),
+                texts::doctor::hostFine.in(language, target.host, QString::number(probe.answerTime.count())),
                 details(target, probe));
 }
 
 } // namespace
 
-Finding judgeHost(const HostTarget& target, const std::vector<HostProbe>& probes) {
+Finding judgeHost(const HostTarget& target, const std::vector<HostProbe>& probes, AppLanguage language) {
     for (const auto& probe : probes) {
-        if (const auto wrong = wrongIn(target, probe))
-            return asFinding(target, probe, wrong);
+        if (const auto wrong = wrongIn(target, probe, language))
+            return asFinding(target, probe, wrong, language);
     }
     const auto slowest = std::max_element(probes.begin(), probes.end(), [](const auto& a, const auto& b) {
         return a.answerTime < b.answerTime;
     });
-    return slowest == probes.end() ? skipped(areaOf(target.kind), target.host + QStringLiteral(": not asked"))
-                                   : asFinding(target, *slowest, std::nullopt);
+    return slowest == probes.end()
+               ? skipped(areaOf(target.kind), texts::doctor::hostNotAsked.in(language, target.host))
+               : asFinding(target, *slowest, std::nullopt, language);
 }
 
-Finding judgeLiveSocket(const HostTarget& target, const HostProbe& probe, const LiveSocketOutcome& outcome) {
-    if (const auto wrong = wrongIn(target, probe))
-        return asFinding(target, probe, wrong);
-    if (outcome.isOpen)
-        return asFinding(target, probe, std::nullopt);
-    const QString why = outcome.reason.isEmpty() ? QStringLiteral("the socket service says nothing")
-                                                 : QStringLiteral("the socket service does not let us in (") +
-                                                       outcome.reason + u')';
+Finding judgeLiveSocket(const HostTarget& target, const HostProbe& probe, const LiveSocketOutcome& outcome,
+                        AppLanguage language) {
+    const auto wrong = wrongIn(target, probe, language);
+    if (wrong || outcome.isOpen)
+        return asFinding(target, probe, wrong, language);
     return asFinding(
         target, probe,
-        Wrong{
-            why,
-            QStringLiteral(
-                "song texts come from the on-air service meanwhile, every 15 s; try again later, or check ") +
-                inEndpoints(target) + u'.'});
+        Wrong{outcome.reason.isEmpty() ? texts::doctor::socketSilent.in(language)
+                                       : texts::doctor::socketRefuses.in(language, outcome.reason),
+              texts::doctor::polledMeanwhile.in(language, inEndpoints(target, language))},
+        language);
 }
 
 } // namespace zofra::doctor

@@ -12,7 +12,7 @@
 namespace zofra::doctor {
 
 /// What one host came to: the first request to it that failed, else the slowest one.
-[[nodiscard]] Finding judgeHost(const HostTarget& target, const std::vector<HostProbe>& probes);
+[[nodiscard]] Finding judgeHost(const HostTarget& target, const std::vector<HostProbe>& probes, AppLanguage language = AppLanguage::en);
 
 /// What opening the live socket itself came to.
 struct LiveSocketOutcome {
@@ -21,6 +21,6 @@ struct LiveSocketOutcome {
     QString reason;
 };
 [[nodiscard]] Finding judgeLiveSocket(const HostTarget& target, const HostProbe& probe,
-                                      const LiveSocketOutcome& outcome);
+                                      const LiveSocketOutcome& outcome, AppLanguage language = AppLanguage::en);
 
 } // namespace zofra::doctor

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/doctor/PanelFindings.h"
 
+#include "stations/texts/DoctorTexts.h"
+
 namespace zofra::doctor {
 
 namespace {
@@ -9,7 +11,7 @@ QString area() {
     return QStringLiteral("panel");
 }
 
-QString windowsName(TraySession::Windows windows) {
+QString windowsName(TraySession::Windows windows, AppLanguage language) {
     switch (windows) {
     case TraySession::Windows::x11:
         return QStringLiteral("X11");
@@ -18,11 +20,11 @@ QString windowsName(TraySession::Windows windows) {
     case TraySession::Windows::other:
         break;
     }
-    return QStringLiteral("another window system");
+    return texts::doctor::otherWindows.in(language);
 }
 
-QString panelName(const DesktopFacts& facts) {
-    return facts.session.panelProgram.isEmpty() ? QStringLiteral("a panel of unknown name")
+QString panelName(const DesktopFacts& facts, AppLanguage language) {
+    return facts.session.panelProgram.isEmpty() ? texts::doctor::namelessPanel.in(language)
                                                 : facts.session.panelProgram;
 }
 
@@ -30,81 +32,67 @@ bool isChosenByUser(const QString& setting) {
     return setting == QLatin1String("direct") || setting == QLatin1String("hostmenu");
 }
 
-QString reasonFor(const DesktopFacts& facts, StatusItemMode mode) {
+const Text& reasonFor(const DesktopFacts& facts, StatusItemMode mode) {
     if (isChosenByUser(facts.session.setting))
-        return QStringLiteral("as the setting tray/mode says");
+        return texts::doctor::asSettingSays;
     if (mode == StatusItemMode::direct)
-        return QStringLiteral("for it passes both clicks on");
-    return facts.session.windows == TraySession::Windows::wayland
-               ? QStringLiteral("for on Wayland only the panel can place a menu")
-               : QStringLiteral("for it draws the menu itself");
+        return texts::doctor::passesBothClicks;
+    return facts.session.windows == TraySession::Windows::wayland ? texts::doctor::waylandMenus
+                                                                  : texts::doctor::drawsMenu;
 }
 
-Finding shown(const DesktopFacts& facts) {
+Finding shown(const DesktopFacts& facts, AppLanguage language) {
     const auto mode = trayMode(facts.session);
     const QString name = statusItemModeName(mode);
     return fine(area(),
-                panelName(facts) + QStringLiteral(" shows the button; mode ") + name + QStringLiteral(", ") +
-                    reasonFor(facts, mode),
+                texts::doctor::panelShows.in(language, panelName(facts, language), name,
+                                             reasonFor(facts, mode).in(language)),
                 {{QStringLiteral("panel"), facts.session.panelProgram}, {QStringLiteral("mode"), name}});
 }
 
-Finding notShown(const DesktopFacts& facts) {
+Finding notShown(const DesktopFacts& facts, AppLanguage language) {
     const bool isGnome = facts.session.desktop.contains(QLatin1String("GNOME"), Qt::CaseInsensitive);
-    const QString cure =
-        isGnome ? QStringLiteral("install and enable the AppIndicator extension (Debian: "
-                                 "gnome-shell-extension-appindicator), then log in again.")
-        : facts.hasWatcher
-            ? QStringLiteral(
-                  "add a status tray (\"Status Notifier\", \"System Tray\") to your panel, or start the "
-                  "panel again.")
-            : QStringLiteral(
-                  "start a panel with a status tray, or add one to yours: \"System Tray\" in Plasma, "
-                  "\"Status Notifier\" in LXQt, \"Status Tray\" in Xfce, \"tray\" in waybar.");
+    const auto& cure = isGnome            ? texts::doctor::installExtension
+                       : facts.hasWatcher ? texts::doctor::addTray
+                                          : texts::doctor::startPanel;
     const QString found =
-        facts.hasWatcher
-            ? panelName(facts) + QStringLiteral(" watches over status items, but no panel shows any")
-            : QStringLiteral("no panel takes status items");
+        facts.hasWatcher ? texts::doctor::watchedButNotShown.in(language, panelName(facts, language))
+                         : texts::doctor::notShown.in(language);
     return problem(
-        area(), found + QStringLiteral("; the radio is an ordinary window instead (mode window)"), cure,
+        area(), found, cure.in(language),
         {{QStringLiteral("panel"), QJsonValue()}, {QStringLiteral("mode"), QStringLiteral("window")}});
 }
 
 } // namespace
 
-Finding judgeSession(const DesktopFacts& facts) {
+Finding judgeSession(const DesktopFacts& facts, AppLanguage language) {
     const QString area = QStringLiteral("session");
     const QJsonObject details{{QStringLiteral("platform"), facts.platform},
                               {QStringLiteral("desktop"), facts.session.desktop}};
     if (facts.isHeadless)
-        return fine(area, QStringLiteral("no display is needed with --headless"), details);
+        return fine(area, texts::doctor::noDisplayNeeded.in(language), details);
     if (facts.platform.isEmpty())
-        return problem(
-            area,
-            facts.variables.isEmpty()
-                ? QStringLiteral("no display: neither DISPLAY nor WAYLAND_DISPLAY is set")
-                : QStringLiteral("no display answers (") + facts.variables + u')',
-            QStringLiteral("start it in your desktop session, or without a display by --headless."), details);
-    const QString desktop = facts.session.desktop.isEmpty()
-                                ? QStringLiteral("desktop unknown (XDG_CURRENT_DESKTOP is not set)")
-                                : facts.session.desktop;
-    return fine(area, windowsName(facts.session.windows) + QStringLiteral(", ") + desktop, details);
+        return problem(area,
+                       facts.variables.isEmpty() ? texts::doctor::noDisplaySet.in(language)
+                                                 : texts::doctor::noDisplayAnswers.in(language, facts.variables),
+                       texts::doctor::startInSession.in(language), details);
+    const QString desktop = facts.session.desktop.isEmpty() ? texts::doctor::desktopUnknown.in(language)
+                                                            : facts.session.desktop;
+    return fine(area, windowsName(facts.session.windows, language) + QStringLiteral(", ") + desktop, details);
 }
 
-Finding judgePanel(const DesktopFacts& facts) {
+Finding judgePanel(const DesktopFacts& facts, AppLanguage language) {
     if (facts.isHeadless)
-        return skipped(area(), QStringLiteral("not looked for: --headless shows no button"));
+        return skipped(area(), texts::doctor::headlessShowsNone.in(language));
     if (facts.platform.isEmpty())
-        return skipped(area(), QStringLiteral("not looked for: there is no display"));
+        return skipped(area(), texts::doctor::noDisplayForPanel.in(language));
     if (facts.hasWatcher && facts.hasPanel)
-        return shown(facts);
+        return shown(facts, language);
     if (facts.hasOldTray && facts.session.windows == TraySession::Windows::x11)
         return fine(
-            area(),
-            QStringLiteral(
-                "a tray of the old kind shows the button; mode xembed, for no panel takes status items"),
+            area(), texts::doctor::oldTray.in(language),
             {{QStringLiteral("panel"), QJsonValue()}, {QStringLiteral("mode"), QStringLiteral("xembed")}});
-    return notShown(facts);
+    return notShown(facts, language);
 }
 
 } // namespace zofra::doctor

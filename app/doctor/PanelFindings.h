@@ -27,8 +27,8 @@ struct DesktopFacts {
     bool hasOldTray = false;
 };
 
-[[nodiscard]] Finding judgeSession(const DesktopFacts& facts);
+[[nodiscard]] Finding judgeSession(const DesktopFacts& facts, AppLanguage language = AppLanguage::en);
 /// Which panel there is, in which way the status item would be shown, and why in that one.
-[[nodiscard]] Finding judgePanel(const DesktopFacts& facts);
+[[nodiscard]] Finding judgePanel(const DesktopFacts& facts, AppLanguage language = AppLanguage::en);
 
 } // namespace zofra::doctor

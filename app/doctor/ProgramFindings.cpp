@@ -1,78 +1,65 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/doctor/ProgramFindings.h"
 
+#include "stations/texts/DoctorTexts.h"
+
 namespace zofra::doctor {
 
 namespace {
 
-QString doing(const QJsonObject& status) {
+QString doing(const QJsonObject& status, AppLanguage language) {
     const auto station = status.value(QLatin1String("station")).toString();
     const auto output = status.value(QLatin1String("output_title")).toString();
     if (status.value(QLatin1String("buffering")).toBool())
-        return QStringLiteral("waiting for the sound of ") + station;
+        return texts::doctor::waitingForSound.in(language, station);
     if (status.value(QLatin1String("playing")).toBool())
-        return QStringLiteral("playing ") + station + QStringLiteral(" (") + output + u')';
-    return QStringLiteral("silent");
+        return texts::doctor::playing.in(language, station, output);
+    return texts::doctor::silent.in(language);
 }
 
 } // namespace
 
-Finding judgeBus(const ProgramFacts& facts) {
+Finding judgeBus(const ProgramFacts& facts, AppLanguage language) {
     const QString area = QStringLiteral("bus");
     const QJsonObject details{{QStringLiteral("address"), facts.busAddress},
                               {QStringLiteral("media_player"), facts.hasMediaName}};
     if (!facts.hasBus)
-        return problem(
-            area,
-            facts.busAddress.isEmpty() ? QStringLiteral("no session bus: DBUS_SESSION_BUS_ADDRESS is not set")
-                                       : QStringLiteral("no session bus answers at ") + facts.busAddress,
-            QStringLiteral(
-                "log in to a desktop session, or run the program by dbus-run-session: without a bus "
-                "there are no media keys, no button in the panel and no second start."),
-            details);
+        return problem(area,
+                       facts.busAddress.isEmpty() ? texts::doctor::noBusSet.in(language)
+                                                  : texts::doctor::noBusAnswers.in(language, facts.busAddress),
+                       texts::doctor::getABus.in(language), details);
     if (facts.isRunning && !facts.hasMediaName)
-        return problem(
-            area, QStringLiteral("the running program has no place among the media players"),
-            QStringLiteral(
-                "end it (zofrazofra --quit) and start it again; another program may hold its name."),
-            details);
-    return fine(area,
-                facts.hasMediaName
-                    ? QStringLiteral("the session bus answers; media keys reach the program")
-                    : QStringLiteral("the session bus answers; media keys work once the program runs"),
-                details);
+        return problem(area, texts::doctor::noMediaPlace.in(language),
+                       texts::doctor::startAgainForMedia.in(language), details);
+    const auto& keys = facts.hasMediaName ? texts::doctor::mediaKeysWork : texts::doctor::mediaKeysLater;
+    return fine(area, keys.in(language), details);
 }
 
-Finding judgeProgram(const ProgramFacts& facts) {
+Finding judgeProgram(const ProgramFacts& facts, AppLanguage language) {
     const QString area = QStringLiteral("program");
     QJsonObject details{{QStringLiteral("running"), facts.isRunning}};
     if (!facts.hasBus)
-        return skipped(area, QStringLiteral("cannot be asked without a session bus"), details);
+        return skipped(area, texts::doctor::cannotBeAsked.in(language), details);
     if (!facts.isRunning)
-        return fine(area, QStringLiteral("not running"), details);
+        return fine(area, texts::doctor::notRunning.in(language), details);
     const auto process =
-        facts.processId > 0 ? QStringLiteral(" (process %1)").arg(facts.processId) : QString();
+        facts.processId > 0 ? texts::doctor::process.in(language, facts.processId) : QString();
     if (!facts.status)
-        return problem(area, QStringLiteral("running, but does not answer") + process,
-                       facts.processId > 0
-                           ? QStringLiteral("end it: kill %1; then start it again.").arg(facts.processId)
-                           : QStringLiteral("end it and start it again."),
+        return problem(area, texts::doctor::runningButSilent.in(language, process),
+                       facts.processId > 0 ? texts::doctor::killIt.in(language, facts.processId)
+                                           : texts::doctor::endIt.in(language),
                        details);
     details.insert(QStringLiteral("status"), *facts.status);
     const auto version = facts.status->value(QLatin1String("version")).toString();
     if (version != facts.ownVersion)
-        return problem(
-            area, QStringLiteral("version ") + version + QStringLiteral(" is running") + process,
-            QStringLiteral("start it again, for it was updated: zofrazofra --quit, then zofrazofra."),
-            details);
+        return problem(area, texts::doctor::otherVersion.in(language, version, process),
+                       texts::doctor::restartUpdated.in(language), details);
     if (facts.status->value(QLatin1String("network_denied")).toBool())
-        return problem(
-            area, QStringLiteral("running, but denied the local network") + process,
-            QStringLiteral("let it send UDP to port 1900 and TCP to port 1400 (firewall, sandbox)."),
-            details);
+        return problem(area, texts::doctor::networkDenied.in(language, process),
+                       texts::doctor::allowPorts.in(language), details);
     return fine(area,
-                QStringLiteral("running") + process + QStringLiteral(": ") + doing(*facts.status) +
-                    QStringLiteral("; mode ") + facts.status->value(QLatin1String("tray")).toString(),
+                texts::doctor::running.in(language, process, doing(*facts.status, language),
+                                          facts.status->value(QLatin1String("tray")).toString()),
                 details);
 }
 

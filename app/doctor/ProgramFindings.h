@@ -26,8 +26,8 @@ struct ProgramFacts {
 };
 
 /// The session bus, on which media keys and a second start find the program.
-[[nodiscard]] Finding judgeBus(const ProgramFacts& facts);
+[[nodiscard]] Finding judgeBus(const ProgramFacts& facts, AppLanguage language = AppLanguage::en);
 /// Whether one is running, and how it does.
-[[nodiscard]] Finding judgeProgram(const ProgramFacts& facts);
+[[nodiscard]] Finding judgeProgram(const ProgramFacts& facts, AppLanguage language = AppLanguage::en);
 
 } // namespace zofra::doctor

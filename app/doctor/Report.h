@@ -29,6 +29,6 @@ inline constexpr const char* endpointsArea = "endpoints";
 
 /// What `--doctor` prints, without a last line end: lines of at most `columns` characters, whatever was
 /// found. Where findings that follow each other have the same cure, it stands once, after the last.
-[[nodiscard]] QString toText(const Report& report, int columns = 80);
+[[nodiscard]] QString toText(const Report& report, AppLanguage language = AppLanguage::en, int columns = 80);
 
 } // namespace zofra::doctor

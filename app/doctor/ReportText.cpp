@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/doctor/Report.h"
 #include "platform/ForeignText.h"
+#include "stations/texts/DoctorTexts.h"
 
 #include <QSet>
 #include <QStringList>
@@ -36,9 +37,9 @@ QStringList wrapped(const QString& text, int width) {
     return lines;
 }
 
-QString heading(const Finding& finding) {
+QString heading(const Finding& finding, AppLanguage language) {
     const bool isProblem = finding.verdict == Verdict::problem;
-    const QString verdict = isProblem                             ? QStringLiteral("PROBLEM")
+    const QString verdict = isProblem                             ? texts::doctor::problem.in(language)
                             : finding.verdict == Verdict::skipped ? QStringLiteral("-")
                                                                   : QStringLiteral("ok");
     return verdict.leftJustified(verdictWidth) + finding.area.leftJustified(areaWidth);
@@ -52,31 +53,31 @@ void append(QStringList& lines, const QString& start, const QString& text, int c
     }
 }
 
-QString summary(qsizetype problems) {
+QString summary(qsizetype problems, AppLanguage language) {
     if (problems == 0)
-        return QStringLiteral("Everything is fine.");
-    return problems == 1 ? QStringLiteral("1 problem.")
-                         : QString::number(problems) + QStringLiteral(" problems.");
+        return texts::doctor::everythingFine.in(language);
+    return problems == 1 ? texts::doctor::oneProblem.in(language)
+                         : texts::doctor::problems.in(language, problems);
 }
 
 } // namespace
 
-QString toText(const Report& report, int columns) {
+QString toText(const Report& report, AppLanguage language, int columns) {
     const int width = std::max(columns, narrowest);
     QSet<QString> told;
     QStringList lines{QStringLiteral("Zofra Zofra ") + report.version, QString()};
     for (std::size_t i = 0; i < report.findings.size(); ++i) {
         const auto& finding = report.findings[i];
-        append(lines, heading(finding), finding.text, width);
+        append(lines, heading(finding, language), finding.text, width);
         const bool isRepeated = i + 1 < report.findings.size() && report.findings[i + 1].cure == finding.cure;
         if (finding.cure.isEmpty() || isRepeated)
             continue;
-        const QString cure = told.contains(finding.cure) ? QStringLiteral("as above.") : finding.cure;
+        const QString cure = told.contains(finding.cure) ? texts::doctor::asAbove.in(language) : finding.cure;
         told.insert(finding.cure);
-        append(lines, QString(indent, u' '), QStringLiteral("To do: ") + cure, width);
+        append(lines, QString(indent, u' '), texts::doctor::toDo.in(language, cure), width);
     }
     lines.append(QString());
-    lines.append(summary(report.problems()));
+    lines.append(summary(report.problems(), language));
     return lines.join(u'\n');
 }
 

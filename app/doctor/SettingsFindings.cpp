@@ -4,6 +4,7 @@
 #include "app/doctor/Report.h"
 #include "stations/AppLanguage.h"
 #include "stations/RadioStation.h"
+#include "stations/texts/DoctorTexts.h"
 
 #include <QDir>
 #include <QJsonArray>
@@ -50,62 +51,47 @@ QStringList strangeValues(const SettingsFacts& facts) {
     return strange;
 }
 
-QString writeCure(const SettingsFacts& facts) {
+QString writeCure(const SettingsFacts& facts, AppLanguage language) {
     const bool isFull = facts.writeProblem.contains(QLatin1String("space left")) ||
                         facts.writeProblem.contains(QLatin1String("quota"));
-    return isFull
-               ? QStringLiteral("make room on that disk (df -h); nothing that is stored is lost meanwhile.")
-               : QStringLiteral("make file and folder writable: chmod -R u+rwX ") +
-                     shortened(QFileInfo(facts.path).absolutePath()) +
-                     QStringLiteral("; until then changes last until the program ends.");
+    return isFull ? texts::doctor::makeRoom.in(language)
+                  : texts::doctor::makeWritable.in(language,
+                                                   shortened(QFileInfo(facts.path).absolutePath()));
 }
 
 } // namespace
 
-Finding judgeSettings(const SettingsFacts& facts) {
+Finding judgeSettings(const SettingsFacts& facts, AppLanguage language) {
     const QString path = shortened(facts.path);
     const QJsonObject details{{QStringLiteral("path"), facts.path},
                               {QStringLiteral("exists"), facts.exists},
                               {QStringLiteral("damaged"), facts.isDamaged}};
     if (!facts.readProblem.isEmpty())
-        return problem(area(), path + QStringLiteral(" cannot be read: ") + facts.readProblem,
-                       QStringLiteral("make it readable: chmod u+rw ") + path +
-                           QStringLiteral("; until then every start begins with the defaults."),
-                       details);
+        return problem(area(), texts::doctor::cannotBeRead.in(language, path, facts.readProblem),
+                       texts::doctor::makeReadable.in(language, path), details);
     if (!facts.writeProblem.isEmpty())
-        return problem(area(), path + QStringLiteral(" cannot be written: ") + facts.writeProblem,
-                       writeCure(facts), details);
+        return problem(area(), texts::doctor::cannotBeWritten.in(language, path, facts.writeProblem),
+                       writeCure(facts, language), details);
     if (facts.isDamaged)
-        return problem(
-            area(), path + QStringLiteral(" is damaged: it holds lines that are no text"),
-            QStringLiteral(
-                "choose a station or volume: the file is then written anew, and kept as it was beside it "
-                "(.damaged)."),
-            details);
+        return problem(area(), texts::doctor::damaged.in(language, path),
+                       texts::doctor::writeAnew.in(language), details);
     if (const auto strange = strangeValues(facts); !strange.isEmpty())
         return problem(area(),
-                       path + QStringLiteral(": not usable, so the default counts: ") +
-                           strange.join(QStringLiteral(", ")),
-                       QStringLiteral("correct or delete these lines, or choose the value anew in the menu."),
-                       details);
-    return fine(area(), facts.exists ? path : path + QStringLiteral(" (not there yet: the defaults count)"),
-                details);
+                       texts::doctor::notUsable.in(language, path, strange.join(QStringLiteral(", "))),
+                       texts::doctor::correctLines.in(language), details);
+    return fine(area(), facts.exists ? path : texts::doctor::notThereYet.in(language, path), details);
 }
 
-Finding judgeEndpoints(const EndpointsFacts& facts) {
+Finding judgeEndpoints(const EndpointsFacts& facts, AppLanguage language) {
     const QString area = QString::fromLatin1(endpointsArea);
     const QJsonObject details{{QStringLiteral("files"), QJsonArray::fromStringList(facts.files)}};
     if (!facts.refusal.isEmpty())
-        return problem(
-            area, facts.refusal,
-            QStringLiteral(
-                "correct or delete that line; /etc/xdg/zofrazofra/endpoints.ini explains every key."),
-            details);
+        return problem(area, facts.refusal, texts::doctor::correctLine.in(language), details);
     QStringList names;
     for (const auto& file : facts.files)
         names.append(shortened(file));
     return fine(area,
-                names.isEmpty() ? QStringLiteral("no file: the built-in hosts")
+                names.isEmpty() ? texts::doctor::builtInHosts.in(language)
                                 : names.join(QStringLiteral(", ")),
                 details);
 }

@@ -30,7 +30,7 @@ struct SettingsFacts {
     [[nodiscard]] static SettingsFacts of(const QString& path);
 };
 
-[[nodiscard]] Finding judgeSettings(const SettingsFacts& facts);
+[[nodiscard]] Finding judgeSettings(const SettingsFacts& facts, AppLanguage language = AppLanguage::en);
 
 /// The endpoints files: which there are, or the one line that says what is wrong with them.
 struct EndpointsFacts {
@@ -38,6 +38,6 @@ struct EndpointsFacts {
     /// Empty when all is well.
     QString refusal;
 };
-[[nodiscard]] Finding judgeEndpoints(const EndpointsFacts& facts);
+[[nodiscard]] Finding judgeEndpoints(const EndpointsFacts& facts, AppLanguage language = AppLanguage::en);
 
 } // namespace zofra::doctor

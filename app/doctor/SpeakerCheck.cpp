@@ -139,8 +139,9 @@ struct SpeakerCheck::Watch {
     Silence log;
 };
 
-SpeakerCheck::SpeakerCheck(const Outside& outside)
+SpeakerCheck::SpeakerCheck(const Outside& outside, AppLanguage language)
     : m_outside(outside)
+    , m_language(language)
     , m_watch(std::make_shared<Watch>(outside)) {}
 
 SpeakerCheck::~SpeakerCheck() {
@@ -172,7 +173,7 @@ void SpeakerCheck::start(Done done) {
 }
 
 Findings SpeakerCheck::soFar() const {
-    return judgeSpeakers(m_watch->facts->value());
+    return judgeSpeakers(m_watch->facts->value(), m_language);
 }
 
 } // namespace zofra::doctor

@@ -23,7 +23,7 @@ public:
         TaskPool& tasks;
         LocalNetwork& network;
     };
-    explicit SpeakerCheck(const Outside& outside);
+    SpeakerCheck(const Outside& outside, AppLanguage language);
     ~SpeakerCheck() override;
     SpeakerCheck(const SpeakerCheck&) = delete;
     SpeakerCheck& operator=(const SpeakerCheck&) = delete;
@@ -38,6 +38,7 @@ private:
     struct Watch;
 
     Outside m_outside;
+    const AppLanguage m_language;
     std::shared_ptr<Watch> m_watch;
     std::shared_ptr<SpeakerBackground> m_background;
     Done m_done;

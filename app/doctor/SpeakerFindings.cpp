@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/doctor/SpeakerFindings.h"
 
+#include "stations/texts/DoctorTexts.h"
+
 #include <QJsonArray>
 
 #include <algorithm>
@@ -12,18 +14,8 @@ namespace {
 
 constexpr auto multicastAddress = QLatin1String("239.255.255.250");
 
-QString firewallCure() {
-    return QStringLiteral(
-        "allow outgoing UDP to port 1900 and TCP to port 1400, and incoming UDP from the local "
-        "network, in this computer's firewall.");
-}
-
 QString errorText(int error) {
     return QString::fromStdString(std::generic_category().message(error));
-}
-
-QString counted(qsizetype count, const QString& one, const QString& many) {
-    return QString::number(count) + u' ' + (count == 1 ? one : many);
 }
 
 bool isMulticast(const InterfaceSearch::Send& send) {
@@ -48,38 +40,29 @@ bool hasScanned(const SpeakerFacts& facts, const InterfaceInfo& interface) {
                        [&network](const QUrl& url) { return url.host().startsWith(network); });
 }
 
-Finding judgeInterface(const SpeakerFacts& facts, const InterfaceSearch& search) {
+Finding judgeInterface(const SpeakerFacts& facts, const InterfaceSearch& search, AppLanguage language) {
     const QString area = QStringLiteral("network");
     const QString name = search.interface.name + u' ' + search.interface.ip;
     const auto failed = [](const InterfaceSearch::Send& send) { return send.error != 0; };
     const bool nothingSent =
         !search.sends.empty() && std::all_of(search.sends.begin(), search.sends.end(), failed);
     if (nothingSent)
-        return problem(area,
-                       name + QStringLiteral(": this computer refuses the search (") +
-                           errorText(search.sends.back().error) + u')',
-                       firewallCure(), details(search));
+        return problem(
+            area, texts::doctor::searchRefused.in(language, name, errorText(search.sends.back().error)),
+            texts::doctor::openFirewall.in(language), details(search));
     const auto blocked = std::find_if(search.sends.begin(), search.sends.end(),
                                       [&](const auto& send) { return isMulticast(send) && failed(send); });
     if (blocked != search.sends.end())
-        return problem(
-            area,
-            name + QStringLiteral(": multicast is blocked (") + errorText(blocked->error) +
-                QStringLiteral("), broadcast is not"),
-            QStringLiteral(
-                "allow UDP to 239.255.255.250 port 1900 in the firewall, and give 224.0.0.0/4 a route."),
-            details(search));
+        return problem(area,
+                       texts::doctor::multicastRefused.in(language, name, errorText(blocked->error)),
+                       texts::doctor::allowMulticast.in(language), details(search));
     if (search.answers.isEmpty() && hasScanned(facts, search.interface))
-        return problem(
-            area,
-            name + QStringLiteral(": multicast is blocked: players are there but do not answer the search"),
-            QStringLiteral("allow incoming UDP from the local network in this computer's firewall, and let "
-                           "router and access "
-                           "point pass multicast (IGMP snooping, client isolation)."),
-            details(search));
+        return problem(area, texts::doctor::multicastLost.in(language, name),
+                       texts::doctor::passMulticast.in(language), details(search));
     return fine(area,
-                name + QStringLiteral(": searched, ") +
-                    counted(search.answers.size(), QStringLiteral("answer"), QStringLiteral("answers")),
+                search.answers.size() == 1
+                    ? texts::doctor::searchedOne.in(language, name)
+                    : texts::doctor::searched.in(language, name, QString::number(search.answers.size())),
                 details(search));
 }
 
@@ -107,74 +90,75 @@ QJsonObject details(const SpeakerFacts& facts) {
     return {{QStringLiteral("rooms"), rooms}};
 }
 
-QString ways(const SpeakerFacts& facts) {
+QString ways(const SpeakerFacts& facts, AppLanguage language) {
     QMap<QString, int> counts;
     for (const auto& room : facts.rooms) {
         for (const auto& speaker : room.speakers)
             ++counts[wayOf(facts, speaker)];
     }
     QStringList parts;
-    const auto add = [&](const char* way, const QString& text) {
+    const auto add = [&](const char* way, const Text& text) {
         if (const int count = counts.value(QString::fromLatin1(way)))
-            parts.append(QString::number(count) + text);
+            parts.append(text.in(language, count));
     };
-    add("search", QStringLiteral(" by the search"));
-    add("scan", QStringLiteral(" by asking every address"));
-    add("topology", QStringLiteral(" through other players"));
+    add("search", texts::doctor::bySearch);
+    add("scan", texts::doctor::byScan);
+    add("topology", texts::doctor::byTopology);
     return parts.join(QStringLiteral(", "));
 }
 
-QString roomNames(const QList<SonosRoom>& rooms) {
+QString roomNames(const QList<SonosRoom>& rooms, AppLanguage language) {
     constexpr qsizetype named = 6;
     QStringList names;
     for (const auto& room : rooms.first(std::min(rooms.size(), named)))
         names.append(room.name);
     if (rooms.size() > named)
-        names.append(QStringLiteral("and %1 more").arg(rooms.size() - named));
+        names.append(texts::doctor::andMore.in(language, rooms.size() - named));
     return names.join(QStringLiteral(", "));
 }
 
-Finding judgePlayers(const SpeakerFacts& facts) {
+QString roomList(const SpeakerFacts& facts, AppLanguage language) {
+    const auto names = roomNames(facts.rooms, language);
+    const auto found = ways(facts, language);
+    return facts.rooms.size() == 1
+               ? texts::doctor::oneRoom.in(language, names, found)
+               : texts::doctor::rooms.in(language, names, found, QString::number(facts.rooms.size()));
+}
+
+QString foundSoFar(const SpeakerFacts& facts, AppLanguage language) {
+    const auto count = facts.scanned.size();
+    if (count == 0)
+        return texts::doctor::noneSoFar.in(language);
+    return count == 1 ? texts::doctor::onePlayerSoFar.in(language)
+                      : texts::doctor::playersSoFar.in(language, count);
+}
+
+Finding judgePlayers(const SpeakerFacts& facts, AppLanguage language) {
     const QString area = QStringLiteral("players");
-    const bool isUnfinished = facts.state == SpeakerFacts::State::searching;
-    if (!facts.rooms.isEmpty()) {
-        return fine(area,
-                    counted(facts.rooms.size(), QStringLiteral("room"), QStringLiteral("rooms")) +
-                        QStringLiteral(": ") + roomNames(facts.rooms) + QStringLiteral(" (players: ") +
-                        ways(facts) + u')',
-                    details(facts));
-    }
+    if (!facts.rooms.isEmpty())
+        return fine(area, roomList(facts, language), details(facts));
     if (facts.refusedRequests > 0)
-        return problem(
-            area,
-            QStringLiteral("the local network is denied: this computer refuses to ask the players (") +
-                errorText(facts.lastRefusal) + u')',
-            firewallCure(), details(facts));
-    if (isUnfinished)
-        return facts.scanned.isEmpty()
-                   ? fine(area,
-                          QStringLiteral("none found so far; the network is larger than the time for it"),
-                          details(facts))
-                   : fine(area,
-                          counted(facts.scanned.size(), QStringLiteral("player"), QStringLiteral("players")) +
-                              QStringLiteral(" by asking every address; not all were asked in time"),
-                          details(facts));
-    return fine(area, QStringLiteral("none found, which is fine unless you have some"), details(facts));
+        return problem(area, texts::doctor::playersRefused.in(language, errorText(facts.lastRefusal)),
+                       texts::doctor::openFirewall.in(language), details(facts));
+    const bool isUnfinished = facts.state == SpeakerFacts::State::searching;
+    return fine(area,
+                isUnfinished ? foundSoFar(facts, language) : texts::doctor::noPlayers.in(language),
+                details(facts));
 }
 
 } // namespace
 
-Findings judgeSpeakers(const SpeakerFacts& facts) {
+Findings judgeSpeakers(const SpeakerFacts& facts, AppLanguage language) {
+    const QString network = QStringLiteral("network");
     if (facts.state == SpeakerFacts::State::notWanted)
-        return {skipped(QStringLiteral("network"), QStringLiteral("not searched: --no-discovery"))};
+        return {skipped(network, texts::doctor::notSearched.in(language))};
     Findings findings;
     for (const auto& search : facts.searches)
-        findings.push_back(judgeInterface(facts, search));
+        findings.push_back(judgeInterface(facts, search, language));
     if (findings.empty() && facts.state == SpeakerFacts::State::done)
-        findings.push_back(
-            problem(QStringLiteral("network"), QStringLiteral("no network interface is up"),
-                    QStringLiteral("plug in the cable or join a Wi-Fi; players are looked for over IPv4.")));
-    findings.push_back(judgePlayers(facts));
+        findings.push_back(problem(network, texts::doctor::noInterface.in(language),
+                                   texts::doctor::joinNetwork.in(language)));
+    findings.push_back(judgePlayers(facts, language));
     return findings;
 }
 

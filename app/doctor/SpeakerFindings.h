@@ -40,6 +40,6 @@ struct SpeakerFacts {
 };
 
 /// One finding for each interface, then one for the players.
-[[nodiscard]] Findings judgeSpeakers(const SpeakerFacts& facts);
+[[nodiscard]] Findings judgeSpeakers(const SpeakerFacts& facts, AppLanguage language = AppLanguage::en);
 
 } // namespace zofra::doctor

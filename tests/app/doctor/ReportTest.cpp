@@ -78,12 +78,20 @@ TEST(DoctorReport, TellsACureOnce) {
         "4 problems."_qs);
 }
 
+TEST(DoctorReport, SpeaksTheUsersLanguage) {
+    const auto text = toText(reportOf({problem(panel, u"kapot"_qs, u"herstel het."_qs)}), AppLanguage::nl);
+    EXPECT_TRUE(text.contains(u"\nPROBLEEM panel     kapot\n"_qs)) << text.toStdString();
+    EXPECT_TRUE(text.contains(u"Te doen: herstel het.\n"_qs)) << text.toStdString();
+    EXPECT_TRUE(text.endsWith(u"\n1 probleem."_qs)) << text.toStdString();
+}
+
 TEST(DoctorReport, FitsTheScreenWhateverWasFound) {
     const QString word(300, u'x');
     const QString sentence = QString(u"many small words "_qs).repeated(40);
     for (const int columns : {80, 40, 1}) {
         const auto text = toText(
-            reportOf({fine(panel, word), problem(stream, sentence, word), fine(panel, QString())}), columns);
+            reportOf({fine(panel, word), problem(stream, sentence, word), fine(panel, QString())}),
+            AppLanguage::en, columns);
         for (const auto& line : text.split(u'\n'))
             EXPECT_LE(line.size(), std::max(columns, 39)) << line.toStdString();
         EXPECT_EQ(text.count(u'x'), 600) << "nothing is lost";

@@ -28,7 +28,7 @@ protected:
         };
     }
     Findings run() {
-        SpeakerCheck check({session, queue, tasks, network});
+        SpeakerCheck check({session, queue, tasks, network}, AppLanguage::en);
         Findings found;
         check.start([&found](const Findings& findings) { found = findings; });
         tasks.runAll();
@@ -78,7 +78,7 @@ TEST_F(SpeakerCheckTest, NoticesWhatTheSystemRefuses) {
 }
 
 TEST_F(SpeakerCheckTest, EndsBeforeItsSearchDoes) {
-    auto check = std::make_unique<SpeakerCheck>(SpeakerCheck::Outside{session, queue, tasks, network});
+    auto check = std::make_unique<SpeakerCheck>(SpeakerCheck::Outside{session, queue, tasks, network}, AppLanguage::en);
     bool isTold = false;
     check->start([&isTold](const Findings&) { isTold = true; });
     EXPECT_EQ(check->soFar().size(), 1U);
