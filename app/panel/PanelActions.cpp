@@ -114,10 +114,9 @@ bool PanelActions::isLaunchedAtLogin() const {
 void PanelActions::updateLaunchAtLogin(bool enabled) {
     if (m_loginItem.isEnabled() == enabled)
         return;
-    const std::optional<QString> failure =
-        enabled ? m_loginItem.registerItem() : m_loginItem.unregisterItem();
-    if (failure)
-        m_output.writeLine(QStringLiteral("Error changing launch at login status: ") + *failure);
+    const auto done = enabled ? m_loginItem.registerItem() : m_loginItem.unregisterItem();
+    if (!done)
+        m_output.writeLine(QStringLiteral("Error changing launch at login status: ") + done.error());
 }
 
 } // namespace zofra

@@ -51,13 +51,13 @@ bool XdgLoginItem::isEnabled() const {
     return values.contains(QStringLiteral("Exec")) && (program.isEmpty() || canBeRun(program));
 }
 
-std::optional<QString> XdgLoginItem::registerItem() {
+Result<void> XdgLoginItem::registerItem() {
     const auto path = filePath();
     if (!QDir().mkpath(QFileInfo(path).path()))
-        return QFileInfo(path).path() + QStringLiteral(": cannot be made");
+        return failure(QFileInfo(path).path() + QStringLiteral(": cannot be made"));
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
-        return path + QStringLiteral(": ") + file.errorString();
+        return failure(path + QStringLiteral(": ") + file.errorString());
     const auto text = QStringLiteral("[Desktop Entry]\n"
                                      "Type=Application\n"
                                      "Version=1.0\n"
@@ -71,16 +71,16 @@ std::optional<QString> XdgLoginItem::registerItem() {
                                      "X-GNOME-Autostart-enabled=true\n");
     file.write(text.toUtf8());
     if (!file.commit())
-        return path + QStringLiteral(": ") + file.errorString();
-    return std::nullopt;
+        return failure(path + QStringLiteral(": ") + file.errorString());
+    return {};
 }
 
-std::optional<QString> XdgLoginItem::unregisterItem() {
+Result<void> XdgLoginItem::unregisterItem() {
     QFile file(filePath());
     const bool isThere = file.exists() || QFileInfo(file).isSymLink();
     if (isThere && !file.remove())
-        return file.fileName() + QStringLiteral(": ") + file.errorString();
-    return std::nullopt;
+        return failure(file.fileName() + QStringLiteral(": ") + file.errorString());
+    return {};
 }
 
 } // namespace zofra

@@ -21,8 +21,8 @@ public:
     /// False also for a file that desktops pass over: one that says Hidden or that a settings dialog has
     /// switched off, or whose program is gone.
     [[nodiscard]] bool isEnabled() const override;
-    [[nodiscard]] std::optional<QString> registerItem() override;
-    [[nodiscard]] std::optional<QString> unregisterItem() override;
+    [[nodiscard]] Result<void> registerItem() override;
+    [[nodiscard]] Result<void> unregisterItem() override;
 
 private:
     QString m_program;

@@ -35,8 +35,8 @@ public:
         ++reads;
         return enabled;
     }
-    std::optional<QString> registerItem() override { return change(true, QStringLiteral("register")); }
-    std::optional<QString> unregisterItem() override { return change(false, QStringLiteral("unregister")); }
+    Result<void> registerItem() override { return change(true, QStringLiteral("register")); }
+    Result<void> unregisterItem() override { return change(false, QStringLiteral("unregister")); }
 
     bool enabled = false;
     std::optional<QString> failure;
@@ -44,11 +44,12 @@ public:
     mutable int reads = 0;
 
 private:
-    std::optional<QString> change(bool goal, const QString& call) {
+    Result<void> change(bool goal, const QString& call) {
         calls << call;
-        if (!failure)
-            enabled = goal;
-        return failure;
+        if (failure)
+            return zofra::failure(*failure);
+        enabled = goal;
+        return {};
     }
 };
 
