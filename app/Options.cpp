@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Options.h"
 
+#include "platform/ForeignText.h"
+#include "stations/texts/CommandTexts.h"
+
 namespace zofra {
 
 namespace {
@@ -15,16 +18,17 @@ QString stationList() {
 /// Reads one argument after the other; `refusal` is set once something is wrong.
 class Reader {
 public:
-    explicit Reader(const QStringList& arguments)
-        : m_arguments(arguments) {}
+    Reader(const QStringList& arguments, AppLanguage language)
+        : m_arguments(arguments)
+        , m_language(language) {}
 
-    std::variant<Options, QString> read() {
+    Result<Options> read() {
         while (m_next < m_arguments.size() && m_refusal.isEmpty())
             readOne();
         if (m_refusal.isEmpty())
             check();
         if (!m_refusal.isEmpty())
-            return m_refusal;
+            return failure(m_refusal);
         return m_options;
     }
 
@@ -44,9 +48,9 @@ private:
         else if (name == QLatin1String("--endpoints"))
             m_options.endpointsFile = required(name, value);
         else if (!readFlag(name))
-            refuse(QStringLiteral("unknown option %1 (see --help)").arg(name));
+            refuse(texts::command::unknownOption, name);
         else if (value)
-            refuse(QStringLiteral("%1 takes no value").arg(name));
+            refuse(texts::command::takesNoValue, name);
     }
 
     bool readFlag(const QString& name) {
@@ -79,7 +83,7 @@ private:
             return;
         m_options.station = stationNamed(*value);
         if (!m_options.station)
-            refuse(QStringLiteral("--play: no station \"%1\"; there are %2").arg(*value, stationList()));
+            refuse(texts::command::noSuchStation, QStringLiteral("--play"), *value, stationList());
     }
 
     QString required(const QString& name, const std::optional<QString>& value) {
@@ -87,7 +91,7 @@ private:
         if (!value && m_next < m_arguments.size() && !m_arguments.at(m_next).startsWith(QLatin1String("--")))
             text = m_arguments.at(m_next++);
         if (text.isEmpty())
-            refuse(QStringLiteral("%1 needs a value").arg(name));
+            refuse(texts::command::needsValue, name);
         return text;
     }
 
@@ -95,7 +99,9 @@ private:
         if (m_options.task == Options::Task::run || task == Options::Task::help)
             m_options.task = task;
         else if (m_options.task != task && m_options.task != Options::Task::help)
-            refuse(QStringLiteral("only one of --version, --status, --doctor and --quit can be asked for"));
+            refuse(texts::command::onlyOneOf, list({QStringLiteral("--version"), QStringLiteral("--status"),
+                                                    QStringLiteral("--doctor"), QStringLiteral("--quit")},
+                                                   texts::command::and_));
     }
 
     void check() {
@@ -106,22 +112,34 @@ private:
         else if (m_isJson && task == Task::doctor)
             task = Task::doctorJson;
         else if (m_isJson && task != Task::help)
-            refuse(QStringLiteral("--json goes with --status or --doctor"));
+            refuse(texts::command::goesWith, QStringLiteral("--json"),
+                   list({QStringLiteral("--status"), QStringLiteral("--doctor")}, texts::command::or_));
         const bool acts = m_options.play || m_options.output;
         if ((task == Task::doctor || task == Task::doctorJson) && acts)
-            refuse(
-                QStringLiteral("--doctor goes with --json, --endpoints, --no-discovery and --headless only"));
+            refuse(texts::command::goesOnlyWith, QStringLiteral("--doctor"),
+                   list({QStringLiteral("--json"), QStringLiteral("--endpoints"),
+                         QStringLiteral("--no-discovery"), QStringLiteral("--headless")},
+                        texts::command::and_));
         if ((task == Task::status || task == Task::statusJson || task == Task::quit) &&
             (acts || !m_options.firstStartOnly().isEmpty()))
-            refuse(QStringLiteral("--status and --quit go with no other option"));
+            refuse(texts::command::goesWithNothing,
+                   list({QStringLiteral("--status"), QStringLiteral("--quit")}, texts::command::and_));
     }
 
-    void refuse(const QString& why) {
+    /// "a, b and c".
+    [[nodiscard]] QString list(const QStringList& names, const Text& joint) const {
+        const auto most = names.first(names.size() - 1).join(QStringLiteral(", "));
+        return joint.in(m_language, most, names.last());
+    }
+
+    template<typename... Values>
+    void refuse(const Text& why, const Values&... values) {
         if (m_refusal.isEmpty())
-            m_refusal = why;
+            m_refusal = visibleText(why.in(m_language, values...));
     }
 
     const QStringList& m_arguments;
+    const AppLanguage m_language;
     qsizetype m_next = 0;
     Options m_options;
     bool m_isJson = false;
@@ -141,8 +159,8 @@ QStringList Options::firstStartOnly() const {
     return names;
 }
 
-std::variant<Options, QString> parseOptions(const QStringList& arguments) {
-    return Reader(arguments).read();
+Result<Options> parseOptions(const QStringList& arguments, AppLanguage language) {
+    return Reader(arguments, language).read();
 }
 
 std::optional<RadioStation> stationNamed(const QString& text) {

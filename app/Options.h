@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/Result.h"
+#include "stations/AppLanguage.h"
 #include "stations/RadioStation.h"
 
 #include <QString>
 #include <QStringList>
 
 #include <optional>
-#include <variant>
 
 namespace zofra {
 
@@ -30,9 +31,9 @@ struct Options {
     [[nodiscard]] QStringList firstStartOnly() const;
 };
 
-/// Reads the arguments (without the program's name), or answers the one line that says what is wrong with
-/// them.
-[[nodiscard]] std::variant<Options, QString> parseOptions(const QStringList& arguments);
+/// Reads the arguments (without the program's name), or answers in `language` the one line that says what is
+/// wrong with them.
+[[nodiscard]] Result<Options> parseOptions(const QStringList& arguments, AppLanguage language);
 
 /// The station that `text` names: a raw value, or a display name or the beginning of just one, case not
 /// counting.

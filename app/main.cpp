@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/AppDelegate.h"
+#include "app/CommandLanguage.h"
 #include "app/DisplayProbe.h"
 #include "app/Options.h"
 #include "app/RemoteOptions.h"
@@ -9,6 +10,7 @@
 #include "platform/linux/Allocator.h"
 #include "platform/linux/XdgFolders.h"
 #include "platform/linux/x11/XServer.h"
+#include "stations/texts/CommandTexts.h"
 
 #include <QApplication>
 #include <QDBusConnectionInterface>
@@ -32,6 +34,10 @@ int refuse(ExitStatus status, const QString& line) {
     return status;
 }
 
+int refuse(ExitStatus status, const Text& text) {
+    return refuse(status, text.in(commandLanguage()));
+}
+
 int print(const QString& text) {
     std::printf("%s\n", qUtf8Printable(text));
     return std::fflush(stdout) == 0 ? fine : failed;
@@ -45,7 +51,7 @@ QString version() {
 int printStatus(const QDBusConnection& bus, Options::Task task) {
     const auto json = RunningApplication(bus).status();
     if (!json)
-        return refuse(failed, QStringLiteral("the program is not running"));
+        return refuse(failed, texts::command::notRunning);
     if (task == Options::Task::statusJson)
         return print(*json);
     return print(statusLines(QJsonDocument::fromJson(json->toUtf8()).object()));
@@ -64,11 +70,11 @@ bool waitForTheEnd(const QDBusConnection& bus) {
 
 int quitRunning(const QDBusConnection& bus, const QVariantMap& request) {
     if (!isRunning(bus))
-        return refuse(failed, QStringLiteral("the program is not running"));
+        return refuse(failed, texts::command::notRunning);
     // The answer may be lost when the program leaves as quickly as it should: that it has left is what
     // counts.
     static_cast<void>(RunningApplication(bus).run(request));
-    return waitForTheEnd(bus) ? fine : refuse(failed, QStringLiteral("the running program does not answer"));
+    return waitForTheEnd(bus) ? fine : refuse(failed, texts::command::noAnswer);
 }
 
 int handOver(const QDBusConnection& bus, const Options& options, const Activation& activation = {}) {
@@ -77,12 +83,10 @@ int handOver(const QDBusConnection& bus, const Options& options, const Activatio
     if (options.task == Options::Task::quit)
         return quitRunning(bus, map);
     if (map.isEmpty())
-        return running.activate(activation)
-                   ? fine
-                   : refuse(failed, QStringLiteral("the running program does not answer"));
+        return running.activate(activation) ? fine : refuse(failed, texts::command::noAnswer);
     const auto reply = running.run(map);
     if (!reply)
-        return refuse(failed, QStringLiteral("the running program does not answer"));
+        return refuse(failed, texts::command::noAnswer);
     if (!reply->line.isEmpty())
         std::fprintf(stderr, "zofrazofra: %s\n", qUtf8Printable(reply->line));
     return reply->exitStatus;
@@ -91,7 +95,7 @@ int handOver(const QDBusConnection& bus, const Options& options, const Activatio
 /// Asks the running program for something, without becoming one.
 int askRunning(const std::optional<QDBusConnection>& bus, const Options& options) {
     if (!bus)
-        return refuse(failed, QStringLiteral("there is no session bus to find the running program on"));
+        return refuse(failed, texts::command::noBus);
     if (options.task == Options::Task::quit)
         return handOver(*bus, options);
     return printStatus(*bus, options.task);
@@ -114,8 +118,7 @@ int start(const Options& options, bool hasDisplay, const Activation& activation)
     if (!hosts)
         return refuse(misused, hosts.error());
     if (!hasDisplay && !options.headless)
-        return refuse(failed,
-                      QStringLiteral("there is no display to show the status item on (try --headless)"));
+        return refuse(failed, texts::command::noDisplay);
 
     neverWaitForReaders();
     auto& program = *new ZofraMenuBarApp(
@@ -151,10 +154,10 @@ int main(int argc, char** argv) {
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
-    const auto parsed = parseOptions(arguments);
-    if (const auto* refusal = std::get_if<QString>(&parsed))
-        return refuse(misused, *refusal);
-    const auto& options = std::get<Options>(parsed);
+    const auto parsed = parseOptions(arguments, commandLanguage());
+    if (!parsed)
+        return refuse(misused, parsed.error());
+    const auto& options = *parsed;
     if (options.task == Options::Task::help)
         return print(helpText());
     if (options.task == Options::Task::version)

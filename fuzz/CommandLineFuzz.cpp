@@ -10,14 +10,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     QStringList arguments;
     while (!input.isEmpty() && arguments.size() < 64)
         arguments << input.text();
-    const auto parsed = parseOptions(arguments);
-    if (const auto* mistake = std::get_if<QString>(&parsed)) {
+    const auto parsed = parseOptions(arguments, AppLanguage::en);
+    if (!parsed) {
         // One line that a person can read.
-        fuzz::require(!mistake->isEmpty() && !mistake->contains(u'\n'));
+        fuzz::require(!parsed.error().isEmpty() && !parsed.error().contains(u'\n'));
         return 0;
     }
     // What a second start hands over is what the running program takes.
-    const auto& options = std::get<Options>(parsed);
+    const auto& options = *parsed;
     const auto sent = toVariantMap(options);
     const auto taken = fromVariantMap(sent);
     const auto* same = std::get_if<Options>(&taken);

@@ -9,23 +9,26 @@ namespace zofra {
 namespace {
 
 Options parsed(const QStringList& arguments) {
-    const auto result = parseOptions(arguments);
-    if (const auto* refusal = std::get_if<QString>(&result)) {
-        ADD_FAILURE() << refusal->toStdString();
-        return {};
-    }
-    return std::get<Options>(result);
+    const auto result = parseOptions(arguments, AppLanguage::en);
+    EXPECT_TRUE(result) << (result ? "" : result.error().toStdString());
+    return result.value_or(Options());
 }
 
 QString refused(const QStringList& arguments) {
-    const auto result = parseOptions(arguments);
-    const auto* refusal = std::get_if<QString>(&result);
-    if (!refusal) {
+    const auto result = parseOptions(arguments, AppLanguage::en);
+    if (result) {
         ADD_FAILURE() << "accepted: " << arguments.join(u' ').toStdString();
         return {};
     }
-    EXPECT_FALSE(refusal->contains(u'\n')) << "one line";
-    return *refusal;
+    EXPECT_FALSE(result.error().contains(u'\n')) << "one line";
+    return result.error();
+}
+
+TEST(Options, AreRefusedInTheUsersLanguage) {
+    EXPECT_EQ(parseOptions({u"--loud"_qs}, AppLanguage::nl).error(),
+              u"onbekende optie --loud (zie --help)"_qs);
+    EXPECT_EQ(parseOptions({u"--json"_qs}, AppLanguage::fr).error(),
+              u"--json va avec --status ou --doctor"_qs);
 }
 
 TEST(Options, NoneIsAPlainStart) {
