@@ -81,6 +81,53 @@ def test_what_makes_no_sense_counts_as_nothing(radio, content):
     assert radio.quit() == 0 and told(radio) == []
 
 
+def replace(path, kind):
+    """Something in the place of a file that is none."""
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    if kind == "pipe":
+        os.mkfifo(path)
+    elif kind == "device":
+        os.symlink("/dev/zero", path)
+    else:
+        os.mkdir(path)
+
+
+@pytest.mark.parametrize("kind", ["pipe", "device", "folder"])
+def test_only_a_file_is_read_as_settings(radio, kind):
+    replace(radio.settings_path, kind)
+    radio.start()
+    assert radio.ask("--play", "joe").returncode == 0
+    radio.wait_status(30, station="joe")
+    said = "Is a directory" if kind == "folder" else "Not a regular file"
+    wait_until(lambda: told(radio) == [f"zofrazofra: Settings cannot be read from {radio.settings_path}: {said}; "
+                                       "nothing stored there is used or changed"], 30, "one line about the settings")
+    radio.process.send_signal(signal.SIGTERM)
+    assert radio.wait_end(30) == 0
+
+
+@pytest.mark.parametrize("kind", ["pipe", "device", "folder"])
+def test_only_a_file_is_read_as_endpoints(radio, tmp_path, kind):
+    path = str(tmp_path / "endpoints.ini")
+    replace(path, kind)
+    radio.start(endpoints=path, wait=False)
+    assert radio.wait_end(20) == 2
+    said = "Is a directory" if kind == "folder" else "Not a regular file"
+    assert [line.text for line in radio.errors] == [f"zofrazofra: {path}: cannot be read: {said}"]
+
+
+def test_a_file_grown_beyond_reason_keeps_its_other_keys(radio):
+    rooms = b'cached_sonos_rooms=["' + b"x" * (23 << 20) + b'"]\n'
+    write(radio, b"[General]\nzofra_selected_station=joe\n" + rooms + b"zofra_radio_volume=0.25\napp_language=nl\n")
+    radio.start()
+    status = radio.status()
+    assert (status["station"], status["volume"], status["language"]) == ("joe", 0.25, "nl")
+    assert radio.ask("--play", "qmusic").returncode == 0
+    wait_until(lambda: len(read(radio.settings_path)) < 1000, 30, "the file without the endless line")
+    assert read(radio.settings_path) == (b"[General]\nzofra_selected_station=qmusic\nzofra_radio_volume=0.25\n"
+                                         b"app_language=nl\n")
+    assert radio.quit() == 0
+
+
 @pytest.fixture
 def users_radio(plain_user, binary, lab, session, sound_server, display, radios):  # noqa: F811
     """The program of an ordinary user, who has no bus here."""

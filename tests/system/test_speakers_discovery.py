@@ -58,6 +58,13 @@ def test_log_lines_of_a_run(radio, rooms, house, system_log):
     assert {entry.program for entry in system_log.entries} == {"zofrazofra"}
 
 
+def test_a_log_that_hangs_holds_nothing_up(radio, house, system_log):
+    system_log.hang()
+    radio.start(discovery=True)
+    wait_until(lambda: len(radio.status()["rooms"]) == 7, 30, "the rooms, though nobody takes a line of the log")
+    assert radio.quit() == 0
+
+
 def test_with_search_silenced_the_subnet_scan_finds_the_same(radio, rooms, house, system_log):
     house.ssdp(silent=True)
     radio.start(discovery=True)

@@ -92,6 +92,20 @@ class SystemLog:
         except TimeoutError as error:
             raise AssertionError(f"{error}; there were {self.texts(since)}") from None
 
+    def hang(self) -> None:
+        """From now on, and before anybody speaks, nobody reads, and the queue is full."""
+        self.close()
+        os.unlink(self._path)
+        self._socket = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+        self._socket.bind(self._path)
+        with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as filler:
+            filler.setblocking(False)
+            try:
+                for _ in range(100_000):
+                    filler.sendto(b"<13>filler: x", self._path)
+            except BlockingIOError:
+                pass
+
     def close(self) -> None:
         self._socket.shutdown(socket.SHUT_RDWR)
         self._reader.join(2)
