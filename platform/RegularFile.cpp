@@ -7,9 +7,17 @@
 
 namespace zofra {
 
+namespace {
+
+std::filesystem::path nameOf(const QString& path) {
+    return QFile::encodeName(path).toStdString();
+}
+
+} // namespace
+
 Result<std::optional<QByteArray>> readRegularFile(const QString& path, qint64 maxBytes) {
     std::error_code error;
-    const auto status = std::filesystem::status(QFile::encodeName(path).toStdString(), error);
+    const auto status = std::filesystem::status(nameOf(path), error);
     if (error == std::errc::no_such_file_or_directory)
         return std::nullopt;
     if (error)
@@ -25,6 +33,11 @@ Result<std::optional<QByteArray>> readRegularFile(const QString& path, qint64 ma
     if (file.error() != QFileDevice::NoError)
         return failure(file.errorString());
     return bytes;
+}
+
+bool isLink(const QString& path) {
+    std::error_code error;
+    return std::filesystem::is_symlink(nameOf(path), error);
 }
 
 } // namespace zofra

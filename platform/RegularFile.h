@@ -14,4 +14,7 @@ namespace zofra {
 /// own. Callable from any thread.
 [[nodiscard]] Result<std::optional<QByteArray>> readRegularFile(const QString& path, qint64 maxBytes);
 
+/// Whether `path` is a link, wherever it leads.
+[[nodiscard]] bool isLink(const QString& path);
+
 } // namespace zofra

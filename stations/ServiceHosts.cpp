@@ -5,8 +5,6 @@
 #include "platform/RegularFile.h"
 #include "stations/EndpointsFile.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QSet>
 
 #include <initializer_list>
@@ -74,17 +72,12 @@ tl::unexpected<QString> refusal(const QString& file, const endpoints::Mistake& m
 std::optional<QString> mistakeInAuthorityFile(const QString& path) {
     if (path.isEmpty())
         return QStringLiteral("is empty");
-    const QFileInfo info(path);
-    if (!info.isAbsolute())
+    if (!path.startsWith(u'/'))
         return QStringLiteral("is no absolute path");
-    if (!info.exists())
-        return QStringLiteral("no such file");
-    if (!info.isFile())
-        return QStringLiteral("is no file");
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return QStringLiteral("cannot be read: ") + file.errorString();
-    return std::nullopt;
+    const auto file = readRegularFile(path, 1);
+    if (!file)
+        return QStringLiteral("cannot be read: ") + file.error();
+    return *file ? std::nullopt : std::optional(QStringLiteral("no such file"));
 }
 
 std::optional<QString> mistakeInEntry(const endpoints::Entry& entry) {
@@ -136,7 +129,7 @@ Result<void> ServiceHosts::overlay(const QString& path, MissingFile missing) {
         return refusal(path, {.reason = QStringLiteral("cannot be read: ") + bytes.error()});
     if (!*bytes) {
         // A link that leads nowhere was meant to be read.
-        if (missing == MissingFile::isFine && !QFileInfo(path).isSymLink())
+        if (missing == MissingFile::isFine && !isLink(path))
             return {};
         return refusal(path, {.reason = QStringLiteral("no such file")});
     }

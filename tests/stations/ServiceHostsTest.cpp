@@ -127,7 +127,8 @@ TEST_F(ServiceHostsTest, refusesWithFileKeyValueAndReason) {
               QStringLiteral("FILE:2: extra_ca = /nowhere/ca.pem: no such file"));
     EXPECT_EQ(refusalOf("[tls]\nextra_ca=ca.pem\n"),
               QStringLiteral("FILE:2: extra_ca = ca.pem: is no absolute path"));
-    EXPECT_EQ(refusalOf("[tls]\nextra_ca=/\n"), QStringLiteral("FILE:2: extra_ca = /: is no file"));
+    EXPECT_EQ(refusalOf("[tls]\nextra_ca=/\n"),
+              QStringLiteral("FILE:2: extra_ca = /: cannot be read: Is a directory"));
     EXPECT_EQ(refusalOf("[tls]\nextra_ca=\n"), QStringLiteral("FILE:2: extra_ca: is empty"));
 }
 
