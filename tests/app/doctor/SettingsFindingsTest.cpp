@@ -65,7 +65,7 @@ TEST_F(DoctorSettings, AreAProblemWhenTheyCannotBeReadOrWritten) {
     EXPECT_TRUE(judged().cure.contains(u"chmod"_qs));
     ASSERT_TRUE(QFile::remove(path));
     ASSERT_TRUE(QDir().mkpath(path));
-    EXPECT_TRUE(judged().text.contains(u"cannot be read: it is no file"_qs));
+    EXPECT_TRUE(judged().text.contains(u"cannot be read: Is a directory"_qs));
 }
 
 TEST_F(DoctorSettings, AreAProblemOnAFullDisk) {
