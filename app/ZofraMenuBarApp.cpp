@@ -57,10 +57,6 @@ std::optional<RadioStation> stationOfAction(const QString& action) {
     return RadioStation::fromRawValue(action.mid(prefix.size()).replace(QLatin1Char('-'), QLatin1Char('_')));
 }
 
-void writeError(const QString& line) {
-    std::fprintf(stderr, "zofrazofra: %s\n", qUtf8Printable(line));
-}
-
 } // namespace
 
 /// The program as the desktop sees it, and its end: once the speakers have heard that they shall stop and the
@@ -177,7 +173,7 @@ int ZofraMenuBarApp::run() {
     m_delegate->applicationDidFinishLaunching();
     m_commands = std::make_unique<CommandRunner>(CommandRunner::Environment{
         *m_delegate, RadioPlayer::shared(), SonosManager::shared(), m_mainQueue, *m_changes});
-    m_commands->runAtStart(m_configuration.options, writeError);
+    m_commands->runAtStart(m_configuration.options, writeErrorLine);
     m_changes->touch();
     m_mainQueue.asyncAfter(startupSettled, [this] { settle(); });
     const int status = QCoreApplication::exec();
@@ -355,7 +351,7 @@ void ZofraMenuBarApp::finish() {
     writeChangeLines();
     // What was chosen last must not be lost; the files are small.
     if (!m_defaults.flush(settingsLimit))
-        writeError(QStringLiteral("not every setting could be kept"));
+        writeErrorLine(QStringLiteral("not every setting could be kept"));
 }
 
 } // namespace zofra
