@@ -8,7 +8,6 @@
 #include <QCoreApplication>
 #include <QJsonDocument>
 
-#include <cstdio>
 #include <utility>
 
 namespace zofra {
