@@ -26,8 +26,8 @@ Result<void> makeFolder(const QString& folder) {
         if (auto made = makeFolder(info.path()); !made)
             return made;
     }
-    if (!QDir().mkdir(folder, ownerOnly | QFileDevice::ExeOwner) && !info.isDir())
-        return failure(folder + QStringLiteral(" cannot be made"));
+    if (!QDir().mkdir(folder, ownerOnly | QFileDevice::ExeOwner) && !QFileInfo::exists(folder))
+        return failure(qt_error_string(errno));
     return {};
 }
 
@@ -45,9 +45,8 @@ Result<void> save(const QString& path, const QByteArray& bytes) {
         return failure(file.errorString());
     if (!present.exists())
         file.setPermissions(ownerOnly);
-    if (file.write(bytes) < 0 || !file.flush())
-        return failure(file.errorString());
-    if (::fsync(file.handle()) != 0)
+    // The system's own words: the toolkit has none where a part was written.
+    if (file.write(bytes) < 0 || !file.flush() || ::fsync(file.handle()) != 0)
         return failure(qt_error_string(errno));
     return file.commit() ? Result<void>() : failure(file.errorString());
 }
