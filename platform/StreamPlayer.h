@@ -3,6 +3,7 @@
 
 #include "platform/Observable.h"
 
+#include <QString>
 #include <QUrl>
 
 #include <functional>
@@ -13,13 +14,16 @@ namespace zofra {
 /// What a stream player is doing.
 enum class TimeControlStatus { paused, waitingToPlayAtSpecifiedRate, playing };
 
-/// One stream to be played: its address, and what can happen to it. Main thread only.
+/// One stream to be played: its address, what it is called, and what can happen to it. Main thread only.
 class StreamItem {
 public:
-    explicit StreamItem(QUrl address)
-        : url(std::move(address)) {}
+    explicit StreamItem(QUrl address, QString name = {})
+        : url(std::move(address))
+        , title(std::move(name)) {}
 
     const QUrl url;
+    /// As a volume mixer shows it.
+    const QString title;
     /// The data ran dry while playing; told once per stall.
     ObserverList<> playbackStalled;
     /// The stream could not be opened, broke, or ended (a live stream that ends has failed).

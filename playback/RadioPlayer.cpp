@@ -93,7 +93,7 @@ void RadioPlayer::updateNowPlayingInfo(const QString& title, const std::optional
 }
 
 void RadioPlayer::setupPlayer(const QUrl& url) {
-    playerItem = std::make_shared<StreamItem>(url);
+    playerItem = std::make_shared<StreamItem>(url, currentStation.get().displayName());
     // The previous player falls silent here, before the new one opens anything.
     player = m_environment.streamPlayers.makePlayer(playerItem);
     player->setVolume(volume);

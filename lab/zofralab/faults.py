@@ -9,7 +9,7 @@ from . import addresses
 from .ca import Authority
 
 HTML = b"<!DOCTYPE html><html><head><title>Hotel Wi-Fi</title></head><body><p>Please log in.</p></body></html>"
-KINDS = ("healthy", "silent", "html", "status", "redirect", "loop", "empty", "garbage", "short", "trickle")
+KINDS = ("healthy", "silent", "html", "status", "redirect", "loop", "empty", "garbage", "flood", "short", "trickle")
 CERTIFICATES = ("good", "foreign", "expired", "wrong_name", "self_signed")
 
 
@@ -139,6 +139,25 @@ class FaultServer:
             writer.write(os.urandom(4096))
             await writer.drain()
             await asyncio.sleep(0.25)
+
+    async def _flood(self, head, _reader, writer):
+        """What is no sound, as fast as it is taken: `what` is `nonsense` or the kind of a frame in a tag that claims 2^28
+        bytes; after `bytes` of real sound."""
+        back_reader, back_writer = await asyncio.open_connection("127.0.0.1", self._plain_backend)
+        try:
+            back_writer.write(head)
+            writer.write(await back_reader.readuntil(b"\r\n\r\n"))
+            for _ in range(self._options.get("bytes", 0) // 4096):
+                writer.write(await back_reader.readexactly(4096))
+        finally:
+            back_writer.close()
+        what = self._options.get("what", "nonsense")
+        if what != "nonsense":
+            frame = {"text": b"TXXX", "picture": b"APIC", "unknown": b"XYZW"}[what]
+            writer.write(b"ID3\x04\0\0" + b"\x7f" * 4 + frame + b"\x7f\x7f\x7f\x75\0\0")
+        while True:
+            writer.write(b"x" * 65536)
+            await writer.drain()
 
     async def _redirect(self, head, _reader, writer):
         """`hops` redirects to ourselves, the last one to where the stream really is (`scheme` http or https)."""

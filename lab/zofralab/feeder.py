@@ -16,7 +16,8 @@ import time
 from . import loops as loop_files
 from .process import die_with_parent
 
-TICK = 0.2
+#: As often as encoders send: a listener who comes waits for what the server gets next.
+TICK = 0.05
 CONTENT_TYPE = {"aac": "audio/aac", "mp3": "audio/mpeg"}
 #: Frames that a fresh mount sends at once, so that its first listener gets a full burst.
 HEAD_START = 3.0

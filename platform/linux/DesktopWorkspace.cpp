@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/DesktopWorkspace.h"
 
+#include "platform/linux/OwnEnvironment.h"
 #include "platform/linux/XdgFolders.h"
 
 #include <QDBusMessage>
@@ -21,6 +22,7 @@ bool startDetached(const QString& program, const QStringList& arguments) {
     QProcess process;
     process.setProgram(program);
     process.setArguments(arguments);
+    process.setProcessEnvironment(OwnEnvironment::forOthers());
     // Standard output is ours: what others say there would look like our own lines.
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());

@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """A station is heard; play, stop, stations and volume do what they say."""
 
+import json
+import subprocess
 import time
 
 import pytest
@@ -141,6 +143,18 @@ def test_an_unknown_station_in_the_settings_means_zofra(make_radio):
     radio.write_settings(zofra_selected_station="Zofra")
     radio.start()
     assert radio.status()["station"] == "zofra"
+
+
+def test_the_volume_mixer_shows_the_program_the_station_and_the_icon(radio, ears, sound_server):
+    radio.start("--play", "qmusic")
+    ears.wait_for(("qmusic", "aac"), 10)
+    shown = subprocess.run(["pactl", "--format=json", "list", "sink-inputs"], env=sound_server.environment,
+                           capture_output=True, text=True, check=True)
+    properties = next(one["properties"] for one in json.loads(shown.stdout)
+                      if one["properties"].get("application.process.id") == str(radio.pid))
+    assert properties["application.name"] == "Zofra Zofra"
+    assert properties["media.name"] == "Qmusic"
+    assert properties["media.icon_name"] == properties["application.icon_name"] == "be.zofra.ZofraZofra"
 
 
 def test_quitting_while_playing_ends_the_sound_at_once(radio, ears):

@@ -156,6 +156,19 @@ def test_garbage_is_no_sound_and_the_fallback_is_heard(radio, ears, lab):
 
 
 @pytest.mark.slow
+@pytest.mark.parametrize("played", [0, 60_000], ids=["from_the_start", "after_sound"])
+@pytest.mark.parametrize("what", ["nonsense", "text", "picture", "unknown"])
+def test_a_flood_that_is_no_sound_costs_no_memory_and_is_left_for_the_fallback(radio, ears, lab, what, played):
+    lab.icecast.fault(**ZOFRA, kind="flood", what=what, bytes=played)
+    radio.start("--play")
+    radio.wait_line(FALLBACK, 30)
+    ears.wait_for(MP3, 15, radio.started_at)
+    received = max(c["sent"] for c in lab.icecast.connections(station="zofra", codec="aac"))
+    assert received < 8_000_000 + played, "what was read ahead"
+    # Below what any stream makes mpv take for a moment, and far below what the flood made it take.
+    assert radio.peak_memory() < 100_000
+
+
 def test_a_stall_of_five_seconds_is_bridged_or_shown_and_ends_on_the_same_stream(radio, ears, lab):
     began = playing(radio, ears)
     ears.wait_recorded(began + 2)

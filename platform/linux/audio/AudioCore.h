@@ -29,6 +29,8 @@ public:
     virtual void setPaused(Pause pause) = 0;
     /// Linear amplitude, 0 to 1.
     virtual void setVolume(float volume) = 0;
+    /// What is said to sound, for the desktop's volume mixer.
+    virtual void setTitle(const QString& title) = 0;
 };
 
 /// Makes a core that tells `report`, on one line, why it cannot play at all. `report` outlives it. Main

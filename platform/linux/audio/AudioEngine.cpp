@@ -5,6 +5,12 @@
 
 namespace zofra {
 
+namespace {
+
+constexpr std::chrono::minutes leastBetweenReports{1};
+
+} // namespace
+
 AudioEngine::AudioEngine(MainQueue& queue, SystemLog& log, ReconnectPacing::SteadyClock clock,
                          ReconnectPacing::RandomFraction random, AudioCoreMaker makeCore)
     : mainQueue(queue)
@@ -31,10 +37,16 @@ void AudioEngine::tryNow() {
 }
 
 void AudioEngine::report(const QString& reason) {
-    if (m_reported.contains(reason))
+    const auto earlier = m_reports.constFind(reason);
+    if (earlier != m_reports.cend() && (!earlier->isNews || m_clock() - earlier->at < leastBetweenReports))
         return;
-    m_reported.insert(reason);
+    m_reports.insert(reason, {m_clock(), false});
     m_log.log(reason);
+}
+
+void AudioEngine::worksAgain() {
+    for (auto& report : m_reports)
+        report.isNews = true;
 }
 
 } // namespace zofra

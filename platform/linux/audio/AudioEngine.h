@@ -7,7 +7,7 @@
 #include "platform/linux/audio/AudioCore.h"
 #include "platform/linux/audio/ReconnectPacing.h"
 
-#include <QSet>
+#include <QHash>
 
 #include <memory>
 
@@ -29,11 +29,11 @@ public:
     /// The network has changed or the computer has woken: every player that waits opens its stream at once.
     void tryNow();
 
-    /// Writes `reason` to the system's log, once until `worksAgain`: a fault that lasts is not a line every
-    /// ten seconds.
+    /// Writes `reason` to the system's log, once until `worksAgain` and at most once a minute: neither a
+    /// fault that lasts nor one that comes and goes fills it.
     void report(const QString& reason);
     /// A stream sounds: the next fault is news again.
-    void worksAgain() { m_reported.clear(); }
+    void worksAgain();
 
     [[nodiscard]] ReconnectPacing::Milliseconds now() const { return m_clock(); }
 
@@ -47,7 +47,11 @@ private:
     ReconnectPacing::SteadyClock m_clock;
     AudioCoreMaker m_makeCore;
     std::unique_ptr<AudioCore> m_spare;
-    QSet<QString> m_reported;
+    struct Report {
+        ReconnectPacing::Milliseconds at{0};
+        bool isNews = false;
+    };
+    QHash<QString, Report> m_reports;
 };
 
 } // namespace zofra

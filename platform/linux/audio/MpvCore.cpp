@@ -44,10 +44,10 @@ void MpvCore::load(const QUrl& url, EventHandler handler) {
     m_url = url;
     m_handler = std::move(handler);
     m_entry.reset();
-    if (m_handle)
-        startLoading();
-    else
-        makeHandle();
+    ++m_lastCommand;
+    m_isLoadDue = true;
+    m_isPrepareDue = true;
+    applySoon();
 }
 
 void MpvCore::stop() {
@@ -55,26 +55,67 @@ void MpvCore::stop() {
     m_handler = nullptr;
     m_entry.reset();
     m_startTimer.reset();
-    if (m_handle)
-        m_handle->command(++m_lastCommand, "stop");
+    ++m_lastCommand;
+    m_isLoadDue = false;
+    m_recipe.streams->expect({});
+    if (m_handle && std::exchange(m_isBusy, false))
+        m_handle->command(m_lastCommand, "stop");
 }
 
 void MpvCore::setPaused(Pause pause) {
     m_pause = pause;
-    if (m_handle)
-        m_handle->setFlag("pause", pause == Pause::yes);
+    applySoon();
 }
 
 void MpvCore::setVolume(float volume) {
     m_volume = volume;
-    if (m_handle)
-        m_handle->setNumber("volume", mpvVolume(volume));
+    applySoon();
+}
+
+void MpvCore::setTitle(const QString& title) {
+    m_title = title;
+    applySoon();
+}
+
+void MpvCore::applySoon() {
+    if (std::exchange(m_isApplyPosted, true))
+        return;
+    m_mainQueue.async(m_lifetime.guard([this] {
+        m_isApplyPosted = false;
+        if (m_isLoadDue && std::exchange(m_isPrepareDue, false))
+            prepareStream();
+        if (m_handle)
+            apply();
+        else if (m_isLoadDue)
+            makeHandle();
+    }));
+}
+
+void MpvCore::prepareStream() {
+    m_recipe.streams->expect(m_url);
+    // Without a thread to be had, mpv's own reading connects.
+    static_cast<void>(m_recipe.startThread([streams = m_recipe.streams] { streams->prepare(); }));
+}
+
+void MpvCore::apply() {
+    if (m_givenVolume != m_volume)
+        m_handle->setNumber("volume", mpvVolume(*(m_givenVolume = m_volume)));
+    if (m_givenTitle != m_title)
+        m_handle->setText("force-media-title", m_givenTitle = m_title);
+    if (m_givenPause != m_pause)
+        m_handle->setFlag("pause", *(m_givenPause = m_pause) == Pause::yes);
+    if (std::exchange(m_isLoadDue, false))
+        startLoading();
 }
 
 void MpvCore::makeHandle() {
     if (m_making)
         return;
     m_making = true;
+    m_isBusy = false;
+    m_givenVolume.reset();
+    m_givenPause.reset();
+    m_givenTitle.clear();
     m_startedEntry.reset();
     m_coreIdle = true;
     m_pausedForCache = false;
@@ -86,20 +127,20 @@ void MpvCore::makeHandle() {
 void MpvCore::handleReady(const Result<std::shared_ptr<MpvHandle>>& handle) {
     m_making = false;
     if (!handle) {
+        m_isLoadDue = false;
+        m_recipe.streams->expect({});
         m_report(handle.error());
         deliver({EngineEvent::ended(EndCause::engine)});
         return;
     }
     m_handle = *handle;
-    setVolume(m_volume);
-    setPaused(m_pause);
-    if (m_handler)
-        startLoading();
+    apply();
     drain();
 }
 
 void MpvCore::startLoading() {
-    m_handle->command(++m_lastCommand, "loadfile", StreamSource::address(m_url));
+    m_isBusy = true;
+    m_handle->command(m_lastCommand, "loadfile", StreamSource::address(m_url));
     m_startChecks = 0;
     m_startTimer =
         m_mainQueue.startTimer(startCheck, MainQueue::Repeat::forever, [this] { replaceHungHandle(); });
@@ -111,6 +152,7 @@ void MpvCore::replaceHungHandle() {
     m_startTimer.reset();
     m_handle.reset();
     m_entry.reset();
+    m_isLoadDue = true;
     makeHandle();
 }
 

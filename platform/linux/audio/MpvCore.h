@@ -27,8 +27,14 @@ public:
     void stop() override;
     void setPaused(Pause pause) override;
     void setVolume(float volume) override;
+    void setTitle(const QString& title) override;
 
 private:
+    /// Has mpv told what differs when this turn of the main queue is over: each command costs mpv an answer,
+    /// and it holds only so many.
+    void applySoon();
+    void prepareStream();
+    void apply();
     void makeHandle();
     void handleReady(const Result<std::shared_ptr<MpvHandle>>& handle);
     void startLoading();
@@ -52,7 +58,18 @@ private:
     EventHandler m_handler;
     Pause m_pause = Pause::no;
     float m_volume = 1.0F;
+    QString m_title;
+    /// What mpv has been told.
+    std::optional<Pause> m_givenPause;
+    std::optional<float> m_givenVolume;
+    QString m_givenTitle;
+    bool m_isApplyPosted = false;
+    bool m_isPrepareDue = false;
+    bool m_isLoadDue = false;
+    /// It was asked to load something since it was last told to stop.
+    bool m_isBusy = false;
 
+    /// Of the latest load or stop, whether or not mpv had to be told.
     std::uint64_t m_lastCommand = 0;
     /// mpv's number of the connection that was asked for, and of the one it is busy with.
     std::optional<std::int64_t> m_entry;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/audio/MpvHandle.h"
 
-#include "platform/linux/net/UserAgent.h"
-
 #include <array>
 #include <atomic>
 #include <clocale>
@@ -53,7 +51,6 @@ struct MpvHandle::Callbacks {
     /// Main thread only.
     bool isOver = false;
     std::weak_ptr<Callbacks> self;
-    std::optional<StreamSource> streams;
 };
 
 void MpvHandle::make(MainQueue& mainQueue, const Recipe& recipe, std::function<void()> onEvents,
@@ -127,15 +124,12 @@ bool MpvHandle::startDetachedThread(const std::function<void()>& work) {
 Result<std::shared_ptr<MpvHandle>> MpvHandle::makeNow(const Recipe& recipe,
                                                       const std::shared_ptr<Callbacks>& callbacks) {
     // First, so that no thread prepares TLS while hundreds of libraries are being loaded.
-    HttpStream::Settings settings;
-    settings.authorities = HttpStream::authorities(recipe.extraAuthorityFile);
-    settings.userAgent = userAgent();
+    static_cast<void>(recipe.streams->settings());
     const auto library = MpvLibrary::load(recipe.libraryFile);
     const auto handle = library.and_then([](const auto& mpv) { return mpv->start(); });
     if (!handle)
         return failure(handle.error());
-    callbacks->streams.emplace(std::move(settings));
-    if (const int result = callbacks->streams->serve(*handle, (*library)->streamCbAddRo); result < 0) {
+    if (const int result = recipe.streams->serve(*handle, (*library)->streamCbAddRo); result < 0) {
         (*library)->terminateDestroy(*handle);
         return failure(QStringLiteral("libmpv does not take our streams: ") + (*library)->errorText(result));
     }
@@ -157,6 +151,12 @@ void MpvHandle::setFlag(const char* property, bool value) {
 
 void MpvHandle::setNumber(const char* property, double value) {
     m_library->setPropertyAsync(m_handle, 0, property, MPV_FORMAT_DOUBLE, &value);
+}
+
+void MpvHandle::setText(const char* property, const QString& value) {
+    const auto bytes = value.toUtf8();
+    const char* text = bytes.constData();
+    m_library->setPropertyAsync(m_handle, 0, property, MPV_FORMAT_STRING, &text);
 }
 
 mpv_event* MpvHandle::nextEvent() {

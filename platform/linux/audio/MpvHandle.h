@@ -10,7 +10,6 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <vector>
 
 namespace zofra {
@@ -22,8 +21,8 @@ public:
     /// What a new mpv is made with.
     struct Recipe {
         const char* libraryFile = MpvLibrary::defaultFileName;
-        /// Trusted in addition to the system's authorities.
-        std::optional<QString> extraAuthorityFile;
+        /// Where its streams come from.
+        std::shared_ptr<StreamSource> streams;
         /// Runs work on a thread of its own; false when there is no thread to be had.
         std::function<bool(std::function<void()>)> startThread = &startDetachedThread;
     };
@@ -46,6 +45,7 @@ public:
     void command(std::uint64_t id, const QByteArray& name, const QByteArray& argument = QByteArray());
     void setFlag(const char* property, bool value);
     void setNumber(const char* property, double value);
+    void setText(const char* property, const QString& value);
     /// The next event; MPV_EVENT_NONE when there is none. Valid until the next call.
     [[nodiscard]] mpv_event* nextEvent();
 

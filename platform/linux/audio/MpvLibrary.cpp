@@ -32,16 +32,17 @@ private:
 void sayNothing(const char* /*file*/, int /*line*/, const char* /*function*/, int /*error*/,
                 const char* /*format*/, ...) {}
 
-/// The engine says in one line that no device can be used; the ALSA library would say it in ten, each time.
-void silenceAlsa() {
-    void* alsa = ::dlopen("libasound.so.2", RTLD_LAZY | RTLD_NOLOAD);
-    if (!alsa)
-        return;
+/// What stands behind mpv writes to standard error. The ALSA library says in ten lines, each time, that no
+/// device can be used, which the engine says in one. The decoders say something of each broken frame as soon
+/// as the first mpv of several has ended, for with it goes what took their words.
+void silenceWhatStandsBehind(void* handle) {
     using Handler =
         void (*)(const char* file, int line, const char* function, int error, const char* format, ...);
-    const auto setHandler = reinterpret_cast<int (*)(Handler)>(::dlsym(alsa, "snd_lib_error_set_handler"));
-    if (setHandler)
-        setHandler(&sayNothing);
+    if (auto* const set = reinterpret_cast<int (*)(Handler)>(::dlsym(handle, "snd_lib_error_set_handler")))
+        set(&sayNothing);
+    constexpr int quiet = -8;
+    if (auto* const set = reinterpret_cast<void (*)(int)>(::dlsym(handle, "av_log_set_level")))
+        set(quiet);
 }
 
 } // namespace
@@ -73,7 +74,7 @@ Result<std::shared_ptr<const MpvLibrary>> MpvLibrary::load(const char* fileName)
     const auto major = library->clientApiVersion() >> 16;
     if (major != MPV_CLIENT_API_VERSION >> 16)
         return failure(QStringLiteral("libmpv cannot be used: its interface has version %1").arg(major));
-    silenceAlsa();
+    silenceWhatStandsBehind(handle);
     return library;
 }
 

@@ -48,6 +48,7 @@ void appendSilentSurroundings(std::vector<MpvOption>& options) {
                                       {"audio-file-auto", "no", ifKnown},
                                       {"sub-auto", "no", ifKnown},
                                       {"osd-level", "0", ifKnown},
+                                      {"title", "${media-title}", ifKnown},
                                   });
 }
 
@@ -68,7 +69,7 @@ void appendDevice(std::vector<MpvOption>& options) {
     options.insert(options.end(), {
                                       {"ao", "pulse,pipewire,alsa", required},
                                       {"audio-fallback-to-null", "no", required},
-                                      {"audio-client-name", "Zofra Zofra", ifKnown},
+                                      {"audio-client-name", "be.zofra.ZofraZofra", ifKnown},
                                       {"pulse-buffer", "300", ifKnown},
                                       {"alsa-buffer-time", "300000", ifKnown},
                                       {"alsa-periods", "4", ifKnown},

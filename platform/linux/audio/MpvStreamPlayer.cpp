@@ -86,6 +86,7 @@ void MpvStreamPlayer::openNow() {
     m_played = ReconnectPacing::Milliseconds(0);
     m_state.opening();
     m_core->setVolume(m_volume);
+    m_core->setTitle(m_item->title);
     m_core->setPaused(AudioCore::Pause::no);
     m_core->load(m_item->url,
                  m_lifetime.guard([this](const std::vector<EngineEvent>& events) { take(events); }));

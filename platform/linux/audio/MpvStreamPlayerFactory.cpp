@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/audio/MpvStreamPlayerFactory.h"
 
+#include "platform/linux/OwnEnvironment.h"
 #include "platform/linux/audio/AudioEngine.h"
 #include "platform/linux/audio/MpvCore.h"
 #include "platform/linux/audio/MpvStreamPlayer.h"
+#include "platform/linux/net/UserAgent.h"
 
 #include <QRandomGenerator>
 
@@ -24,13 +26,24 @@ ReconnectPacing::SteadyClock steadyClock() {
 
 MpvStreamPlayerFactory::MpvStreamPlayerFactory(MainQueue& mainQueue, SystemLog& log,
                                                Configuration configuration) {
-    // PipeWire's library complains on standard error where PipeWire is not installed. Here, because other
-    // threads that read the environment come later.
+    // Here, because other threads that read the environment come later. PipeWire's library complains on
+    // standard error where PipeWire is not installed.
     if (!qEnvironmentVariableIsSet("PIPEWIRE_DEBUG"))
-        qputenv("PIPEWIRE_DEBUG", "0");
+        OwnEnvironment::set("PIPEWIRE_DEBUG", "0");
+    // mpv gives the sound server one name for program and icon. The icon's is given to mpv, the program's
+    // here.
+    OwnEnvironment::set("PULSE_PROP",
+                        "application.name='Zofra Zofra' application.icon_name=be.zofra.ZofraZofra " +
+                            qgetenv("PULSE_PROP"));
     MpvHandle::Recipe recipe;
     recipe.libraryFile = configuration.libraryFile;
-    recipe.extraAuthorityFile = std::move(configuration.extraAuthorityFile);
+    recipe.streams =
+        std::make_shared<StreamSource>([extraAuthorityFile = std::move(configuration.extraAuthorityFile)] {
+            HttpStream::Settings settings;
+            settings.authorities = HttpStream::authorities(extraAuthorityFile);
+            settings.userAgent = userAgent();
+            return settings;
+        });
     auto makeCore = [&mainQueue, recipe](MpvCore::Report report) {
         return std::make_unique<MpvCore>(mainQueue, recipe, std::move(report));
     };

@@ -3,7 +3,6 @@
 
 #include "platform/linux/audio/OpenStreams.h"
 
-#include <memory>
 #include <new>
 
 namespace zofra {
@@ -29,12 +28,57 @@ QByteArray StreamSource::address(const QUrl& url) {
     return mark + url.toEncoded();
 }
 
+const HttpStream::Settings& StreamSource::settings() {
+    std::call_once(m_settingsOnce, [this] { m_settings = m_makeSettings(); });
+    return m_settings;
+}
+
+void StreamSource::expect(const QUrl& url) {
+    std::shared_ptr<OpenStream> former;
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_expected = url.toEncoded();
+        former = std::exchange(m_prepared, nullptr);
+    }
+    if (former)
+        former->cancel();
+}
+
+void StreamSource::prepare() {
+    const auto& prepared = settings();
+    std::shared_ptr<OpenStream> stream;
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (m_expected.isEmpty())
+            return;
+        stream = std::make_shared<OpenStream>(std::exchange(m_expected, {}), prepared);
+        m_prepared = stream;
+    }
+    stream->prepare();
+}
+
+/// What was prepared if it is this; whatever else was prepared is over.
+std::shared_ptr<OpenStream> StreamSource::takePrepared(const QByteArray& url) {
+    std::shared_ptr<OpenStream> stream;
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_expected.clear();
+        stream = std::exchange(m_prepared, nullptr);
+    }
+    if (!stream || stream->url() == url)
+        return stream;
+    stream->cancel();
+    return nullptr;
+}
+
 /// Called on a thread of mpv's, like everything that it sets.
 int StreamSource::open(void* self, char* address, mpv_stream_cb_info* info) {
+    auto& source = *static_cast<StreamSource*>(self);
     const QByteArray url = QByteArray(address).remove(0, static_cast<qsizetype>(qstrlen(mark)));
     try {
-        info->cookie = OpenStreams::all().add(
-            std::make_shared<OpenStream>(url, static_cast<StreamSource*>(self)->m_settings));
+        auto stream = source.takePrepared(url);
+        info->cookie =
+            OpenStreams::all().add(stream ? stream : std::make_shared<OpenStream>(url, source.settings()));
     } catch (const std::bad_alloc&) {
         return MPV_ERROR_LOADING_FAILED;
     }

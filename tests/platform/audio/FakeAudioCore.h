@@ -52,6 +52,10 @@ public:
         record(pause == Pause::yes ? QStringLiteral("hold") : QStringLiteral("release"));
     }
     void setVolume(float volume) override { record(QStringLiteral("volume %1").arg(double(volume))); }
+    void setTitle(const QString& title) override {
+        if (!title.isEmpty())
+            record(QStringLiteral("title %1").arg(title));
+    }
 
     /// Tells the open connection's events; as from an engine, one that has ended is told nothing more.
     void tell(std::initializer_list<EngineEvent> events) {

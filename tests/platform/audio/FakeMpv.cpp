@@ -66,6 +66,10 @@ MPV_EXPORT int mpv_observe_property(mpv_handle*, uint64_t, const char*, mpv_form
 MPV_EXPORT int mpv_set_property_async(mpv_handle*, uint64_t, const char* name, mpv_format format,
                                       void* data) {
     const std::scoped_lock lock(control->mutex);
+    if (format == MPV_FORMAT_STRING) {
+        record(std::string("set ") + name + " " + *static_cast<char**>(data));
+        return 0;
+    }
     const double value = format == MPV_FORMAT_FLAG ? *static_cast<int*>(data) : *static_cast<double*>(data);
     record(std::string("set ") + name + " " + std::to_string(std::lround(value)));
     return 0;

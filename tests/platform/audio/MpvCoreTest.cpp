@@ -186,7 +186,8 @@ protected:
     std::shared_ptr<bool> hasThreads = std::make_shared<bool>(true);
     std::unique_ptr<MpvCore> core = std::make_unique<MpvCore>(
         queue,
-        MpvHandle::Recipe{ZOFRA_FAKE_MPV, std::nullopt,
+        MpvHandle::Recipe{ZOFRA_FAKE_MPV,
+                          std::make_shared<StreamSource>([] { return HttpStream::Settings{}; }),
                           [hasThreads = hasThreads](const std::function<void()>& work) {
                               if (*hasThreads)
                                   std::thread(work).detach();
@@ -205,9 +206,9 @@ TEST_F(Core, makesNoMpvBeforeItIsNeeded) {
 
 TEST_F(Core, makesOneWithItsOptionsAndOpensTheAddress) {
     core->setVolume(0.125F);
-    load("https://a.example/x.aac?y=1");
+    load("http://127.0.0.1:1/x.aac?y=1");
     EXPECT_THAT(takeCalls(),
-                ElementsAre("set volume 50", "set pause 0", "loadfile zofrahttps://a.example/x.aac?y=1"));
+                ElementsAre("set volume 50", "set pause 0", "loadfile zofrahttp://127.0.0.1:1/x.aac?y=1"));
     EXPECT_EQ(fake.options.at("demuxer"), "lavf");
     EXPECT_THAT(fake.protocols, ElementsAre("zofrahttps", "zofrahttp"));
     EXPECT_THAT(reported, IsEmpty());
@@ -215,7 +216,7 @@ TEST_F(Core, makesOneWithItsOptionsAndOpensTheAddress) {
 }
 
 TEST_F(Core, passesOnWhatBecameOfTheConnection) {
-    startPlaying("https://a.example/x.aac", 1);
+    startPlaying("http://127.0.0.1:1/x.aac", 1);
     coreIdle(1);
     pausedForCache(1);
     ring();
@@ -229,7 +230,7 @@ TEST_F(Core, passesOnWhatBecameOfTheConnection) {
 }
 
 TEST_F(Core, tellsTogetherWhatCameTogether) {
-    startPlaying("https://a.example/x.aac", 1);
+    startPlaying("http://127.0.0.1:1/x.aac", 1);
     coreIdle(1);
     end(1, MPV_END_FILE_REASON_ERROR, MPV_ERROR_LOADING_FAILED);
     coreIdle(1);
@@ -238,14 +239,14 @@ TEST_F(Core, tellsTogetherWhatCameTogether) {
 }
 
 TEST_F(Core, tellsAMissingDeviceFromABrokenStream) {
-    startPlaying("https://a.example/x.aac", 1);
+    startPlaying("http://127.0.0.1:1/x.aac", 1);
     end(1, MPV_END_FILE_REASON_ERROR, MPV_ERROR_AO_INIT_FAILED);
     ring();
     EXPECT_THAT(told, ElementsAre(QStringLiteral("no device")));
 }
 
 TEST_F(Core, takesAStreamThatTurnsOutToBeAListForFailed) {
-    startPlaying("https://a.example/x.aac", 1);
+    startPlaying("http://127.0.0.1:1/x.aac", 1);
     end(1, MPV_END_FILE_REASON_REDIRECT);
     start(2);
     simple(MPV_EVENT_FILE_LOADED);
@@ -254,7 +255,7 @@ TEST_F(Core, takesAStreamThatTurnsOutToBeAListForFailed) {
 }
 
 TEST_F(Core, isSilentAboutWhatItWasToldToStop) {
-    startPlaying("https://a.example/x.aac", 1);
+    startPlaying("http://127.0.0.1:1/x.aac", 1);
     core->stop();
     EXPECT_THAT(takeCalls(), ElementsAre("stop"));
     coreIdle(1);
@@ -266,9 +267,9 @@ TEST_F(Core, isSilentAboutWhatItWasToldToStop) {
 }
 
 TEST_F(Core, keepsTheNewsOfOneConnectionFromTheNext) {
-    startPlaying("https://a.example/1.aac", 1);
-    load("https://a.example/2.aac");
-    EXPECT_THAT(takeCalls(), ElementsAre("loadfile zofrahttps://a.example/2.aac"));
+    startPlaying("http://127.0.0.1:1/1.aac", 1);
+    load("http://127.0.0.1:1/2.aac");
+    EXPECT_THAT(takeCalls(), ElementsAre("loadfile zofrahttp://127.0.0.1:1/2.aac"));
     // The old one is still telling when the new one has been asked for.
     coreIdle(1);
     pausedForCache(1);
@@ -287,10 +288,10 @@ TEST_F(Core, keepsTheNewsOfOneConnectionFromTheNext) {
 }
 
 TEST_F(Core, isNotConfusedByTheAnswerToAnEarlierCommand) {
-    load("https://a.example/1.aac");
+    load("http://127.0.0.1:1/1.aac");
     auto late = event(MPV_EVENT_COMMAND_REPLY, [](Event& e) -> void* { return &e.command; });
     late->event.reply_userdata = fake.instances.back()->lastCommandId;
-    load("https://a.example/2.aac");
+    load("http://127.0.0.1:1/2.aac");
     push(std::move(late));
     end(1, MPV_END_FILE_REASON_ERROR);
     reply(2);
@@ -300,7 +301,7 @@ TEST_F(Core, isNotConfusedByTheAnswerToAnEarlierCommand) {
 }
 
 TEST_F(Core, understandsAnAnswerThatComesAfterTheStart) {
-    load("https://a.example/1.aac");
+    load("http://127.0.0.1:1/1.aac");
     start(1);
     reply(1);
     simple(MPV_EVENT_FILE_LOADED);
@@ -311,14 +312,14 @@ TEST_F(Core, understandsAnAnswerThatComesAfterTheStart) {
 }
 
 TEST_F(Core, failsWhenTheAddressIsNotTaken) {
-    load("https://a.example/1.aac");
+    load("http://127.0.0.1:1/1.aac");
     reply(1, MPV_ERROR_COMMAND);
     ring();
     EXPECT_THAT(told, ElementsAre(QStringLiteral("no engine")));
 }
 
 TEST_F(Core, takesAnUnknownPropertyForSilence) {
-    startPlaying("https://a.example/x.aac", 1);
+    startPlaying("http://127.0.0.1:1/x.aac", 1);
     coreIdle(-1);
     pausedForCache(-1);
     ring();
@@ -327,7 +328,7 @@ TEST_F(Core, takesAnUnknownPropertyForSilence) {
 
 TEST_F(Core, replacesAnMpvThatHangs) {
     fake.holdsEnding = true;
-    load("https://a.example/1.aac");
+    load("http://127.0.0.1:1/1.aac");
     reply(1);
     ring();
     takeCalls();
@@ -336,7 +337,7 @@ TEST_F(Core, replacesAnMpvThatHangs) {
     queue.advance(1ms);
     waitUntilMade(2);
     EXPECT_THAT(takeCalls(),
-                ElementsAre("set volume 100", "set pause 0", "loadfile zofrahttps://a.example/1.aac"));
+                ElementsAre("set volume 100", "set pause 0", "loadfile zofrahttp://127.0.0.1:1/1.aac"));
     EXPECT_EQ(MpvHandle::stillEnding(), 1);
     reply(7);
     start(7);
@@ -348,7 +349,7 @@ TEST_F(Core, replacesAnMpvThatHangs) {
 
 TEST_F(Core, leavesNoMoreThanThreeHungOnesBehind) {
     fake.holdsEnding = true;
-    load("https://a.example/1.aac");
+    load("http://127.0.0.1:1/1.aac");
     for (std::size_t made = 2; made <= 4; ++made) {
         queue.advance(1500ms);
         waitUntilMade(made);
@@ -364,17 +365,17 @@ TEST_F(Core, leavesNoMoreThanThreeHungOnesBehind) {
 
 TEST_F(Core, failsInOneLineWhileNoThreadIsToBeHadAndPlaysLater) {
     *hasThreads = false;
-    core->load(QUrl(QStringLiteral("https://a.example/1.aac")),
+    core->load(QUrl(QStringLiteral("http://127.0.0.1:1/1.aac")),
                [this](const std::vector<EngineEvent>& events) { told << text(events.front()); });
     queue.drain();
     EXPECT_THAT(told, ElementsAre(QStringLiteral("no engine")));
     EXPECT_THAT(reported, ElementsAre(QStringLiteral("No thread could be started for the audio engine")));
     *hasThreads = true;
-    load("https://a.example/1.aac");
+    load("http://127.0.0.1:1/1.aac");
 }
 
 TEST_F(Core, endsWhatIsOverOnceThreadsAreToBeHadAgain) {
-    startPlaying("https://a.example/x.aac", 1);
+    startPlaying("http://127.0.0.1:1/x.aac", 1);
     *hasThreads = false;
     simple(MPV_EVENT_SHUTDOWN);
     ring();
@@ -382,7 +383,7 @@ TEST_F(Core, endsWhatIsOverOnceThreadsAreToBeHadAgain) {
     EXPECT_FALSE(fake.instances.front()->isEnded);
     EXPECT_EQ(MpvHandle::stillEnding(), 0) << "it does not keep others from being replaced";
     *hasThreads = true;
-    load("https://a.example/x.aac", 2);
+    load("http://127.0.0.1:1/x.aac", 2);
     waitFor([this] {
         const std::scoped_lock lock(fake.mutex);
         return fake.instances.front()->isEnded;
@@ -390,48 +391,49 @@ TEST_F(Core, endsWhatIsOverOnceThreadsAreToBeHadAgain) {
 }
 
 TEST_F(Core, doesNotWaitForTheStartOfWhatItStopped) {
-    load("https://a.example/1.aac");
+    load("http://127.0.0.1:1/1.aac");
     core->stop();
     queue.advance(1min);
     EXPECT_EQ(fake.instances.size(), 1U);
 }
 
 TEST_F(Core, makesAnotherWhenMpvEndsByItself) {
-    startPlaying("https://a.example/x.aac", 1);
+    startPlaying("http://127.0.0.1:1/x.aac", 1);
     simple(MPV_EVENT_SHUTDOWN);
     ring();
     EXPECT_THAT(told, ElementsAre(QStringLiteral("no engine")));
-    load("https://a.example/x.aac", 2);
+    load("http://127.0.0.1:1/x.aac", 2);
     EXPECT_THAT(takeCalls(),
-                ElementsAre("set volume 100", "set pause 0", "loadfile zofrahttps://a.example/x.aac"));
+                ElementsAre("set volume 100", "set pause 0", "loadfile zofrahttp://127.0.0.1:1/x.aac"));
 }
 
 TEST_F(Core, makesAnotherWhenEventsWereLost) {
-    startPlaying("https://a.example/x.aac", 1);
+    startPlaying("http://127.0.0.1:1/x.aac", 1);
     simple(MPV_EVENT_QUEUE_OVERFLOW);
     ring();
     EXPECT_THAT(told, ElementsAre(QStringLiteral("no engine")));
 }
 
 TEST_F(Core, keepsPauseAndVolumeForTheMpvThatIsStillBeingMade) {
-    core->load(QUrl(QStringLiteral("https://a.example/x.aac")), [](const auto&) {});
+    core->load(QUrl(QStringLiteral("http://127.0.0.1:1/x.aac")), [](const auto&) {});
     core->setVolume(0.0F);
     core->setPaused(AudioCore::Pause::yes);
     waitUntilMade(1);
     EXPECT_THAT(takeCalls(),
-                ElementsAre("set volume 0", "set pause 1", "loadfile zofrahttps://a.example/x.aac"));
+                ElementsAre("set volume 0", "set pause 1", "loadfile zofrahttp://127.0.0.1:1/x.aac"));
 }
 
 TEST_F(Core, opensOnlyTheLatestAddressOnceTheMpvIsMade) {
-    core->load(QUrl(QStringLiteral("https://a.example/1.aac")), [](const auto&) { FAIL(); });
-    load("https://a.example/2.aac");
+    core->load(QUrl(QStringLiteral("http://127.0.0.1:1/1.aac")), [](const auto&) { FAIL(); });
+    load("http://127.0.0.1:1/2.aac");
     EXPECT_THAT(takeCalls(),
-                ElementsAre("set volume 100", "set pause 0", "loadfile zofrahttps://a.example/2.aac"));
+                ElementsAre("set volume 100", "set pause 0", "loadfile zofrahttp://127.0.0.1:1/2.aac"));
     EXPECT_EQ(fake.instances.size(), 1U);
 }
 
 TEST_F(Core, opensNothingWhenStoppedBeforeTheMpvIsMade) {
-    core->load(QUrl(QStringLiteral("https://a.example/1.aac")), [](const auto&) { FAIL(); });
+    core->load(QUrl(QStringLiteral("http://127.0.0.1:1/1.aac")), [](const auto&) { FAIL(); });
+    queue.drain();
     core->stop();
     waitFor([this] {
         queue.drain();
@@ -441,8 +443,23 @@ TEST_F(Core, opensNothingWhenStoppedBeforeTheMpvIsMade) {
     EXPECT_THAT(takeCalls(), ElementsAre("set volume 100", "set pause 0"));
 }
 
+TEST_F(Core, tellsMpvOnceATurnHoweverOftenTheListenerChangesHisMind) {
+    startPlaying("http://127.0.0.1:1/x.aac", 1);
+    for (int i = 0; i < 1000; ++i) {
+        core->stop();
+        core->setTitle(QString::number(i));
+        core->setVolume(static_cast<float>(i) / 8000);
+        core->load(QUrl(QStringLiteral("http://127.0.0.1:1/%1.aac").arg(i)), [](const auto&) { FAIL(); });
+    }
+    EXPECT_THAT(takeCalls(), ElementsAre("stop")) << "silent at once";
+    queue.drain();
+    EXPECT_THAT(takeCalls(), ElementsAre("set volume 50", "set force-media-title 999",
+                                         "loadfile zofrahttp://127.0.0.1:1/999.aac"));
+}
+
 TEST_F(Core, endsTheMpvThatIsMadeTooLate) {
-    core->load(QUrl(QStringLiteral("https://a.example/1.aac")), [](const auto&) { FAIL(); });
+    core->load(QUrl(QStringLiteral("http://127.0.0.1:1/1.aac")), [](const auto&) { FAIL(); });
+    queue.drain();
     core.reset();
     waitFor([this] {
         queue.drain();
@@ -452,7 +469,7 @@ TEST_F(Core, endsTheMpvThatIsMadeTooLate) {
 }
 
 TEST_F(Core, tellsNothingAfterItsEnd) {
-    startPlaying("https://a.example/x.aac", 1);
+    startPlaying("http://127.0.0.1:1/x.aac", 1);
     end(1, MPV_END_FILE_REASON_EOF);
     {
         const std::scoped_lock lock(fake.mutex);
@@ -465,7 +482,7 @@ TEST_F(Core, tellsNothingAfterItsEnd) {
 }
 
 TEST_F(Core, postsOnceHoweverOftenItIsRung) {
-    startPlaying("https://a.example/x.aac", 1);
+    startPlaying("http://127.0.0.1:1/x.aac", 1);
     {
         const std::scoped_lock lock(fake.mutex);
         for (int i = 0; i < 1000; ++i)
@@ -475,13 +492,13 @@ TEST_F(Core, postsOnceHoweverOftenItIsRung) {
 }
 
 TEST_F(Core, neverWaitsForEventsOnTheMainThread) {
-    startPlaying("https://a.example/x.aac", 1);
+    startPlaying("http://127.0.0.1:1/x.aac", 1);
     ring();
     EXPECT_THAT(takeCalls(), IsEmpty());
 }
 
 TEST_F(Core, fetchesAFloodInPieces) {
-    startPlaying("https://a.example/x.aac", 1);
+    startPlaying("http://127.0.0.1:1/x.aac", 1);
     for (int i = 0; i < 2500; ++i)
         coreIdle(i % 2);
     ring();
@@ -493,7 +510,7 @@ TEST_F(Core, fetchesAFloodInPieces) {
 class CoreThatCannotBeMade : public Core {
 protected:
     void expectReport(const char* reason) {
-        core->load(QUrl(QStringLiteral("https://a.example/1.aac")),
+        core->load(QUrl(QStringLiteral("http://127.0.0.1:1/1.aac")),
                    [this](const std::vector<EngineEvent>& events) { told << text(events.front()); });
         waitFor([this] {
             queue.drain();
@@ -512,7 +529,7 @@ TEST_F(CoreThatCannotBeMade, becauseAnOptionThatMattersIsNotTaken) {
 
 TEST_F(CoreThatCannotBeMade, butAnOptionThatOnlyHelpsMayBeMissing) {
     fake.refusedOption = "pulse-buffer";
-    load("https://a.example/1.aac");
+    load("http://127.0.0.1:1/1.aac");
     EXPECT_THAT(reported, IsEmpty());
 }
 

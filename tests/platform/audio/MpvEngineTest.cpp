@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/QtMainQueue.h"
+#include "platform/linux/audio/MpvHandle.h"
 #include "platform/linux/audio/MpvStreamPlayerFactory.h"
 #include "tests/platform/audio/LoopbackServer.h"
 #include "tests/platform/audio/PrivateSoundServer.h"
@@ -198,6 +199,60 @@ TEST_F(MpvEngine, playsOneStationAfterTheOtherWithoutMixingTheirNews) {
     }
     EXPECT_EQ(failures, 0) << "the page's failures belonged to players that are gone";
     EXPECT_EQ(good.requests(), 10);
+}
+
+TEST_F(MpvEngine, playsTheLastOfHundredsOfStationsThatWereChosenAtOnce) {
+    if (!hasSoundServer())
+        GTEST_SKIP() << "skipped: pulseaudio is not installed";
+    LoopbackServer server("audio/mpeg", silentMp3(), Then::repeatForever);
+    play(server.url());
+    ASSERT_TRUE(spinUntil([this] { return player->timeControlStatus() == playing; }));
+    for (int i = 0; i < 800; ++i)
+        play(server.url());
+    ASSERT_TRUE(spinUntil([this] { return player->timeControlStatus() == playing; }));
+    settle();
+    EXPECT_EQ(failures, 0);
+    EXPECT_EQ(server.requests(), 2) << "those in between were never opened";
+}
+
+/// Frames of 128 kbit/s whose contents make no sense to a decoder.
+QByteArray brokenMp3() {
+    QByteArray bytes;
+    quint32 noise = 1;
+    for (int frame = 0; frame < 38; ++frame) {
+        bytes += QByteArray::fromHex("fffb9064");
+        for (int i = 0; i < 413; ++i) {
+            noise = noise * 1664525U + 1013904223U;
+            bytes += static_cast<char>((noise >> 24U) & 0x7FU);
+        }
+    }
+    return bytes;
+}
+
+TEST_F(MpvEngine, writesNothingToStandardErrorWhateverAStreamHolds) {
+    if (!hasSoundServer())
+        GTEST_SKIP() << "skipped: pulseaudio is not installed";
+    LoopbackServer good("audio/mpeg", silentMp3(), Then::repeatForever);
+    LoopbackServer broken("audio/mpeg", brokenMp3(), Then::repeatForever);
+    ::testing::internal::CaptureStderr();
+    // One mpv is made while another is there, which then ends: so it is after one that hung.
+    play(good.url());
+    spinUntil([this] { return player->timeControlStatus() == playing; });
+    auto former = std::exchange(
+        factory, std::make_unique<MpvStreamPlayerFactory>(surroundings().queue, surroundings().log,
+                                                          MpvStreamPlayerFactory::Configuration{}));
+    auto formerPlayer = std::move(player);
+    play(broken.url());
+    spinUntil([this] { return player->timeControlStatus() == playing; });
+    formerPlayer.reset();
+    former.reset();
+    const bool hasEnded = pollUntil([] { return MpvHandle::stillEnding() == 0; });
+    play(broken.url());
+    const bool hasPlayed = spinUntil([this] { return player->timeControlStatus() == playing; });
+    const auto written = ::testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(hasEnded);
+    EXPECT_TRUE(hasPlayed);
+    EXPECT_EQ(written, "");
 }
 
 TEST_F(MpvEngine, failsWhenTheSoundServerDiesAndPlaysOnTheNext) {

@@ -495,8 +495,15 @@ TEST_F(SharedEngine, reportsAMissingDeviceOnceUntilThereIsSoundAgain) {
     }
     EXPECT_EQ(radio->failures, 5);
     EXPECT_THAT(log.lines, ElementsAre(QStringLiteral("There is no audio device to play on")));
-    cores.last().tellPlaying();
-    cores.last().tellEnded(EndCause::noAudioDevice);
+    const auto comeAndGo = [&] {
+        cores.last().tellPlaying();
+        cores.last().tellEnded(EndCause::noAudioDevice);
+        radio->player->play();
+    };
+    comeAndGo();
+    EXPECT_EQ(log.lines.size(), 1U) << "not again within a minute";
+    queue.advance(10s);
+    comeAndGo();
     EXPECT_EQ(log.lines.size(), 2U);
 }
 

@@ -57,7 +57,7 @@ protected:
     }
 
     Registered mpv;
-    StreamSource source{{{}, "Test/1.0"}};
+    StreamSource source{[] { return HttpStream::Settings{{}, "Test/1.0"}; }};
     std::int64_t end = 0;
 };
 
@@ -91,16 +91,51 @@ TEST_F(StreamSourceTest, beginsWithAWholeFrame) {
     EXPECT_EQ(end, 0);
 }
 
-TEST_F(StreamSourceTest, givesOnWhatIsNoSoundAsItCame) {
-    const QByteArray page = "<html>" + QByteArray(40'000, ' ') + "</html>";
-    const LoopbackServer server("text/html", page, Then::close);
-    EXPECT_TRUE(read(server.url(), 10'000'000) == page);
-    const LoopbackServer shortPage("text/html", "<html>", Then::close);
-    EXPECT_EQ(read(shortPage.url(), 10'000'000), "<html>");
+TEST_F(StreamSourceTest, givesOnNothingThatIsNoSound) {
+    const LoopbackServer page("text/html", "<html>" + QByteArray(40'000, ' ') + "</html>", Then::close);
+    EXPECT_EQ(read(page.url(), 10'000'000), "");
+    EXPECT_EQ(end, 0);
+}
+
+TEST_F(StreamSourceTest, givesUpAStreamThatIsNoSoundHoweverLongItLasts) {
+    const LoopbackServer noise("audio/aac", QByteArray(10'000, 'x'), Then::repeatForever);
+    EXPECT_EQ(read(noise.url(), 10'000'000), "");
+    EXPECT_EQ(end, -1);
+}
+
+TEST_F(StreamSourceTest, opensWhatWasPreparedMeanwhile) {
+    const LoopbackServer server("audio/mpeg", silentMp3(), Then::repeatForever);
+    source.expect(server.url());
+    source.prepare();
+    EXPECT_EQ(server.requests(), 1);
+    EXPECT_TRUE(read(server.url(), 100'000).startsWith(silentMp3().first(417)));
+    EXPECT_EQ(server.requests(), 1);
+}
+
+TEST_F(StreamSourceTest, preparesNothingThatIsNotWantedAnyMore) {
+    const LoopbackServer server("audio/mpeg", silentMp3(), Then::repeatForever);
+    source.expect(server.url());
+    source.expect({});
+    source.prepare();
+    EXPECT_EQ(server.requests(), 0);
+    source.expect(server.url());
+    source.prepare();
+    source.expect({});
+    EXPECT_FALSE(read(server.url(), 1).isEmpty());
+    EXPECT_EQ(server.requests(), 2) << "what was prepared is over";
+}
+
+TEST_F(StreamSourceTest, opensWhatIsAskedForAndNotWhatWasPrepared) {
+    const LoopbackServer one("audio/mpeg", silentMp3(), Then::repeatForever);
+    const LoopbackServer other("audio/mpeg", silentMp3(), Then::repeatForever);
+    source.expect(one.url());
+    source.prepare();
+    EXPECT_FALSE(read(other.url(), 1).isEmpty());
+    EXPECT_EQ(other.requests(), 1);
 }
 
 TEST_F(StreamSourceTest, cancellingOneThatIsClosedTouchesNothing) {
-    const LoopbackServer server("text/html", "no frames", Then::close);
+    const LoopbackServer server("audio/mpeg", silentMp3(), Then::close);
     EXPECT_EQ(source.serve(nullptr, &addProtocol), 0);
     auto address = StreamSource::address(server.url());
     mpv_stream_cb_info closed{};
@@ -113,7 +148,7 @@ TEST_F(StreamSourceTest, cancellingOneThatIsClosedTouchesNothing) {
     closed.close_fn(closed.cookie);
     char buffer[100];
     EXPECT_EQ(closed.read_fn(closed.cookie, buffer, sizeof buffer), -1);
-    EXPECT_EQ(open.read_fn(open.cookie, buffer, sizeof buffer), 9);
+    EXPECT_EQ(open.read_fn(open.cookie, buffer, sizeof buffer), 100);
     open.close_fn(open.cookie);
 }
 

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "fuzz/FuzzBytes.h"
+#include "platform/linux/audio/FrameFilter.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace zofra;
+    const auto bytes = fuzz::bytes(data, size);
+    FrameFilter filter;
+    filter.put(bytes);
+    QByteArray passed(bytes.size(), '\0');
+    passed.resize(filter.take(passed.data(), passed.size()));
+    fuzz::require(filter.isEmpty());
+    fuzz::require(filter.bytesWithoutSound() <= bytes.size());
+    fuzz::require(passed.isEmpty() == (filter.sound() == filter.sound().zero()));
+    // What has passed once passes again as it is.
+    FrameFilter again;
+    again.put(passed);
+    QByteArray twice(passed.size(), '\0');
+    twice.resize(again.take(twice.data(), twice.size()));
+    fuzz::require(twice == passed || twice.isEmpty()); // Two frames are no beginning.
+    return 0;
+}
