@@ -14,23 +14,27 @@ using enum MpvOption::Need;
 /// connections of the engine's own, no lists that lead elsewhere, no scripts.
 void appendSafety(std::vector<MpvOption>& options) {
     const QByteArray protocols = "protocol_whitelist=[none]";
-    options.insert(options.end(), {
-                                      {"config", "no", required},
-                                      {"load-scripts", "no", required},
-                                      {"ytdl", "no", ifKnown},
-                                      {"osc", "no", ifKnown},
-                                      {"load-stats-overlay", "no", ifKnown},
-                                      {"load-osd-console", "no", ifKnown},
-                                      {"load-auto-profiles", "no", ifKnown},
-                                      {"load-unsafe-playlists", "no", required},
-                                      {"access-references", "no", ifKnown},
-                                      {"autoload-files", "no", ifKnown},
-                                      {"resume-playback", "no", ifKnown},
-                                      {"demuxer", "lavf", required},
-                                      {"demuxer-lavf-o", "format_whitelist=[aac,mp3]," + protocols, required},
-                                      {"stream-lavf-o", protocols, required},
-                                      {"tls-verify", "yes", required},
-                                  });
+    // It would remember where each frame is, for a quarter of an hour: a megabyte of a stream that never goes
+    // back.
+    const QByteArray noIndex = ",indexmem=4096";
+    options.insert(options.end(),
+                   {
+                       {"config", "no", required},
+                       {"load-scripts", "no", required},
+                       {"ytdl", "no", ifKnown},
+                       {"osc", "no", ifKnown},
+                       {"load-stats-overlay", "no", ifKnown},
+                       {"load-osd-console", "no", ifKnown},
+                       {"load-auto-profiles", "no", ifKnown},
+                       {"load-unsafe-playlists", "no", required},
+                       {"access-references", "no", ifKnown},
+                       {"autoload-files", "no", ifKnown},
+                       {"resume-playback", "no", ifKnown},
+                       {"demuxer", "lavf", required},
+                       {"demuxer-lavf-o", "format_whitelist=[aac,mp3]," + protocols + noIndex, required},
+                       {"stream-lavf-o", protocols, required},
+                       {"tls-verify", "yes", required},
+                   });
 }
 
 /// An engine without a face.

@@ -44,7 +44,7 @@ TEST(MpvOptions, insistOnWhatKeepsTheListenerSafe) {
         {"load-unsafe-playlists", "no"},
         {"demuxer", "lavf"},
         {"stream-lavf-o", "protocol_whitelist=[none]"},
-        {"demuxer-lavf-o", "format_whitelist=[aac,mp3],protocol_whitelist=[none]"},
+        {"demuxer-lavf-o", "format_whitelist=[aac,mp3],protocol_whitelist=[none],indexmem=4096"},
     };
     for (const auto& [name, value] : expected) {
         const auto option = options.find(name);
