@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/AppDelegate.h"
 
+#include "app/StatusButtonContent.h"
 #include "app/VolumePercent.h"
-#include "platform/ForeignText.h"
 #include "stations/texts/InterfaceTexts.h"
 
-#include <QUrl>
-
-#include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace zofra {
@@ -16,16 +12,6 @@ namespace zofra {
 namespace {
 
 AppDelegate* s_shared = nullptr;
-
-const QString& playingSymbol() {
-    static const QString name = QStringLiteral("speaker.wave.2.fill");
-    return name;
-}
-
-const QString& pausedSymbol() {
-    static const QString name = QStringLiteral("play.fill");
-    return name;
-}
 
 QString textOr(const QVariantMap& bundle, const QString& key, const QString& fallback) {
     const QVariant value = bundle.value(key);
@@ -54,7 +40,9 @@ AppDelegate::AppDelegate(Environment environment)
     , m_player(m_environment.player())
     , m_sonos(m_environment.sonos())
     , m_languages(m_environment.languages())
-    , m_currentSongText(texts::loading.in(m_languages.currentLanguage())) {}
+    , m_currentSongText(texts::loading.in(m_languages.currentLanguage()))
+    , m_state(m_environment.mainQueue, objects(), [this](RadioState& state) { completeState(state); })
+    , m_controls(objects(), shell()) {}
 
 AppDelegate::~AppDelegate() {
     if (s_shared == this)
@@ -90,20 +78,21 @@ void AppDelegate::installStatusItem() {
     }
 }
 
-std::function<void()> AppDelegate::onMainQueue(std::function<void()> work) {
-    return [&queue = m_environment.mainQueue, alive = std::weak_ptr(m_alive), work = std::move(work)] {
-        queue.async([alive, work] {
-            if (!alive.expired())
-                work();
-        });
-    };
+void AppDelegate::completeState(RadioState& state) const {
+    state.currentSong = m_currentSongText;
+    state.nextSong = m_nextSongText;
+    if (m_statusItem)
+        state.tray = m_statusItem->mode();
 }
 
-template<typename Work>
-auto AppDelegate::whileAlive(Work work) const {
-    return [alive = std::weak_ptr(m_alive), work = std::move(work)](auto&&... arguments) {
-        if (!alive.expired())
-            work(std::forward<decltype(arguments)>(arguments)...);
+RadioControls::Shell AppDelegate::shell() {
+    return {m_environment.workspace, [this] { updateStatusBarButton(); }, [this] { showAboutWindow(); },
+            [this] { m_environment.application.terminate(); }};
+}
+
+std::function<void()> AppDelegate::onMainQueue(std::function<void()> work) {
+    return [&queue = m_environment.mainQueue, guarded = m_lifetime.guard(std::move(work))] {
+        queue.async(guarded);
     };
 }
 
@@ -112,26 +101,27 @@ void AppDelegate::installCallbacks() {
     m_languages.onLanguageChanged = onMainQueue([this] {
         if (m_viewModel->isLoading())
             m_currentSongText = texts::loading.in(m_languages.currentLanguage());
+        m_state.touch();
         updateStatusBarButton();
     });
     m_player.onPlaybackStateChanged = [refresh](bool) { refresh(); };
-    m_player.onStationChanged = [this, alive = std::weak_ptr(m_alive)](RadioStation station) {
-        if (alive.expired())
-            return;
+    m_player.onStationChanged = m_lifetime.guard([this](RadioStation station) {
         onMainQueue([this, station] {
             m_sonos.setStation(station);
             m_viewModel->setStation(station);
             updateStatusBarButton();
         })();
-    };
+    });
     m_sonos.onPlaybackStateChanged = [refresh](bool) { refresh(); };
     m_sonos.onRoomsUpdated = [refresh](const QList<SonosRoom>&) { refresh(); };
-    m_viewModel->onUpdate = whileAlive([this](const QString& current, const std::optional<QString>& next) {
-        m_currentSongText = current;
-        m_nextSongText = next;
-        updateStatusBarButton();
-        m_player.updateNowPlayingInfo(current, std::nullopt);
-    });
+    m_viewModel->onUpdate =
+        m_lifetime.guard([this](const QString& current, const std::optional<QString>& next) {
+            m_currentSongText = current;
+            m_nextSongText = next;
+            m_state.touch();
+            updateStatusBarButton();
+            m_player.updateNowPlayingInfo(current, std::nullopt);
+        });
 }
 
 void AppDelegate::statusBarButtonClicked(std::optional<ButtonEvent> currentEvent) {
@@ -148,7 +138,7 @@ void AppDelegate::showContextMenu() {
 }
 
 Menu AppDelegate::contextMenu() {
-    return statusMenu(menuState(), m_languages, menuActions());
+    return statusMenu(m_state.now(), m_languages, menuActions());
 }
 
 bool AppDelegate::validateMenuItem(const MenuItem& item) const {
@@ -157,95 +147,46 @@ bool AppDelegate::validateMenuItem(const MenuItem& item) const {
 }
 
 void AppDelegate::togglePlayRadio() {
-    m_sonos.togglePlayPause();
-    updateStatusBarButton();
+    m_controls.toggle();
 }
 
 void AppDelegate::selectStationFromMenuItem(const MenuItem& sender) {
     if (const auto* station = std::any_cast<RadioStation>(&sender.representedObject))
-        selectStation(*station);
-}
-
-void AppDelegate::selectStation(RadioStation station) {
-    m_player.setStation(station);
-    m_sonos.setStation(station);
-    m_viewModel->setStation(station);
-    updateStatusBarButton();
+        m_controls.chooseStation(*station);
 }
 
 void AppDelegate::selectOutputMac() {
-    m_sonos.activeTarget = AudioOutputTarget::localMac();
-    m_sonos.stopAllSonos();
-    m_sonos.isSonosPlaying = false;
-    if (m_sonos.onPlaybackStateChanged)
-        m_sonos.onPlaybackStateChanged(false);
-    updateStatusBarButton();
+    m_controls.chooseThisComputer();
 }
 
 void AppDelegate::selectOutputSonos(const MenuItem& sender) {
     if (const auto* room = std::any_cast<SonosRoom>(&sender.representedObject))
-        selectOutput(*room);
-}
-
-void AppDelegate::selectOutput(const SonosRoom& room) {
-    // The room may be one of the manager's own list, which playing can replace.
-    const auto target = AudioOutputTarget::sonos(room.id());
-    m_sonos.activeTarget = target;
-    m_player.stop();
-    m_sonos.playZofra(target.roomId());
-    updateStatusBarButton();
+        m_controls.chooseRoom(room->id());
 }
 
 void AppDelegate::selectOutputEverywhere() {
-    m_sonos.selectTarget(AudioOutputTarget::sonosEverywhere());
-    updateStatusBarButton();
+    m_controls.chooseEverywhere();
 }
 
 void AppDelegate::rescanSonos() {
-    m_sonos.discoverDevices(true);
+    m_controls.search();
 }
 
 void AppDelegate::openLocalNetworkSettings() {
-    const QUrl url(
-        QStringLiteral("x-apple.systempreferences:com.apple.preference.security?Privacy_LocalNetwork"));
-    if (url.isValid())
-        m_environment.workspace.open(url);
+    m_controls.openLocalNetworkSettings();
 }
 
 void AppDelegate::setVolumeFromMenuItem(const MenuItem& sender) {
-    if (const auto* value = std::any_cast<float>(&sender.representedObject))
-        chooseVolume(*value);
-}
-
-void AppDelegate::chooseVolume(float value) {
-    m_player.applyVolume(value);
-    const auto percent = volumePercent(value);
-    if (!percent)
-        qFatal("A volume of %f has no percentage", static_cast<double>(value));
-    const AudioOutputTarget target = m_sonos.activeTarget;
-    switch (target.kind()) {
-    case AudioOutputTarget::Kind::localMac:
-        break;
-    case AudioOutputTarget::Kind::sonosEverywhere:
-        m_sonos.setVolumeEverywhere(*percent);
-        break;
-    case AudioOutputTarget::Kind::sonos:
-        if (const auto room = m_sonos.room(target.roomId()))
-            m_sonos.setVolume(*percent, *room);
-        break;
-    }
-}
-
-void AppDelegate::setVolume(float value) {
-    if (!std::isnan(value))
-        chooseVolume(std::clamp(value, 0.0F, 1.0F));
+    const auto* value = std::any_cast<float>(&sender.representedObject);
+    if (!value)
+        return;
+    m_controls.setVolume(*value);
+    if (!volumePercent(*value))
+        qFatal("A volume of %f has no percentage", static_cast<double>(*value));
 }
 
 void AppDelegate::scrollVolume(int steps) {
-    constexpr int percentPerStep = 5;
-    const int percent =
-        std::clamp(shownVolumePercent(m_player.volume) + std::clamp(steps, -20, 20) * percentPerStep, 0, 100);
-    chooseVolume(volumeOfPercent(percent));
+    const int percent = m_controls.changeVolume(steps);
     if (m_statusItem)
         m_statusItem->flashVolume(percent, m_languages.volumeMenuTitle(percent));
 }
@@ -261,14 +202,14 @@ void AppDelegate::openAboutWindow() {
         return;
     }
     auto window = m_environment.windows.makeWindow(PopupPanelContent{
-        versionText(m_environment.bundle), *m_viewModel, whileAlive([this] { closeAboutWindow(); }), m_player,
-        m_sonos, m_languages, whileAlive([this] { updateStatusBarButton(); })});
+        versionText(m_environment.bundle), *m_viewModel, m_lifetime.guard([this] { closeAboutWindow(); }),
+        m_player, m_sonos, m_languages, m_controls});
     if (!window)
         return;
     window->setTitle(QStringLiteral("Zofra Zofra"));
     window->setStyle(static_cast<unsigned>(WindowStyle::titled) |
                      static_cast<unsigned>(WindowStyle::closable));
-    window->onWillClose = whileAlive([this](const PopupWindow& closing) { windowWillClose(closing); });
+    window->onWillClose = m_lifetime.guard([this](const PopupWindow& closing) { windowWillClose(closing); });
     window->center();
     m_aboutWindow = std::move(window);
     m_environment.application.activate(Application::Others::ignore);
@@ -295,70 +236,35 @@ void AppDelegate::forgetAboutWindow() {
 }
 
 void AppDelegate::quit() {
-    m_player.drop();
-    m_sonos.stopAllSonos();
-    m_environment.application.terminate();
-}
-
-bool AppDelegate::isPlaying() const {
-    return m_sonos.activeTarget.get() == AudioOutputTarget::localMac() ? m_player.isPlaying
-                                                                       : m_sonos.isSonosPlaying;
+    m_controls.quit();
 }
 
 void AppDelegate::updateStatusBarButton() {
     StatusItemButton* button = m_statusItem ? m_statusItem->button() : nullptr;
     if (!button)
         return;
-    button->setTitle(m_player.currentStation.get().displayName() + QStringLiteral(": ") + m_currentSongText);
+    const auto content = statusButtonContent(m_state.now(), m_languages);
+    button->setTitle(content.title);
     button->setImagePosition(ImagePosition::leading);
-    button->setImage(isPlaying() ? playingSymbol() : pausedSymbol(), statusWord());
-    button->setToolTip(toolTip());
-}
-
-QString AppDelegate::statusWord() const {
-    return (isPlaying() ? texts::playing : texts::paused).in(m_languages.currentLanguage());
-}
-
-QString AppDelegate::toolTip() const {
-    const RadioStation station = m_player.currentStation;
-    QStringList lines{m_languages.tooltipStation(station.displayName(), station.genre()),
-                      m_languages.nowPlayingHeader(withoutLineBreaks(m_currentSongText))};
-    if (m_nextSongText && !m_nextSongText->isEmpty())
-        lines.append(m_languages.upNextHeader(withoutLineBreaks(*m_nextSongText)));
-    lines.append(m_languages.tooltipOutput(m_sonos.activeTargetTitle()));
-    lines.append(m_languages.tooltipStatus(isPlaying()));
-    return lines.join(QLatin1Char('\n'));
-}
-
-StatusMenuState AppDelegate::menuState() const {
-    StatusMenuState state;
-    state.isPlaying = isPlaying();
-    state.currentStation = m_player.currentStation;
-    state.currentSongText = m_currentSongText;
-    state.nextSongText = m_nextSongText;
-    state.activeTarget = m_sonos.activeTarget;
-    state.activeTargetTitle = m_sonos.activeTargetTitle();
-    for (const SonosRoom& room : m_sonos.rooms.get())
-        state.rooms.push_back({room, m_sonos.displayTitle(room)});
-    state.emptyStateMessage = m_sonos.emptyStateMessage();
-    state.localNetworkDenied = m_sonos.localNetworkDenied;
-    state.volume = m_player.volume;
-    return state;
+    button->setImage(content.symbol, content.statusWord);
+    button->setToolTip(content.toolTip);
 }
 
 StatusMenuActions AppDelegate::menuActions() {
     StatusMenuActions actions;
-    actions.togglePlayRadio = whileAlive([this](const MenuItem&) { togglePlayRadio(); });
+    actions.togglePlayRadio = m_lifetime.guard([this](const MenuItem&) { togglePlayRadio(); });
     actions.selectStationFromMenuItem =
-        whileAlive([this](const MenuItem& item) { selectStationFromMenuItem(item); });
-    actions.selectOutputMac = whileAlive([this](const MenuItem&) { selectOutputMac(); });
-    actions.selectOutputSonos = whileAlive([this](const MenuItem& item) { selectOutputSonos(item); });
-    actions.selectOutputEverywhere = whileAlive([this](const MenuItem&) { selectOutputEverywhere(); });
-    actions.openLocalNetworkSettings = whileAlive([this](const MenuItem&) { openLocalNetworkSettings(); });
-    actions.rescanSonos = whileAlive([this](const MenuItem&) { rescanSonos(); });
-    actions.setVolumeFromMenuItem = whileAlive([this](const MenuItem& item) { setVolumeFromMenuItem(item); });
-    actions.showAboutWindow = whileAlive([this](const MenuItem&) { showAboutWindow(); });
-    actions.quit = whileAlive([this](const MenuItem&) { quit(); });
+        m_lifetime.guard([this](const MenuItem& item) { selectStationFromMenuItem(item); });
+    actions.selectOutputMac = m_lifetime.guard([this](const MenuItem&) { selectOutputMac(); });
+    actions.selectOutputSonos = m_lifetime.guard([this](const MenuItem& item) { selectOutputSonos(item); });
+    actions.selectOutputEverywhere = m_lifetime.guard([this](const MenuItem&) { selectOutputEverywhere(); });
+    actions.openLocalNetworkSettings =
+        m_lifetime.guard([this](const MenuItem&) { openLocalNetworkSettings(); });
+    actions.rescanSonos = m_lifetime.guard([this](const MenuItem&) { rescanSonos(); });
+    actions.setVolumeFromMenuItem =
+        m_lifetime.guard([this](const MenuItem& item) { setVolumeFromMenuItem(item); });
+    actions.showAboutWindow = m_lifetime.guard([this](const MenuItem&) { showAboutWindow(); });
+    actions.quit = m_lifetime.guard([this](const MenuItem&) { quit(); });
     return actions;
 }
 

@@ -2,11 +2,14 @@
 #pragma once
 
 #include "app/PopupWindow.h"
+#include "app/RadioControls.h"
+#include "app/RadioStateSource.h"
 #include "app/StatusMenu.h"
 #include "metadata/RadioViewModel.h"
 #include "platform/Clock.h"
 #include "platform/DefaultsStore.h"
 #include "platform/HttpSession.h"
+#include "platform/Lifetime.h"
 #include "platform/MainQueue.h"
 #include "platform/RadioMetadataSocket.h"
 #include "platform/StatusItem.h"
@@ -91,16 +94,13 @@ public:
     void quit();
     void updateStatusBarButton();
 
-    /// The menu's acts without a menu, for the command line, media controls and the wheel.
-    void selectStation(RadioStation station);
-    void selectOutput(const SonosRoom& room);
-    /// Anything but a number is ignored, and what lies outside of 0 to 1 is brought inside.
-    void setVolume(float value);
     /// Raises or lowers the volume by `steps` of five percent and shows it.
     void scrollVolume(int steps);
 
     /// Whether the current output plays, whatever it is.
-    [[nodiscard]] bool isPlaying() const;
+    [[nodiscard]] bool isPlaying() const { return m_state.now().isPlaying; }
+    [[nodiscard]] RadioStateSource& state() { return m_state; }
+    [[nodiscard]] RadioControls& controls() { return m_controls; }
     [[nodiscard]] RadioViewModel& viewModel() { return *m_viewModel; }
     [[nodiscard]] const QString& currentSongText() const { return m_currentSongText; }
     [[nodiscard]] const std::optional<QString>& nextSongText() const { return m_nextSongText; }
@@ -113,17 +113,13 @@ private:
     void installCallbacks();
     /// Wraps `work` so that it runs on the main queue, later, and only while this delegate lives.
     [[nodiscard]] std::function<void()> onMainQueue(std::function<void()> work);
-    /// Wraps what a menu or a window does, for it may be chosen when this delegate is gone.
-    template<typename Work>
-    [[nodiscard]] auto whileAlive(Work work) const;
     void openAboutWindow();
     void closeAboutWindow();
     void forgetAboutWindow();
-    void chooseVolume(float value);
-    [[nodiscard]] StatusMenuState menuState() const;
     [[nodiscard]] StatusMenuActions menuActions();
-    [[nodiscard]] QString statusWord() const;
-    [[nodiscard]] QString toolTip() const;
+    [[nodiscard]] RadioObjects objects() { return {*m_viewModel, m_player, m_sonos, m_languages}; }
+    void completeState(RadioState& state) const;
+    [[nodiscard]] RadioControls::Shell shell();
 
     Environment m_environment;
     std::unique_ptr<StatusItem> m_statusItem;
@@ -134,7 +130,9 @@ private:
     LanguageManager& m_languages;
     QString m_currentSongText;
     std::optional<QString> m_nextSongText;
-    std::shared_ptr<char> m_alive = std::make_shared<char>();
+    RadioStateSource m_state;
+    RadioControls m_controls;
+    Lifetime m_lifetime;
 };
 
 /// For example "1.0 (Build 1)", which is also what an empty description gives.

@@ -10,31 +10,31 @@ namespace zofra {
 
 namespace {
 
-QString state(const StatusReport& report) {
-    if (!report.playing)
+QString playback(const RadioState& state) {
+    if (!state.isPlaying)
         return QStringLiteral("stopped");
-    return report.buffering ? QStringLiteral("buffering") : QStringLiteral("playing");
+    return state.isBuffering ? QStringLiteral("buffering") : QStringLiteral("playing");
 }
 
-QString rooms(const StatusReport& report) {
-    if (report.rooms.empty())
+QString rooms(const RadioState& state) {
+    if (state.rooms.empty())
         return QStringLiteral("0");
     QStringList titles;
-    for (const auto& room : report.rooms)
+    for (const auto& room : state.rooms)
         titles.append(visibleText(room.title));
     return QStringLiteral("%1 (%2)").arg(titles.size()).arg(titles.join(QStringLiteral(", ")));
 }
 
 /// What is told, in its order: name and value. What a new listener need not be told is empty.
-std::array<std::pair<QString, QString>, 8> values(const StatusReport& report) {
-    return {{{QStringLiteral("station"), report.station.displayName()},
-             {QStringLiteral("song"), visibleText(report.song)},
-             {QStringLiteral("next"), visibleText(report.next.value_or(QString()))},
-             {QStringLiteral("state"), state(report)},
-             {QStringLiteral("output"), visibleText(report.outputTitle)},
-             {QStringLiteral("rooms"), rooms(report)},
-             {QStringLiteral("volume"), QStringLiteral("%1 %").arg(shownVolumePercent(report.volume))},
-             {QStringLiteral("language"), rawValue(report.language)}}};
+std::array<std::pair<QString, QString>, 8> values(const RadioState& state) {
+    return {{{QStringLiteral("station"), state.station.displayName()},
+             {QStringLiteral("song"), visibleText(state.currentSong)},
+             {QStringLiteral("next"), visibleText(state.upNext().value_or(QString()))},
+             {QStringLiteral("state"), playback(state)},
+             {QStringLiteral("output"), visibleText(state.targetTitle)},
+             {QStringLiteral("rooms"), rooms(state)},
+             {QStringLiteral("volume"), QStringLiteral("%1 %").arg(shownVolumePercent(state.volume))},
+             {QStringLiteral("language"), rawValue(state.language)}}};
 }
 
 bool isNothing(const QString& name, const QString& value) {
@@ -43,8 +43,8 @@ bool isNothing(const QString& name, const QString& value) {
 
 } // namespace
 
-QStringList ChangeLines::update(const StatusReport& report) {
-    const auto now = values(report);
+QStringList ChangeLines::update(const RadioState& state) {
+    const auto now = values(state);
     const auto before = m_last ? std::optional(values(*m_last)) : std::nullopt;
     QStringList lines;
     for (std::size_t i = 0; i < now.size(); ++i) {
@@ -52,7 +52,7 @@ QStringList ChangeLines::update(const StatusReport& report) {
         if (before ? (*before)[i].second != value : !isNothing(name, value))
             lines.append((name + QStringLiteral(": ") + value).trimmed());
     }
-    m_last = report;
+    m_last = state;
     return lines;
 }
 

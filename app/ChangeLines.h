@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "app/StatusReport.h"
+#include "app/RadioState.h"
 
 #include <QStringList>
 
@@ -12,12 +12,12 @@ namespace zofra {
 /// Tells changes of the program's state as lines of text, for those who follow it without a desktop.
 class ChangeLines {
 public:
-    /// One line for each thing that differs from the report before; for the first report, one for each thing
+    /// One line for each thing that differs from the state before; for the first state, one for each thing
     /// there is.
-    [[nodiscard]] QStringList update(const StatusReport& report);
+    [[nodiscard]] QStringList update(const RadioState& state);
 
 private:
-    std::optional<StatusReport> m_last;
+    std::optional<RadioState> m_last;
 };
 
 } // namespace zofra

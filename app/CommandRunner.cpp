@@ -33,14 +33,14 @@ std::optional<QString> CommandRunner::run(const Options& options) {
     if (!firstStartOnly.isEmpty())
         return QStringLiteral("%1 can only be given to a first start; the program is already running")
             .arg(firstStartOnly.join(QStringLiteral(", ")));
-    std::optional<SonosRoom> room;
+    std::optional<QString> room;
     if (namesRoom(options)) {
         room = roomNamed(*options.output);
         if (!room)
             return unknownRoom(options);
     }
     if (!options.play && !options.output)
-        m_environment.delegate.showAboutWindow();
+        m_environment.controls.showPanel();
     else
         act(options, room);
     return std::nullopt;
@@ -71,7 +71,7 @@ void CommandRunner::waitForRoom() {
         // The token may be the one whose handler is running; it holds nothing of what is used below.
         m_waitingForChange.reset();
     };
-    m_waitingForChange = m_environment.changes.observe([this, stopWaiting] {
+    m_waitingForChange = m_environment.state.observe([this, stopWaiting](const RadioState&) {
         const auto room = roomNamed(m_waiting.output.value_or(QString()));
         if (!room)
             return;
@@ -87,38 +87,31 @@ void CommandRunner::waitForRoom() {
     });
 }
 
-void CommandRunner::act(const Options& options, const std::optional<SonosRoom>& room) {
-    AppDelegate& delegate = m_environment.delegate;
-    RadioPlayer& player = m_environment.player;
-    // A stream that is held would be resumed as it is, whatever its station; who names one wants to hear
-    // that.
-    if (options.station && player.player && !player.isPlaying)
-        player.drop();
+void CommandRunner::act(const Options& options, const std::optional<QString>& roomId) {
+    RadioControls& controls = m_environment.controls;
     if (options.station)
-        delegate.selectStation(*options.station);
+        controls.chooseStationToHear(*options.station);
     // Choosing a room or every room plays there by itself; choosing this computer does not.
-    if (room)
-        delegate.selectOutput(*room);
+    if (roomId)
+        controls.chooseRoom(*roomId);
     else if (isEverywhere(options))
-        delegate.selectOutputEverywhere();
+        controls.chooseEverywhere();
     else if (isHere(options))
-        delegate.selectOutputMac();
-    if (options.play && !room && !isEverywhere(options))
-        startPlaying();
+        controls.chooseThisComputer();
+    if (options.play && !roomId && !isEverywhere(options))
+        controls.play();
 }
 
-void CommandRunner::startPlaying() {
-    if (!m_environment.delegate.isPlaying())
-        m_environment.delegate.togglePlayRadio();
-}
-
-std::optional<SonosRoom> CommandRunner::roomNamed(const QString& text) const {
-    if (auto room = m_environment.sonos.room(text))
-        return room;
+std::optional<QString> CommandRunner::roomNamed(const QString& text) const {
+    const RadioState state = m_environment.state.now();
+    for (const auto& [room, title] : state.rooms) {
+        if (room.id() == text)
+            return text;
+    }
     for (const auto sensitivity : {Qt::CaseSensitive, Qt::CaseInsensitive}) {
-        for (const SonosRoom& room : m_environment.sonos.rooms.get()) {
-            if (m_environment.sonos.displayTitle(room).compare(text, sensitivity) == 0)
-                return room;
+        for (const auto& [room, title] : state.rooms) {
+            if (title.compare(text, sensitivity) == 0)
+                return room.id();
         }
     }
     return std::nullopt;

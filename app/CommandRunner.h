@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "app/AppDelegate.h"
-#include "app/ChangeWatch.h"
 #include "app/Options.h"
+#include "app/RadioControls.h"
+#include "app/RadioStateSource.h"
 #include "platform/MainQueue.h"
 
 #include <QString>
@@ -21,11 +21,9 @@ public:
     using Report = std::function<void(const QString& line)>;
 
     struct Environment {
-        AppDelegate& delegate;
-        RadioPlayer& player;
-        SonosManager& sonos;
+        RadioControls& controls;
+        RadioStateSource& state;
         MainQueue& mainQueue;
-        ChangeWatch& changes;
     };
     explicit CommandRunner(const Environment& environment);
 
@@ -35,9 +33,9 @@ public:
     void runAtStart(const Options& options, Report report);
 
 private:
-    void act(const Options& options, const std::optional<SonosRoom>& room);
-    void startPlaying();
-    [[nodiscard]] std::optional<SonosRoom> roomNamed(const QString& text) const;
+    void act(const Options& options, const std::optional<QString>& roomId);
+    /// The id of the room with this id or title.
+    [[nodiscard]] std::optional<QString> roomNamed(const QString& text) const;
     void waitForRoom();
 
     Environment m_environment;

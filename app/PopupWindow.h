@@ -9,6 +9,7 @@
 namespace zofra {
 
 class LanguageManager;
+class RadioControls;
 class RadioPlayer;
 class RadioViewModel;
 class SonosManager;
@@ -23,8 +24,8 @@ struct PopupPanelContent {
     RadioPlayer& player;
     SonosManager& sonos;
     LanguageManager& languages;
-    /// Redraws the status-bar button.
-    std::function<void()> updateStatusBarButton;
+    /// Reaches the acts.
+    RadioControls& controls;
 };
 
 /// Parts of a window's frame, as bit masks.

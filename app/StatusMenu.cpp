@@ -46,11 +46,11 @@ MenuItem::CheckState onIf(bool condition) {
 /// Builds the menu's parts for one state.
 class Builder {
 public:
-    Builder(const StatusMenuState& state, const LanguageManager& languages, const StatusMenuActions& actions)
+    Builder(const RadioState& state, const LanguageManager& languages, const StatusMenuActions& actions)
         : m_state(state)
         , m_languages(languages)
         , m_actions(actions)
-        , m_language(languages.currentLanguage()) {}
+        , m_language(state.language) {}
 
     [[nodiscard]] MenuItem playStop() const {
         MenuItem item = actionItem((m_state.isPlaying ? texts::stopRadio : texts::playRadio).in(m_language),
@@ -68,11 +68,11 @@ public:
                                        m_actions.selectStationFromMenuItem, "selectStationFromMenuItem");
             item.representedObject = station;
             item.identity = station.rawValue();
-            item.state = onIf(station == m_state.currentStation);
+            item.state = onIf(station == m_state.station);
             menu.push_back(std::move(item));
         }
         MenuItem parent =
-            submenuItem(m_languages.stationMenuTitle(m_state.currentStation.displayName()), std::move(menu));
+            submenuItem(m_languages.stationMenuTitle(m_state.station.displayName()), std::move(menu));
         setIcon(parent, "antenna.radiowaves.left.and.right", texts::stationIcon.in(m_language));
         return parent;
     }
@@ -81,20 +81,19 @@ public:
         Menu menu;
         MenuItem local =
             actionItem(texts::thisMac.in(m_language), m_actions.selectOutputMac, "selectOutputMac");
-        local.state = onIf(m_state.activeTarget == AudioOutputTarget::localMac());
+        local.state = onIf(m_state.target == AudioOutputTarget::localMac());
         menu.push_back(std::move(local));
         menu.push_back(MenuItem::separator());
         appendRooms(menu);
         menu.push_back(MenuItem::separator());
         MenuItem everywhere = actionItem(texts::playEverywhere.in(m_language),
                                          m_actions.selectOutputEverywhere, "selectOutputEverywhere");
-        everywhere.state = onIf(m_state.activeTarget == AudioOutputTarget::sonosEverywhere());
+        everywhere.state = onIf(m_state.target == AudioOutputTarget::sonosEverywhere());
         everywhere.toolTip = texts::synchronizationNote.in(m_language);
         menu.push_back(std::move(everywhere));
         menu.push_back(MenuItem::separator());
         menu.push_back(actionItem(texts::searchItem.in(m_language), m_actions.rescanSonos, "rescanSonos"));
-        MenuItem parent =
-            submenuItem(m_languages.outputMenuTitle(m_state.activeTargetTitle), std::move(menu));
+        MenuItem parent = submenuItem(m_languages.outputMenuTitle(m_state.targetTitle), std::move(menu));
         setIcon(parent, "hifispeaker.2.fill", texts::outputIcon.in(m_language));
         return parent;
     }
@@ -120,12 +119,13 @@ public:
     }
 
     void appendSongs(Menu& menu) const {
-        MenuItem now = disabledItem(m_languages.nowPlayingHeader(m_state.currentSongText));
+        MenuItem now = disabledItem(m_languages.nowPlayingHeader(m_state.currentSong));
         setIcon(now, "music.note", texts::nowPlayingIcon.in(m_language));
         menu.push_back(std::move(now));
-        if (!m_state.nextSongText || m_state.nextSongText->isEmpty())
+        const auto upNext = m_state.upNext();
+        if (!upNext)
             return;
-        MenuItem next = disabledItem(m_languages.upNextHeader(*m_state.nextSongText));
+        MenuItem next = disabledItem(m_languages.upNextHeader(*upNext));
         setIcon(next, "forward.end.fill", texts::upNextIcon.in(m_language));
         menu.push_back(std::move(next));
     }
@@ -146,7 +146,7 @@ private:
     void appendRooms(Menu& menu) const {
         if (m_state.rooms.empty()) {
             menu.push_back(disabledItem(m_state.emptyStateMessage));
-            if (m_state.localNetworkDenied)
+            if (m_state.isLocalNetworkDenied)
                 menu.push_back(actionItem(texts::allowLocalNetwork.in(m_language),
                                           m_actions.openLocalNetworkSettings, "openLocalNetworkSettings"));
             return;
@@ -155,12 +155,12 @@ private:
             MenuItem item = actionItem(title, m_actions.selectOutputSonos, "selectOutputSonos");
             item.representedObject = room;
             item.identity = room.id();
-            item.state = onIf(m_state.activeTarget == AudioOutputTarget::sonos(room.id()));
+            item.state = onIf(m_state.target == AudioOutputTarget::sonos(room.id()));
             menu.push_back(std::move(item));
         }
     }
 
-    const StatusMenuState& m_state;
+    const RadioState& m_state;
     const LanguageManager& m_languages;
     const StatusMenuActions& m_actions;
     AppLanguage m_language;
@@ -168,8 +168,7 @@ private:
 
 } // namespace
 
-Menu statusMenu(const StatusMenuState& state, const LanguageManager& languages,
-                const StatusMenuActions& actions) {
+Menu statusMenu(const RadioState& state, const LanguageManager& languages, const StatusMenuActions& actions) {
     const Builder builder(state, languages, actions);
     Menu menu;
     menu.push_back(builder.playStop());

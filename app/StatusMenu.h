@@ -1,40 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "app/RadioState.h"
 #include "platform/MenuItem.h"
-#include "speakers/AudioOutputTarget.h"
-#include "speakers/SonosRoom.h"
 #include "stations/LanguageManager.h"
-#include "stations/RadioStation.h"
-
-#include <QString>
 
 #include <functional>
-#include <optional>
-#include <vector>
 
 namespace zofra {
-
-/// What the status-bar menu is made of.
-struct StatusMenuState {
-    struct Room {
-        SonosRoom room;
-        QString title;
-    };
-
-    bool isPlaying = false;
-    RadioStation currentStation = RadioStation::zofra;
-    QString currentSongText;
-    std::optional<QString> nextSongText;
-    AudioOutputTarget activeTarget = AudioOutputTarget::localMac();
-    QString activeTargetTitle;
-    /// In the order in which they are shown.
-    std::vector<Room> rooms;
-    QString emptyStateMessage;
-    bool localNetworkDenied = false;
-    /// The local player's, 0 to 1.
-    float volume = 0.8F;
-};
 
 /// What the items of the menu do. Each receives the item that was chosen.
 struct StatusMenuActions {
@@ -55,7 +28,7 @@ struct StatusMenuActions {
 };
 
 /// The status-bar menu for `state`, in the language of `languages`. The same arguments give the same menu.
-[[nodiscard]] Menu statusMenu(const StatusMenuState& state, const LanguageManager& languages,
+[[nodiscard]] Menu statusMenu(const RadioState& state, const LanguageManager& languages,
                               const StatusMenuActions& actions);
 
 } // namespace zofra

@@ -41,30 +41,31 @@ QString shownValue(const QJsonValue& value) {
 
 } // namespace
 
-QJsonObject toJson(const StatusReport& report) {
+QJsonObject toJson(const RadioState& state, const QString& version) {
     QJsonArray rooms;
-    for (const auto& room : report.rooms)
-        rooms.append(QJsonObject{{QStringLiteral("id"), room.id},
-                                 {QStringLiteral("title"), room.title},
-                                 {QStringLiteral("players"), room.players}});
+    for (const auto& [room, title] : state.rooms)
+        rooms.append(QJsonObject{{QStringLiteral("id"), room.id()},
+                                 {QStringLiteral("title"), title},
+                                 {QStringLiteral("players"), room.speakers.size()}});
+    const auto next = state.upNext();
     // The shortest decimal number that is this volume, not the nearest 64-bit one. A stored volume may lie
     // above 1.
     const double volume =
-        std::clamp(QString::number(static_cast<double>(report.volume), 'g', 7).toDouble(), 0.0, 1.0);
-    return {{QStringLiteral("station"), report.station.rawValue()},
-            {QStringLiteral("playing"), report.playing},
-            {QStringLiteral("buffering"), report.buffering},
+        std::clamp(QString::number(static_cast<double>(state.volume), 'g', 7).toDouble(), 0.0, 1.0);
+    return {{QStringLiteral("station"), state.station.rawValue()},
+            {QStringLiteral("playing"), state.isPlaying},
+            {QStringLiteral("buffering"), state.isBuffering},
             {QStringLiteral("volume"), volume},
-            {QStringLiteral("output"), outputId(report.output)},
-            {QStringLiteral("output_title"), report.outputTitle},
-            {QStringLiteral("song"), report.song},
-            {QStringLiteral("next"), report.next ? QJsonValue(*report.next) : QJsonValue()},
-            {QStringLiteral("language"), rawValue(report.language)},
+            {QStringLiteral("output"), outputId(state.target)},
+            {QStringLiteral("output_title"), state.targetTitle},
+            {QStringLiteral("song"), state.currentSong},
+            {QStringLiteral("next"), next ? QJsonValue(*next) : QJsonValue()},
+            {QStringLiteral("language"), rawValue(state.language)},
             {QStringLiteral("rooms"), rooms},
-            {QStringLiteral("scanning"), report.scanning},
-            {QStringLiteral("network_denied"), report.networkDenied},
-            {QStringLiteral("tray"), report.tray},
-            {QStringLiteral("version"), report.version}};
+            {QStringLiteral("scanning"), state.isScanning},
+            {QStringLiteral("network_denied"), state.isLocalNetworkDenied},
+            {QStringLiteral("tray"), statusItemModeName(state.tray)},
+            {QStringLiteral("version"), version}};
 }
 
 QString statusLines(const QJsonObject& report) {

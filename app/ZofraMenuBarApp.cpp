@@ -3,6 +3,8 @@
 
 #include "app/Desktop.h"
 #include "app/RemoteOptions.h"
+#include "app/StatusReport.h"
+#include "platform/SharedInstance.h"
 #include "platform/linux/PreferredLanguages.h"
 
 #include <QCoreApplication>
@@ -13,8 +15,6 @@
 namespace zofra {
 
 namespace {
-
-ZofraMenuBarApp* s_current = nullptr;
 
 constexpr auto endLimit = std::chrono::milliseconds(1000);
 constexpr auto answerLimit = std::chrono::seconds(25);
@@ -110,39 +110,33 @@ ZofraMenuBarApp::ZofraMenuBarApp(Configuration configuration, QtMainQueue& mainQ
     , m_search(m_sessionBus, searchEntries())
     , m_streams(m_mainQueue, m_systemLog, {m_configuration.hosts.extraAuthorityFile()})
     , m_workspace(m_sessionBus) {
-    s_current = this;
+    prepareSharedInstances();
     if (m_configuration.display == Display::present)
         m_desktop = makeDesktop(
-            Desktop::Environment{m_sessionBus, m_mainQueue, m_defaults, m_output, m_workspace, [] {}});
+            Desktop::Environment{m_sessionBus, m_mainQueue, m_defaults, m_output, m_workspace, [this] {
+                                     if (m_delegate)
+                                         m_delegate->state().touch();
+                                 }});
     else
         m_desktop = makeNoDesktop();
     m_desktop->setActivationToken(m_configuration.activation.activationToken.toUtf8());
     m_application = std::make_unique<Ending>(*this);
 }
 
-ZofraMenuBarApp::~ZofraMenuBarApp() {
-    s_current = nullptr;
-}
-
-ZofraMenuBarApp& ZofraMenuBarApp::current() {
-    Q_ASSERT(s_current);
-    return *s_current;
-}
-
-std::unique_ptr<LanguageManager> ZofraMenuBarApp::makeLanguages() {
-    return std::make_unique<LanguageManager>(m_defaults, preferredLanguages());
-}
-
-std::unique_ptr<RadioPlayer> ZofraMenuBarApp::makePlayer() {
-    return std::make_unique<RadioPlayer>(RadioPlayer::Environment{
-        m_streams, m_defaults, m_mainQueue, m_media, m_media, m_wake, m_output, m_configuration.hosts});
-}
-
-std::unique_ptr<SonosManager> ZofraMenuBarApp::makeSonos() {
-    return std::make_unique<SonosManager>(
-        !m_configuration.options.noDiscovery,
-        SonosManager::Environment{m_session, m_defaults, m_mainQueue, m_tasks, m_network, m_systemLog,
-                                  LanguageManager::shared(), RadioPlayer::shared(), m_configuration.hosts});
+void ZofraMenuBarApp::prepareSharedInstances() {
+    SharedInstance<LanguageManager>::setMake(
+        [this] { return std::make_unique<LanguageManager>(m_defaults, preferredLanguages()); });
+    SharedInstance<RadioPlayer>::setMake([this] {
+        return std::make_unique<RadioPlayer>(RadioPlayer::Environment{
+            m_streams, m_defaults, m_mainQueue, m_media, m_media, m_wake, m_output, m_configuration.hosts});
+    });
+    SharedInstance<SonosManager>::setMake([this] {
+        return std::make_unique<SonosManager>(
+            !m_configuration.options.noDiscovery,
+            SonosManager::Environment{m_session, m_defaults, m_mainQueue, m_tasks, m_network, m_systemLog,
+                                      LanguageManager::shared(), RadioPlayer::shared(),
+                                      m_configuration.hosts});
+    });
 }
 
 AppDelegate::Environment ZofraMenuBarApp::delegateEnvironment() {
@@ -170,10 +164,10 @@ int ZofraMenuBarApp::run() {
     connectMediaControls();
     connectChanges();
     m_delegate->applicationDidFinishLaunching();
-    m_commands = std::make_unique<CommandRunner>(CommandRunner::Environment{
-        *m_delegate, RadioPlayer::shared(), SonosManager::shared(), m_mainQueue, *m_changes});
+    m_commands = std::make_unique<CommandRunner>(
+        CommandRunner::Environment{m_delegate->controls(), m_delegate->state(), m_mainQueue});
     m_commands->runAtStart(m_configuration.options, writeErrorLine);
-    m_changes->touch();
+    m_delegate->state().touch();
     m_mainQueue.asyncAfter(startupSettled, [this] { settle(); });
     const int status = QCoreApplication::exec();
     finish();
@@ -190,9 +184,9 @@ void ZofraMenuBarApp::settle() {
 }
 
 void ZofraMenuBarApp::prepare() {
-    const PopupPanelContent content{
-        versionText(bundle()),  m_delegate->viewModel(),   [] {}, RadioPlayer::shared(),
-        SonosManager::shared(), LanguageManager::shared(), [] {}};
+    const PopupPanelContent content{versionText(bundle()), m_delegate->viewModel(), [] {},
+                                    RadioPlayer::shared(), SonosManager::shared(),  LanguageManager::shared(),
+                                    m_delegate->controls()};
     IdleSteps steps = m_desktop->preparation(content, m_delegate->contextMenu());
     runIdleSteps(m_mainQueue, std::move(steps));
 }
@@ -214,7 +208,8 @@ void ZofraMenuBarApp::connectApplicationBus() {
     m_applicationBus.onAnotherIsRunning = [this] { stepBack(); };
     m_applicationBus.onRun = [this](const QVariantMap& options) { return runRequest(options); };
     m_applicationBus.onStatus = [this] {
-        return QString::fromUtf8(QJsonDocument(toJson(report())).toJson(QJsonDocument::Compact));
+        return QString::fromUtf8(QJsonDocument(toJson(m_delegate->state().now(), versionText(bundle())))
+                                     .toJson(QJsonDocument::Compact));
     };
 }
 
@@ -233,7 +228,7 @@ void ZofraMenuBarApp::stepBack() {
         options.station = m_configuration.options.station;
         options.output = m_configuration.options.output;
     } else if (m_delegate->isPlaying()) {
-        const AudioOutputTarget target = SonosManager::shared().activeTarget;
+        const AudioOutputTarget target = m_delegate->state().now().target;
         options.play = true;
         if (target == AudioOutputTarget::sonosEverywhere())
             options.output = QStringLiteral("everywhere");
@@ -267,24 +262,21 @@ void ZofraMenuBarApp::raise(const Activation& activation) {
 }
 
 void ZofraMenuBarApp::connectMediaControls() {
-    m_media.onVolumeRequested = [this](double volume) { m_delegate->setVolume(static_cast<float>(volume)); };
+    m_media.onVolumeRequested = [this](double volume) { m_delegate->controls().requestVolume(volume); };
     m_media.setStations(playlists());
-    m_media.onStationRequested = [](const QString& key) {
+    m_media.onStationRequested = [this](const QString& key) {
         if (const auto station = RadioStation::fromRawValue(key))
-            RadioPlayer::shared().setStation(*station);
+            m_delegate->controls().chooseStation(*station);
     };
     m_media.onPlayStationRequested = [this](const QString& key) { play(RadioStation::fromRawValue(key)); };
     m_media.onQuit = [this] { m_delegate->quit(); };
     if (m_configuration.display == Display::present)
         m_media.onRaise = [this] { m_delegate->showAboutWindow(); };
-    showMediaState();
+    showMedia(m_delegate->state().now());
 }
 
 void ZofraMenuBarApp::connectChanges() {
-    m_changes = std::make_unique<ChangeWatch>(
-        m_mainQueue, std::vector<Observable*>{&RadioPlayer::shared(), &SonosManager::shared(),
-                                              &LanguageManager::shared(), &m_delegate->viewModel()});
-    m_observations.push_back(m_changes->observe([this] { changed(); }));
+    m_observations.push_back(m_delegate->state().observe([this](const RadioState& state) { show(state); }));
     // Connections kept from before are dead; streams that wait before they are tried again need not wait any
     // longer.
     const auto startAfresh = [this] {
@@ -295,59 +287,34 @@ void ZofraMenuBarApp::connectChanges() {
     m_observations.push_back(m_networkChange.observeChanged(startAfresh));
 }
 
-void ZofraMenuBarApp::changed() {
-    showMediaState();
-    if (StatusItem* item = m_delegate->statusItem()) {
-        item->setBuffering(report().buffering);
-        item->menuDidChange();
-    }
-    writeChangeLines();
+void ZofraMenuBarApp::showMedia(const RadioState& state) {
+    using Here = RadioState::LocalPlayback;
+    using Shown = MprisPlayer::PlaybackState;
+    m_media.setPlaybackState(state.localPlayback == Here::playing  ? Shown::playing
+                             : state.localPlayback == Here::paused ? Shown::paused
+                                                                   : Shown::stopped);
+    m_media.setVolume(static_cast<double>(state.volume));
+    m_media.setStation(state.station.rawValue(), state.station.displayName());
 }
 
-void ZofraMenuBarApp::writeChangeLines() {
+void ZofraMenuBarApp::show(const RadioState& state) {
+    showMedia(state);
+    if (StatusItem* item = m_delegate->statusItem()) {
+        item->setBuffering(state.isBuffering);
+        item->menuDidChange();
+    }
+    writeChangeLines(state);
+}
+
+void ZofraMenuBarApp::writeChangeLines(const RadioState& state) {
     if (!m_configuration.options.headless)
         return;
-    for (const QString& line : m_lines.update(report()))
+    for (const QString& line : m_lines.update(state))
         m_output.writeLine(line);
 }
 
-void ZofraMenuBarApp::showMediaState() {
-    using State = MprisPlayer::PlaybackState;
-    const RadioPlayer& player = RadioPlayer::shared();
-    m_media.setPlaybackState(player.isPlaying ? State::playing
-                             : player.player  ? State::paused
-                                              : State::stopped);
-    m_media.setVolume(static_cast<double>(player.volume.get()));
-    const RadioStation station = player.currentStation;
-    m_media.setStation(station.rawValue(), station.displayName());
-}
-
-StatusReport ZofraMenuBarApp::report() const {
-    const RadioPlayer& player = RadioPlayer::shared();
-    const SonosManager& sonos = SonosManager::shared();
-    StatusReport report;
-    report.station = player.currentStation;
-    report.playing = m_delegate->isPlaying();
-    report.buffering = report.playing && player.isPlaying && player.isBuffering;
-    report.volume = player.volume;
-    report.output = sonos.activeTarget;
-    report.outputTitle = sonos.activeTargetTitle();
-    report.song = m_delegate->currentSongText();
-    if (const auto& next = m_delegate->nextSongText(); next && !next->isEmpty())
-        report.next = *next;
-    report.language = LanguageManager::shared().currentLanguage();
-    for (const SonosRoom& room : sonos.rooms.get())
-        report.rooms.push_back({room.id(), sonos.displayTitle(room), room.speakers.size()});
-    report.scanning = sonos.isScanning;
-    report.networkDenied = sonos.localNetworkDenied;
-    const StatusItem* item = m_delegate->statusItem();
-    report.tray = statusItemModeName(item ? item->mode() : StatusItemMode::none);
-    report.version = versionText(bundle());
-    return report;
-}
-
 void ZofraMenuBarApp::finish() {
-    writeChangeLines();
+    writeChangeLines(m_delegate->state().now());
     // What was chosen last must not be lost; the files are small.
     if (!m_defaults.flush(settingsLimit))
         writeErrorLine(QStringLiteral("not every setting could be kept"));

@@ -3,11 +3,9 @@
 
 #include "app/AppDelegate.h"
 #include "app/ChangeLines.h"
-#include "app/ChangeWatch.h"
 #include "app/CommandRunner.h"
 #include "app/ControlRequestCount.h"
 #include "app/Options.h"
-#include "app/StatusReport.h"
 #include "app/UnixSignals.h"
 #include "platform/linux/ApplicationBus.h"
 #include "platform/linux/DesktopWorkspace.h"
@@ -49,24 +47,16 @@ public:
     /// `sessionBus` and `mainQueue` outlive it. `applicationBus` is ours already, or there is no bus.
     ZofraMenuBarApp(Configuration configuration, QtMainQueue& mainQueue, SessionBus& sessionBus,
                     ApplicationBus& applicationBus);
-    ~ZofraMenuBarApp();
     ZofraMenuBarApp(const ZofraMenuBarApp&) = delete;
     ZofraMenuBarApp& operator=(const ZofraMenuBarApp&) = delete;
-
-    /// The one that exists; there must be one.
-    [[nodiscard]] static ZofraMenuBarApp& current();
 
     /// Launches and runs until the program is asked to end. Returns its exit status.
     [[nodiscard]] int run();
 
-    // What the shared instances are made with.
-    [[nodiscard]] std::unique_ptr<LanguageManager> makeLanguages();
-    [[nodiscard]] std::unique_ptr<RadioPlayer> makePlayer();
-    [[nodiscard]] std::unique_ptr<SonosManager> makeSonos();
-
 private:
     class Ending;
 
+    void prepareSharedInstances();
     [[nodiscard]] AppDelegate::Environment delegateEnvironment();
     void settle();
     void prepare();
@@ -79,10 +69,9 @@ private:
     void stepBack();
     [[nodiscard]] RunReply runRequest(const QVariantMap& options);
     void raise(const Activation& activation);
-    void changed();
-    void writeChangeLines();
-    void showMediaState();
-    [[nodiscard]] StatusReport report() const;
+    void show(const RadioState& state);
+    void showMedia(const RadioState& state);
+    void writeChangeLines(const RadioState& state);
     void finish();
 
     Configuration m_configuration;
@@ -106,7 +95,6 @@ private:
     std::unique_ptr<Desktop> m_desktop;
     std::unique_ptr<Application> m_application;
     std::unique_ptr<AppDelegate> m_delegate;
-    std::unique_ptr<ChangeWatch> m_changes;
     std::unique_ptr<CommandRunner> m_commands;
     std::unique_ptr<UnixSignals> m_signals;
     ChangeLines m_lines;

@@ -60,13 +60,16 @@ private:
     std::shared_ptr<Entries> m_entries = std::make_shared<Entries>();
 };
 
-/// An object whose published fields can be watched. Observers are told before a field changes, so what they
-/// want to show they read later, in a next turn of the main queue. Main thread only.
+/// An object whose published fields can be watched, before and after they change. Main thread only.
 class Observable {
 public:
     /// Calls `willChange` before each change of a published field until the token ends.
     [[nodiscard]] ObservationToken observe(std::function<void()> willChange) {
-        return m_observers.add(std::move(willChange));
+        return m_beforeChange.add(std::move(willChange));
+    }
+    /// Calls `didChange` after each change of a published field until the token ends.
+    [[nodiscard]] ObservationToken observeChanged(std::function<void()> didChange) {
+        return m_afterChange.add(std::move(didChange));
     }
 
     Observable() = default;
@@ -79,10 +82,11 @@ protected:
 private:
     template<typename>
     friend class Published;
-    ObserverList<> m_observers;
+    ObserverList<> m_beforeChange;
+    ObserverList<> m_afterChange;
 };
 
-/// A field of an Observable: every assignment is announced first, also of an equal value.
+/// A field of an Observable: every assignment is announced before and after, also of an equal value.
 template<typename Value>
 class Published {
 public:
@@ -93,8 +97,9 @@ public:
     Published& operator=(const Published&) = delete;
 
     Published& operator=(Value value) {
-        m_owner.m_observers.notify();
+        m_owner.m_beforeChange.notify();
         m_value = std::move(value);
+        m_owner.m_afterChange.notify();
         return *this;
     }
     [[nodiscard]] const Value& get() const { return m_value; }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "playback/RadioPlayer.h"
 
+#include "platform/SharedInstance.h"
+
 #include <chrono>
 #include <utility>
 
@@ -27,6 +29,10 @@ RadioPlayer::RadioPlayer(const Environment& environment)
     currentStation = RadioStation::savedStation(m_environment.defaults);
     setupRemoteCommands();
     m_wakeObserver = m_environment.wake.observeDidWake(m_lifetime.guard([this] { handleWakeFromSleep(); }));
+}
+
+RadioPlayer& RadioPlayer::shared() {
+    return SharedInstance<RadioPlayer>::get();
 }
 
 void RadioPlayer::play() {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/SonosManager.h"
 
+#include "platform/SharedInstance.h"
 #include "speakers/OutputTitles.h"
 #include "speakers/RoomCache.h"
 #include "speakers/SpeakerDiscovery.h"
@@ -38,6 +39,10 @@ SonosManager::SonosManager(bool automaticallyDiscover, const Environment& enviro
     discoverDevices(true);
     m_scanTimer = environment.mainQueue.startTimer(scanInterval, MainQueue::Repeat::forever,
                                                    [this] { discoverDevices(false); });
+}
+
+SonosManager& SonosManager::shared() {
+    return SharedInstance<SonosManager>::get();
 }
 
 SonosManager::~SonosManager() {

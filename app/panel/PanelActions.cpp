@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/PanelActions.h"
 
-#include "metadata/RadioViewModel.h"
-#include "platform/StreamPlayer.h"
+#include "app/RadioControls.h"
 #include "playback/RadioPlayer.h"
 #include "speakers/SonosManager.h"
 
@@ -31,69 +30,39 @@ bool PanelActions::isPlaying() const {
 }
 
 void PanelActions::chooseLanguage(AppLanguage language) {
-    m_content.languages.setCurrentLanguage(language);
+    m_content.controls.chooseLanguage(language);
 }
 
 void PanelActions::chooseStation(RadioStation station) {
-    m_content.player.setStation(station);
-    m_content.sonos.setStation(station);
-    m_content.viewModel.setStation(station);
-    if (m_content.updateStatusBarButton)
-        m_content.updateStatusBarButton();
+    m_content.controls.chooseStation(station);
 }
 
 void PanelActions::chooseThisMac() {
-    SonosManager& sonos = m_content.sonos;
-    sonos.activeTarget = AudioOutputTarget::localMac();
-    sonos.stopAllSonos();
-    sonos.isSonosPlaying = false;
-    if (sonos.onPlaybackStateChanged)
-        sonos.onPlaybackStateChanged(false);
+    m_content.controls.chooseThisComputer();
 }
 
 void PanelActions::chooseRoom(const QString& roomId) {
-    // The panel hands the sound to a room for now: the target, and what the local player was asked for, stay
-    // as they were chosen in the status menu.
-    if (StreamPlayer* const streamPlayer = m_content.player.player.get())
-        streamPlayer->pause();
-    m_content.sonos.playZofra(roomId);
+    m_content.controls.chooseRoom(roomId);
 }
 
 void PanelActions::chooseEverywhere() {
-    m_content.sonos.selectTarget(AudioOutputTarget::sonosEverywhere());
+    m_content.controls.chooseEverywhere();
 }
 
 void PanelActions::search() {
-    m_content.sonos.discoverDevices(true);
+    m_content.controls.search();
 }
 
 void PanelActions::openLocalNetworkSettings() {
-    m_workspace.open(
-        QUrl(QStringLiteral("x-apple.systempreferences:com.apple.preference.security?Privacy_LocalNetwork")));
+    m_content.controls.openLocalNetworkSettings();
 }
 
 void PanelActions::togglePlayPause() {
-    m_content.sonos.togglePlayPause();
+    m_content.controls.toggle();
 }
 
 void PanelActions::setVolume(float volume) {
-    m_content.player.applyVolume(volume);
-    const std::optional<int> percent = shownPercent(volume);
-    if (!percent)
-        return;
-    SonosManager& sonos = m_content.sonos;
-    const AudioOutputTarget target = sonos.activeTarget;
-    switch (target.kind()) {
-    case AudioOutputTarget::Kind::localMac:
-        break;
-    case AudioOutputTarget::Kind::sonos:
-        if (const std::optional<SonosRoom> room = sonos.room(target.roomId()))
-            sonos.setVolume(*percent, *room);
-        break;
-    case AudioOutputTarget::Kind::sonosEverywhere:
-        sonos.setVolumeEverywhere(*percent);
-        break;
-    }
+    m_content.controls.setVolume(volume);
 }
 
 void PanelActions::writeToUs() {

@@ -197,13 +197,13 @@ TEST_F(AppDelegateActionsDeathTest, AVolumeWithoutPercentageEndsTheProgram) {
 
 TEST_F(AppDelegateActions, VolumesFromOutsideAreMadeSafeFirst) {
     launch();
-    delegate->setVolume(std::numeric_limits<float>::quiet_NaN());
+    delegate->controls().requestVolume(std::numeric_limits<double>::quiet_NaN());
     EXPECT_EQ(player->volume.get(), 0.8F);
-    delegate->setVolume(std::numeric_limits<float>::infinity());
+    delegate->controls().requestVolume(std::numeric_limits<double>::infinity());
     EXPECT_EQ(player->volume.get(), 1.0F);
-    delegate->setVolume(-7.0F);
+    delegate->controls().requestVolume(-7.0);
     EXPECT_EQ(player->volume.get(), 0.0F);
-    delegate->setVolume(0.3F);
+    delegate->controls().requestVolume(0.3F);
     EXPECT_EQ(player->volume.get(), 0.3F);
 }
 

@@ -28,8 +28,8 @@ TEST_F(AppDelegateWindow, ThePanelGetsTheSharedObjectsAndTheVersion) {
     EXPECT_EQ(&content.sonos, sonos.get());
     EXPECT_EQ(&content.languages, languages.get());
     const int before = item().refreshes;
-    content.updateStatusBarButton();
-    EXPECT_EQ(item().refreshes, before + 1);
+    content.controls.toggle();
+    EXPECT_EQ(item().refreshes, before + 1) << "an act is shown at once";
 }
 
 TEST_F(AppDelegateWindow, AskedForTwiceItComesForward) {

@@ -10,9 +10,8 @@ class CommandRunnerTest : public DelegateFixture {
 protected:
     void SetUp() override {
         launch();
-        changes = std::make_unique<ChangeWatch>(queue, std::vector<Observable*>{player.get(), sonos.get()});
         runner = std::make_unique<CommandRunner>(
-            CommandRunner::Environment{*delegate, *player, *sonos, queue, *changes});
+            CommandRunner::Environment{delegate->controls(), delegate->state(), queue});
     }
     static Options play(std::optional<RadioStation> station = std::nullopt) {
         Options options;
@@ -29,7 +28,6 @@ protected:
         runner->runAtStart(options, [this](const QString& line) { reports << line; });
     }
 
-    std::unique_ptr<ChangeWatch> changes;
     std::unique_ptr<CommandRunner> runner;
     QStringList reports;
     SonosRoom kitchen = room(u"RINCON_K"_qs, u"Kitchen"_qs, 5);
@@ -166,24 +164,6 @@ TEST_F(CommandRunnerTest, AtTheStartNothingAskedShowsNothing) {
     queue.drain();
     EXPECT_EQ(windows.made, 0);
     EXPECT_EQ(reports, QStringList());
-}
-
-TEST_F(CommandRunnerTest, ChangesAreToldOncePerTurn) {
-    int told = 0;
-    const auto token = changes->observe([&] { ++told; });
-    player->volume = 0.1F;
-    player->volume = 0.2F;
-    sonos->isScanning = true;
-    EXPECT_EQ(told, 0);
-    queue.drain();
-    EXPECT_EQ(told, 1);
-    changes->touch();
-    queue.drain();
-    EXPECT_EQ(told, 2);
-    player->volume = 0.3F;
-    changes.reset();
-    queue.drain();
-    EXPECT_EQ(told, 2);
 }
 
 } // namespace

@@ -12,21 +12,29 @@
 namespace zofra {
 namespace {
 
-StatusReport sample() {
-    StatusReport report;
-    report.station = RadioStation::zofraClassX;
-    report.playing = true;
-    report.volume = 0.8F;
-    report.outputTitle = u"This Mac"_qs;
-    report.song = u"Artist – Song"_qs;
-    report.language = AppLanguage::fr;
-    report.tray = u"hostmenu"_qs;
-    report.version = u"1.0 (Build 1)"_qs;
-    return report;
+const QString version = u"1.0 (Build 1)"_qs;
+
+/// A room of `players` players.
+RadioState::Room room(const QString& id, const QString& title, int players) {
+    SonosSpeaker speaker;
+    speaker.id = id;
+    return {{title, speaker, QList<SonosSpeaker>(players, speaker)}, title};
 }
 
-QString json(const StatusReport& report) {
-    return QString::fromUtf8(QJsonDocument(toJson(report)).toJson(QJsonDocument::Compact));
+RadioState sample() {
+    RadioState state;
+    state.station = RadioStation::zofraClassX;
+    state.isPlaying = true;
+    state.volume = 0.8F;
+    state.targetTitle = u"This Mac"_qs;
+    state.currentSong = u"Artist – Song"_qs;
+    state.language = AppLanguage::fr;
+    state.tray = StatusItemMode::hostmenu;
+    return state;
+}
+
+QString json(const RadioState& state) {
+    return QString::fromUtf8(QJsonDocument(toJson(state, version)).toJson(QJsonDocument::Compact));
 }
 
 TEST(StatusReport, IsOneObjectWithEveryField) {
@@ -39,21 +47,21 @@ TEST(StatusReport, IsOneObjectWithEveryField) {
 }
 
 TEST(StatusReport, SaysAVolumeBetweenSilenceAndFull) {
-    StatusReport report = sample();
+    RadioState state = sample();
     for (const auto& [volume, said] : {std::pair(0.62F, 0.62), std::pair(5.0F, 1.0), std::pair(0.0F, 0.0)}) {
-        report.volume = volume;
-        EXPECT_EQ(toJson(report).value(u"volume"_qs).toDouble(), said);
+        state.volume = volume;
+        EXPECT_EQ(toJson(state, version).value(u"volume"_qs).toDouble(), said);
     }
 }
 
 TEST(StatusReport, SaysTheOutputAndTheRooms) {
-    StatusReport report = sample();
-    report.output = AudioOutputTarget::sonosEverywhere();
-    EXPECT_EQ(toJson(report).value(u"output"_qs).toString(), u"everywhere"_qs);
-    report.output = AudioOutputTarget::sonos(u"RINCON_1"_qs);
-    report.rooms = {{u"RINCON_1"_qs, u"Kitchen"_qs, 2}};
-    report.next = u"Next"_qs;
-    const QJsonObject object = toJson(report);
+    RadioState state = sample();
+    state.target = AudioOutputTarget::sonosEverywhere();
+    EXPECT_EQ(toJson(state, version).value(u"output"_qs).toString(), u"everywhere"_qs);
+    state.target = AudioOutputTarget::sonos(u"RINCON_1"_qs);
+    state.rooms = {room(u"RINCON_1"_qs, u"Kitchen"_qs, 2)};
+    state.nextSong = u"Next"_qs;
+    const QJsonObject object = toJson(state, version);
     EXPECT_EQ(object.value(u"output"_qs).toString(), u"RINCON_1"_qs);
     EXPECT_EQ(object.value(u"next"_qs).toString(), u"Next"_qs);
     EXPECT_EQ(
@@ -62,9 +70,9 @@ TEST(StatusReport, SaysTheOutputAndTheRooms) {
 }
 
 TEST(StatusReport, LinesNameEachFieldOnceAndForgeNone) {
-    StatusReport report = sample();
-    report.song = u"A\nvolume: 0"_qs;
-    const QStringList lines = statusLines(toJson(report)).split(u'\n');
+    RadioState state = sample();
+    state.currentSong = u"A\nvolume: 0"_qs;
+    const QStringList lines = statusLines(toJson(state, version)).split(u'\n');
     EXPECT_EQ(lines.size(), 14);
     EXPECT_EQ(lines.at(0), u"station: zofra_class_x"_qs);
     EXPECT_EQ(lines.at(1), u"playing: yes"_qs);
@@ -83,33 +91,33 @@ TEST(ChangeLines, FirstTellWhatThereIs) {
 
 TEST(ChangeLines, ThenOneLineForEachChange) {
     ChangeLines lines;
-    StatusReport report = sample();
-    static_cast<void>(lines.update(report));
-    report.buffering = true;
-    EXPECT_EQ(lines.update(report), QStringList{u"state: buffering"_qs});
-    report.playing = false;
-    EXPECT_EQ(lines.update(report), QStringList{u"state: stopped"_qs});
-    report.next = u"Next – One"_qs;
-    EXPECT_EQ(lines.update(report), QStringList{u"next: Next – One"_qs});
-    report.next.reset();
-    EXPECT_EQ(lines.update(report), QStringList{u"next:"_qs});
-    report.rooms = {{u"1"_qs, u"Bath"_qs, 1}, {u"2"_qs, u"Kitchen (Sonos)"_qs, 2}};
-    EXPECT_EQ(lines.update(report), QStringList{u"rooms: 2 (Bath, Kitchen (Sonos))"_qs});
-    report.rooms.clear();
-    EXPECT_EQ(lines.update(report), QStringList{u"rooms: 0"_qs});
-    report.volume = 0.29F;
-    report.outputTitle = u"Kitchen"_qs;
-    EXPECT_EQ(lines.update(report), (QStringList{u"output: Kitchen"_qs, u"volume: 29 %"_qs}));
-    report.scanning = true;
-    report.tray = u"direct"_qs;
-    EXPECT_EQ(lines.update(report), QStringList());
+    RadioState state = sample();
+    static_cast<void>(lines.update(state));
+    state.isBuffering = true;
+    EXPECT_EQ(lines.update(state), QStringList{u"state: buffering"_qs});
+    state.isPlaying = false;
+    EXPECT_EQ(lines.update(state), QStringList{u"state: stopped"_qs});
+    state.nextSong = u"Next – One"_qs;
+    EXPECT_EQ(lines.update(state), QStringList{u"next: Next – One"_qs});
+    state.nextSong.reset();
+    EXPECT_EQ(lines.update(state), QStringList{u"next:"_qs});
+    state.rooms = {room(u"1"_qs, u"Bath"_qs, 1), room(u"2"_qs, u"Kitchen (Sonos)"_qs, 2)};
+    EXPECT_EQ(lines.update(state), QStringList{u"rooms: 2 (Bath, Kitchen (Sonos))"_qs});
+    state.rooms.clear();
+    EXPECT_EQ(lines.update(state), QStringList{u"rooms: 0"_qs});
+    state.volume = 0.29F;
+    state.targetTitle = u"Kitchen"_qs;
+    EXPECT_EQ(lines.update(state), (QStringList{u"output: Kitchen"_qs, u"volume: 29 %"_qs}));
+    state.isScanning = true;
+    state.tray = StatusItemMode::direct;
+    EXPECT_EQ(lines.update(state), QStringList());
 }
 
 TEST(ChangeLines, ATextFromTheNetworkStaysOnItsLine) {
     ChangeLines lines;
-    StatusReport report = sample();
-    report.song = u"x\nstate: stopped\x1B[2J"_qs;
-    for (const QString& line : lines.update(report)) {
+    RadioState state = sample();
+    state.currentSong = u"x\nstate: stopped\x1B[2J"_qs;
+    for (const QString& line : lines.update(state)) {
         EXPECT_FALSE(line.contains(u'\n'));
         EXPECT_FALSE(line.contains(QChar(0x1B)));
     }

@@ -18,7 +18,7 @@ protected:
                   world.player,
                   world.sonos,
                   world.languages,
-                  [this] { world.calls << QStringLiteral("updateStatusBarButton"); }}
+                  world.controls}
         , actions(content, world.loginItem, world.output, world.workspace) {}
 
     /// Notes each change of a field of the three, as "player", "sonos" or "viewModel", once in a row.
@@ -101,7 +101,7 @@ TEST_F(PanelActionsTest, ChoosingThisMacStopsThePlayersAndSaysSo) {
     actions.chooseThisMac();
     EXPECT_EQ(world.sonos.activeTarget.get(), AudioOutputTarget::localMac());
     EXPECT_FALSE(world.sonos.isSonosPlaying);
-    EXPECT_EQ(world.calls, QStringList{u"told after Stop"_qs});
+    EXPECT_EQ(world.calls, (QStringList{u"told after Stop"_qs, u"updateStatusBarButton"_qs}));
     // Local playback waits for the user.
     EXPECT_TRUE(world.streams.calls.isEmpty());
     EXPECT_FALSE(world.player.isPlaying);
@@ -133,13 +133,15 @@ TEST_F(PanelActionsTest, ChoosingARoomPausesTheStreamBeforeTheRoomPlays) {
     EXPECT_FALSE(world.http.requests.empty());
 }
 
-TEST_F(PanelActionsTest, ChoosingARoomLeavesTargetAndLocalPlayerAsTheyWere) {
+TEST_F(PanelActionsTest, ChoosingARoomMakesItTheTargetAndStopsTheLocalPlayer) {
     world.findPlayer(u"RINCON_1"_qs, u"Kitchen"_qs);
     playLocally();
-    world.player.onPlaybackStateChanged = [](bool) { ADD_FAILURE() << "the player was told to stop"; };
+    std::optional<bool> told;
+    world.player.onPlaybackStateChanged = [&told](bool isPlaying) { told = isPlaying; };
     actions.chooseRoom(u"RINCON_1"_qs);
-    EXPECT_EQ(world.sonos.activeTarget.get(), AudioOutputTarget::localMac());
-    EXPECT_TRUE(world.player.isPlaying);
+    EXPECT_EQ(world.sonos.activeTarget.get(), AudioOutputTarget::sonos(u"RINCON_1"_qs));
+    EXPECT_FALSE(world.player.isPlaying);
+    EXPECT_EQ(told, false);
     EXPECT_NE(world.player.player, nullptr);
 }
 

@@ -264,12 +264,13 @@ TEST_P(MenuPicture, OfTheStatusBarLooksAsBefore) {
     const QString code = QString::fromStdString(language);
     PanelWorld world(code);
     world.appearance.set({scheme, DesktopAppearance::Contrast::normal, std::nullopt});
-    StatusMenuState state;
+    RadioState state;
     state.isPlaying = true;
-    state.currentStation = RadioStation::qmusic;
-    state.currentSongText = QStringLiteral("An Artist – A Song");
-    state.nextSongText = QStringLiteral("Another Artist – Another Song");
-    state.activeTargetTitle = world.sonos.activeTargetTitle();
+    state.language = world.languages.currentLanguage();
+    state.station = RadioStation::qmusic;
+    state.currentSong = QStringLiteral("An Artist – A Song");
+    state.nextSong = QStringLiteral("Another Artist – Another Song");
+    state.targetTitle = world.sonos.activeTargetTitle();
     state.volume = 0.8F;
     const Symbols symbols(world);
     WidgetMenu menu(statusMenu(state, world.languages, {}), symbols);

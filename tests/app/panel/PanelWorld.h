@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "app/RadioControls.h"
 #include "app/panel/AboutPopupView.h"
 #include "app/panel/AppearanceSource.h"
 #include "app/panel/MenuButton.h"
@@ -89,7 +90,9 @@ public:
         , languages(defaults, {language})
         , player({streams, defaults, queue, nowPlaying, commands, wake, output, hosts})
         , sonos(false, {http, defaults, queue, tasks, network, log, languages, player, hosts})
-        , viewModel(station, http, queue.clock(), sockets.maker(), {queue, output, languages, hosts}) {}
+        , viewModel(station, http, queue.clock(), sockets.maker(), {queue, output, languages, hosts})
+        , controls({viewModel, player, sonos, languages},
+                   {workspace, [this] { calls << QStringLiteral("updateStatusBarButton"); }, [] {}, [] {}}) {}
 
     /// The panel, not yet shown.
     std::unique_ptr<AboutPopupView> makeView() {
@@ -99,7 +102,7 @@ public:
                                   player,
                                   sonos,
                                   languages,
-                                  [this] { calls << QStringLiteral("updateStatusBarButton"); }};
+                                  controls};
         return std::make_unique<AboutPopupView>(std::move(content), environment());
     }
 
@@ -181,6 +184,7 @@ public:
     RadioViewModel viewModel;
     FakeLoginItem loginItem;
     RecordingWorkspace workspace;
+    RadioControls controls;
     IconSet icons;
     AppearanceSource appearance;
     /// What happened, in order, as far as the test listens.

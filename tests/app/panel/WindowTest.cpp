@@ -27,7 +27,7 @@ protected:
                                          world.calls << QStringLiteral("onClose");
                                          window->close();
                                      },
-                                     world.player, world.sonos, world.languages, [] {}});
+                                     world.player, world.sonos, world.languages, world.controls});
         window->onWillClose = [this](PopupWindow& closing) {
             EXPECT_EQ(&closing, window.get());
             world.calls << QStringLiteral("willClose");
@@ -130,10 +130,9 @@ TEST_F(PopupWindowTest, EndsWithItsOwnerWithoutAWord) {
 TEST_F(PopupWindowTest, PreparingTheFirstOneShowsNothingAndAsksNothing) {
     const auto before = QApplication::topLevelWidgets().size();
     world.defaults.writes.clear();
-    const auto steps = factory.preparation(
-        {QStringLiteral("1.0 (Build 1)"), world.viewModel,
-         [this] { world.calls << QStringLiteral("onClose"); }, world.player, world.sonos, world.languages,
-         [this] { world.calls << QStringLiteral("updateStatusBarButton"); }});
+    const auto steps = factory.preparation({QStringLiteral("1.0 (Build 1)"), world.viewModel,
+                                            [this] { world.calls << QStringLiteral("onClose"); },
+                                            world.player, world.sonos, world.languages, world.controls});
     EXPECT_GT(steps.size(), 4U);
     for (const auto& step : steps) {
         step();

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/RadioObjects.h"
+#include "platform/Workspace.h"
+#include "stations/AppLanguage.h"
+#include "stations/RadioStation.h"
+
+#include <QString>
+
+#include <functional>
+
+namespace zofra {
+
+/// All that can be done with the program. Menu, panel, media keys, wheel and command line call these and
+/// nothing else. Main thread only.
+class RadioControls {
+public:
+    /// What the program around the radio does. All of it outlives the controls.
+    struct Shell {
+        Workspace& workspace;
+        /// Shows at once what an act has changed.
+        std::function<void()> refresh;
+        std::function<void()> showPanel;
+        std::function<void()> terminate;
+    };
+
+    RadioControls(const RadioObjects& objects, Shell shell);
+
+    /// Plays or stops wherever the sound goes.
+    void toggle();
+    /// Plays wherever the sound goes, unless it plays already.
+    void play();
+    void stop();
+    void chooseStation(RadioStation station);
+    /// The same, and what is played here next is this station: a stream that is held would be resumed as it
+    /// is.
+    void chooseStationToHear(RadioStation station);
+    /// The stations in their order, and from the last on to the first.
+    void chooseNextStation();
+    void choosePreviousStation();
+
+    /// The speakers stop. Nothing plays here until it is asked for.
+    void chooseThisComputer();
+    /// The sound goes to the room with this id from now on, and plays there. An unknown room plays nothing.
+    void chooseRoom(const QString& roomId);
+    void chooseEverywhere();
+
+    /// Sets the volume here, kept for the next start, and sends its percentage to the chosen room or rooms.
+    /// Clamped to 0..1 here; a NaN counts as missing and becomes 1, and is sent nowhere.
+    void setVolume(float volume);
+    /// The same for what other programs send: what is no number is ignored, what lies outside is brought
+    /// inside.
+    void requestVolume(double volume);
+    /// Louder or softer by `steps` of five percent; answers the percentage it is then.
+    int changeVolume(int steps);
+
+    /// Searches for players; each host of the local networks is asked where nothing answers by itself.
+    void search();
+    void chooseLanguage(AppLanguage language);
+    /// The system's page about access to the local network.
+    void openLocalNetworkSettings();
+    void showPanel();
+    /// Here and in the rooms it becomes silent, then the program ends.
+    void quit();
+
+private:
+    void chooseNeighbour(int distance);
+    [[nodiscard]] bool isPlaying() const;
+
+    RadioObjects m_objects;
+    Shell m_shell;
+};
+
+} // namespace zofra
