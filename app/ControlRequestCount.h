@@ -24,9 +24,10 @@ public:
         ++*m_underWay;
         m_session.start(std::move(request),
                         [underWay = m_underWay, completion = std::move(completion)](HttpResult result) {
-                            --*underWay;
+                            // First, for it may start a further request.
                             if (completion)
                                 completion(std::move(result));
+                            --*underWay;
                         });
     }
 

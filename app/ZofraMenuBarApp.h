@@ -79,7 +79,7 @@ private:
     SessionBus& m_sessionBus;
     ApplicationBus& m_applicationBus;
     SessionBus m_systemBus;
-    ThreadTaskPool m_tasks;
+    ThreadTaskPool m_tasks{m_mainQueue};
     SyslogLog m_systemLog;
     StandardOutputWriter m_output;
     IniDefaultsStore m_defaults;

@@ -23,6 +23,8 @@ struct InterfaceAddress {
     QString ip;
     /// Numeric text; absent when the entry has none.
     std::optional<QString> broadcast;
+    /// Of an IPv4 address: the bits that its network's addresses have in common.
+    int prefixLength = 24;
 };
 
 /// A UDP socket bound to one local address. Used by one thread at a time. Destroying it closes it.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 
 namespace zofra {
 
@@ -26,9 +27,15 @@ PlayerXMLNode::Pointer PlayerXMLNode::child(const QString& elementName) const {
 }
 
 std::vector<PlayerXMLNode::Pointer> PlayerXMLNode::descendants(const QString& elementName) const {
+    auto all = std::numeric_limits<std::size_t>::max();
+    return descendants(elementName, all);
+}
+
+std::vector<PlayerXMLNode::Pointer> PlayerXMLNode::descendants(const QString& elementName,
+                                                               std::size_t& visits) const {
     std::vector<Pointer> found;
     std::vector<Pointer> toVisit(children.rbegin(), children.rend());
-    while (!toVisit.empty()) {
+    for (; visits > 0 && !toVisit.empty(); --visits) {
         auto node = std::move(toVisit.back());
         toVisit.pop_back();
         toVisit.insert(toVisit.end(), node->children.rbegin(), node->children.rend());

@@ -4,6 +4,7 @@
 #include <QMap>
 #include <QString>
 
+#include <cstddef>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -34,6 +35,8 @@ public:
     [[nodiscard]] Pointer child(const QString& elementName) const;
     /// Every node below this one with exactly this name, in document order.
     [[nodiscard]] std::vector<Pointer> descendants(const QString& elementName) const;
+    /// The same among the first `visits` nodes, which are taken off it: a bound for many searches together.
+    [[nodiscard]] std::vector<Pointer> descendants(const QString& elementName, std::size_t& visits) const;
 };
 
 } // namespace zofra

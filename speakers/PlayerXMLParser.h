@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringView>
 
+#include <cstddef>
 #include <vector>
 
 namespace zofra {
@@ -17,9 +18,6 @@ struct PlayerXMLLimits {
     static constexpr qsizetype characters = 1'048'576;
     static constexpr std::size_t depth = 64;
     static constexpr int attributesPerElement = 256;
-    static constexpr int namespaceDeclarations = 256;
-    static constexpr int nameLength = 1024;
-    static constexpr int referenceLength = 32;
     static constexpr int elements = 20'000;
     /// Of a name, an id or an address that is kept beyond the document.
     static constexpr qsizetype fieldLength = 1024;
@@ -48,9 +46,12 @@ private:
     int m_elements = 0;
 };
 
-/// Whether `xml` is safe to hand to the XML reader: no document type declaration however hidden, and nothing
-/// that costs it more than linear time (it compares every attribute of an element with every other). Linear
-/// itself.
-[[nodiscard]] bool isTamePlayerXML(QStringView xml);
+namespace NetworkPlayerProtocol {
+
+/// The root of an XML document, or null. Document types are refused, and with them every entity but the five
+/// of XML itself; `PlayerXMLLimits` hold. Takes linear time.
+[[nodiscard]] PlayerXMLNode::Pointer xml(const QString& text);
+
+} // namespace NetworkPlayerProtocol
 
 } // namespace zofra

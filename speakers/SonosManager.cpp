@@ -5,6 +5,7 @@
 #include "speakers/OutputTitles.h"
 #include "speakers/RoomCache.h"
 #include "speakers/SpeakerDiscovery.h"
+#include "speakers/SpeakerGrouping.h"
 #include "stations/texts/InterfaceTexts.h"
 
 #include <algorithm>
@@ -15,6 +16,7 @@ namespace zofra {
 namespace {
 
 constexpr std::chrono::seconds scanInterval{60};
+constexpr std::chrono::seconds everywherePatience{30};
 
 } // namespace
 
@@ -32,7 +34,8 @@ SonosManager::SonosManager(bool automaticallyDiscover, const Environment& enviro
                                      environment.network, environment.systemLog},
           SpeakerBackground::Reports{[this](bool denied) { setLocalNetworkDenied(denied); },
                                      [this](const QList<SonosRoom>& newRooms) { roomsFound(newRooms); },
-                                     [this] { isScanning = false; }})) {
+                                     [this] { runEnded(); }}))
+    , m_playback(m_background) {
     if (!automaticallyDiscover)
         return;
     loadCachedRooms();
@@ -46,7 +49,6 @@ SonosManager& SonosManager::shared() {
 }
 
 SonosManager::~SonosManager() {
-    m_scanTimer.reset();
     m_background->end();
 }
 
@@ -66,23 +68,30 @@ void SonosManager::discoverDevices(bool forceSubnetScan) {
     if (isScanning)
         return;
     isScanning = true;
-    m_environment.tasks.async([weak = std::weak_ptr(m_background), forceSubnetScan] {
-        const auto background = weak.lock();
-        if (!background || background->ended())
+    m_environment.tasks.async([background = m_background, forceSubnetScan] {
+        if (background->ended())
             return;
-        std::make_shared<SpeakerDiscovery>(background)->runDiscovery(forceSubnetScan);
+        SpeakerDiscovery(background).runDiscovery(forceSubnetScan);
         background->noteRunEnded();
     });
 }
 
+void SonosManager::runEnded() {
+    isScanning = false;
+    if (m_everywhereLater && activeTarget == AudioOutputTarget::sonosEverywhere())
+        playEverywhere();
+}
+
 void SonosManager::roomsFound(const QList<SonosRoom>& newRooms) {
-    replaceRooms(newRooms);
+    rememberTitles();
+    rooms = newRooms;
+    followTarget();
     saveCachedRooms();
     if (onRoomsUpdated)
         onRoomsUpdated(rooms);
 }
 
-void SonosManager::replaceRooms(const QList<SonosRoom>& newRooms) {
+void SonosManager::rememberTitles() {
     QHash<QString, QString> titles;
     const auto active = activeTarget.get().roomId();
     if (m_formerTitles.contains(active))
@@ -90,7 +99,23 @@ void SonosManager::replaceRooms(const QList<SonosRoom>& newRooms) {
     for (const auto& former : rooms.get())
         titles.insert(former.id(), displayTitle(former));
     m_formerTitles = titles;
-    rooms = newRooms;
+}
+
+void SonosManager::followTarget() {
+    const auto former = activeTarget.get().roomId();
+    if (former.isEmpty() || room(former))
+        return;
+    const auto holdsFormerCoordinator = [&former](const SonosRoom& room) {
+        return std::any_of(room.speakers.begin(), room.speakers.end(),
+                           [&former](const SonosSpeaker& speaker) { return speaker.id == former; });
+    };
+    const auto& all = rooms.get();
+    const auto found = std::find_if(all.begin(), all.end(), holdsFormerCoordinator);
+    if (found == all.end())
+        return;
+    if (m_playedRoom == former)
+        m_playedRoom = found->id();
+    activeTarget = AudioOutputTarget::sonos(found->id());
 }
 
 void SonosManager::setLocalNetworkDenied(bool denied) {
@@ -99,6 +124,139 @@ void SonosManager::setLocalNetworkDenied(bool denied) {
     localNetworkDenied = denied;
     if (onRoomsUpdated)
         onRoomsUpdated(rooms);
+}
+
+void SonosManager::selectTarget(const AudioOutputTarget& target) {
+    activeTarget = target;
+    switch (target.kind()) {
+    case AudioOutputTarget::Kind::localMac:
+        stopAllSonos();
+        setSonosPlaying(false);
+        break;
+    case AudioOutputTarget::Kind::sonos:
+        m_environment.localPlayer.stop();
+        playZofra(target.roomId());
+        break;
+    case AudioOutputTarget::Kind::sonosEverywhere:
+        m_environment.localPlayer.stop();
+        playEverywhere();
+        break;
+    }
+}
+
+void SonosManager::setStation(RadioStation station) {
+    if (station == currentStation)
+        return;
+    currentStation = station;
+    if (isSonosPlaying || m_playback.isStarting())
+        playTarget();
+}
+
+void SonosManager::playTarget() {
+    const auto target = activeTarget.get();
+    if (target.kind() == AudioOutputTarget::Kind::sonos)
+        playZofra(target.roomId());
+    else if (target.kind() == AudioOutputTarget::Kind::sonosEverywhere)
+        playEverywhere();
+}
+
+void SonosManager::togglePlayPause() {
+    const auto target = activeTarget.get();
+    if (target.kind() == AudioOutputTarget::Kind::localMac) {
+        if (m_environment.localPlayer.isPlaying)
+            m_environment.localPlayer.stop();
+        else
+            m_environment.localPlayer.play();
+    } else if (!isSonosPlaying) {
+        playTarget();
+    } else if (target.kind() == AudioOutputTarget::Kind::sonos) {
+        pauseTarget(target.roomId());
+    } else {
+        stopAllSonos();
+        setSonosPlaying(false);
+    }
+}
+
+void SonosManager::playZofra(const QString& roomId) {
+    if (const auto found = room(roomId))
+        play(NetworkPlayerProtocol::playbackGroups(found->speakers), currentStation, roomId);
+}
+
+void SonosManager::playEverywhere() {
+    const auto speakers = controllableSpeakers();
+    play(NetworkPlayerProtocol::playbackGroups(speakers), currentStation, std::nullopt);
+    if (!speakers.isEmpty() || !isScanning)
+        return;
+    m_everywhereLater =
+        m_environment.mainQueue.startTimer(everywherePatience, MainQueue::Repeat::once, [this] {
+            m_everywhereLater.reset();
+            m_background->log(QStringLiteral("Wiedergabe überall nicht gestartet: Suche dauert zu lange."));
+        });
+}
+
+void SonosManager::play(const QList<PlayerPlaybackGroup>& groups, RadioStation station,
+                        const std::optional<QString>& roomId) {
+    m_everywhereLater.reset();
+    m_playedRoom = roomId;
+    m_playback.play(groups, station.networkPlayerStreamURI(m_environment.hosts),
+                    [this, count = groups.size()](qsizetype started) { playFinished(started, count); });
+}
+
+void SonosManager::playFinished(qsizetype started, qsizetype groups) {
+    setSonosPlaying(started >= 1);
+    if (started != groups)
+        m_background->log(QStringLiteral("Wiedergabe nur auf ") + QString::number(started) +
+                          QStringLiteral(" von ") + QString::number(groups) +
+                          QStringLiteral(" Ausgabegruppen gestartet."));
+}
+
+void SonosManager::setSonosPlaying(bool playing) {
+    isSonosPlaying = playing;
+    if (onPlaybackStateChanged)
+        onPlaybackStateChanged(playing);
+}
+
+void SonosManager::pause(const SonosRoom& room) {
+    QList<SonosSpeaker> players{room.coordinator};
+    // Playing may have given the room another leader than the one it had when it was found.
+    if (m_playedRoom == room.id()) {
+        for (const auto& leader : m_playback.leaders()) {
+            if (leader.id != room.coordinator.id)
+                players.append(asLastFound(leader));
+        }
+    }
+    pausePlayers(players);
+}
+
+void SonosManager::pauseTarget(const QString& roomId) {
+    if (const auto found = room(roomId)) {
+        pause(*found);
+    } else if (m_playedRoom == roomId) {
+        // The room has disappeared, but what was started there may still be heard.
+        pausePlayers(m_playback.leaders());
+    }
+}
+
+void SonosManager::pausePlayers(const QList<SonosSpeaker>& players) {
+    m_everywhereLater.reset();
+    // A start that is given up plays nothing, even when the players do not hear of the pause.
+    const bool wasStarting = m_playback.isStarting();
+    m_playback.pause(players,
+                     [this, wasStarting](bool succeeded) { setSonosPlaying(!succeeded && !wasStarting); });
+}
+
+void SonosManager::stopAllSonos() {
+    m_everywhereLater.reset();
+    m_playback.stop(controllableSpeakers());
+    isSonosPlaying = false;
+}
+
+void SonosManager::setVolume(int percent, const SonosRoom& room) {
+    m_playback.setVolume(room.speakers, percent);
+}
+
+void SonosManager::setVolumeEverywhere(int percent) {
+    m_playback.setVolume(controllableSpeakers(), percent);
 }
 
 QList<SonosSpeaker> SonosManager::controllableSpeakers() const {

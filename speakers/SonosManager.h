@@ -2,14 +2,10 @@
 #pragma once
 
 #include "platform/DefaultsStore.h"
-#include "platform/HttpSession.h"
-#include "platform/LocalNetwork.h"
-#include "platform/MainQueue.h"
 #include "platform/Observable.h"
-#include "platform/SystemLog.h"
-#include "platform/TaskPool.h"
 #include "playback/RadioPlayer.h"
 #include "speakers/AudioOutputTarget.h"
+#include "speakers/GroupPlayback.h"
 #include "speakers/PlayerPlaybackGroup.h"
 #include "speakers/SonosRoom.h"
 #include "speakers/SonosSpeaker.h"
@@ -29,11 +25,11 @@
 namespace zofra {
 
 /// Owns everything about networked players: what was found, the rooms, where audio goes, what plays there.
-/// Published fields, handlers and operations belong to the main thread. Background work holds the manager's
-/// inner state weakly and ends, at once, when the manager does; the manager's end waits for none of it.
+/// Published fields, handlers and operations belong to the main thread. The manager's end waits for nothing;
+/// background work ends by itself soon after.
 class SonosManager final : public Observable {
 public:
-    /// What the manager needs from outside; all of it outlives the manager.
+    /// What the manager needs from outside; all of it outlives the manager and its background work.
     struct Environment {
         HttpSession& session;
         DefaultsStore& defaults;
@@ -75,14 +71,16 @@ public:
     [[nodiscard]] std::optional<SonosRoom> room(const QString& id) const;
 
     /// This computer: the players are stopped. A room, or everywhere: the local player is silenced, the
-    /// players play.
+    /// players play. Everywhere before any player is known plays once the search under way has ended, unless
+    /// something else is chosen meanwhile.
     void selectTarget(const AudioOutputTarget& target);
-    /// Players that are playing are given the new station.
+    /// Players that are playing, or being started, are given the new station.
     void setStation(RadioStation station);
     void togglePlayPause();
     /// Plays the current station in a room; an unknown id does nothing.
     void playZofra(const QString& roomId);
     void pause(const SonosRoom& room);
+    /// Stops every player that was found, and every one that was started.
     void stopAllSonos();
     /// Clamped to 0...100.
     void setVolume(int percent, const SonosRoom& room);
@@ -94,35 +92,37 @@ public:
     const QString cacheKey = QStringLiteral("cached_sonos_rooms");
 
 private:
-    using Groups = QList<PlayerPlaybackGroup>;
-
     void loadCachedRooms();
     void saveCachedRooms();
-    void replaceRooms(const QList<SonosRoom>& newRooms);
-    void setLocalNetworkDenied(bool denied);
     void roomsFound(const QList<SonosRoom>& newRooms);
+    void rememberTitles();
+    void followTarget();
+    void setLocalNetworkDenied(bool denied);
+    void runEnded();
     /// Those that may be sent commands.
     [[nodiscard]] QList<SonosSpeaker> controllableSpeakers() const;
     [[nodiscard]] SonosSpeaker asLastFound(const SonosSpeaker& speaker) const;
 
+    void playTarget();
     void playEverywhere();
-    void play(const Groups& groups, RadioStation station, const std::optional<QString>& roomId);
+    void play(const QList<PlayerPlaybackGroup>& groups, RadioStation station,
+              const std::optional<QString>& roomId);
     void playFinished(qsizetype started, qsizetype groups);
+    void pauseTarget(const QString& roomId);
+    void pausePlayers(const QList<SonosSpeaker>& players);
     void setSonosPlaying(bool playing);
-
-    /// Whom the last play gave the stream to, and in which room, when it was one room.
-    struct LastPlay {
-        std::optional<QString> roomId;
-        QList<SonosSpeaker> leaders;
-    };
 
     Environment m_environment;
     bool m_automaticallyDiscover;
-    LastPlay m_lastPlay;
+    std::shared_ptr<SpeakerBackground> m_background;
+    GroupPlayback m_playback;
+    /// Where the last play was, when it was one room.
+    std::optional<QString> m_playedRoom;
     /// Titles of rooms that may be gone, by id: of those before the last change, and of the active target.
     QHash<QString, QString> m_formerTitles;
-    std::shared_ptr<SpeakerBackground> m_background;
     std::unique_ptr<Timer> m_scanTimer;
+    /// Runs while "everywhere" waits for the search to end.
+    std::unique_ptr<Timer> m_everywhereLater;
 };
 
 } // namespace zofra

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/SpeakerBackground.h"
 
-#include "speakers/NetworkPlayerProtocol.h"
+#include "speakers/SpeakerGrouping.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace zofra {
@@ -11,55 +12,32 @@ SpeakerBackground::SpeakerBackground(const Outside& outside, Reports reports)
     : m_outside(outside)
     , m_reports(std::move(reports)) {}
 
-void SpeakerBackground::end() {
-    m_waitPoint->end();
-    m_waitPoint->waitForSure([this] { return m_uses == 0; });
-}
-
-template<typename Use>
-void SpeakerBackground::use(Use use) {
-    if (!m_waitPoint->wait([] { return true; }, [this] { ++m_uses; }))
-        return;
-    const auto leave = finally([this] { m_waitPoint->change([this] { --m_uses; }); });
-    use(m_outside);
-}
-
-void SpeakerBackground::start(HttpRequest request, HttpSession::Completion completion) {
-    use([&](const Outside& outside) { outside.session.start(std::move(request), std::move(completion)); });
-}
-
 void SpeakerBackground::post(std::function<void()> work) {
-    use([&](const Outside& outside) {
-        outside.mainQueue.async([weak = weak_from_this(), work = std::move(work)] {
-            const auto self = weak.lock();
-            if (self && !self->ended())
-                work();
-        });
+    if (ended())
+        return;
+    m_outside.mainQueue.async([weak = weak_from_this(), work = std::move(work)] {
+        const auto self = weak.lock();
+        if (self && !self->ended())
+            work();
     });
 }
 
-void SpeakerBackground::async(std::function<void()> work) {
-    use([&](const Outside& outside) { outside.tasks.async(std::move(work)); });
-}
-
 void SpeakerBackground::log(const QString& message) {
-    use([&](const Outside& outside) { outside.systemLog.log(QStringLiteral("[Sonos] ") + message); });
-}
-
-std::vector<InterfaceAddress> SpeakerBackground::interfaceAddresses() {
-    std::vector<InterfaceAddress> addresses;
-    use([&](const Outside& outside) { addresses = outside.network.interfaceAddresses(); });
-    return addresses;
-}
-
-std::unique_ptr<UdpSearchSocket> SpeakerBackground::openSearchSocket(const QString& ip) {
-    std::unique_ptr<UdpSearchSocket> socket;
-    use([&](const Outside& outside) { socket = outside.network.openSearchSocket(ip); });
-    return socket;
+    if (!ended())
+        m_outside.systemLog.log(QStringLiteral("[Sonos] ") + message);
 }
 
 void SpeakerBackground::noteLocalNetworkDenial() {
     post([this] { m_reports.localNetwork(true); });
+}
+
+void SpeakerBackground::noteIfDenied(const std::optional<HttpError>& error, const QUrl& target) {
+    if (!isLocalNetworkDenial(error))
+        return;
+    const auto interfaces = searched.value();
+    if (std::any_of(interfaces.begin(), interfaces.end(),
+                    [host = target.host()](const auto& interface) { return interface.reaches(host); }))
+        noteLocalNetworkDenial();
 }
 
 void SpeakerBackground::clearLocalNetworkDenial() {

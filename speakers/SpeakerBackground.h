@@ -6,27 +6,28 @@
 #include "platform/MainQueue.h"
 #include "platform/SystemLog.h"
 #include "platform/TaskPool.h"
-#include "speakers/BackgroundWait.h"
+#include "speakers/InterfaceInfo.h"
 #include "speakers/PlayerLocked.h"
 #include "speakers/SonosRoom.h"
 #include "speakers/SonosSpeaker.h"
 
 #include <QList>
 #include <QString>
+#include <QUrl>
 
 #include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
-#include <vector>
+#include <stop_token>
 
 namespace zofra {
 
-/// The manager's inner state: what its background work may touch. Callable from any thread. Work holds it
-/// weakly and takes hold of it for as long as it runs. From the manager's end on, everything here does
-/// nothing, and the things outside are left alone, so that they need to outlive the manager only.
+/// The manager's inner state: what its background work may touch. Callable from any thread. Background work
+/// shares it; from the manager's end on nothing is logged, posted or sent any more, and every wait ends.
 class SpeakerBackground : public std::enable_shared_from_this<SpeakerBackground> {
 public:
+    /// All of it outlives the background work.
     struct Outside {
         HttpSession& session;
         MainQueue& mainQueue;
@@ -44,49 +45,42 @@ public:
     };
     /// Requests in flight at most, probes and fetches alike.
     static constexpr std::ptrdiff_t maxRequestsInFlight = 32;
+    /// More description addresses than this are not looked at in one run. A house of the largest size has a
+    /// tenth of it; whoever floods the network with invented addresses must not keep a run going for ever.
+    static constexpr qsizetype maxAddresses = 1024;
 
     SpeakerBackground(const Outside& outside, Reports reports);
 
-    /// Main thread: the manager ends. Waits for nothing but calls to the outside that are just being made,
-    /// all of which are brief.
-    void end();
-    [[nodiscard]] bool ended() const { return m_waitPoint->ended(); }
+    /// Main thread: the manager ends.
+    void end() { m_end.request_stop(); }
+    [[nodiscard]] bool ended() const { return m_end.stop_requested(); }
+    /// Ends waits.
+    [[nodiscard]] std::stop_token endToken() const { return m_end.get_token(); }
+    [[nodiscard]] const Outside& outside() const { return m_outside; }
 
-    /// Starts a request. From the end on the completion is let go uncalled.
-    void start(HttpRequest request, HttpSession::Completion completion);
     /// Runs `work` on the main thread, unless the manager has ended by then.
     void post(std::function<void()> work);
-    /// Runs `work` on a background thread. From the end on it is let go unrun.
-    void async(std::function<void()> work);
     /// Writes one line to the system's log.
     void log(const QString& message);
-    [[nodiscard]] std::vector<InterfaceAddress> interfaceAddresses();
-    [[nodiscard]] std::unique_ptr<UdpSearchSocket> openSearchSocket(const QString& ip);
 
     void noteLocalNetworkDenial();
+    /// Notes a denial when the system has refused a request to a network that is searched. There may be no
+    /// way to an address elsewhere, one of IPv6 for instance, though all is well here.
+    void noteIfDenied(const std::optional<HttpError>& error, const QUrl& target);
     void clearLocalNetworkDenial();
     /// Takes over what a run found.
     void applySpeakers(const QList<SonosSpeaker>& speakers);
     void noteRunEnded();
 
-    [[nodiscard]] const std::shared_ptr<WaitPoint>& waitPoint() const { return m_waitPoint; }
-    /// Bounds the probes of a subnet scan.
-    [[nodiscard]] const std::shared_ptr<CountingSemaphore>& probeLimit() const { return m_probeLimit; }
-
+    /// The interfaces of the last run.
+    PlayerLocked<QList<InterfaceInfo>> searched;
     /// Every speaker of the last successful run. Its lock does what a serial queue would.
     PlayerLocked<QList<SonosSpeaker>> allSpeakers;
 
 private:
-    template<typename Use>
-    void use(Use use);
-
-    Outside m_outside;
-    Reports m_reports;
-    std::shared_ptr<WaitPoint> m_waitPoint = std::make_shared<WaitPoint>();
-    std::shared_ptr<CountingSemaphore> m_probeLimit =
-        std::make_shared<CountingSemaphore>(m_waitPoint, maxRequestsInFlight);
-    /// Calls to the outside under way; guarded by the wait point.
-    int m_uses = 0;
+    const Outside m_outside;
+    const Reports m_reports;
+    std::stop_source m_end;
 };
 
 /// Whether a failed request says that the system refuses access to the local network.

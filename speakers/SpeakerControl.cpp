@@ -30,19 +30,17 @@ QUrl transportEndpoint(const SonosSpeaker& speaker) {
 
 void SpeakerControl::sendSOAPAction(const QUrl& endpoint, const QString& service, const QString& action,
                                     const QString& body, Completion completion) const {
-    auto finished = [weak = std::weak_ptr(m_background), action, endpoint,
+    auto finished = [background = m_background, action, endpoint,
                      completion = std::move(completion)](const HttpResult& result) {
         const int status = result.response ? result.response->status : 0;
-        const auto background = weak.lock();
-        if (background && isLocalNetworkDenial(result.error))
-            background->noteLocalNetworkDenial();
+        background->noteIfDenied(result.error, endpoint);
         const bool succeeded = !result.error && (status == 200 || status == 204);
-        if (background && !succeeded)
+        if (!succeeded)
             logFailure(*background, action, endpoint, status);
         if (completion)
             completion(succeeded);
     };
-    m_background->start(soapRequest(endpoint, service, action, body), std::move(finished));
+    m_background->outside().session.start(soapRequest(endpoint, service, action, body), std::move(finished));
 }
 
 void SpeakerControl::setAVTransportURI(const QUrl& endpoint, const QString& uri,
@@ -69,15 +67,15 @@ void SpeakerControl::pause(const SonosSpeaker& speaker, Completion completion) c
     sendTransportAction(speaker, QStringLiteral("Pause"), instance(), std::move(completion));
 }
 
-void SpeakerControl::stop(const SonosSpeaker& speaker) const {
-    sendTransportAction(speaker, QStringLiteral("Stop"), instance(), {});
+void SpeakerControl::stop(const SonosSpeaker& speaker, Completion completion) const {
+    sendTransportAction(speaker, QStringLiteral("Stop"), instance(), std::move(completion));
 }
 
-void SpeakerControl::setVolume(const SonosSpeaker& speaker, int percent) const {
+void SpeakerControl::setVolume(const SonosSpeaker& speaker, int percent, Completion completion) const {
     const auto endpoint =
         speaker.endpoint(speaker.renderingPath, QString::fromLatin1(ControlPath::rendering));
     sendSOAPAction(endpoint, QStringLiteral("RenderingControl:1"), QStringLiteral("SetVolume"),
-                   setVolumeBody(percent), {});
+                   setVolumeBody(percent), std::move(completion));
 }
 
 void SpeakerControl::join(const SonosSpeaker& follower, const SonosSpeaker& coordinator,

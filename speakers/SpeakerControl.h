@@ -14,8 +14,7 @@
 namespace zofra {
 
 /// Sends control requests to players. Keeps no state of its own; callable from any thread. A completion is
-/// called once, on the session's thread, unless the manager has ended before the request was sent or the
-/// session ends first. Nothing is retried.
+/// called once, on the session's thread. Nothing is retried.
 class SpeakerControl {
 public:
     using Completion = std::function<void(bool succeeded)>;
@@ -34,9 +33,9 @@ public:
 
     void play(const SonosSpeaker& speaker, Completion completion) const;
     void pause(const SonosSpeaker& speaker, Completion completion) const;
-    void stop(const SonosSpeaker& speaker) const;
+    void stop(const SonosSpeaker& speaker, Completion completion) const;
     /// Clamped to 0...100.
-    void setVolume(const SonosSpeaker& speaker, int percent) const;
+    void setVolume(const SonosSpeaker& speaker, int percent, Completion completion) const;
     /// Makes a player follow another one.
     void join(const SonosSpeaker& follower, const SonosSpeaker& coordinator, Completion completion) const;
 

@@ -4,47 +4,33 @@
 #include "platform/ForeignText.h"
 #include "speakers/PlainOrder.h"
 #include "speakers/SpeakerLookup.h"
+#include "speakers/SsdpSearch.h"
+#include "speakers/SubnetProbe.h"
 
-#include <algorithm>
-#include <net/if.h>
+#include <latch>
 
 namespace zofra {
 
-QList<InterfaceInfo> activeIPv4Interfaces(const std::vector<InterfaceAddress>& addresses) {
-    constexpr unsigned int mask = IFF_UP | IFF_LOOPBACK | IFF_POINTOPOINT | IFF_RUNNING;
-    QList<InterfaceInfo> interfaces;
-    for (const auto& address : addresses) {
-        if (address.family != AF_INET || (address.flags & mask) != (IFF_UP | IFF_RUNNING))
-            continue;
-        const bool canBroadcast = (address.flags & IFF_BROADCAST) != 0;
-        interfaces.append({address.name, address.ip, canBroadcast ? address.broadcast : std::nullopt});
-    }
-    return interfaces;
-}
-
-/// What the searches of one run share; they may still be under way when the run is told to end.
+/// What the searches of one run share.
 struct SpeakerDiscovery::Search {
-    explicit Search(std::shared_ptr<WaitPoint> waitPoint)
-        : group(std::move(waitPoint)) {}
+    explicit Search(qsizetype count)
+        : underWay(count) {}
 
     PlayerLocked<QSet<QUrl>> found;
     PlayerLocked<QList<InterfaceInfo>> silent;
-    DispatchGroup group;
+    std::latch underWay;
 };
 
-void SpeakerDiscovery::runDiscovery(bool forceSubnetScan) {
-    const auto interfaces = activeIPv4Interfaces(m_background->interfaceAddresses());
-    const auto search = std::make_shared<Search>(m_background->waitPoint());
-    searchEverywhere(interfaces, search);
-    if (!search->group.wait())
-        return;
-
+void SpeakerDiscovery::runDiscovery(bool forceSubnetScan) const {
+    const auto interfaces = activeIPv4Interfaces(m_background->outside().network.interfaceAddresses());
+    m_background->searched.set(interfaces);
+    const auto search = searchEverywhere(interfaces);
     auto found = search->found.value();
     m_background->log(QStringLiteral("SSDP-Beschreibungen: ") + quotedList(sortedAddresses(found)));
     const auto toScan = forceSubnetScan ? interfaces : search->silent.value();
     for (const auto& interface : toScan) {
         if (interface.broadcast)
-            found.unite(probeSubnet(interface.ip));
+            found.unite(probeSubnet(m_background, interface.ip));
     }
     const auto speakers = SpeakerLookup(m_background).discoverSpeakers(withKnownSpeakers(found));
     if (m_background->ended())
@@ -57,19 +43,21 @@ void SpeakerDiscovery::runDiscovery(bool forceSubnetScan) {
     m_background->applySpeakers(speakers);
 }
 
-void SpeakerDiscovery::searchEverywhere(const QList<InterfaceInfo>& interfaces,
-                                        const std::shared_ptr<Search>& search) {
+std::shared_ptr<SpeakerDiscovery::Search>
+SpeakerDiscovery::searchEverywhere(const QList<InterfaceInfo>& interfaces) const {
+    const auto search = std::make_shared<Search>(interfaces.size());
     for (const auto& interface : interfaces) {
-        search->group.enter();
-        const auto leave = finally([search] { search->group.leave(); });
-        m_background->async([self = shared_from_this(), interface, search, leave] {
-            const auto urls = self->searchViaSSDP(interface);
+        m_background->outside().tasks.async([background = m_background, interface, search] {
+            const auto urls = searchViaSSDP(*background, interface);
             search->found.with([&urls](QSet<QUrl>& found) { found.unite(urls); });
             if (urls.isEmpty())
                 search->silent.with([&interface](auto& silent) { silent.append(interface); });
-            leave->run();
+            search->underWay.count_down();
         });
     }
+    // Each search ends by itself.
+    search->underWay.wait();
+    return search;
 }
 
 QList<QUrl> SpeakerDiscovery::withKnownSpeakers(const QSet<QUrl>& found) const {

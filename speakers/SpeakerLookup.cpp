@@ -2,9 +2,9 @@
 #include "speakers/SpeakerLookup.h"
 
 #include "speakers/DescriptionRequest.h"
-#include "speakers/NetworkPlayerProtocol.h"
+#include "speakers/PlayerDescription.h"
 #include "speakers/SoapRequest.h"
-#include "speakers/SpeakerDiscovery.h"
+#include "speakers/ZoneGroupTopology.h"
 
 #include <algorithm>
 #include <chrono>
@@ -59,10 +59,12 @@ QList<SonosSpeaker> SpeakerLookup::discoverSpeakers(const QList<QUrl>& addresses
 void SpeakerLookup::fetchDescriptions(const QList<QUrl>& addresses) {
     QList<QUrl> toAsk;
     for (const auto& address : addresses) {
-        if (m_asked.size() < SpeakerDiscovery::maxAddresses && !m_asked.contains(address)) {
-            m_asked.insert(address);
-            toAsk.append(address);
-        }
+        if (m_asked.size() >= SpeakerBackground::maxAddresses || m_asked.contains(address) ||
+            m_askedOfHost.value(address.host()) >= maxAddressesPerHost)
+            continue;
+        m_asked.insert(address);
+        ++m_askedOfHost[address.host()];
+        toAsk.append(address);
     }
     // In this order, whatever order the answers come in, so that of two addresses of one player the same one
     // is kept on each run.
@@ -71,8 +73,10 @@ void SpeakerLookup::fetchDescriptions(const QList<QUrl>& addresses) {
     for (const auto& address : std::as_const(toAsk))
         requests.push_back(descriptionRequest(address, descriptionTimeout));
     std::vector<std::optional<SonosSpeaker>> found(requests.size());
-    m_fetcher.fetchTexts(std::move(requests), [&](std::size_t index, const QString& text) {
-        found[index] = NetworkPlayerProtocol::speaker(text, toAsk[static_cast<qsizetype>(index)]);
+    m_fetcher.fetchTexts(requests, TextFetcher::Denial::noted, [&](std::size_t index, const QString& text) {
+        const auto& address = toAsk[static_cast<qsizetype>(index)];
+        if (m_budget.take(address, text))
+            found[index] = NetworkPlayerProtocol::speaker(text, address);
     });
     for (const auto& speaker : found) {
         if (speaker && !m_speakers.contains(speaker->id))
@@ -80,14 +84,16 @@ void SpeakerLookup::fetchDescriptions(const QList<QUrl>& addresses) {
     }
 }
 
-QList<PlayerTopologyMember> SpeakerLookup::askForTopology() const {
+QList<PlayerTopologyMember> SpeakerLookup::askForTopology() {
     std::vector<HttpRequest> requests;
     for (const auto& speaker : m_speakers)
         requests.push_back(topologyRequest(speaker));
     // By speaker, not by arrival: which answer counts as the later one is the same on each run.
     QList<QList<PlayerTopologyMember>> answers(m_speakers.size());
     qsizetype kept = 0;
-    m_fetcher.fetchTexts(std::move(requests), [&](std::size_t index, const QString& text) {
+    m_fetcher.fetchTexts(requests, TextFetcher::Denial::noted, [&](std::size_t index, const QString& text) {
+        if (!m_budget.take(requests[index].url, text))
+            return;
         auto members = NetworkPlayerProtocol::topology(text);
         const auto size = sizeOf(members);
         if (kept + size > maxReported)
@@ -105,15 +111,6 @@ void SpeakerLookup::fetchUnknownMembers(const QList<PlayerTopologyMember>& membe
             addresses.append(*member.descriptionURL);
     }
     fetchDescriptions(addresses);
-}
-
-void applyTopology(SonosSpeaker& speaker, const PlayerTopologyMember& member) {
-    if (!member.zoneName.isEmpty())
-        speaker.roomName = member.zoneName;
-    speaker.isVisible = member.isVisible;
-    if (!member.coordinator.isEmpty())
-        speaker.groupCoordinatorId = member.coordinator;
-    speaker.isCoordinator = member.coordinator.isEmpty() || member.coordinator == speaker.id;
 }
 
 } // namespace zofra

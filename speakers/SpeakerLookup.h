@@ -2,10 +2,12 @@
 #pragma once
 
 #include "speakers/PlayerTopologyMember.h"
+#include "speakers/ReadBudget.h"
 #include "speakers/SonosSpeaker.h"
 #include "speakers/SpeakerBackground.h"
 #include "speakers/TextFetcher.h"
 
+#include <QHash>
 #include <QList>
 #include <QMap>
 #include <QSet>
@@ -29,21 +31,23 @@ public:
     /// Size of all reports together, in characters with something on top for each member; what comes beyond
     /// is not kept. A hundred players that each report a hundred and fifty members stay far below it.
     static constexpr qsizetype maxReported = 8'388'608;
+    /// One host's addresses looked at in one run. Several players may share a host; a host that invents
+    /// players must not keep a run going.
+    static constexpr qsizetype maxAddressesPerHost = 64;
 
 private:
     void fetchDescriptions(const QList<QUrl>& addresses);
-    [[nodiscard]] QList<PlayerTopologyMember> askForTopology() const;
+    [[nodiscard]] QList<PlayerTopologyMember> askForTopology();
     void fetchUnknownMembers(const QList<PlayerTopologyMember>& members);
 
     std::shared_ptr<SpeakerBackground> m_background;
     TextFetcher m_fetcher;
     /// Every address asked for its description in this run: none is asked twice.
     QSet<QUrl> m_asked;
+    QHash<QString, qsizetype> m_askedOfHost;
+    ReadBudget m_budget;
     /// By id.
     QMap<QString, SonosSpeaker> m_speakers;
 };
-
-/// Changes a speaker as the household's topology has it.
-void applyTopology(SonosSpeaker& speaker, const PlayerTopologyMember& member);
 
 } // namespace zofra

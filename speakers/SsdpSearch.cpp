@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "speakers/NetworkPlayerProtocol.h"
-#include "speakers/SpeakerDiscovery.h"
+#include "speakers/SsdpSearch.h"
+
+#include "speakers/SsdpAnswer.h"
 
 #include <cerrno>
 #include <chrono>
@@ -27,23 +28,8 @@ bool isBlocked(int sendErrno) {
     return sendErrno == EHOSTUNREACH || sendErrno == EPERM || sendErrno == EACCES;
 }
 
-} // namespace
-
-QSet<QUrl> SpeakerDiscovery::searchViaSSDP(const InterfaceInfo& interface) const {
-    const auto socket = m_background->openSearchSocket(interface.ip);
-    if (!socket)
-        return {};
-    if (!sendSearch(*socket, interface)) {
-        m_background->noteLocalNetworkDenial();
-        return {};
-    }
-    auto urls = receiveAnswers(*socket);
-    m_background->log(interface.name + QStringLiteral(": ") + QString::number(urls.size()) +
-                      QStringLiteral(" SSDP-Antworten"));
-    return urls;
-}
-
-bool SpeakerDiscovery::sendSearch(UdpSearchSocket& socket, const InterfaceInfo& interface) const {
+/// Sends the search; false when the system let none of it through.
+bool sendSearch(SpeakerBackground& background, UdpSearchSocket& socket, const InterfaceInfo& interface) {
     int attempts = 0;
     int blocked = 0;
     int lastErrno = 0;
@@ -59,22 +45,38 @@ bool SpeakerDiscovery::sendSearch(UdpSearchSocket& socket, const InterfaceInfo& 
     if (interface.broadcast)
         attempt(*interface.broadcast);
     // Put together piece by piece: an interface's name may hold anything, placeholders included.
-    m_background->log(interface.name + QStringLiteral(": ") + QString::number(attempts) +
-                      QStringLiteral(" Sendeversuche, ") + QString::number(blocked) +
-                      QStringLiteral(" davon blockiert (letzter errno ") + QString::number(lastErrno) + u')');
+    background.log(interface.name + QStringLiteral(": ") + QString::number(attempts) +
+                   QStringLiteral(" Sendeversuche, ") + QString::number(blocked) +
+                   QStringLiteral(" davon blockiert (letzter errno ") + QString::number(lastErrno) + u')');
     return blocked != attempts;
 }
 
-QSet<QUrl> SpeakerDiscovery::receiveAnswers(UdpSearchSocket& socket) const {
+QSet<QUrl> receiveAnswers(const SpeakerBackground& background, UdpSearchSocket& socket) {
     QSet<QUrl> urls;
     const auto deadline = socket.now() + receiveWindow;
-    while (socket.now() < deadline && !m_background->ended()) {
+    while (socket.now() < deadline && !background.ended()) {
         const auto datagram = socket.receive(deadline);
         const auto url =
             datagram ? NetworkPlayerProtocol::ssdpLocation(QString::fromUtf8(*datagram)) : std::nullopt;
-        if (url && urls.size() < maxAddresses)
+        if (url && urls.size() < SpeakerBackground::maxAddresses)
             urls.insert(*url);
     }
+    return urls;
+}
+
+} // namespace
+
+QSet<QUrl> searchViaSSDP(SpeakerBackground& background, const InterfaceInfo& interface) {
+    const auto socket = background.outside().network.openSearchSocket(interface.ip);
+    if (!socket)
+        return {};
+    if (!sendSearch(background, *socket, interface)) {
+        background.noteLocalNetworkDenial();
+        return {};
+    }
+    auto urls = receiveAnswers(background, *socket);
+    background.log(interface.name + QStringLiteral(": ") + QString::number(urls.size()) +
+                   QStringLiteral(" SSDP-Antworten"));
     return urls;
 }
 

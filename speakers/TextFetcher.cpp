@@ -3,8 +3,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <condition_variable>
 #include <iterator>
-#include <optional>
+#include <mutex>
 
 namespace zofra {
 
@@ -17,17 +18,25 @@ struct Outcome {
     std::optional<QString> text;
 };
 
-/// What the completions and the waiting thread share; the list is guarded by the wait point.
+/// What the completions and the waiting thread share.
 struct Arrivals {
-    explicit Arrivals(std::shared_ptr<WaitPoint> point)
-        : waitPoint(std::move(point)) {}
+    std::mutex mutex;
+    std::condition_variable_any changed;
+    std::vector<Outcome> outcomes;
 
     void add(Outcome outcome) {
-        waitPoint->change([&] { finished.push_back(std::move(outcome)); });
+        {
+            const std::scoped_lock lock(mutex);
+            outcomes.push_back(std::move(outcome));
+        }
+        changed.notify_one();
     }
-
-    std::shared_ptr<WaitPoint> waitPoint;
-    std::vector<Outcome> finished;
+    /// Those that have come, as soon as there is one, or none at `deadline`.
+    std::vector<Outcome> take(const std::stop_token& end, SteadyTime deadline) {
+        std::unique_lock lock(mutex);
+        changed.wait_until(lock, end, deadline, [this] { return !outcomes.empty(); });
+        return std::exchange(outcomes, {});
+    }
 };
 
 struct InFlight {
@@ -44,24 +53,29 @@ std::optional<QString> textOf(const HttpResult& result) {
 /// One batch of requests under way.
 class Batch {
 public:
-    Batch(std::shared_ptr<SpeakerBackground> background, std::vector<HttpRequest> requests)
+    Batch(std::shared_ptr<SpeakerBackground> background, const std::vector<HttpRequest>& requests,
+          TextFetcher::Denial denial)
         : m_background(std::move(background))
-        , m_requests(std::move(requests)) {}
+        , m_requests(requests)
+        , m_denial(denial) {}
 
     void run(const TextFetcher::Received& received) {
-        while (true) {
+        while (!m_background->ended()) {
             startMore();
             if (m_inFlight.empty())
                 return;
-            std::vector<Outcome> finished;
-            const bool goesOn = m_background->waitPoint()->waitUntil(
-                nextDeadline(), [this] { return !m_arrivals->finished.empty(); },
-                [&] { std::swap(finished, m_arrivals->finished); });
-            if (!goesOn)
-                return;
-            for (const auto& outcome : finished)
-                take(outcome, received);
-            giveUpOnLate();
+            // What has come by now is among those taken, however long the reading of others took.
+            const auto now = std::chrono::steady_clock::now();
+            const auto arrived = m_arrivals->take(m_background->endToken(), nextDeadline());
+            for (const auto& outcome : arrived) {
+                const bool isAwaited = std::erase_if(m_inFlight, [&](const auto& entry) {
+                                           return entry.index == outcome.index;
+                                       }) > 0;
+                if (isAwaited && outcome.text)
+                    received(outcome.index, *outcome.text);
+            }
+            // The session ends a request at its timeout; this holds even if it did not.
+            std::erase_if(m_inFlight, [now](const auto& entry) { return entry.deadline <= now; });
         }
     }
 
@@ -69,18 +83,19 @@ private:
     void startMore() {
         while (m_next < m_requests.size() &&
                std::ssize(m_inFlight) < SpeakerBackground::maxRequestsInFlight) {
-            auto& request = m_requests[m_next];
+            const auto& request = m_requests[m_next];
             m_inFlight.push_back({m_next, std::chrono::steady_clock::now() + request.timeout});
-            m_background->start(std::move(request), completion(m_next));
+            m_background->outside().session.start(request, completion(m_next));
             ++m_next;
         }
     }
 
     HttpSession::Completion completion(std::size_t index) const {
-        return [weak = std::weak_ptr(m_background), arrivals = m_arrivals, index](const HttpResult& result) {
+        return [weak = std::weak_ptr(m_background), denial = m_denial, arrivals = m_arrivals,
+                url = m_requests[index].url, index](const HttpResult& result) {
             const auto background = weak.lock();
-            if (background && isLocalNetworkDenial(result.error))
-                background->noteLocalNetworkDenial();
+            if (background && denial == TextFetcher::Denial::noted)
+                background->noteIfDenied(result.error, url);
             arrivals->add({index, textOf(result)});
         };
     }
@@ -91,41 +106,26 @@ private:
             ->deadline;
     }
 
-    void take(const Outcome& outcome, const TextFetcher::Received& received) {
-        const auto waiting = std::find_if(m_inFlight.begin(), m_inFlight.end(),
-                                          [&](const auto& entry) { return entry.index == outcome.index; });
-        if (waiting == m_inFlight.end())
-            return; // Too late: given up on before.
-        m_inFlight.erase(waiting);
-        if (outcome.text)
-            received(outcome.index, *outcome.text);
-    }
-
-    /// The session ends a request at its timeout; this holds even if it did not.
-    void giveUpOnLate() {
-        const auto now = std::chrono::steady_clock::now();
-        std::erase_if(m_inFlight, [now](const auto& entry) { return entry.deadline <= now; });
-    }
-
     std::shared_ptr<SpeakerBackground> m_background;
-    std::vector<HttpRequest> m_requests;
+    const std::vector<HttpRequest>& m_requests;
+    const TextFetcher::Denial m_denial;
     std::size_t m_next = 0;
     std::vector<InFlight> m_inFlight;
-    std::shared_ptr<Arrivals> m_arrivals = std::make_shared<Arrivals>(m_background->waitPoint());
+    std::shared_ptr<Arrivals> m_arrivals = std::make_shared<Arrivals>();
 };
 
 } // namespace
 
 std::optional<QString> TextFetcher::fetchText(HttpRequest request) const {
     std::optional<QString> result;
-    std::vector<HttpRequest> requests;
-    requests.push_back(std::move(request));
-    fetchTexts(std::move(requests), [&result](std::size_t, const QString& text) { result = text; });
+    fetchTexts({std::move(request)}, Denial::noted,
+               [&result](std::size_t, const QString& text) { result = text; });
     return result;
 }
 
-void TextFetcher::fetchTexts(std::vector<HttpRequest> requests, const Received& received) const {
-    Batch(m_background, std::move(requests)).run(received);
+void TextFetcher::fetchTexts(const std::vector<HttpRequest>& requests, Denial denial,
+                             const Received& received) const {
+    Batch(m_background, requests, denial).run(received);
 }
 
 } // namespace zofra

@@ -15,21 +15,24 @@
 namespace zofra {
 
 /// Fetches texts, waiting for them. For background threads only, one at a time; the end of the manager ends
-/// the wait. A text is the body of an answer of status 200, as UTF-8 with invalid bytes repaired. A request
-/// that the system refused to let onto the local network is noted as a denial.
+/// the wait. A text is the body of an answer of status 200, as UTF-8 with invalid bytes repaired.
 class TextFetcher {
 public:
     explicit TextFetcher(std::shared_ptr<SpeakerBackground> background)
         : m_background(std::move(background)) {}
 
-    /// Waits at most the request's own timeout.
+    /// Whether a request that the system refused to let onto the local network is reported.
+    enum class Denial { noted, ignored };
+
+    /// Waits at most the request's own timeout. Notes a denial.
     [[nodiscard]] std::optional<QString> fetchText(HttpRequest request) const;
 
     using Received = std::function<void(std::size_t index, const QString& text)>;
-    /// Fetches all at once, with at most `SpeakerBackground::maxRequestsInFlight` under way, and waits at
-    /// most its own timeout for each. Calls `received` on the caller's thread for each text, as they come: at
-    /// no time are there more texts in memory than may be in flight.
-    void fetchTexts(std::vector<HttpRequest> requests, const Received& received) const;
+    /// Fetches all of them in their order, with at most `SpeakerBackground::maxRequestsInFlight` under way,
+    /// and waits at most its own timeout for each. Calls `received` on the caller's thread for each text, as
+    /// they come: at no time are there more texts in memory than may be in flight. An answer that came in
+    /// time counts, however long `received` takes with others.
+    void fetchTexts(const std::vector<HttpRequest>& requests, Denial denial, const Received& received) const;
 
 private:
     std::shared_ptr<SpeakerBackground> m_background;

@@ -187,7 +187,7 @@ private:
     QtMainQueue& m_mainQueue;
     const std::optional<QDBusConnection> m_bus;
     const AppLanguage m_language;
-    ThreadTaskPool m_tasks;
+    ThreadTaskPool m_tasks{m_mainQueue};
     CurlHttpSession m_http;
     /// For the live feed's socket, which trusts what the endpoints say.
     std::unique_ptr<CurlHttpSession> m_liveHttp;

@@ -46,7 +46,7 @@ public:
         if (url) {
             m_facts->with([&](SpeakerFacts& facts) {
                 auto* search = searchFrom(facts, m_ip);
-                if (search && search->answers.size() < SpeakerDiscovery::maxAddresses)
+                if (search && search->answers.size() < SpeakerBackground::maxAddresses)
                     search->answers.insert(*url);
             });
         }
@@ -166,8 +166,8 @@ void SpeakerCheck::start(Done done) {
                                    m_watch->log},
         std::move(reports));
     // The search keeps what it uses: it may outlast the patience of whoever asked.
-    m_background->async([watch = m_watch, background = m_background] {
-        std::make_shared<SpeakerDiscovery>(background)->runDiscovery(false);
+    m_outside.tasks.async([watch = m_watch, background = m_background] {
+        SpeakerDiscovery(background).runDiscovery(false);
         background->noteRunEnded();
     });
 }

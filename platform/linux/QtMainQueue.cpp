@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/QtMainQueue.h"
 
-#include <QCoreApplication>
-#include <QEvent>
+#include <QMetaObject>
 #include <QObject>
 #include <QTimer>
 
@@ -45,9 +44,6 @@ private:
 /// Shared with whoever is posting at the moment when the queue ends.
 class QtMainQueue::State final : public std::enable_shared_from_this<State> {
 public:
-    State()
-        : m_receiver(std::make_unique<Receiver>(*this)) {}
-
     void post(Work work) {
         const std::scoped_lock lock(m_mutex);
         if (!m_receiver)
@@ -58,50 +54,26 @@ public:
 
     void postAt(steady_clock::time_point due, Work work) {
         post([this, due, work = std::move(work)] {
-            if (!m_receiver)
-                return;
-            auto* timer = new QTimer(m_receiver.get());
-            timer->setTimerType(Qt::PreciseTimer);
-            timer->setSingleShot(true);
-            QObject::connect(timer, &QTimer::timeout, timer, [timer, work] {
-                timer->deleteLater();
-                work();
-            });
-            timer->start(bounded(std::chrono::ceil<milliseconds>(due - steady_clock::now())));
+            if (m_receiver)
+                QTimer::singleShot(bounded(std::chrono::ceil<milliseconds>(due - steady_clock::now())),
+                                   Qt::PreciseTimer, m_receiver.get(), work);
         });
     }
 
     void end() {
         std::deque<Work> dropped;
-        std::unique_ptr<Receiver> receiver;
+        std::unique_ptr<QObject> receiver;
         const std::scoped_lock lock(m_mutex);
         dropped.swap(m_posted);
         receiver.swap(m_receiver);
     }
 
 private:
-    /// Where the event loop's wake-ups arrive, on the main thread.
-    class Receiver final : public QObject {
-    public:
-        explicit Receiver(State& state)
-            : m_state(state) {}
-        bool event(QEvent* event) override {
-            if (event->type() != QEvent::User)
-                return QObject::event(event);
-            // The work may end the queue.
-            const auto kept = m_state.shared_from_this();
-            kept->runPosted();
-            return true;
-        }
-
-    private:
-        State& m_state;
-    };
-
     /// With the mutex held.
     void schedule() {
         if (!std::exchange(m_isScheduled, true))
-            QCoreApplication::postEvent(m_receiver.get(), new QEvent(QEvent::User));
+            QMetaObject::invokeMethod(
+                m_receiver.get(), [self = shared_from_this()] { self->runPosted(); }, Qt::QueuedConnection);
     }
 
     /// Runs what is posted now; what comes meanwhile waits for the next turn, so that events are not starved.
@@ -125,7 +97,8 @@ private:
     std::mutex m_mutex;
     std::deque<Work> m_posted;
     bool m_isScheduled = false;
-    std::unique_ptr<Receiver> m_receiver;
+    /// Where the event loop's wake-ups arrive, on the main thread.
+    std::unique_ptr<QObject> m_receiver = std::make_unique<QObject>();
 };
 
 QtMainQueue::QtMainQueue()

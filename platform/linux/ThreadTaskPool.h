@@ -1,38 +1,31 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/MainQueue.h"
 #include "platform/TaskPool.h"
 
-#include <chrono>
-#include <cstddef>
-#include <memory>
+#include <functional>
 
 namespace zofra {
 
-/// Background threads, made when needed and ended when idle. At most `maxThreads` tasks from outside run at
-/// once, the others wait; a task submitted by a running task always gets a thread, so that it may be waited
-/// for. Nobody ever waits for the pool itself: ending it drops what has not begun and leaves the rest to
-/// finish.
+/// A background thread for each task: those that wait for others never take a thread away from them. A task
+/// for which the system has no thread to give waits, and is tried again every second. Nobody ever waits for
+/// the threads; they end with their task.
 class ThreadTaskPool final : public TaskPool {
 public:
-    struct Limits {
-        std::size_t maxThreads = 64;
-        std::chrono::milliseconds idleTime{2000};
-    };
-    ThreadTaskPool();
-    explicit ThreadTaskPool(Limits limits);
-    ~ThreadTaskPool() override;
-    ThreadTaskPool(const ThreadTaskPool&) = delete;
-    ThreadTaskPool& operator=(const ThreadTaskPool&) = delete;
+    using Work = std::function<void()>;
+    /// Runs `work` on a thread of its own; false when there is none to be had.
+    using StartThread = std::function<bool(const Work& work)>;
 
-    void async(std::function<void()> work) override;
+    /// `mainQueue` outlives every task.
+    explicit ThreadTaskPool(MainQueue& mainQueue);
+    ThreadTaskPool(MainQueue& mainQueue, StartThread startThread);
 
-    /// Threads there are now, idle ones included.
-    [[nodiscard]] std::size_t threadCount() const;
+    void async(Work work) override;
 
 private:
-    class State;
-    std::shared_ptr<State> m_state;
+    MainQueue& m_mainQueue;
+    StartThread m_startThread;
 };
 
 } // namespace zofra

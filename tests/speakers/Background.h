@@ -14,8 +14,13 @@
 
 namespace zofra::test {
 
-/// A manager's inner state in a world of fakes, everything on the test's thread.
+/// A manager's inner state in a world of fakes, everything on the test's thread. The network 10.0.0.0/24 has
+/// been searched.
 struct Background {
+    Background() {
+        state->searched.set({{QStringLiteral("eth0"), QStringLiteral("10.0.0.2"), std::nullopt}});
+    }
+
     FakeHttpSession session;
     ManualMainQueue mainQueue;
     FakeTaskPool tasks{FakeTaskPool::Mode::inPlace};

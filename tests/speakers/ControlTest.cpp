@@ -68,9 +68,9 @@ TEST_F(Control, RequestsGoOutByteForByte) {
     expectGolden(QStringLiteral("play"), last());
     control.pause(speaker, {});
     expectGolden(QStringLiteral("pause"), last());
-    control.stop(speaker);
+    control.stop(speaker, {});
     expectGolden(QStringLiteral("stop"), last());
-    control.setVolume(speaker, 42);
+    control.setVolume(speaker, 42, {});
     expectGolden(QStringLiteral("set_volume"), last());
     speaker.groupCoordinatorId = QStringLiteral("B");
     control.detachIfGrouped(speaker, record());
@@ -90,14 +90,14 @@ TEST_F(Control, GoesToTheAnnouncedAddresses) {
     speaker.renderingPath = QStringLiteral("https://10.0.0.9/rendering");
     control.play(speaker, {});
     EXPECT_EQ(last().url.toString(), QStringLiteral("http://10.0.0.5:1400/transport"));
-    control.setVolume(speaker, 1);
+    control.setVolume(speaker, 1, {});
     EXPECT_EQ(last().url.toString(), QStringLiteral("https://10.0.0.9/rendering"));
 }
 
 TEST_F(Control, VolumeIsClamped) {
     for (const auto& [percent, sent] :
          {std::pair(-5, 0), {0, 0}, {100, 100}, {130, 100}, {INT_MIN, 0}, {INT_MAX, 100}}) {
-        control.setVolume(speaker, percent);
+        control.setVolume(speaker, percent, {});
         EXPECT_TRUE(last().body.contains("<DesiredVolume>" + QByteArray::number(sent) + "</DesiredVolume>"))
             << percent;
     }
@@ -121,7 +121,7 @@ TEST_F(Control, Status200And204AreSuccess) {
 TEST_F(Control, AFailureIsLoggedOnceWithItsStatus) {
     control.pause(speaker, record());
     background.session.answer(500, "<fault/>");
-    control.stop(speaker);
+    control.stop(speaker, {});
     background.session.fail({HttpError::Code::timedOut, 0, QStringLiteral("timed out")});
     EXPECT_EQ(background.log.lines,
               (std::vector<QString>{QStringLiteral("[Sonos] SOAP Pause an 10.0.0.5 fehlgeschlagen: HTTP 500"),
@@ -151,6 +151,16 @@ TEST_F(Control, ARefusedConnectionAttemptIsADenial) {
     background.mainQueue.drain();
     EXPECT_EQ(background.denials, QList<bool>{true});
     EXPECT_EQ(results, QList<bool>{false});
+}
+
+TEST_F(Control, ARefusalBeyondTheSearchedNetworkIsNoDenial) {
+    for (const auto* host : {"[fd00::5]", "10.0.1.5", "player.local"}) {
+        speaker.descriptionURL = QUrl(QStringLiteral("http://%1:1400/d.xml").arg(QLatin1String(host)));
+        control.play(speaker, record());
+        background.session.fail({HttpError::Code::notConnected, ENETUNREACH, QStringLiteral("no route")});
+        background.mainQueue.drain();
+        EXPECT_TRUE(background.denials.isEmpty()) << host;
+    }
 }
 
 TEST(LocalNetworkDenial, IsNotConnectedOrSaysSo) {
@@ -197,12 +207,6 @@ TEST_F(Control, AfterTheManagersEndTheCompletionIsCalledButNothingLoggedOrNoted)
     EXPECT_EQ(results, (QList<bool>{false, false}));
     EXPECT_TRUE(background.log.lines.empty());
     EXPECT_EQ(background.denials, QList<bool>());
-}
-
-TEST_F(Control, AfterTheManagersEndNothingIsSent) {
-    background.state->end();
-    control.play(speaker, record());
-    EXPECT_TRUE(background.session.requests.empty());
 }
 
 } // namespace

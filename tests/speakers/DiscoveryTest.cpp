@@ -44,7 +44,7 @@ protected:
 
     void run(bool forceSubnetScan = false) {
         const auto before = background.found.size();
-        std::make_shared<SpeakerDiscovery>(background.state)->runDiscovery(forceSubnetScan);
+        SpeakerDiscovery(background.state).runDiscovery(forceSubnetScan);
         background.mainQueue.drain();
         if (background.found.size() > before)
             results.append(background.state->allSpeakers.value());
@@ -112,6 +112,19 @@ TEST(ActiveInterfaces, AreOneRecordPerAddressInTheSystemsOrderWhateverTheName) {
     EXPECT_EQ(interfaces[0].ip, QStringLiteral("10.0.1.2"));
     EXPECT_EQ(interfaces[1].ip, localIp);
     EXPECT_EQ(interfaces[2].name, QStringLiteral("docker0"));
+}
+
+TEST(InterfaceInfo, ReachesTheAddressesOfItsNetwork) {
+    InterfaceInfo interface { eth0, QStringLiteral("10.1.2.3"), std::nullopt, 22 };
+    for (const auto* host : {"10.1.0.0", "10.1.3.255", "10.1.2.3"})
+        EXPECT_TRUE(interface.reaches(QLatin1String(host))) << host;
+    for (const auto* host : {"10.1.4.0", "10.0.255.255", "fd00::1", "10.1.2", "10.1.2.3.4", "player.local",
+                             "", "10.1.2.3000", "10.1..3", "10.1.2.-3"})
+        EXPECT_FALSE(interface.reaches(QLatin1String(host))) << host;
+    interface.prefixLength = 32;
+    EXPECT_FALSE(interface.reaches(QStringLiteral("10.1.2.2")));
+    interface.prefixLength = 0;
+    EXPECT_TRUE(interface.reaches(QStringLiteral("192.0.2.1")));
 }
 
 TEST_F(Discovery, SendsTheSearchToMulticastAndBroadcast) {

@@ -222,6 +222,37 @@ TEST_F(Lookup, AReportOfThousandsOfAddressesIsCutOff) {
     EXPECT_EQ(background.session.requests.size(), 1025U) << "1024 descriptions and one topology";
 }
 
+TEST_F(Lookup, AHostThatInventsPlayersIsAskedForAFewOnly) {
+    QList<QUrl> addresses;
+    for (int i = 0; i < 500; ++i)
+        addresses.append(QUrl(QStringLiteral("http://10.0.0.66:1400/%1.xml").arg(i)));
+    addresses.append(descriptionUrl(1));
+    const auto speakers = SpeakerLookup(background.state).discoverSpeakers(addresses);
+    EXPECT_EQ(requestsTo(66, "GET"), 64);
+    ASSERT_EQ(speakers.size(), 1);
+    EXPECT_EQ(speakers[0].id, a);
+}
+
+TEST(ReadBudget, IsEachHostsOwn) {
+    const QUrl greedy(QStringLiteral("http://10.0.0.66/"));
+    const QString text(ReadBudget::perHost / 4, u'x');
+    ReadBudget budget;
+    for (int i = 0; i < 4; ++i)
+        EXPECT_TRUE(budget.take(greedy, text));
+    EXPECT_FALSE(budget.take(greedy, QStringLiteral("x")));
+    EXPECT_TRUE(budget.take(descriptionUrl(1), text));
+}
+
+TEST(ReadBudget, LeavesShortAnswersAloneWhenLongOnesHaveUsedItUp) {
+    const QString text(ReadBudget::perHost, u'x');
+    ReadBudget budget;
+    for (int host = 1; host <= 8; ++host)
+        EXPECT_TRUE(budget.take(descriptionUrl(host), text));
+    EXPECT_FALSE(budget.take(descriptionUrl(9), text));
+    EXPECT_FALSE(budget.take(descriptionUrl(9), QString(ReadBudget::longAnswer + 1, u'x')));
+    EXPECT_TRUE(budget.take(descriptionUrl(9), QString(ReadBudget::longAnswer, u'x')));
+}
+
 TEST_F(Lookup, EndlessReportsAreNotAllKept) {
     // Each report is nearly as large as one may be, so that eight of them are kept; each names the first
     // player anew.

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace zofra {
 namespace {
@@ -76,7 +77,7 @@ TEST_F(Fetcher, FetchesEveryTextOnce) {
         requests.push_back(request(host));
     QStringList texts(100);
     int received = 0;
-    fetcher.fetchTexts(std::move(requests), [&](std::size_t index, const QString& text) {
+    fetcher.fetchTexts(requests, TextFetcher::Denial::noted, [&](std::size_t index, const QString& text) {
         texts[static_cast<qsizetype>(index)] = text;
         ++received;
     });
@@ -86,8 +87,27 @@ TEST_F(Fetcher, FetchesEveryTextOnce) {
         EXPECT_EQ(texts[host], host % 10 == 3 ? QString() : QStringLiteral("10.0.0.%1").arg(host));
 }
 
+TEST_F(Fetcher, AnAnswerInTimeCountsHoweverLongAnotherIsRead) {
+    // The second answer comes while the first is being read, which goes on beyond its deadline.
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(400);
+    background.session.automatic = [this](const HttpRequest&) {
+        background.session.automatic = nullptr;
+        return answered(200, QStringLiteral("first"));
+    };
+    QStringList texts;
+    fetcher.fetchTexts({request(1), request(2, std::chrono::milliseconds(300))}, TextFetcher::Denial::noted,
+                       [&](std::size_t, const QString& text) {
+                           texts.append(text);
+                           if (!background.session.open.empty())
+                               background.session.answer(200, "second");
+                           while (std::chrono::steady_clock::now() < deadline)
+                               std::this_thread::yield();
+                       });
+    EXPECT_EQ(texts, (QStringList{QStringLiteral("first"), QStringLiteral("second")}));
+}
+
 TEST_F(Fetcher, FetchesNothingForNothing) {
-    fetcher.fetchTexts({}, [](std::size_t, const QString&) { ADD_FAILURE(); });
+    fetcher.fetchTexts({}, TextFetcher::Denial::noted, [](std::size_t, const QString&) { ADD_FAILURE(); });
     EXPECT_TRUE(background.session.requests.empty());
 }
 

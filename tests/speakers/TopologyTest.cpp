@@ -138,6 +138,22 @@ TEST(Topology, NestingThatMultipliesMembersIsRefused) {
     EXPECT_TRUE(read(inside(40, 1024)).isEmpty());
 }
 
+TEST(Topology, NestingThatMultipliesTheWorkIsRefused) {
+    // Few members, but each search goes through all that is below.
+    const auto nested = [](int depth, int elements) {
+        const auto group = test::groupXml(QStringLiteral("A"), QStringLiteral("%1"));
+        QString inner = QStringLiteral("<e/>").repeated(elements);
+        for (int i = 0; i < depth; ++i)
+            inner = QStringLiteral("<ZoneGroupMember UUID='A' ZoneName='x' Location='http://10.0.0.1/'>") +
+                    inner + QStringLiteral("</ZoneGroupMember>");
+        for (int i = 0; i < depth; ++i)
+            inner = group.arg(inner);
+        return test::householdAnswer({inner});
+    };
+    EXPECT_EQ(NetworkPlayerProtocol::topology(nested(3, 100)).size(), 9);
+    EXPECT_TRUE(NetworkPlayerProtocol::topology(nested(20, 10'000)).isEmpty());
+}
+
 TEST(Topology, AttributesTooLongToBeKeptCountAsMissing) {
     const QString tooLong(1025, u'x');
     EXPECT_TRUE(read(test::groupXml(a, test::memberXml(tooLong, address, kitchen))).isEmpty());

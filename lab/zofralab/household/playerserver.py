@@ -130,7 +130,7 @@ class PlayerServer:
             entry.method, entry.target = request.method, request.target
             await self._read_body(request, entry, reader, writer)
         try:
-            answer = await self._answer(request)
+            answer = await self._answer(request, entry.action)
         except Hang:
             await self._hold(reader)
             return
@@ -158,10 +158,11 @@ class PlayerServer:
         if entry.action:
             entry.arguments = peek_arguments(request.body)
 
-    async def _answer(self, request: Optional[HttpRequest]) -> Answer:
+    async def _answer(self, request: Optional[HttpRequest], action: str) -> Answer:
         switches = self._player.switches
-        if self._house.latency + switches.delay > 0:
-            await asyncio.sleep(self._house.latency + switches.delay)
+        wait = self._house.latency + switches.delay + switches.late.get(action, 0)
+        if wait > 0:
+            await asyncio.sleep(wait)
         if switches.silent:
             raise Hang
         if request is None:

@@ -17,6 +17,8 @@ class Switches:
 
     #: Seconds before any answer, on top of the household's usual latency.
     delay: float = 0.0
+    #: Action name to the seconds before it is carried out and answered; others may come in between.
+    late: dict[str, float] = field(default_factory=dict)
     #: Accepts, reads and never answers.
     silent: bool = False
     #: Connections are refused while the address stays.

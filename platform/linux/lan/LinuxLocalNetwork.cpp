@@ -4,9 +4,11 @@
 #include <algorithm>
 #include <arpa/inet.h>
 #include <array>
+#include <bit>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
+#include <cstring>
 #include <ifaddrs.h>
 #include <net/if.h>
 #include <netdb.h>
@@ -122,6 +124,12 @@ private:
     Descriptor m_socket;
 };
 
+int prefixLength(const sockaddr& netmask) {
+    sockaddr_in mask{};
+    std::memcpy(&mask, &netmask, sizeof(mask));
+    return std::popcount(mask.sin_addr.s_addr);
+}
+
 InterfaceAddress describe(const ifaddrs& entry) {
     InterfaceAddress address;
     address.name = QString::fromUtf8(entry.ifa_name);
@@ -130,6 +138,8 @@ InterfaceAddress describe(const ifaddrs& entry) {
         return address;
     address.family = entry.ifa_addr->sa_family;
     address.ip = numericText(*entry.ifa_addr);
+    if (address.family == AF_INET && entry.ifa_netmask != nullptr)
+        address.prefixLength = prefixLength(*entry.ifa_netmask);
     // The same field holds the other end of a point-to-point link, or once more the address itself where
     // there is no broadcast address.
     if ((entry.ifa_flags & IFF_BROADCAST) != 0 && entry.ifa_broadaddr != nullptr) {

@@ -3,6 +3,7 @@
 
 #include "platform/linux/ThreadTaskPool.h"
 #include "tests/support/FakeTaskPool.h"
+#include "tests/support/ManualMainQueue.h"
 #include "tests/support/PrintQt.h"
 #include "tests/support/RecordingOutput.h"
 #include "tests/support/ScopedEnvironment.h"
@@ -223,7 +224,8 @@ TEST_F(IniDefaultsStoreTest, losesNoKeyWhenTwoProgramsWrite) {
 }
 
 TEST_F(IniDefaultsStoreTest, losesNoKeyWhenManyThreadsWriteThroughManyStores) {
-    ThreadTaskPool threads;
+    test::ManualMainQueue mainQueue;
+    ThreadTaskPool threads(mainQueue);
     std::mutex mutex;
     std::vector<std::thread> writers;
     for (int writer = 0; writer < 4; ++writer) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "speakers/NetworkPlayerProtocol.h"
+#include "speakers/ZoneGroupTopology.h"
+
 #include "speakers/PlainOrder.h"
 #include "speakers/PlayerAddress.h"
 #include "speakers/PlayerXMLParser.h"
@@ -11,6 +12,10 @@
 namespace zofra {
 
 namespace {
+
+/// Elements looked at in one report. A real one is looked through three times: for its groups, for their
+/// members, for the members' satellites.
+constexpr std::size_t maxVisits = std::size_t{4} * PlayerXMLLimits::elements;
 
 /// An attribute's value; one that is too long to be kept counts as missing.
 std::optional<QString> attribute(const PlayerXMLNode& node, const QString& name) {
@@ -47,39 +52,41 @@ std::optional<PlayerTopologyMember> groupMember(const PlayerXMLNode& node, const
     return PlayerTopologyMember{*uuid, url, *zoneName, isVisible, coordinator};
 }
 
-/// Everyone in one member element, satellites first; false once there are too many.
-bool appendMember(QList<PlayerTopologyMember>& members, const PlayerXMLNode& member,
-                  const QString& coordinator) {
-    for (const auto& node : member.descendants(QStringLiteral("Satellite"))) {
-        if (const auto record = satellite(*node, member, coordinator))
-            members.append(*record);
-        if (members.size() > NetworkPlayerProtocol::maxTopologyMembers)
-            return false;
+/// Everyone in one report, or nobody when groups and members are nested so that they multiply.
+class Report {
+public:
+    QList<PlayerTopologyMember> read(const PlayerXMLNode& state) {
+        for (const auto& group : state.descendants(QStringLiteral("ZoneGroup"), m_visits))
+            readGroup(*group, attribute(*group, QStringLiteral("Coordinator")).value_or(QString()));
+        const bool isWhole = m_visits > 0 && m_members.size() <= NetworkPlayerProtocol::maxTopologyMembers;
+        return isWhole ? m_members : QList<PlayerTopologyMember>();
     }
-    if (const auto record = groupMember(member, coordinator))
-        members.append(*record);
-    return members.size() <= NetworkPlayerProtocol::maxTopologyMembers;
-}
+
+private:
+    void readGroup(const PlayerXMLNode& group, const QString& coordinator) {
+        for (const auto& member : group.descendants(QStringLiteral("ZoneGroupMember"), m_visits)) {
+            for (const auto& node : member->descendants(QStringLiteral("Satellite"), m_visits))
+                keep(satellite(*node, *member, coordinator));
+            keep(groupMember(*member, coordinator));
+        }
+    }
+    void keep(const std::optional<PlayerTopologyMember>& record) {
+        if (record && m_members.size() <= NetworkPlayerProtocol::maxTopologyMembers)
+            m_members.append(*record);
+    }
+
+    QList<PlayerTopologyMember> m_members;
+    std::size_t m_visits = maxVisits;
+};
 
 } // namespace
 
 QList<PlayerTopologyMember> NetworkPlayerProtocol::topology(const QString& response) {
     const auto envelope = xml(response);
-    if (!envelope)
-        return {};
-    const auto states = envelope->descendants(QStringLiteral("ZoneGroupState"));
+    const auto states =
+        envelope ? envelope->descendants(QStringLiteral("ZoneGroupState")) : decltype(envelope->children)();
     const auto state = states.empty() ? nullptr : xml(states.front()->text);
-    if (!state)
-        return {};
-    QList<PlayerTopologyMember> members;
-    for (const auto& group : state->descendants(QStringLiteral("ZoneGroup"))) {
-        const auto coordinator = attribute(*group, QStringLiteral("Coordinator")).value_or(QString());
-        for (const auto& member : group->descendants(QStringLiteral("ZoneGroupMember"))) {
-            if (!appendMember(members, *member, coordinator))
-                return {};
-        }
-    }
-    return members;
+    return state ? Report().read(*state) : QList<PlayerTopologyMember>();
 }
 
 QList<PlayerTopologyMember> NetworkPlayerProtocol::merge(const QList<QList<PlayerTopologyMember>>& answers) {
@@ -97,6 +104,15 @@ QList<PlayerTopologyMember> NetworkPlayerProtocol::merge(const QList<QList<Playe
     std::stable_sort(merged.begin(), merged.end(),
                      [](const auto& a, const auto& b) { return plainlyBefore(a.uuid, b.uuid); });
     return merged;
+}
+
+void applyTopology(SonosSpeaker& speaker, const PlayerTopologyMember& member) {
+    if (!member.zoneName.isEmpty())
+        speaker.roomName = member.zoneName;
+    speaker.isVisible = member.isVisible;
+    if (!member.coordinator.isEmpty())
+        speaker.groupCoordinatorId = member.coordinator;
+    speaker.isCoordinator = member.coordinator.isEmpty() || member.coordinator == speaker.id;
 }
 
 } // namespace zofra

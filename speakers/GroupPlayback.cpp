@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "speakers/GroupPlayback.h"
+
+#include "speakers/CompletionGroup.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zofra {
+
+namespace {
+
+/// The chain of one group; each step runs in the completion of the one before.
+class GroupStart : public std::enable_shared_from_this<GroupStart> {
+public:
+    GroupStart(std::shared_ptr<PlayerOrders> orders, PlayerPlaybackGroup group, QString streamUri,
+               std::stop_token superseded, std::shared_ptr<CompletionGroup> all)
+        : m_orders(std::move(orders))
+        , m_group(std::move(group))
+        , m_streamUri(std::move(streamUri))
+        , m_superseded(std::move(superseded))
+        , m_all(std::move(all)) {}
+
+    void detach() {
+        step([leader = m_group.leader](const SpeakerControl& control,
+                                       auto then) { control.detachIfGrouped(leader, std::move(then)); },
+             &GroupStart::setStream);
+    }
+
+private:
+    using Next = void (GroupStart::*)();
+
+    /// Does one thing and goes on when it succeeded; the group has failed when it did not.
+    void step(PlayerOrders::Send send, Next next,
+              PlayerOrders::Effect effect = PlayerOrders::Effect::prepares) {
+        m_orders->step(m_group.leader, m_superseded, effect, std::move(send),
+                       [self = shared_from_this(), next](bool succeeded) {
+                           if (succeeded)
+                               (*self.*next)();
+                           else
+                               self->m_all->leave();
+                       });
+    }
+
+    void setStream() {
+        step(
+            [leader = m_group.leader, uri = m_streamUri](const SpeakerControl& control, auto then) {
+                control.setAVTransportURI(transportEndpoint(leader), uri, std::move(then));
+            },
+            &GroupStart::play);
+    }
+
+    void play() {
+        step([leader = m_group.leader](const SpeakerControl& control,
+                                       auto then) { control.play(leader, std::move(then)); },
+             &GroupStart::joinFollowers, PlayerOrders::Effect::startsPlaying);
+    }
+
+    void joinFollowers() {
+        m_all->succeed();
+        for (const auto& follower : std::as_const(m_group.followers)) {
+            m_all->enter();
+            m_orders->step(
+                follower, m_superseded, PlayerOrders::Effect::prepares,
+                [follower, leader = m_group.leader](const SpeakerControl& control, auto then) {
+                    control.join(follower, leader, std::move(then));
+                },
+                [all = m_all](bool) { all->leave(); });
+        }
+        m_all->leave();
+    }
+
+    std::shared_ptr<PlayerOrders> m_orders;
+    PlayerPlaybackGroup m_group;
+    QString m_streamUri;
+    std::stop_token m_superseded;
+    std::shared_ptr<CompletionGroup> m_all;
+};
+
+/// Both, of two records of one player the one among `players`.
+QList<SonosSpeaker> together(QList<SonosSpeaker> players, const QList<SonosSpeaker>& others) {
+    for (const auto& other : others) {
+        if (std::none_of(players.begin(), players.end(),
+                         [&other](const SonosSpeaker& player) { return player.id == other.id; }))
+            players.append(other);
+    }
+    return players;
+}
+
+} // namespace
+
+GroupPlayback::GroupPlayback(std::shared_ptr<SpeakerBackground> background)
+    : m_background(std::move(background))
+    , m_orders(std::make_shared<PlayerOrders>(m_background)) {}
+
+std::stop_token GroupPlayback::supersede(Act next) {
+    m_current.request_stop();
+    m_current = {};
+    m_act = next;
+    return m_current.get_token();
+}
+
+template<typename Finished>
+std::function<void(qsizetype)> GroupPlayback::later(const std::stop_token& superseded, Finished finished) {
+    return
+        [this, background = m_background, superseded, finished = std::move(finished)](qsizetype succeeded) {
+            background->post([this, superseded, finished, succeeded] {
+                if (superseded.stop_requested())
+                    return;
+                m_act = Act::none;
+                finished(succeeded);
+            });
+        };
+}
+
+void GroupPlayback::play(const QList<PlayerPlaybackGroup>& groups, const QString& streamUri,
+                         std::function<void(qsizetype started)> finished) {
+    const auto superseded = supersede(Act::starting);
+    m_leaders.clear();
+    for (const auto& group : groups)
+        m_leaders.append(group.leader);
+    m_started = together(m_leaders, m_started);
+    const auto all = std::make_shared<CompletionGroup>(later(superseded, std::move(finished)));
+    all->enter();
+    for (const auto& group : groups) {
+        all->enter();
+        std::make_shared<GroupStart>(m_orders, group, streamUri, superseded, all)->detach();
+    }
+    all->leave();
+}
+
+void GroupPlayback::pause(const QList<SonosSpeaker>& players, std::function<void(bool succeeded)> finished) {
+    if (m_act == Act::pausing && players == m_paused)
+        return;
+    const auto superseded = supersede(Act::pausing);
+    m_paused = players;
+    const auto all = std::make_shared<CompletionGroup>(
+        later(superseded, [finished = std::move(finished)](qsizetype paused) { finished(paused > 0); }));
+    all->enter();
+    for (const auto& player : players) {
+        all->enter();
+        m_orders->pause(player, [all](bool succeeded) {
+            if (succeeded)
+                all->succeed();
+            all->leave();
+        });
+    }
+    all->leave();
+}
+
+void GroupPlayback::stop(const QList<SonosSpeaker>& players) {
+    supersede(Act::none);
+    const auto all = together(players, std::exchange(m_started, {}));
+    for (const auto& player : all)
+        m_orders->stop(player);
+}
+
+void GroupPlayback::setVolume(const QList<SonosSpeaker>& players, int percent) {
+    for (const auto& player : players)
+        m_orders->setVolume(player, percent);
+}
+
+} // namespace zofra

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "speakers/InterfaceInfo.h"
+
+#include <QStringList>
+
+#include <cstdint>
+#include <net/if.h>
+
+namespace zofra {
+
+namespace {
+
+/// The number that a dotted decimal address spells.
+std::optional<std::uint32_t> numberOf(const QString& ip) {
+    constexpr unsigned int bitsPerPiece = 8;
+    const auto pieces = ip.split(u'.');
+    std::uint32_t number = 0;
+    for (const auto& piece : pieces) {
+        bool isNumber = false;
+        number = number << bitsPerPiece | piece.toUShort(&isNumber);
+        if (!isNumber || piece.size() > 3)
+            return std::nullopt;
+    }
+    return pieces.size() == 4 ? std::optional(number) : std::nullopt;
+}
+
+} // namespace
+
+bool InterfaceInfo::reaches(const QString& host) const {
+    const auto own = numberOf(ip);
+    const auto other = numberOf(host);
+    if (!own || !other)
+        return false;
+    const auto different = static_cast<std::uint64_t>(*own ^ *other);
+    return different >> static_cast<unsigned int>(32 - prefixLength) == 0;
+}
+
+QList<InterfaceInfo> activeIPv4Interfaces(const std::vector<InterfaceAddress>& addresses) {
+    constexpr unsigned int mask = IFF_UP | IFF_LOOPBACK | IFF_POINTOPOINT | IFF_RUNNING;
+    QList<InterfaceInfo> interfaces;
+    for (const auto& address : addresses) {
+        if (address.family != AF_INET || (address.flags & mask) != (IFF_UP | IFF_RUNNING))
+            continue;
+        const bool canBroadcast = (address.flags & IFF_BROADCAST) != 0;
+        interfaces.append({address.name, address.ip, canBroadcast ? address.broadcast : std::nullopt,
+                           address.prefixLength});
+    }
+    return interfaces;
+}
+
+} // namespace zofra
