@@ -14,10 +14,18 @@ namespace zofra {
 
 /// One address of one network interface, as the system lists it.
 struct InterfaceAddress {
+    /// The system's numbers.
+    static constexpr int ipv4 = 2;
+    static constexpr unsigned int up = 0x1;
+    static constexpr unsigned int canBroadcast = 0x2;
+    static constexpr unsigned int loopback = 0x8;
+    static constexpr unsigned int pointToPoint = 0x10;
+    static constexpr unsigned int running = 0x40;
+
     QString name;
-    /// AF_INET and so on; absent when the entry has no address.
+    /// `ipv4` and so on; absent when the entry has no address.
     std::optional<int> family;
-    /// IFF_UP, IFF_RUNNING and so on.
+    /// `up`, `running` and so on.
     unsigned int flags = 0;
     /// Numeric text.
     QString ip;

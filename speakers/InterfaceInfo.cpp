@@ -4,7 +4,6 @@
 #include <QStringList>
 
 #include <cstdint>
-#include <net/if.h>
 
 namespace zofra {
 
@@ -36,12 +35,13 @@ bool InterfaceInfo::reaches(const QString& host) const {
 }
 
 QList<InterfaceInfo> activeIPv4Interfaces(const std::vector<InterfaceAddress>& addresses) {
-    constexpr unsigned int mask = IFF_UP | IFF_LOOPBACK | IFF_POINTOPOINT | IFF_RUNNING;
+    using Address = InterfaceAddress;
+    constexpr auto mask = Address::up | Address::loopback | Address::pointToPoint | Address::running;
     QList<InterfaceInfo> interfaces;
     for (const auto& address : addresses) {
-        if (address.family != AF_INET || (address.flags & mask) != (IFF_UP | IFF_RUNNING))
+        if (address.family != Address::ipv4 || (address.flags & mask) != (Address::up | Address::running))
             continue;
-        const bool canBroadcast = (address.flags & IFF_BROADCAST) != 0;
+        const bool canBroadcast = (address.flags & Address::canBroadcast) != 0;
         interfaces.append({address.name, address.ip, canBroadcast ? address.broadcast : std::nullopt,
                            address.prefixLength});
     }

@@ -24,7 +24,7 @@ MAY_INCLUDE = {
 CORE = ("stations", "playback", "metadata", "speakers")
 CORE_KNOWS = re.compile(
     r"<(Q(Bit|Byte|Char|Collator|Date|Hash|Json|Latin1|List|Locale|Map|Meta|Regular|Set|Str|Text|Time|Unicode|Url|Uuid|"
-    r"Variant|Xml|tGlobal|Random|Debug|Elapsed)\w*|[a-z_]+)>")
+    r"Variant|Xml|tGlobal|Random|Debug|Elapsed)\w*|expat\.h|[a-z_]+)>")
 
 
 def folder_of(path):

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <chrono>
 #include <gtest/gtest.h>
+#include <net/if.h>
 
 namespace zofra {
 namespace {

@@ -130,6 +130,10 @@ int prefixLength(const sockaddr& netmask) {
     return std::popcount(mask.sin_addr.s_addr);
 }
 
+static_assert(InterfaceAddress::ipv4 == AF_INET && InterfaceAddress::up == IFF_UP &&
+              InterfaceAddress::canBroadcast == IFF_BROADCAST && InterfaceAddress::loopback == IFF_LOOPBACK &&
+              InterfaceAddress::pointToPoint == IFF_POINTOPOINT && InterfaceAddress::running == IFF_RUNNING);
+
 InterfaceAddress describe(const ifaddrs& entry) {
     InterfaceAddress address;
     address.name = QString::fromUtf8(entry.ifa_name);
