@@ -18,6 +18,8 @@ namespace {
 
 constexpr auto endLimit = std::chrono::milliseconds(1000);
 constexpr auto answerLimit = std::chrono::seconds(25);
+/// A player that was told to play may take as long as its request to answer, and is stopped only then.
+constexpr auto endLimitDuringStart = std::chrono::milliseconds(6000);
 constexpr auto endLook = std::chrono::milliseconds(50);
 constexpr auto startupSettled = std::chrono::milliseconds(3000);
 constexpr auto settingsLimit = std::chrono::milliseconds(500);
@@ -59,7 +61,7 @@ std::optional<RadioStation> stationOfAction(const QString& action) {
 } // namespace
 
 /// The program as the desktop sees it, and its end: once the speakers have heard that they shall stop and the
-/// buses what was last said on them, within a second.
+/// buses what was last said on them, within a second; a room that is just being started may take longer.
 class ZofraMenuBarApp::Ending final : public Application {
 public:
     explicit Ending(ZofraMenuBarApp& program)
@@ -72,7 +74,8 @@ public:
         if (m_limit)
             return;
         m_program.m_desktop->hideEverything();
-        m_limit = m_program.m_mainQueue.startTimer(endLimit, MainQueue::Repeat::once, [] { leave(); });
+        const auto limit = SonosManager::shared().mayStillStart() ? endLimitDuringStart : endLimit;
+        m_limit = m_program.m_mainQueue.startTimer(limit, MainQueue::Repeat::once, [] { leave(); });
         // Who asked for the end may have more to say, a panel for instance that it has closed the menu.
         m_look =
             m_program.m_mainQueue.startTimer(endLook, MainQueue::Repeat::forever, [this] { leaveIfDone(); });

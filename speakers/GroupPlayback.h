@@ -35,6 +35,8 @@ public:
 
     /// Whether a start has not ended yet.
     [[nodiscard]] bool isStarting() const { return m_act == Act::starting; }
+    /// Whether a player has been told to play and has not answered yet, be it of a start that was given up.
+    [[nodiscard]] bool mayStillStart() const { return m_orders->mayStillStart(); }
     /// Whom the last start gave the stream to.
     [[nodiscard]] const QList<SonosSpeaker>& leaders() const { return m_leaders; }
 

@@ -30,6 +30,7 @@ std::optional<PlayerOrders::Step> PlayerOrders::takeNext(Lane& lane) {
 void PlayerOrders::send(const Step& step) {
     if (m_background->ended())
         return;
+    m_playsUnderWay += step.effect == Effect::startsPlaying ? 1 : 0;
     step.send(SpeakerControl(m_background),
               [self = shared_from_this(), step](bool succeeded) { self->ended(step, succeeded); });
 }
@@ -43,6 +44,7 @@ void PlayerOrders::ended(const Step& step, bool succeeded) {
         step.then(succeeded && !m_background->ended());
     else if (step.effect == Effect::startsPlaying && !isTakenOver)
         sendStop(step.player);
+    m_playsUnderWay -= step.effect == Effect::startsPlaying ? 1 : 0;
     if (next)
         send(*next);
 }

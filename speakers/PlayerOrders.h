@@ -9,6 +9,7 @@
 #include <QHash>
 #include <QString>
 
+#include <atomic>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -41,6 +42,9 @@ public:
     void stop(const SonosSpeaker& player);
     /// Of several volumes for a player that has not answered yet only the last one is sent.
     void setVolume(const SonosSpeaker& player, int percent);
+
+    /// Whether a player has been told to play and has not answered yet.
+    [[nodiscard]] bool mayStillStart() const { return m_playsUnderWay > 0; }
 
 private:
     struct Step {
@@ -76,6 +80,7 @@ private:
 
     std::shared_ptr<SpeakerBackground> m_background;
     PlayerLocked<Lanes> m_lanes;
+    std::atomic<int> m_playsUnderWay = 0;
 };
 
 } // namespace zofra

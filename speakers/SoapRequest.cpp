@@ -51,6 +51,8 @@ HttpRequest soapRequest(const QUrl& endpoint, const QString& service, const QStr
     };
     request.body = soapEnvelope(service, action, body);
     request.timeout = soapTimeout;
+    request.purpose = HttpRequest::Purpose::order;
+    request.route = HttpRequest::Route::direct;
     return request;
 }
 

@@ -82,6 +82,8 @@ public:
     void pause(const SonosRoom& room);
     /// Stops every player that was found, and every one that was started.
     void stopAllSonos();
+    /// Whether a player may begin to play although it has been stopped: it is stopped again once it answers.
+    [[nodiscard]] bool mayStillStart() const { return m_playback.mayStillStart(); }
     /// Clamped to 0...100.
     void setVolume(int percent, const SonosRoom& room);
     void setVolumeEverywhere(int percent);

@@ -20,6 +20,7 @@ HttpRequest topologyRequest(const SonosSpeaker& speaker) {
     const auto endpoint = speaker.endpoint(speaker.topologyPath, QString::fromLatin1(ControlPath::topology));
     auto request = soapRequest(endpoint, QStringLiteral("ZoneGroupTopology:1"),
                                QStringLiteral("GetZoneGroupState"), QString());
+    request.purpose = HttpRequest::Purpose::question;
     request.maxBodyBytes = maxTopologyBytes;
     return request;
 }

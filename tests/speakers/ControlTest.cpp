@@ -36,6 +36,8 @@ void expectGolden(const QString& name, const HttpRequest& request) {
     EXPECT_EQ(spell(request), golden(name, spell(request))) << name.toStdString();
     EXPECT_EQ(request.timeout, std::chrono::seconds(5));
     EXPECT_EQ(request.cachePolicy, HttpRequest::CachePolicy::useProtocol);
+    EXPECT_EQ(request.purpose, HttpRequest::Purpose::order);
+    EXPECT_EQ(request.route, HttpRequest::Route::direct);
 }
 
 class Control : public testing::Test {

@@ -282,6 +282,7 @@ TEST_F(Discovery, AProbeIsAPlainGetOfTheDescription) {
     EXPECT_EQ(probe.url, descriptionUrl(1));
     EXPECT_EQ(probe.timeout, std::chrono::milliseconds(1500));
     EXPECT_EQ(probe.maxBodyBytes, 256U * 1024U);
+    EXPECT_EQ(probe.route, HttpRequest::Route::direct);
     EXPECT_EQ(probe.cachePolicy, HttpRequest::CachePolicy::useProtocol);
     EXPECT_TRUE(probe.headers.empty());
 }

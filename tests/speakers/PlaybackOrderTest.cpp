@@ -73,7 +73,9 @@ TEST_F(PlaybackOrder, APlayThatIsOutIsFollowedByStop) {
     EXPECT_EQ(requests(), QStringLiteral("SetAVTransportURI 10.0.0.3, Play 10.0.0.3"));
     manager->stopAllSonos();
     EXPECT_EQ(requests(), QStringLiteral("Stop 10.0.0.1, Stop 10.0.0.3"));
+    EXPECT_TRUE(manager->mayStillStart());
     answerAll();
+    EXPECT_FALSE(manager->mayStillStart());
     EXPECT_EQ(requests(), QStringLiteral("Stop 10.0.0.3")) << "the player may have obeyed them in any order";
     EXPECT_FALSE(manager->isSonosPlaying);
     EXPECT_TRUE(states.isEmpty());

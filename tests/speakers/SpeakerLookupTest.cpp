@@ -134,6 +134,9 @@ TEST_F(Lookup, RequestsHaveTheirTimeoutsAndCaps) {
     EXPECT_EQ(topology.url.toString(), QStringLiteral("http://10.0.0.1:1400/ZoneGroupTopology/Control"));
     EXPECT_EQ(topology.timeout, std::chrono::seconds(5));
     EXPECT_EQ(topology.maxBodyBytes, 1024U * 1024U);
+    EXPECT_EQ(topology.purpose, HttpRequest::Purpose::question);
+    for (const auto& request : background.session.requests)
+        EXPECT_EQ(request.route, HttpRequest::Route::direct);
 }
 
 TEST_F(Lookup, AMemberNotYetReadIsReadNowButNotAsked) {

@@ -63,7 +63,7 @@ def test_a_play_that_a_stop_has_overtaken_is_stopped(playing, house):
 
 
 def test_quitting_during_a_start_silences_the_room(playing, house):
-    house.switch(player=BEAM, late={"Play": 0.6})
+    house.switch(player=BEAM, late={"Play": 2.5})
     tell(playing, "--output", "Living Room")
     wait_sent(house, BEAM, "Play")
     assert playing.quit() == 0
