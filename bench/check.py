@@ -42,11 +42,11 @@ def load():
         return {}
 
 
-def check(stage, binary):
+def check(stage):
     """Rows for everything counted; True when nothing is worse."""
     stage.heading("Counted, against bench/baseline.json")
     began, baseline = time.monotonic(), load()
-    now = counts.all_of(stage, binary)
+    now = counts.all_of(stage)
     show(stage, now, baseline)
     found = worse(baseline, now)
     for what, figure, before, value in found:
@@ -57,10 +57,10 @@ def check(stage, binary):
     return bool(baseline) and not found
 
 
-def write(stage, binary):
+def write(stage):
     """The new baseline: the better of two runs, so that a figure which was disturbed does not hide a loss."""
     stage.heading("Counted, for bench/baseline.json")
-    runs = [counts.all_of(stage, binary) for _ in range(2)]
+    runs = [counts.all_of(stage) for _ in range(2)]
     best = {what: {figure: round(min(run[what][figure] for run in runs), 2) for figure in figures}
             for what, figures in runs[0].items()}
     show(stage, best, load())

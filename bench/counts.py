@@ -14,7 +14,7 @@ import time
 from measure import wake_ups
 from radio import NAME
 from stage import BINARY
-from zofralab.desktop import Menu
+from zofralab.desktop import ITEM, Menu
 from zofralab.process import wait_until
 
 SONGS = MENUS = 20
@@ -24,12 +24,20 @@ ALLOCATORS = ("malloc", "calloc", "realloc", "posix_memalign", "aligned_alloc")
 NAMED = re.compile(r"\((\d+)\)(?: (.*))?")
 
 
+class PatientMenu(Menu):
+    """A menu of a program that runs fifty times slower than ever."""
+
+    def call(self, method, signature, arguments, timeout=120.0):
+        """One call, with time."""
+        return super().call(method, signature, arguments, timeout)
+
+
 class Counted:
     """The radio under callgrind, on a stage. Use as a context."""
 
-    def __init__(self, stage, *options, binary=BINARY, **how):
+    def __init__(self, stage, *options, **how):
         self._stage = stage
-        self._options, self._how, self._binary = options, how, binary
+        self._options, self._how = options, how
 
     def __enter__(self):
         self._context = self._stage.radio()
@@ -37,7 +45,7 @@ class Counted:
         self._out = os.path.join(self.radio.home, "callgrind")
         wrapper = os.path.join(self.radio.home, "counted")
         with open(wrapper, "w", encoding="ascii") as file:
-            file.write(f'#!/bin/sh\nexec valgrind -q --tool=callgrind --callgrind-out-file={self._out} {self._binary} "$@"\n')
+            file.write(f'#!/bin/sh\nexec valgrind -q --tool=callgrind --callgrind-out-file={self._out} {BINARY} "$@"\n')
         os.chmod(wrapper, os.stat(wrapper).st_mode | stat.S_IXUSR)
         self.radio.binary = wrapper
         self.radio.start(*self._options, headless=False, wait=False, **self._how)
@@ -50,7 +58,17 @@ class Counted:
     def status(self):
         """What it says, asked by this process, for every second start would be counted as well."""
         import json  # pylint: disable=import-outside-toplevel
-        return json.loads(self._stage.peer.call(NAME, OBJECT, INTERFACE, "Status", timeout=60)[0])
+        return json.loads(self._stage.peer.call(NAME, OBJECT, INTERFACE, "Status", timeout=120)[0])
+
+    def title(self):
+        """What the item shows."""
+        owner = self._stage.peer.owner(NAME)
+        return self._stage.peer.call(owner, "/StatusNotifierItem", "org.freedesktop.DBus.Properties", "Get", "(ss)",
+                                     (ITEM, "Title"), 120)[0]
+
+    def menu(self):
+        """Its menu, as a panel that draws it sees it."""
+        return PatientMenu(self._stage.peer, self._stage.peer.owner(NAME), "/MenuBar")
 
     def zero(self):
         """From now on."""
@@ -104,12 +122,12 @@ def settle(seconds=3.0):
     time.sleep(seconds)
 
 
-def shell(stage, binary=BINARY):
+def shell(stage):
     """{what: figures} of a start, a song and a menu."""
     found = {}
-    with stage.status_bar() as bar, Counted(stage, binary=binary) as radio:
+    with stage.status_bar() as bar, Counted(stage) as radio:
         item = bar.wait_for_item(60)
-        wait_until(lambda: "–" in item.title, 60, "the first song", 0.2)
+        wait_until(lambda: "–" in radio.title(), 60, "the first song", 0.2)
         settle()
         found["start"] = radio.taken()
         # What the item tells is waited for: questions would be counted with it, and never the same number of them.
@@ -121,7 +139,7 @@ def shell(stage, binary=BINARY):
             wait_until(lambda before=before: any(one.name == "NewTitle" for one in stage.peer.signals[before:]), 60,
                        "the song", 0.02)
         found["one song"] = _each(radio.taken(), SONGS)
-        menu = item.menu
+        menu = radio.menu()
         menu.look()
         radio.zero()
         for _ in range(MENUS):
@@ -130,14 +148,14 @@ def shell(stage, binary=BINARY):
     return found
 
 
-def search(stage, binary=BINARY, players=PLAYERS):
+def search(stage, players=PLAYERS):
     """{what: figures} of one search that finds players."""
-    with stage.status_bar() as bar, Counted(stage, binary=binary, discovery=True) as radio:
+    with stage.status_bar() as bar, Counted(stage, discovery=True) as radio:
         stage.lab.household.others(mode="refused")
         stage.lab.household.scene(scene="many", count=players)
         item = bar.wait_for_item(60)
         wait_until(lambda: not radio.status()["scanning"], 120, "the first run", 0.5)
-        menu = Menu(stage.peer, item.name, "/MenuBar")
+        menu = radio.menu()
         settle()
         radio.zero()
         menu.choose("Audio Output (…", "🔄 Search for Sonos and Zofra devices")
@@ -160,7 +178,7 @@ def menu_with(stage, rooms):
         wait_until(lambda: not radio.status()["scanning"], 300, "the first run", 0.5)
         if len(radio.status()["rooms"]) != rooms:
             raise RuntimeError(f"a search of {rooms} players showed {len(radio.status()['rooms'])}")
-        menu = Menu(stage.peer, item.name, "/MenuBar")
+        menu = radio.menu()
         menu.look()
         settle()
         radio.zero()
@@ -169,12 +187,11 @@ def menu_with(stage, rooms):
         return _each(radio.taken(), MENUS)
 
 
-def wakes(stage, binary=BINARY, seconds=20.0):
+def wakes(stage, seconds=20.0):
     """{what: wake-ups a second}, idle and playing."""
     found = {}
     for what, options in (("idle", ()), ("playing", ("--play", "qmusic"))):
         with stage.status_bar() as bar, stage.radio() as radio:
-            radio.binary = binary
             radio.start(*options, headless=False)
             bar.wait_for_item(20)
             if options:
@@ -187,6 +204,6 @@ def wakes(stage, binary=BINARY, seconds=20.0):
     return found
 
 
-def all_of(stage, binary=BINARY):
+def all_of(stage):
     """Every count."""
-    return {**shell(stage, binary), **search(stage, binary), **wakes(stage, binary)}
+    return {**shell(stage), **search(stage), **wakes(stage)}

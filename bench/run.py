@@ -23,7 +23,7 @@ import parsers  # noqa: E402
 import publish  # noqa: E402
 import sizes  # noqa: E402
 import speakers  # noqa: E402
-from stage import BINARY, Stage  # noqa: E402
+from stage import Stage  # noqa: E402
 
 CHAPTERS = {"latency": latency, "costs": costs, "speakers": speakers, "faults": faults, "parsers": parsers, "sizes": sizes,
             "endurance": endurance}
@@ -40,7 +40,6 @@ def main():
     parser.add_argument("--json", metavar="FILE", help="also write every figure there")
     parser.add_argument("--check", action="store_true", help="only count, and fail where something is a tenth worse")
     parser.add_argument("--baseline", action="store_true", help="only count, and keep that as what --check compares with")
-    parser.add_argument("--binary", default=BINARY, help="another build of the program, for --check and --baseline")
     options = parser.parse_args()
     unknown = [name for name in options.chapters if name not in CHAPTERS]
     if unknown:
@@ -49,9 +48,9 @@ def main():
     print(f"{os.cpu_count()} processors, load {load:.1f}" + (": figures of a crowded machine" if load > 1.5 else ""))
     with Stage() as stage:
         if options.check:
-            return 0 if check.check(stage, options.binary) else 1
+            return 0 if check.check(stage) else 1
         if options.baseline:
-            return check.write(stage, options.binary)
+            return check.write(stage)
         for name in options.chapters or CHAPTERS:
             if name == "endurance":
                 endurance.run(stage, options.seconds, options.runs, options.share)

@@ -19,7 +19,8 @@ from zofralab.process import terminate
 from zofralab.session import Session
 from zofralab.sound import Ears
 
-BINARY = os.path.join(ROOT, "build", "release", "bin", "zofrazofra")
+#: ZOFRA_BINARY names another build of the program.
+BINARY = os.path.abspath(os.environ.get("ZOFRA_BINARY", os.path.join(ROOT, "build", "release", "bin", "zofrazofra")))
 #: The least that a program of this kind can be: an application object of the toolkit and a name on the bus.
 FLOOR = os.path.join(ROOT, "build", "release", "bin", "floor")
 

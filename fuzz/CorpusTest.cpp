@@ -70,6 +70,6 @@ TEST_P(FuzzCorpus, HoldsBeyondEveryCap) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Targets, FuzzCorpus, testing::ValuesIn(targets),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& target) { return std::string(target.param.name); });
 
 } // namespace

@@ -94,6 +94,13 @@ void checkRooms(const QList<SonosRoom>& rooms, const QList<SonosSpeaker>& speake
     fuzz::require(read && encodeRooms(*read) == kept);
 }
 
+/// No name and no address of a neighbour's making ends a header or an element.
+void checkRequest(const HttpRequest& request) {
+    for (const auto& [name, value] : request.headers)
+        fuzz::require(!name.contains('\n') && !value.contains('\n') && !value.contains('\r'));
+    fuzz::require(NetworkPlayerProtocol::xml(QString::fromUtf8(request.body)) != nullptr);
+}
+
 void checkOrders(const QList<SonosSpeaker>& speakers, const QString& stream) {
     const auto groups = NetworkPlayerProtocol::playbackGroups(speakers);
     QSet<QString> played;
@@ -105,12 +112,12 @@ void checkOrders(const QList<SonosSpeaker>& speakers, const QString& stream) {
         const auto endpoint =
             group.leader.endpoint(group.leader.transportPath, QString::fromLatin1(ControlPath::transport));
         fuzz::require(endpoint.isValid() && !endpoint.host().isEmpty());
-        const auto request = soapRequest(endpoint, QStringLiteral("AVTransport:1"),
-                                         QStringLiteral("SetAVTransportURI"), setTransportUriBody(stream));
-        // No name and no address of a neighbour's making ends a header or an element.
-        for (const auto& [name, value] : request.headers)
-            fuzz::require(!name.contains('\n') && !value.contains('\n') && !value.contains('\r'));
-        fuzz::require(NetworkPlayerProtocol::xml(QString::fromUtf8(request.body)) != nullptr);
+        // The stream is ours, but the group that a follower joins has the name that a player gave itself.
+        for (const auto& uri : {stream, QStringLiteral("x-rincon:") + group.leader.id}) {
+            const auto request = soapRequest(endpoint, QStringLiteral("AVTransport:1"),
+                                             QStringLiteral("SetAVTransportURI"), setTransportUriBody(uri));
+            checkRequest(request);
+        }
     }
 }
 
@@ -136,6 +143,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (auto& speaker : speakers)
         place(speaker, members);
     checkRooms(NetworkPlayerProtocol::rooms(speakers), speakers);
-    checkOrders(speakers, QStringLiteral("x-rincon-mp3radio://") + input.text().remove(QChar::Null));
+    checkOrders(speakers,
+                QStringLiteral("x-rincon-mp3radio://zofra-mp3.streams.example/zofra.mp3?a=1&b=<2>"));
     return 0;
 }
