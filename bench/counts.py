@@ -18,6 +18,8 @@ from zofralab.desktop import ITEM, Menu
 from zofralab.process import wait_until
 
 SONGS = MENUS = 20
+#: Seconds for anything: the program runs fifty times slower than ever, perhaps on a crowded machine. No figure depends on it.
+PATIENCE = 600
 PLAYERS = 8
 OBJECT, INTERFACE = "/be/zofra/ZofraZofra", "be.zofra.ZofraZofra1"
 ALLOCATORS = ("malloc", "calloc", "realloc", "posix_memalign", "aligned_alloc")
@@ -27,7 +29,7 @@ NAMED = re.compile(r"\((\d+)\)(?: (.*))?")
 class PatientMenu(Menu):
     """A menu of a program that runs fifty times slower than ever."""
 
-    def call(self, method, signature, arguments, timeout=120.0):
+    def call(self, method, signature, arguments, timeout=PATIENCE):
         """One call, with time."""
         return super().call(method, signature, arguments, timeout)
 
@@ -49,7 +51,7 @@ class Counted:
         os.chmod(wrapper, os.stat(wrapper).st_mode | stat.S_IXUSR)
         self.radio.binary = wrapper
         self.radio.start(*self._options, headless=False, wait=False, **self._how)
-        self._stage.peer.wait_for_name(NAME, 120)
+        self._stage.peer.wait_for_name(NAME, PATIENCE)
         return self
 
     def __exit__(self, *error):
@@ -58,13 +60,13 @@ class Counted:
     def status(self):
         """What it says, asked by this process, for every second start would be counted as well."""
         import json  # pylint: disable=import-outside-toplevel
-        return json.loads(self._stage.peer.call(NAME, OBJECT, INTERFACE, "Status", timeout=120)[0])
+        return json.loads(self._stage.peer.call(NAME, OBJECT, INTERFACE, "Status", timeout=PATIENCE)[0])
 
     def title(self):
         """What the item shows."""
         owner = self._stage.peer.owner(NAME)
         return self._stage.peer.call(owner, "/StatusNotifierItem", "org.freedesktop.DBus.Properties", "Get", "(ss)",
-                                     (ITEM, "Title"), 120)[0]
+                                     (ITEM, "Title"), PATIENCE)[0]
 
     def menu(self):
         """Its menu, as a panel that draws it sees it."""
@@ -79,13 +81,13 @@ class Counted:
         for old in glob.glob(self._out + "*"):
             os.unlink(old)
         self._control("-d")
-        files = wait_until(lambda: glob.glob(self._out + ".*"), 60, "callgrind's figures", 0.1)
-        wait_until(lambda: "totals:" in _tail(files[0]), 60, "the end of callgrind's figures", 0.1)
+        files = wait_until(lambda: glob.glob(self._out + ".*"), PATIENCE, "callgrind's figures", 0.1)
+        wait_until(lambda: "totals:" in _tail(files[0]), PATIENCE, "the end of callgrind's figures", 0.1)
         return read(files[0])
 
     def _control(self, what):
         done = subprocess.run(["callgrind_control", what, str(self.radio.pid)], capture_output=True, text=True, check=False,
-                              timeout=120)
+                              timeout=PATIENCE)
         if done.returncode or "Error" in done.stdout + done.stderr:
             raise RuntimeError(f"callgrind_control: {done.stdout}{done.stderr}")
 
@@ -126,8 +128,8 @@ def shell(stage):
     """{what: figures} of a start, a song and a menu."""
     found = {}
     with stage.status_bar() as bar, Counted(stage) as radio:
-        item = bar.wait_for_item(60)
-        wait_until(lambda: "–" in radio.title(), 60, "the first song", 0.2)
+        item = bar.wait_for_item(PATIENCE)
+        wait_until(lambda: "–" in radio.title(), PATIENCE, "the first song", 0.2)
         settle()
         found["start"] = radio.taken()
         # What the item tells is waited for: questions would be counted with it, and never the same number of them.
@@ -136,7 +138,7 @@ def shell(stage):
         for index in range(SONGS):
             before = len(stage.peer.signals)
             stage.lab.livefeed.song(station="zofra", artist="Artist", title=f"Title {index:02}", next_title="Later")
-            wait_until(lambda before=before: any(one.name == "NewTitle" for one in stage.peer.signals[before:]), 60,
+            wait_until(lambda before=before: any(one.name == "NewTitle" for one in stage.peer.signals[before:]), PATIENCE,
                        "the song", 0.02)
         found["one song"] = _each(radio.taken(), SONGS)
         menu = radio.menu()
@@ -153,14 +155,14 @@ def search(stage, players=PLAYERS):
     with stage.status_bar() as bar, Counted(stage, discovery=True) as radio:
         stage.lab.household.others(mode="refused")
         stage.lab.household.scene(scene="many", count=players)
-        item = bar.wait_for_item(60)
-        wait_until(lambda: not radio.status()["scanning"], 120, "the first run", 0.5)
+        bar.wait_for_item(PATIENCE)
+        wait_until(lambda: not radio.status()["scanning"], PATIENCE, "the first run", 0.5)
         menu = radio.menu()
         settle()
         radio.zero()
         menu.choose("Audio Output (…", "🔄 Search for Sonos and Zofra devices")
-        wait_until(lambda: radio.status()["scanning"], 20, "a run", 0.01)
-        wait_until(lambda: not radio.status()["scanning"], 120, "its end", 0.5)
+        wait_until(lambda: radio.status()["scanning"], PATIENCE, "a run", 0.01)
+        wait_until(lambda: not radio.status()["scanning"], PATIENCE, "its end", 0.5)
         settle(1.0)
         taken = radio.taken()
         found = [room["title"] for room in radio.status()["rooms"]]
@@ -174,8 +176,8 @@ def menu_with(stage, rooms):
     with stage.status_bar() as bar, Counted(stage, discovery=True) as radio:
         stage.lab.household.others(mode="refused")
         stage.lab.household.scene(scene="many" if rooms else "empty", count=rooms)
-        item = bar.wait_for_item(60)
-        wait_until(lambda: not radio.status()["scanning"], 300, "the first run", 0.5)
+        bar.wait_for_item(PATIENCE)
+        wait_until(lambda: not radio.status()["scanning"], PATIENCE, "the first run", 0.5)
         if len(radio.status()["rooms"]) != rooms:
             raise RuntimeError(f"a search of {rooms} players showed {len(radio.status()['rooms'])}")
         menu = radio.menu()

@@ -31,7 +31,7 @@ def play(steps, binary, report=None, seconds=None):
     from judge import Judge, Violation  # pylint: disable=import-outside-toplevel
     from surroundings import Surroundings  # pylint: disable=import-outside-toplevel
     from zofralab.control import ControlError  # pylint: disable=import-outside-toplevel
-    violations, done = [], 0
+    violations, done, void = [], 0, 0
     until = time.monotonic() + seconds if seconds else None
     with Surroundings(binary) as around:
         faults, judge = Faults(around), Judge(around)
@@ -52,8 +52,11 @@ def play(steps, binary, report=None, seconds=None):
                     judge.after_fault()
                     done += 1
             except ControlError as error:
-                # The lab refuses what makes no sense beside an earlier fault: to pause what is off the air.
+                if step["fault"] == "health" or "RuntimeError" not in str(error):
+                    raise  # a lab that is gone or cannot be put right shows nothing
+                # It refuses what makes no sense beside an earlier fault: to pause what is off the air.
                 result = f"void: {error}"
+                void += 1
             except Exception as error:  # what a step throws is a finding as well: no answer, no name, no item
                 result = f"{type(error).__name__}: {error}"
                 violations.append({**step, "result": result})
@@ -66,6 +69,8 @@ def play(steps, binary, report=None, seconds=None):
                                          **({"held": judge.held[-1]} if step["fault"] == "health" and judge.held else {})}
                                         ) + "\n")
                 report.flush()
+        if void > (done + void) / 10:
+            raise RuntimeError(f"{void} faults of {done + void} could not be brought about")
         return done, violations, judge
 
 

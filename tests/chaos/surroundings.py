@@ -11,11 +11,11 @@ import time
 
 from radio import MEDIA_PLAYER, NAME, Radio
 from zofralab.bus import BusError, MockedLogind, Peer
+from zofralab.control import ControlError
 from zofralab.desktop import WATCHER, MediaPlayer, StatusBar, StatusItem
 from zofralab.display import Display
 from zofralab.household.systemlog import SystemLog
 from zofralab.lab import Lab
-from zofralab.process import wait_until
 from zofralab.session import Session
 from zofralab.sound import Ears
 
@@ -26,6 +26,14 @@ OBJECT = "/be/zofra/ZofraZofra"
 FAKETIME = next(iter(glob.glob("/usr/lib/*/faketime/libfaketimeMT.so.1") + glob.glob("/usr/lib*/faketime/libfaketimeMT.so.1")),
                 "libfaketimeMT.so.1")
 INTERFACE = "be.zofra.ZofraZofra1"
+
+
+def wait_for(condition, seconds):
+    """What a condition comes to be within that time, or its last value."""
+    until = time.monotonic() + seconds
+    while not (value := condition()) and time.monotonic() < until:
+        time.sleep(0.05)
+    return value
 
 
 class Surroundings:
@@ -84,13 +92,29 @@ class Surroundings:
         self.find()
 
     def find(self, timeout=30.0):
-        """Wait for it on the bus."""
-        self.peer.wait_for_name(NAME, timeout)
-        wait_until(self.answers, timeout, "the radio to answer", 0.05)
+        """Wait for it on the bus; seconds in which it got no processor do not count."""
+        began, owed = time.monotonic(), self.owed()
+
+        def there():
+            return self.peer.owner(NAME) and self.answers()
+        while not wait_for(there, 5):
+            if self.radio.process.poll() is not None:
+                raise RuntimeError(f"it has ended with {self.radio.process.returncode} before it was on the bus")
+            if time.monotonic() - began - max(0.0, self.owed() - owed) > timeout:
+                raise TimeoutError(f"it was not on the bus within {timeout:.0f} s")
         self.item = StatusItem(self.peer, self.peer.owner(NAME), "/StatusNotifierItem")
         with open(f"/proc/{self.radio.pid}/maps", encoding="utf-8") as file:
             if FAKETIME not in file.read():
                 raise RuntimeError(f"the program has no clock of its own: {FAKETIME} was not loaded")
+
+    def owed(self):
+        """Seconds in which its main thread was ready to run and got no processor."""
+        pid = self.radio.pid
+        try:
+            with open(f"/proc/{pid}/task/{pid}/schedstat", encoding="ascii") as file:
+                return int(file.read().split()[1]) / 1e9
+        except OSError:
+            return 0.0
 
     def answers(self):
         """Whether it answers at all just now."""
@@ -151,12 +175,22 @@ class Surroundings:
             shutil.rmtree(path)
         if self.peer.owner(WATCHER) is None:
             self.bar.appear()
-        self.lab.reset()
+        self._reset_lab()
         self.lab.household.others(mode="refused")
         for raw in STATIONS:
             self.new_song(raw)
         self.broken.clear()
         self.healthy_since = time.monotonic()
+
+    def _reset_lab(self, attempts=3):
+        """A server that was killed the moment before may not let go of its port at once; that is the lab's affair."""
+        for left in reversed(range(attempts)):
+            try:
+                return self.lab.reset()
+            except ControlError:
+                if not left:
+                    raise
+                time.sleep(1)
 
     def restart_sound(self):
         """The sound server, and the ears with it, from the beginning."""

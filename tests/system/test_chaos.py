@@ -75,7 +75,7 @@ class FakeRadio:
         """How many."""
         return self.figures["descriptors"]
 
-    def ask(self, *_):
+    def ask(self, *_, **__):
         """A command that went well."""
         self.returncode = 0
         return self
@@ -91,6 +91,11 @@ class Around:
         self.says = {"station": "joe", "playing": False, "buffering": False, "output": "here", "song": "Band joe – Song 1",
                      "scanning": False}
         self.late = 0.0
+
+    def owed(self):
+        """Seconds in which this thread was ready and did not run."""
+        with open(f"/proc/self/task/{os.getpid()}/schedstat", encoding="ascii") as file:
+            return int(file.read().split()[1]) / 1e9
 
     def status(self, _timeout):
         """What it says, after a while."""
@@ -138,6 +143,7 @@ def test_each_thing_that_does_not_hold_is_seen(around, what, seen):
 def test_a_busy_loop_is_seen(around, monkeypatch):
     judge = Judge(around)
     monkeypatch.setattr("judge.WORK", 0.1)
+    monkeypatch.setattr("judge.SHARE", 0.0)
     until = time.thread_time() + 0.5
     while time.thread_time() < until:
         pass
