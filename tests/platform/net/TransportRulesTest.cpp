@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What holds for requests and web sockets alike: whom to trust, which proxy to ask, which address to try.
+#include "platform/linux/net/HttpStream.h"
 #include "tests/platform/net/HttpHarness.h"
 #include "tests/platform/net/NamespaceRun.h"
 #include "tests/platform/net/SocketHarness.h"
 #include "tests/support/ScopedEnvironment.h"
 
+#include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryFile>
+
+#include <algorithm>
 
 namespace zofra::test {
 namespace {
@@ -89,6 +94,48 @@ TEST(TransportRules, AnExtraAuthorityThatCannotBeReadIsToldOnceForAll) {
     EXPECT_EQ(listener.error, reason);
     // Others of this process may have told it before.
     EXPECT_LE(QByteArray::fromStdString(testing::internal::GetCapturedStderr()).count(reason.toUtf8()), 1);
+}
+
+/// A server that tells of each connection whether its TLS session was a new one.
+class SessionServer {
+public:
+    explicit SessionServer(const TlsIdentity& identity) {
+        m_process.start(u"openssl"_qs, {u"s_server"_qs, u"-accept"_qs, u"127.0.0.1:0"_qs, u"-www"_qs,
+                                        u"-cert"_qs, identity.certificateFile, u"-key"_qs, identity.keyFile});
+        while (m_port.isEmpty() && m_process.waitForReadyRead(20'000)) {
+            m_output += m_process.readAllStandardOutput();
+            static const QRegularExpression port(u"ACCEPT 127\\.0\\.0\\.1:(\\d+)\\n"_qs);
+            m_port = port.match(QString::fromLatin1(m_output)).captured(1);
+        }
+    }
+    ~SessionServer() {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+    [[nodiscard]] QString url() const { return u"https://127.0.0.1:%1/"_qs.arg(m_port); }
+
+private:
+    QProcess m_process;
+    QByteArray m_output;
+    QString m_port;
+};
+
+TEST(TransportRules, AServerThatIsMetAgainNeedsNoSecondFullHandshake) {
+    TestAuthority authority;
+    const SessionServer server(authority.identityFor(u"IP:127.0.0.1"_qs));
+    CurlHttpSession session(authority.certificateFile());
+    const auto first = fetch(session, server.url());
+    ASSERT_TRUE(first.response) << first.error->localizedDescription.toStdString();
+    EXPECT_TRUE(first.response->body.contains("\nNew, TLS"));
+    const auto second = fetch(session, server.url());
+    ASSERT_TRUE(second.response);
+    EXPECT_TRUE(second.response->body.contains("\nReused, TLS"));
+    // Streams share them.
+    HttpStream stream(server.url().toUtf8(),
+                      {.authorities = HttpStream::authorities(authority.certificateFile())});
+    QByteArray page(100'000, 0);
+    const auto size = stream.read(page.data(), 100'000);
+    EXPECT_TRUE(page.first(std::max<qsizetype>(0, size)).contains("\nReused, TLS"));
 }
 
 TEST(InNamespace, DISABLED_SilentAddressesFirst) {
