@@ -70,7 +70,8 @@ void AppDelegate::installStatusItem() {
     m_statusItem->menuProvider = [this] { return contextMenu(); };
     m_statusItem->onScroll = [this](int steps) { scrollVolume(steps); };
     m_statusItem->onSecondaryActivate = [this] { showAboutWindow(); };
-    m_statusItem->onUnavailable = [this] { showAboutWindow(); };
+    m_statusItem->onUnavailable = [this] { onMainQueue([this] { openAboutWindow(Asked::byNobody); })(); };
+    m_statusItem->onAvailable = [this] { withdrawAboutWindow(); };
     if (StatusItemButton* button = m_statusItem->button()) {
         button->setAction([this](std::optional<ButtonEvent> event) { statusBarButtonClicked(event); });
         button->sendActionOn(static_cast<unsigned>(ButtonEvent::leftMouseUp) |
@@ -192,10 +193,13 @@ void AppDelegate::scrollVolume(int steps) {
 }
 
 void AppDelegate::showAboutWindow() {
-    onMainQueue([this] { openAboutWindow(); })();
+    onMainQueue([this] { openAboutWindow(Asked::byPerson); })();
 }
 
-void AppDelegate::openAboutWindow() {
+void AppDelegate::openAboutWindow(Asked asked) {
+    if (m_aboutWindow && asked == Asked::byNobody)
+        return;
+    m_isAboutWindowWanted = asked == Asked::byPerson;
     if (m_aboutWindow) {
         m_aboutWindow->makeKeyAndOrderFront();
         m_environment.application.activate(Application::Others::ignore);
@@ -212,8 +216,17 @@ void AppDelegate::openAboutWindow() {
     window->onWillClose = m_lifetime.guard([this](const PopupWindow& closing) { windowWillClose(closing); });
     window->center();
     m_aboutWindow = std::move(window);
+    if (asked == Asked::byNobody) {
+        m_aboutWindow->orderFront();
+        return;
+    }
     m_environment.application.activate(Application::Others::ignore);
     m_aboutWindow->makeKeyAndOrderFront();
+}
+
+void AppDelegate::withdrawAboutWindow() {
+    if (m_aboutWindow && !m_isAboutWindowWanted && !m_aboutWindow->wasUsed())
+        closeAboutWindow();
 }
 
 void AppDelegate::closeAboutWindow() {

@@ -113,7 +113,10 @@ private:
     void installCallbacks();
     /// Wraps `work` so that it runs on the main queue, later, and only while this delegate lives.
     [[nodiscard]] std::function<void()> onMainQueue(std::function<void()> work);
-    void openAboutWindow();
+    enum class Asked { byPerson, byNobody };
+    void openAboutWindow(Asked asked);
+    /// The status bar is there after all: takes back a window that nobody asked for or turned to.
+    void withdrawAboutWindow();
     void closeAboutWindow();
     void forgetAboutWindow();
     [[nodiscard]] StatusMenuActions menuActions();
@@ -127,6 +130,7 @@ private:
     RadioPlayer& m_player;
     SonosManager& m_sonos;
     std::unique_ptr<PopupWindow> m_aboutWindow;
+    bool m_isAboutWindowWanted = false;
     LanguageManager& m_languages;
     QString m_currentSongText;
     std::optional<QString> m_nextSongText;

@@ -73,12 +73,8 @@ public:
     StatusBar& statusBar() override { return m_statusBar; }
     PopupWindowFactory& windows() override { return *this; }
     void setActivationToken(const QByteArray& token) override {
-        if (token.isEmpty())
-            return;
-        panel().factory.setActivationToken(token);
-        // Else the pointer is busy until the desktop gives up, for windows here come without its knowledge.
-        if (const auto server = XServer::ofToolkit())
-            server->endStartup(QString::fromUtf8(token));
+        if (!token.isEmpty())
+            panel().factory.setActivationToken(token);
     }
     void hideEverything() override { QApplication::closeAllWindows(); }
     IdleSteps preparation(const PopupPanelContent& content, const Menu& menu) override {
@@ -102,6 +98,13 @@ private:
         return *m_panel;
     }
 
+    void clickAnnounced(const QByteArray& token) {
+        setActivationToken(token);
+        // Else the pointer is busy until the desktop gives up: what it takes for a start need not end in a window.
+        if (const auto server = XServer::ofToolkit())
+            server->endStartup(QString::fromUtf8(token));
+    }
+
     TrayStatusItem::Environment itemEnvironment() {
         const QString setting =
             m_environment.defaults.string(QStringLiteral("tray/mode")).value_or(QString());
@@ -111,7 +114,7 @@ private:
                 traySessionFromEnvironment(QGuiApplication::platformName(), setting),
                 icontheme::unusualFolder(),
                 m_environment.itemChanged,
-                [this](const QByteArray& token) { setActivationToken(token); }};
+                [this](const QByteArray& token) { clickAnnounced(token); }};
     }
 
     Environment m_environment;

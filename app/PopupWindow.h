@@ -44,6 +44,10 @@ public:
     virtual void center() = 0;
     /// Shows the window, brings it to front and gives it the keyboard.
     virtual void makeKeyAndOrderFront() = 0;
+    /// Shows the window and leaves the keyboard where it is: nobody has asked for it.
+    virtual void orderFront() = 0;
+    /// Whether a person has turned to it since it was shown.
+    [[nodiscard]] virtual bool wasUsed() const = 0;
     /// Closes the window; tells `onWillClose`.
     virtual void close() = 0;
 

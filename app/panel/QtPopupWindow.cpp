@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/QtPopupWindow.h"
 
+#include "app/RadioControls.h"
+
 #include <QAccessible>
 #include <QAccessibleWidget>
 #include <QCloseEvent>
@@ -8,6 +10,7 @@
 #include <QGuiApplication>
 #include <QPointer>
 #include <QScreen>
+#include <QShortcut>
 #include <QVBoxLayout>
 #include <QWindow>
 
@@ -23,6 +26,9 @@ public:
     HostWindow(PopupPanelContent content, const PanelEnvironment& environment) {
         // The program lives in the status bar, whether or not this window is open.
         setAttribute(Qt::WA_QuitOnClose, false);
+        // Where there is no tray, this window is all there is of the program.
+        auto* quit = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q), this);
+        connect(quit, &QShortcut::activated, this, [&controls = content.controls] { controls.quit(); });
         auto* rows = new QVBoxLayout(this);
         rows->setContentsMargins(0, 0, 0, 0);
         rows->setSizeConstraint(QLayout::SetFixedSize);
@@ -31,8 +37,13 @@ public:
     }
 
     std::function<void()> onClosed;
+    bool wasUsed = false;
 
 protected:
+    bool event(QEvent* event) override {
+        wasUsed = wasUsed || event->type() == QEvent::WindowActivate;
+        return QWidget::event(event);
+    }
     void closeEvent(QCloseEvent* event) override {
         event->accept();
         if (onClosed)
@@ -94,6 +105,14 @@ public:
             qputenv("XDG_ACTIVATION_TOKEN", token);
         m_host->activateWindow();
     }
+
+    void orderFront() override {
+        m_host->setAttribute(Qt::WA_ShowWithoutActivating);
+        m_host->show();
+        m_host->setAttribute(Qt::WA_ShowWithoutActivating, false);
+    }
+
+    bool wasUsed() const override { return m_host->wasUsed; }
 
     void close() override { m_host->close(); }
 

@@ -207,7 +207,8 @@ bool ExportedObject::isFlooded(const QString& caller) {
     // It ends when all that had arrived has been seen.
     if (!m_endOfTurn.isActive())
         m_endOfTurn.start(0, this);
-    return ++m_calls > mostCalls || ++m_callsBy[caller] > mostCallsOfOne;
+    // What is refused to one does not count against the others.
+    return ++m_callsBy[caller] > mostCallsOfOne || ++m_calls > mostCalls;
 }
 
 void ExportedObject::timerEvent(QTimerEvent*) {

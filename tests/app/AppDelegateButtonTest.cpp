@@ -126,5 +126,43 @@ TEST_F(AppDelegateButton, TheItemAsksForTheMenuAndOpensTheWindowByOtherWaysToo) 
     EXPECT_EQ(windows.made, 2);
 }
 
+TEST_F(AppDelegateButton, AWindowThatNobodyAskedForLeavesTheKeyboardAndGoesWhenTheStatusBarComes) {
+    launch();
+    record.clear();
+    item().onUnavailable();
+    queue.drain();
+    EXPECT_TRUE(record.contains(u"window front without keyboard"_qs));
+    EXPECT_FALSE(record.contains(u"window front"_qs));
+    item().onAvailable();
+    queue.drain();
+    EXPECT_TRUE(record.contains(u"window close"_qs));
+    EXPECT_EQ(delegate->aboutWindow(), nullptr);
+}
+
+TEST_F(AppDelegateButton, AWindowThatAPersonTurnedToStays) {
+    launch();
+    item().onUnavailable();
+    queue.drain();
+    windows.last->used = true;
+    item().onAvailable();
+    queue.drain();
+    EXPECT_NE(delegate->aboutWindow(), nullptr);
+    windows.last->closeByButton();
+    queue.drain();
+    item().onUnavailable();
+    queue.drain();
+    delegate->showAboutWindow();
+    queue.drain();
+    item().onAvailable();
+    queue.drain();
+    EXPECT_NE(delegate->aboutWindow(), nullptr) << "asked for meanwhile";
+    delegate->showAboutWindow();
+    item().onUnavailable();
+    queue.drain();
+    item().onAvailable();
+    queue.drain();
+    EXPECT_NE(delegate->aboutWindow(), nullptr) << "it had been asked for before";
+}
+
 } // namespace
 } // namespace zofra::test

@@ -73,6 +73,8 @@ public:
     }
     void center() override { m_record << QStringLiteral("window center"); }
     void makeKeyAndOrderFront() override { m_record << QStringLiteral("window front"); }
+    void orderFront() override { m_record << QStringLiteral("window front without keyboard"); }
+    [[nodiscard]] bool wasUsed() const override { return used; }
     void close() override {
         m_record << QStringLiteral("window close");
         closeByButton();
@@ -84,6 +86,7 @@ public:
     }
 
     PopupPanelContent content;
+    bool used = false;
 
 private:
     QStringList& m_record;

@@ -15,16 +15,19 @@ struct PanelTraits {
     bool passesClicksOn;
     TrayIconKind icon;
     TrayWheel wheel;
+    StatusNotifierObject::ToolTipText toolTip = StatusNotifierObject::ToolTipText::plain;
 };
 
+using Text = StatusNotifierObject::ToolTipText;
 constexpr TrayWheel upwards{true, 1};
 constexpr TrayWheel downwards{false, 1};
 constexpr PanelTraits knownPanels[] = {
     // Given a name that its theme lacks, it shows nothing, whatever pictures there are beside the name.
     {"lxqt-panel", true, TrayIconKind::pixmaps, upwards},
     {"plasmashell", true, TrayIconKind::symbolic, upwards},
-    {"mate-panel", true, TrayIconKind::coloured, upwards},
-    {"notification-ar", true, TrayIconKind::coloured, upwards},
+    // Nor does this one, which also reads tool tips as markup.
+    {"mate-panel", true, TrayIconKind::pixmaps, upwards, Text::markup},
+    {"notification-ar", true, TrayIconKind::pixmaps, upwards, Text::markup},
     {"xapp-sn-watcher", true, TrayIconKind::symbolic, downwards},
     {"xfce4-panel", false, TrayIconKind::symbolic, upwards},
     {"wrapper-2.0", false, TrayIconKind::symbolic, upwards},
@@ -32,7 +35,7 @@ constexpr PanelTraits knownPanels[] = {
     {"ayatana-indicat", false, TrayIconKind::symbolic, downwards},
     {"indicator-appli", false, TrayIconKind::symbolic, downwards},
     // It tells of a notch as such and once more as of a smooth turn.
-    {"waybar", false, TrayIconKind::coloured, {false, 2}},
+    {"waybar", false, TrayIconKind::coloured, {false, 2}, Text::markup},
 };
 /// Of a panel that is not known: what can be seen on any of them.
 constexpr PanelTraits unknownPanel{"", false, TrayIconKind::coloured, upwards};
@@ -77,8 +80,7 @@ TrayWheel trayWheel(const TraySession& session) {
 }
 
 StatusNotifierObject::ToolTipText trayToolTipText(const TraySession& session) {
-    using Text = StatusNotifierObject::ToolTipText;
-    return session.panelProgram == QLatin1String("waybar") ? Text::markup : Text::plain;
+    return traitsOf(session).toolTip;
 }
 
 TraySession traySessionFromEnvironment(const QString& platformName, const QString& setting) {

@@ -54,21 +54,22 @@ TEST(TrayMode, TheSettingOverrules) {
     EXPECT_EQ(trayMode(session(Windows::x11, u"lxqt-panel"_qs, {}, u"Nonsense"_qs)), Mode::direct);
 }
 
-TEST(TrayMode, OnlyOnePanelReadsToolTipsAsMarkup) {
-    EXPECT_EQ(trayToolTipText(session(Windows::wayland, u"waybar"_qs)),
-              StatusNotifierObject::ToolTipText::markup);
+TEST(TrayMode, SomePanelsReadToolTipsAsMarkup) {
+    for (const QString& program : {u"waybar"_qs, u"notification-ar"_qs})
+        EXPECT_EQ(trayToolTipText(session(Windows::x11, program)), StatusNotifierObject::ToolTipText::markup);
     EXPECT_EQ(trayToolTipText(session(Windows::wayland, u"plasmashell"_qs)),
               StatusNotifierObject::ToolTipText::plain);
 }
 
 TEST(TrayMode, OnlyPanelsThatColourIconsThemselvesGetOnesWithoutColours) {
-    EXPECT_EQ(trayIconKind(session(Windows::x11, u"lxqt-panel"_qs)), TrayIconKind::pixmaps)
-        << "it shows nothing for an unknown name";
+    for (const QString& program : {u"lxqt-panel"_qs, u"notification-ar"_qs})
+        EXPECT_EQ(trayIconKind(session(Windows::x11, program)), TrayIconKind::pixmaps)
+            << "they show nothing for an unknown name";
     for (const QString& program :
          {u"plasmashell"_qs, u"xfce4-panel"_qs, u"gnome-shell"_qs, u"xapp-sn-watcher"_qs})
         EXPECT_EQ(trayIconKind(session(Windows::x11, program)), TrayIconKind::symbolic)
             << program.toStdString();
-    for (const QString& program : {u"waybar"_qs, u"mate-panel"_qs, u"python3"_qs, QString()})
+    for (const QString& program : {u"waybar"_qs, u"python3"_qs, QString()})
         EXPECT_EQ(trayIconKind(session(Windows::x11, program)), TrayIconKind::coloured)
             << program.toStdString();
     EXPECT_EQ(trayIconKind(session(Windows::wayland, u"kded5"_qs, u"KDE"_qs)), TrayIconKind::symbolic);
