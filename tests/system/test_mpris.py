@@ -1,8 +1,10 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Media keys and media displays: org.mpris.MediaPlayer2, driven by playerctl and by hand."""
 
+import os
 import subprocess
 import time
+from urllib.parse import unquote
 
 import pytest
 from radio import MEDIA_PLAYER
@@ -108,8 +110,40 @@ def test_what_it_is_and_can(radio, bus):
     assert root["HasTrackList"] is False
     player = bus.get_all(MEDIA_PLAYER, MediaPlayer.PATH, "org.mpris.MediaPlayer2.Player")
     assert (player["CanPlay"], player["CanPause"], player["CanControl"]) == (True, True, True)
-    assert (player["CanGoNext"], player["CanGoPrevious"], player["CanSeek"]) == (False, False, False)
+    assert (player["CanGoNext"], player["CanGoPrevious"], player["CanSeek"]) == (True, True, False)
     assert player["Rate"] == player["MinimumRate"] == player["MaximumRate"] == 1.0
+
+
+def test_next_and_previous_change_the_station_and_go_round(radio, playerctl):
+    radio.start()
+    playerctl("next")
+    radio.wait_status(station="qmusic", playing=False)
+    playerctl("previous")
+    radio.wait_status(station="zofra")
+    playerctl("previous")
+    radio.wait_status(station="sud_radio_hainaut", playing=False)
+
+
+def test_the_album_is_the_station_and_the_picture_is_the_programs(radio, bus, lab):
+    radio.start()
+    player = radio.media_player(bus)
+    lab.livefeed.song(station="zofra", artist="Mira Voss", title="Regen")
+    wait_until(lambda: player.metadata.get("xesam:title") == "Mira Voss – Regen", 10, "the song")
+    assert player.metadata["xesam:album"] == "Zofra"
+    picture = player.metadata["mpris:artUrl"]
+    assert picture.startswith("file:///") and os.path.exists(unquote(picture.removeprefix("file://")))
+
+
+def test_the_stations_are_playlists(radio, bus, ears):
+    radio.start()
+    bus.wait_for_name(MEDIA_PLAYER)
+    lists = (MEDIA_PLAYER, MediaPlayer.PATH, "org.mpris.MediaPlayer2.Playlists")
+    found = bus.call(*lists, "GetPlaylists", "(uusb)", (0, 100, "UserDefined", False))[0]
+    assert [name for _, name, _ in found][:3] == ["Zofra", "Qmusic", "JOE"] and len(found) == 9
+    assert bus.get_all(*lists)["ActivePlaylist"][1][1] == "Zofra"
+    bus.call(*lists, "ActivatePlaylist", "(o)", (found[2][0],))
+    radio.wait_status(station="joe", playing=True)
+    ears.wait_for(("joe", "aac"), 15)
 
 
 def test_quit_over_the_bus_ends_it(radio, bus):

@@ -26,11 +26,39 @@ def late_panel(request, screen):
     panel.stop(screen)
 
 
+def unasked(screen):
+    """The window that stands in where there is no tray."""
+    return screen.wait_for_window(PROGRAM, "Zofra Zofra")
+
+
+def test_a_window_that_a_person_turned_to_stays(radio, screen, late_panel):
+    radio.start(headless=False)
+    window = unasked(screen)
+    radio.ask()
+    popup(screen)
+    late_panel.start(screen)
+    radio.wait_status(tray="direct", timeout=30)
+    wait_until(lambda: screen.picture(CORNER).drawn() > 0.1, 30, "the item", 0.1)
+    assert [w.identity for w in screen.windows(PROGRAM, "Zofra Zofra")] == [window.identity]
+
+
+def test_the_window_ends_the_program_by_its_key(radio, screen):
+    radio.start(headless=False)
+    unasked(screen)
+    radio.ask()
+    popup(screen)
+    screen.key("ctrl+q")
+    assert radio.wait_end(30) == 0
+
+
 def test_without_a_tray_the_panel_is_an_ordinary_window(radio, screen):
     radio.start(headless=False)
     assert radio.status()["tray"] == "none" and screen.windows(PROGRAM) == [], "a panel may still come"
-    window = popup(screen)
+    window = unasked(screen)
     assert radio.status()["tray"] == "window"
+    assert screen.server.active_window() != window.identity, "nobody has asked for it"
+    radio.ask()
+    assert popup(screen).identity == window.identity
     screen.key("Escape")
     wait_until(lambda: not screen.windows(PROGRAM), 30, "the panel to close", 0.05)
     done = radio.ask()
@@ -46,7 +74,7 @@ def test_without_a_tray_the_panel_is_an_ordinary_window(radio, screen):
 
 def test_a_second_start_brings_the_panel_before_other_windows(radio, screen):
     radio.start(headless=False)
-    window = popup(screen)
+    window = unasked(screen)
     process = screen.spawn("xev", "-geometry", "200x200+20+20")
     other = screen.wait_for_window(title="Event Tester")
     screen.click((100, 100))
@@ -75,21 +103,23 @@ def test_whoever_started_it_is_told_that_it_is_up(radio, screen):
 @pytest.mark.parametrize("late_panel", [Trayer], indirect=True, ids=["trayer"])
 def test_an_old_tray_that_comes_late_gets_the_icon(radio, screen, late_panel):
     radio.start(headless=False)
-    popup(screen)
+    unasked(screen)
     assert radio.status()["tray"] == "window"
     late_panel.start(screen)
     radio.wait_status(tray="xembed", timeout=30)
+    wait_until(lambda: not screen.windows(PROGRAM, "Zofra Zofra"), 30, "the window to be withdrawn", 0.05)
     wait_until(lambda: screen.picture(CORNER).drawn() > 0.1, 30, "the icon", 0.1)
 
 
 @pytest.mark.slow
 def test_a_panel_ten_seconds_late_and_a_new_bus_get_the_item(radio, screen, late_panel, session):
     radio.start(headless=False)
-    popup(screen)
+    unasked(screen)
     wait_until(lambda: time.monotonic() - radio.started_at > 10, 30, "ten seconds", 0.1)
     late_panel.start(screen)
     radio.wait_status(tray="direct", timeout=30)
     wait_until(lambda: screen.picture(CORNER).drawn() > 0.1, 30, "the item", 0.1)
+    wait_until(lambda: not screen.windows(PROGRAM, "Zofra Zofra"), 30, "the window to be withdrawn", 0.05)
     late_panel.stop(screen)
     radio.wait_status(tray="none", timeout=30)
     session.session_bus.stop()

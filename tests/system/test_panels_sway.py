@@ -98,12 +98,14 @@ def test_the_panels_menus_are_no_windows(item, screen, reader):
     assert [w["id"] for w in screen.windows()] == [window["id"]]
 
 
-def test_the_wheel_changes_the_volume(item, screen):
+def test_one_notch_of_the_wheel_is_one_step(item, screen):
+    item.radio.wait_status(volume=pytest.approx(0.8), timeout=30)
     screen.click(item.box.centre, 5)
-    wait_until(lambda: item.radio.status()["volume"] < 0.8, 30, "less volume", 0.1)
-    lower = item.radio.status()["volume"]
+    item.radio.wait_status(volume=pytest.approx(0.75), timeout=30)
+    screen.click(item.box.centre, 5)
+    item.radio.wait_status(volume=pytest.approx(0.7), timeout=30)
     screen.click(item.box.centre, 4)
-    wait_until(lambda: item.radio.status()["volume"] > lower, 30, "more volume", 0.1)
+    item.radio.wait_status(volume=pytest.approx(0.75), timeout=30)
 
 
 def test_the_item_returns_with_a_bar_that_was_started_anew(item, screen, empty):

@@ -1,5 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A tray of the old kind, which the program takes when nobody on the bus has shown its item for five seconds."""
+"""A tray of the old kind, which the program takes when nobody on the bus watches over items."""
+
+import time
 
 import pytest
 from panels_support import Item, display, popup, radio, screen, session  # noqa: F401
@@ -64,6 +66,15 @@ def test_the_icon_is_shown_and_both_clicks_work(item, screen):
     wait_until(lambda: not screen.windows(PROGRAM, "Zofra Zofra"), 30, "the panel to close", 0.05)
     item.click(2)
     assert popup(screen).identity != window.identity, "by the middle button, too"
+
+
+def test_the_icon_is_there_at_once(radio, screen, empty):
+    screen.wait_for_no_item(empty)
+    radio.start(headless=False)
+    ready = time.monotonic()
+    radio.wait_status(tray="xembed", timeout=30)
+    assert time.monotonic() - ready < 3, "nobody is waited for who is not there"
+    screen.wait_for_item(empty)
 
 
 def test_a_panel_that_comes_later_takes_over(item, screen, empty, bus):

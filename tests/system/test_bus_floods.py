@@ -1,0 +1,108 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Another program of the same person calls without end, or with more than anybody needs: everybody else is still
+answered, and nothing grows."""
+
+import threading
+import time
+
+import pytest
+from bus_flood import Flood, message
+from gi.repository import GLib
+from radio import MEDIA_PLAYER, NAME
+from zofralab.bus import BusError
+from zofralab.process import wait_until
+
+ITEM = ("/StatusNotifierItem", "org.kde.StatusNotifierItem")
+MENU = ("/MenuBar", "com.canonical.dbusmenu")
+APPLICATION = ("/be/zofra/ZofraZofra", "be.zofra.ZofraZofra1")
+PLAYER = ("/org/mpris/MediaPlayer2", "org.mpris.MediaPlayer2.Player")
+LIMITS = "org.freedesktop.DBus.Error.LimitsExceeded"
+
+
+@pytest.fixture
+def running(radio, status_bar, bus):
+    """The program with a panel; also its unique name."""
+    radio.start(headless=False)
+    status_bar.wait_for_item(20)
+    radio.wait_status(tray="hostmenu")
+    return radio, bus.owner(NAME)
+
+
+def answered_within(bus, limit):
+    """How long the program takes to tell its state."""
+    asked = time.monotonic()
+    bus.call(NAME, *APPLICATION, "Status", timeout=limit)
+    return time.monotonic() - asked
+
+
+@pytest.mark.parametrize("place, method, body", [
+    (MENU, "AboutToShow", GLib.Variant("(i)", (0,))),
+    (MENU, "GetLayout", GLib.Variant("(iias)", (0, -1, []))),
+    (ITEM, "Scroll", GLib.Variant("(is)", (120, "vertical"))),
+    (ITEM, "ContextMenu", GLib.Variant("(ii)", (1, 1))),
+    (APPLICATION, "Status", None),
+    (APPLICATION, "Run", GLib.Variant("(a{sv})", ({"play": GLib.Variant("b", True)},))),
+    (PLAYER, "PlayPause", None),
+], ids=lambda value: value if isinstance(value, str) else "")
+def test_others_are_answered_while_one_calls_without_end(running, session, bus, place, method, body):
+    radio, name = running
+    bus.wait_for_name(MEDIA_PLAYER)
+    before = radio.memory()
+    call = message(name, *place, method, body, wants_answer=False)
+    with Flood(session.session_bus.socket, call) as flood:
+        wait_until(lambda: flood.sent > 10000, 20, "the flood")
+        slowest = max(answered_within(bus, 20) for _ in range(20))
+        wait_until(lambda: flood.sent > 40000, 20, "more of the flood")
+        slowest = max(slowest, answered_within(bus, 20))
+    # Without limits it is twenty, and more for each second of the flood.
+    assert slowest < 5, f"{slowest:.1f} s"
+    assert answered_within(bus, 20) < 5, "afterwards"
+    assert radio.memory() - before < 20000, f"{before} kB before, {radio.memory()} kB after"
+
+
+def test_the_answer_to_a_flood_is_an_error(running, bus):
+    _, name = running
+    answers = []
+    done = threading.Event()
+    count = 3000
+
+    def arrived(connection, result):
+        try:
+            connection.call_finish(result)
+            answers.append("")
+        except GLib.Error as error:
+            answers.append(BusError(error).name)
+        if len(answers) == count:
+            done.set()
+    for _ in range(count):
+        bus.connection.call(name, *MENU, "GetLayout", GLib.Variant("(iias)", (0, -1, [])), None, 0, 30000, None, arrived)
+    assert done.wait(30)
+    assert set(answers) == {"", LIMITS}
+    assert bus.call(name, *MENU, "AboutToShow", "(i)", (0,)) is not None
+
+
+@pytest.mark.parametrize("method, signature, arguments", [
+    ("GetGroupProperties", "(aias)", ([1] * 4096, [""] * 1_000_000)),
+    ("GetLayout", "(iias)", (0, -1, [""] * 2_000_000)),
+    ("AboutToShowGroup", "(ai)", ([1] * 4_000_000,)),
+    ("EventGroup", "(a(isvu))", ([(1, "clicked", GLib.Variant("i", 0), 0)] * 4096,)),
+])
+def test_calls_that_carry_too_much_are_refused_at_once(running, bus, method, signature, arguments):
+    _, name = running
+    outcome = []
+
+    def call():
+        try:
+            bus.call(name, *MENU, method, signature, arguments, timeout=60)
+            outcome.append("answered")
+        except BusError as error:
+            outcome.append(error.name)
+    caller = threading.Thread(target=call)
+    caller.start()
+    slowest = 0.0
+    while caller.is_alive():
+        slowest = max(slowest, answered_within(bus, 60))
+        time.sleep(0.02)
+    caller.join()
+    assert outcome == [LIMITS]
+    assert slowest < 5, f"{slowest:.1f} s"
