@@ -264,7 +264,7 @@ def test_settings_that_cannot_be_written(users_doctor, plain_user, file_mode, fo
 
 def test_a_folder_in_the_place_of_the_settings(doctor, radio, status_bar):
     os.makedirs(radio.settings_path)
-    doctor.diagnose().assert_problem("settings", "cannot be read", "no file")
+    doctor.diagnose().assert_problem("settings", "cannot be read", "Is a directory")
 
 
 @pytest.mark.parametrize("content, words", [(b"\0\1\2\xff blob\n", "damaged"),
