@@ -153,8 +153,9 @@ class FaultServer:
             back_writer.close()
         what = self._options.get("what", "nonsense")
         if what != "nonsense":
-            frame = {"text": b"TXXX", "picture": b"APIC", "unknown": b"XYZW"}[what]
-            writer.write(b"ID3\x04\0\0" + b"\x7f" * 4 + frame + b"\x7f\x7f\x7f\x75\0\0")
+            frame, begin = {"text": (b"TXXX", b"\x03"), "picture": (b"APIC", b"\0image/png\0\x03\0"),
+                            "unknown": (b"XYZW", b"")}[what]
+            writer.write(b"ID3\x04\0\0" + b"\x7f" * 4 + frame + b"\x7f\x7f\x7f\x75\0\0" + begin)
         while True:
             writer.write(b"x" * 65536)
             await writer.drain()

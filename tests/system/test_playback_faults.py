@@ -164,7 +164,7 @@ def test_a_flood_that_is_no_sound_costs_no_memory_and_is_left_for_the_fallback(r
     radio.wait_line(FALLBACK, 30)
     ears.wait_for(MP3, 15, radio.started_at)
     received = max(c["sent"] for c in lab.icecast.connections(station="zofra", codec="aac"))
-    assert received < 8_000_000 + played, "what was read ahead"
+    assert received < 16_000_000, "what was read ahead, and what the network holds"
     # Below what any stream makes mpv take for a moment, and far below what the flood made it take.
     assert radio.peak_memory() < 100_000
 

@@ -32,9 +32,9 @@ MpvStreamPlayerFactory::MpvStreamPlayerFactory(MainQueue& mainQueue, SystemLog& 
         OwnEnvironment::set("PIPEWIRE_DEBUG", "0");
     // mpv gives the sound server one name for program and icon. The icon's is given to mpv, the program's
     // here.
-    OwnEnvironment::set("PULSE_PROP",
+    OwnEnvironment::set("PULSE_PROP_OVERRIDE",
                         "application.name='Zofra Zofra' application.icon_name=be.zofra.ZofraZofra " +
-                            qgetenv("PULSE_PROP"));
+                            qgetenv("PULSE_PROP_OVERRIDE"));
     MpvHandle::Recipe recipe;
     recipe.libraryFile = configuration.libraryFile;
     recipe.streams =

@@ -46,12 +46,20 @@ void StreamSource::expect(const QUrl& url) {
 
 void StreamSource::prepare() {
     const auto& prepared = settings();
-    std::shared_ptr<OpenStream> stream;
+    QByteArray url;
     {
         const std::scoped_lock lock(m_mutex);
-        if (m_expected.isEmpty())
+        url = m_expected;
+    }
+    if (url.isEmpty())
+        return;
+    // Not under the lock, for which the main thread never waits long.
+    const auto stream = std::make_shared<OpenStream>(url, prepared);
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (m_expected != url)
             return;
-        stream = std::make_shared<OpenStream>(std::exchange(m_expected, {}), prepared);
+        m_expected.clear();
         m_prepared = stream;
     }
     stream->prepare();
