@@ -82,7 +82,8 @@ public:
     virtual ~HttpSession() = default;
 
     /// Starts a request and returns at once. Callable from any thread. `completion` is called exactly once,
-    /// on the session's own thread, unless the session ends first; it must not block.
+    /// on the session's own thread (on the main one where no thread is to be had), never in place, unless the
+    /// session ends first; it must not block.
     virtual void start(HttpRequest request, Completion completion) = 0;
 };
 

@@ -40,6 +40,7 @@ public:
     void post(Work work);
     /// Kept connections and looked-up addresses are used no more. Any thread.
     void dropKept() { m_keptSince = std::chrono::steady_clock::now(); }
+    [[nodiscard]] std::chrono::steady_clock::time_point keptSince() const { return m_keptSince; }
     /// After this no completion is called. Any thread, also from within a completion.
     void stop();
 

@@ -75,6 +75,7 @@ void WebSocketConnection::open(CurlWorker& worker) {
     m_handle.emplace(url, worker.authorities());
     if (const auto& refusal = m_handle->refusal())
         return fail(*refusal);
+    m_handle->avoidOlderThan(worker.keptSince());
     m_handle->set(CURLOPT_CONNECT_ONLY, 1L);
     // Through a proxy even where it would forward a plain request.
     m_handle->set(CURLOPT_HTTPPROXYTUNNEL, 1L);
