@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/CommandRunner.h"
 
+#include "stations/texts/CommandTexts.h"
+
 #include <utility>
 
 namespace zofra {
@@ -19,8 +21,8 @@ bool namesRoom(const Options& options) {
     return options.output && !isHere(options) && !isEverywhere(options);
 }
 
-QString unknownRoom(const Options& options) {
-    return QStringLiteral("--output: there is no room \"%1\"").arg(options.output.value_or(QString()));
+QString unknownRoom(const Options& options, AppLanguage language) {
+    return texts::command::noSuchRoom.in(language, options.output.value_or(QString()));
 }
 
 } // namespace
@@ -31,13 +33,13 @@ CommandRunner::CommandRunner(const Environment& environment)
 std::optional<QString> CommandRunner::run(const Options& options) {
     const auto firstStartOnly = options.firstStartOnly();
     if (!firstStartOnly.isEmpty())
-        return QStringLiteral("%1 can only be given to a first start; the program is already running")
-            .arg(firstStartOnly.join(QStringLiteral(", ")));
+        return texts::command::firstStartOnly.in(m_environment.state.now().language,
+                                                 firstStartOnly.join(QStringLiteral(", ")));
     std::optional<QString> room;
     if (namesRoom(options)) {
         room = roomNamed(*options.output);
         if (!room)
-            return unknownRoom(options);
+            return unknownRoom(options, m_environment.state.now().language);
     }
     if (!options.play && !options.output)
         m_environment.controls.showPanel();
@@ -57,7 +59,7 @@ void CommandRunner::runAtStart(const Options& options, Report report) {
     }
     // Without discovery no room will ever come by itself.
     if (options.noDiscovery) {
-        report(unknownRoom(options));
+        report(unknownRoom(options, m_environment.state.now().language));
         return;
     }
     m_waiting = options;
@@ -81,7 +83,7 @@ void CommandRunner::waitForRoom() {
     });
     m_giveUp = m_environment.mainQueue.startTimer(roomPatience, MainQueue::Repeat::once, [this, stopWaiting] {
         const auto report = m_report;
-        const QString line = unknownRoom(m_waiting);
+        const QString line = unknownRoom(m_waiting, m_environment.state.now().language);
         stopWaiting();
         report(line);
     });

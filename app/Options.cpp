@@ -4,6 +4,8 @@
 #include "platform/ForeignText.h"
 #include "stations/texts/CommandTexts.h"
 
+#include <array>
+
 namespace zofra {
 
 namespace {
@@ -13,6 +15,22 @@ QString stationList() {
     for (const RadioStation station : RadioStation::allCases)
         names.append(station.rawValue());
     return names.join(QStringLiteral(", "));
+}
+
+/// `text` after `start`, in lines of at most 92 characters; those that follow begin below it.
+QString wrapped(const QString& start, const QString& text) {
+    constexpr qsizetype columns = 92;
+    const QString indent(start.size(), u' ');
+    QString lines;
+    QString line = start;
+    for (const QString& word : text.split(u' ')) {
+        if (line.size() > indent.size() && line.size() + 1 + word.size() > columns) {
+            lines += line + u'\n';
+            line = indent;
+        }
+        line += (line.size() > indent.size() ? QStringLiteral(" ") : QString()) + word;
+    }
+    return lines + line + u'\n';
 }
 
 /// Reads one argument after the other; `refusal` is set once something is wrong.
@@ -180,31 +198,28 @@ std::optional<RadioStation> stationNamed(const QString& text) {
     return isAmbiguous ? std::nullopt : beginning;
 }
 
-QString helpText() {
-    return QStringLiteral(
-               "Usage: zofrazofra [OPTIONS]\n"
-               "A radio in the status bar. A second start hands its options to the running one;\n"
-               "without options it shows the panel.\n"
-               "\n"
-               "  --play [STATION]                 start playing, the given station if there is one\n"
-               "  --output here|everywhere|ROOM    where the sound goes; a room by title or id\n"
-               "  --endpoints FILE                 service hosts over those of system and user (first "
-               "start)\n"
-               "  --no-discovery                   do not look for networked speakers by itself (first "
-               "start)\n"
-               "  --headless                       no status item, no window; changes go to standard output\n"
-               "                                   (first start)\n"
-               "  --status [--json]                print the state of the running program\n"
-               "  --doctor [--json]                say what works, what does not, and what to do about it;\n"
-               "                                   goes with --endpoints, --no-discovery and --headless\n"
-               "  --quit                           end the running program\n"
-               "  --version                        print the version\n"
-               "  --help                           print this text\n"
-               "\n"
-               "Stations: %1.\n"
-               "Exit status: 0 fine, 1 failed at run time or a problem found, 2 bad option or bad endpoints "
-               "file.")
-        .arg(stationList());
+QString helpText(AppLanguage language) {
+    namespace say = texts::command;
+    struct Row {
+        const char* option;
+        const Text& text;
+    };
+    const std::array rows{
+        Row{"--play [STATION]", say::helpPlay},      Row{"--output here|everywhere|ROOM", say::helpOutput},
+        Row{"--endpoints FILE", say::helpEndpoints}, Row{"--no-discovery", say::helpNoDiscovery},
+        Row{"--headless", say::helpHeadless},        Row{"--status [--json]", say::helpStatus},
+        Row{"--doctor [--json]", say::helpDoctor},   Row{"--quit", say::helpQuit},
+        Row{"--version", say::helpVersion},          Row{"--help", say::helpHelp},
+    };
+    constexpr int textColumn = 35;
+    QString help = say::usage.in(language) + u'\n' + wrapped({}, say::purpose.in(language)) + u'\n';
+    for (const auto& row : rows) {
+        const auto option = QStringLiteral("  ") + QString::fromLatin1(row.option);
+        help += wrapped(option.leftJustified(textColumn), row.text.in(language));
+    }
+    help += u'\n' + say::helpStations.in(language, stationList()) + u'\n' +
+            wrapped({}, say::helpExit.in(language));
+    return help.trimmed();
 }
 
 } // namespace zofra

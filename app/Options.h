@@ -39,7 +39,7 @@ struct Options {
 /// counting.
 [[nodiscard]] std::optional<RadioStation> stationNamed(const QString& text);
 
-/// What `--help` prints.
-[[nodiscard]] QString helpText();
+/// What `--help` prints, without a last line end.
+[[nodiscard]] QString helpText(AppLanguage language);
 
 } // namespace zofra

@@ -159,7 +159,7 @@ int main(int argc, char** argv) {
         return refuse(misused, parsed.error());
     const auto& options = *parsed;
     if (options.task == Options::Task::help)
-        return print(helpText());
+        return print(helpText(commandLanguage()));
     if (options.task == Options::Task::version)
         return print(QStringLiteral("zofrazofra ") + version());
 

@@ -129,13 +129,17 @@ TEST(Options, RefusesWhatItDoesNotKnow) {
 }
 
 TEST(Options, HelpNamesEveryOptionAndStation) {
-    const QString help = helpText();
-    for (const QString& word :
-         {u"--play"_qs, u"--output"_qs, u"--endpoints"_qs, u"--no-discovery"_qs, u"--headless"_qs,
-          u"--status"_qs, u"--json"_qs, u"--doctor"_qs, u"--quit"_qs, u"--version"_qs, u"--help"_qs})
-        EXPECT_TRUE(help.contains(word)) << word.toStdString();
-    for (const RadioStation station : RadioStation::allCases)
-        EXPECT_TRUE(help.contains(station.rawValue()));
+    for (const auto language : allAppLanguages) {
+        const QString help = helpText(language);
+        for (const QString& word :
+             {u"--play"_qs, u"--output"_qs, u"--endpoints"_qs, u"--no-discovery"_qs, u"--headless"_qs,
+              u"--status"_qs, u"--json"_qs, u"--doctor"_qs, u"--quit"_qs, u"--version"_qs, u"--help"_qs})
+            EXPECT_TRUE(help.contains(word)) << word.toStdString();
+        for (const RadioStation station : RadioStation::allCases)
+            EXPECT_TRUE(help.contains(station.rawValue()));
+        for (const QString& line : help.split(u'\n'))
+            EXPECT_TRUE(line.size() <= 92 || line.contains(u"qmusic"_qs)) << line.toStdString();
+    }
 }
 
 } // namespace
