@@ -131,8 +131,9 @@ TEST(TransportRules, AServerThatIsMetAgainNeedsNoSecondFullHandshake) {
     ASSERT_TRUE(second.response);
     EXPECT_TRUE(second.response->body.contains("\nReused, TLS"));
     // Streams share them.
-    HttpStream stream(server.url().toUtf8(),
-                      {.authorities = HttpStream::authorities(authority.certificateFile())});
+    HttpStream::Settings settings;
+    settings.authorities = HttpStream::authorities(authority.certificateFile());
+    HttpStream stream(server.url().toUtf8(), settings);
     QByteArray page(100'000, 0);
     const auto size = stream.read(page.data(), 100'000);
     EXPECT_TRUE(page.first(std::max<qsizetype>(0, size)).contains("\nReused, TLS"));
