@@ -73,7 +73,7 @@ void append(QString& out, const BusMenuLayout& parent, int depth) {
         line.isSeparator = p.value(u"type"_qs).toString() == u"separator"_qs;
         line.title = p.value(u"label"_qs).toString().replace(u"__"_qs, u"_"_qs);
         line.isEnabled = p.value(u"enabled"_qs, true).toBool();
-        if (p.value(u"toggle-type"_qs) == u"checkmark"_qs)
+        if (p.value(u"toggle-type"_qs) == u"radio"_qs)
             line.state = p.value(u"toggle-state"_qs).toInt() == 1 ? MenuItem::CheckState::on
                                                                   : MenuItem::CheckState::off;
         line.iconDescription = p.value(u"x-zofra-icon-desc"_qs).toString();
