@@ -5,7 +5,8 @@
 
 namespace zofra {
 
-/// The language in which the command line speaks: the one chosen in the program, else the system's, else English.
+/// The language in which the command line speaks: the one chosen in the program, else the system's, else
+/// English.
 [[nodiscard]] AppLanguage commandLanguage();
 
 } // namespace zofra

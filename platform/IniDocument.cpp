@@ -101,7 +101,8 @@ bool isText(const QByteArray& line) {
     });
     // A comment in an older encoding is a person's all the same.
     const auto start = line.trimmed();
-    return !hasControl && line.size() <= IniDocument::maxLineBytes && (line.isValidUtf8() || (!start.isEmpty() && isCommentStart(start[0])));
+    return !hasControl && line.size() <= IniDocument::maxLineBytes &&
+           (line.isValidUtf8() || (!start.isEmpty() && isCommentStart(start[0])));
 }
 
 Span spanOfValue(QByteArrayView text) {

@@ -12,8 +12,8 @@
 
 namespace zofra {
 
-/// The language to begin with: the stored one, else the first of `preferredLanguages` by its first two letters,
-/// else English.
+/// The language to begin with: the stored one, else the first of `preferredLanguages` by its first two
+/// letters, else English.
 [[nodiscard]] AppLanguage languageAtStart(const std::optional<QString>& stored,
                                           const QStringList& preferredLanguages);
 

@@ -42,10 +42,9 @@ Finding noDevice(const QString& area, const SoundServer& server, const QString& 
                  const QJsonObject& details, AppLanguage language) {
     const QString why = reason.isEmpty() ? QString() : QStringLiteral(" (") + reason + u')';
     if (server.state == SoundServer::State::present)
-        return problem(area, texts::doctor::noDevice.in(language, why), texts::doctor::plugInOutput.in(language),
-                       details);
-    const auto where =
-        server.address.isEmpty() ? QString() : texts::doctor::at.in(language, server.address);
+        return problem(area, texts::doctor::noDevice.in(language, why),
+                       texts::doctor::plugInOutput.in(language), details);
+    const auto where = server.address.isEmpty() ? QString() : texts::doctor::at.in(language, server.address);
     return problem(area, texts::doctor::noServer.in(language, where + why),
                    texts::doctor::startAudio.in(language), details);
 }
@@ -62,14 +61,15 @@ Finding judgeAudio(const SoundServer& server, const AudioProbe& probe, AppLangua
     case AudioProbe::Outcome::opened:
         return fine(area,
                     driverName(probe.driver, language) +
-                        (probe.devices.isEmpty() ? QString()
-                                                 : QStringLiteral(": ") + deviceList(probe.devices, language)),
+                        (probe.devices.isEmpty()
+                             ? QString()
+                             : QStringLiteral(": ") + deviceList(probe.devices, language)),
                     details);
     case AudioProbe::Outcome::noEngine:
         return problem(area, probe.reason, texts::doctor::installEngine.in(language), details);
     case AudioProbe::Outcome::timedOut:
-        return problem(area, texts::doctor::audioSilent.in(language), texts::doctor::restartAudio.in(language),
-                       details);
+        return problem(area, texts::doctor::audioSilent.in(language),
+                       texts::doctor::restartAudio.in(language), details);
     case AudioProbe::Outcome::noDevice:
         break;
     }

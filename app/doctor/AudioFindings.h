@@ -20,6 +20,6 @@ struct SoundServer {
 };
 
 [[nodiscard]] Finding judgeAudio(const SoundServer& server, const AudioProbe& probe,
- AppLanguage language = AppLanguage::en);
+                                 AppLanguage language = AppLanguage::en);
 
 } // namespace zofra::doctor

@@ -92,8 +92,7 @@ private:
                 askForPanel(facts, *bus);
             return Findings{judgeSession(facts, language), judgePanel(facts, language)};
         };
-        return background(problem(QStringLiteral("session"),
-                                  texts::doctor::desktopSilent.in(m_language),
+        return background(problem(QStringLiteral("session"), texts::doctor::desktopSilent.in(m_language),
                                   texts::doctor::logInAgain.in(m_language)),
                           look);
     }
@@ -104,15 +103,13 @@ private:
             static_cast<void>(desktopIsKnown->try_acquire_for(1s));
             return Findings{judgeAudio(SoundServer::find(), AudioProbe::run(audioTime), language)};
         };
-        return background(
-            problem(QStringLiteral("audio"), texts::doctor::audioSilent.in(m_language),
-                    texts::doctor::restartAudio.in(m_language)),
-            look);
+        return background(problem(QStringLiteral("audio"), texts::doctor::audioSilent.in(m_language),
+                                  texts::doctor::restartAudio.in(m_language)),
+                          look);
     }
 
     std::unique_ptr<Check> programCheck() {
-        return background(problem(QStringLiteral("bus"),
-                                  texts::doctor::busSilent.in(m_language),
+        return background(problem(QStringLiteral("bus"), texts::doctor::busSilent.in(m_language),
                                   texts::doctor::logInAgain.in(m_language)),
                           [bus = m_bus, version = m_version, language = m_language] {
                               const auto facts = askForProgram(bus, version);

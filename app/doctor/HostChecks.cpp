@@ -108,14 +108,12 @@ struct LiveSocketCheck::State : std::enable_shared_from_this<LiveSocketCheck::St
         }
         const auto* text = std::get_if<QString>(&std::get<SocketMessage>(result));
         const bool isOpen = text && sockJSFrameKind(*text) == SockJSFrameKind::open;
-        finish({isOpen,
-                isOpen ? QString() : texts::doctor::noOpenFrame.in(language)});
+        finish({isOpen, isOpen ? QString() : texts::doctor::noOpenFrame.in(language)});
     }
 };
 
 LiveSocketCheck::LiveSocketCheck(TaskPool& tasks, MainQueue& mainQueue, HostTarget target,
-                                 SendProbe sendProbe, MakeWebSocket makeWebSocket,
-                                 AppLanguage language)
+                                 SendProbe sendProbe, MakeWebSocket makeWebSocket, AppLanguage language)
     : m_mainQueue(mainQueue)
     , m_tasks(tasks)
     , m_state(std::make_shared<State>(mainQueue, std::move(target), std::move(sendProbe),

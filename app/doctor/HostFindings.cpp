@@ -169,12 +169,12 @@ Finding judgeLiveSocket(const HostTarget& target, const HostProbe& probe, const 
     const auto wrong = wrongIn(target, probe, language);
     if (wrong || outcome.isOpen)
         return asFinding(target, probe, wrong, language);
-    return asFinding(
-        target, probe,
-        Wrong{outcome.reason.isEmpty() ? texts::doctor::socketSilent.in(language)
-                                       : texts::doctor::socketRefuses.in(language, outcome.reason),
-              texts::doctor::polledMeanwhile.in(language, inEndpoints(target, language))},
-        language);
+    return asFinding(target, probe,
+                     Wrong{outcome.reason.isEmpty()
+                               ? texts::doctor::socketSilent.in(language)
+                               : texts::doctor::socketRefuses.in(language, outcome.reason),
+                           texts::doctor::polledMeanwhile.in(language, inEndpoints(target, language))},
+                     language);
 }
 
 } // namespace zofra::doctor

@@ -12,7 +12,8 @@
 namespace zofra::doctor {
 
 /// What one host came to: the first request to it that failed, else the slowest one.
-[[nodiscard]] Finding judgeHost(const HostTarget& target, const std::vector<HostProbe>& probes, AppLanguage language = AppLanguage::en);
+[[nodiscard]] Finding judgeHost(const HostTarget& target, const std::vector<HostProbe>& probes,
+                                AppLanguage language = AppLanguage::en);
 
 /// What opening the live socket itself came to.
 struct LiveSocketOutcome {
@@ -21,6 +22,7 @@ struct LiveSocketOutcome {
     QString reason;
 };
 [[nodiscard]] Finding judgeLiveSocket(const HostTarget& target, const HostProbe& probe,
-                                      const LiveSocketOutcome& outcome, AppLanguage language = AppLanguage::en);
+                                      const LiveSocketOutcome& outcome,
+                                      AppLanguage language = AppLanguage::en);
 
 } // namespace zofra::doctor

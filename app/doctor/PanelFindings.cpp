@@ -55,9 +55,9 @@ Finding notShown(const DesktopFacts& facts, AppLanguage language) {
     const auto& cure = isGnome            ? texts::doctor::installExtension
                        : facts.hasWatcher ? texts::doctor::addTray
                                           : texts::doctor::startPanel;
-    const QString found =
-        facts.hasWatcher ? texts::doctor::watchedButNotShown.in(language, panelName(facts, language))
-                         : texts::doctor::notShown.in(language);
+    const QString found = facts.hasWatcher
+                              ? texts::doctor::watchedButNotShown.in(language, panelName(facts, language))
+                              : texts::doctor::notShown.in(language);
     return problem(
         area(), found, cure.in(language),
         {{QStringLiteral("panel"), QJsonValue()}, {QStringLiteral("mode"), QStringLiteral("window")}});
@@ -73,11 +73,12 @@ Finding judgeSession(const DesktopFacts& facts, AppLanguage language) {
         return fine(area, texts::doctor::noDisplayNeeded.in(language), details);
     if (facts.platform.isEmpty())
         return problem(area,
-                       facts.variables.isEmpty() ? texts::doctor::noDisplaySet.in(language)
-                                                 : texts::doctor::noDisplayAnswers.in(language, facts.variables),
+                       facts.variables.isEmpty()
+                           ? texts::doctor::noDisplaySet.in(language)
+                           : texts::doctor::noDisplayAnswers.in(language, facts.variables),
                        texts::doctor::startInSession.in(language), details);
-    const QString desktop = facts.session.desktop.isEmpty() ? texts::doctor::desktopUnknown.in(language)
-                                                            : facts.session.desktop;
+    const QString desktop =
+        facts.session.desktop.isEmpty() ? texts::doctor::desktopUnknown.in(language) : facts.session.desktop;
     return fine(area, windowsName(facts.session.windows, language) + QStringLiteral(", ") + desktop, details);
 }
 

@@ -25,8 +25,9 @@ Finding judgeBus(const ProgramFacts& facts, AppLanguage language) {
                               {QStringLiteral("media_player"), facts.hasMediaName}};
     if (!facts.hasBus)
         return problem(area,
-                       facts.busAddress.isEmpty() ? texts::doctor::noBusSet.in(language)
-                                                  : texts::doctor::noBusAnswers.in(language, facts.busAddress),
+                       facts.busAddress.isEmpty()
+                           ? texts::doctor::noBusSet.in(language)
+                           : texts::doctor::noBusAnswers.in(language, facts.busAddress),
                        texts::doctor::getABus.in(language), details);
     if (facts.isRunning && !facts.hasMediaName)
         return problem(area, texts::doctor::noMediaPlace.in(language),

@@ -55,8 +55,7 @@ QString writeCure(const SettingsFacts& facts, AppLanguage language) {
     const bool isFull = facts.writeProblem.contains(QLatin1String("space left")) ||
                         facts.writeProblem.contains(QLatin1String("quota"));
     return isFull ? texts::doctor::makeRoom.in(language)
-                  : texts::doctor::makeWritable.in(language,
-                                                   shortened(QFileInfo(facts.path).absolutePath()));
+                  : texts::doctor::makeWritable.in(language, shortened(QFileInfo(facts.path).absolutePath()));
 }
 
 } // namespace
@@ -91,8 +90,7 @@ Finding judgeEndpoints(const EndpointsFacts& facts, AppLanguage language) {
     for (const auto& file : facts.files)
         names.append(shortened(file));
     return fine(area,
-                names.isEmpty() ? texts::doctor::builtInHosts.in(language)
-                                : names.join(QStringLiteral(", ")),
+                names.isEmpty() ? texts::doctor::builtInHosts.in(language) : names.join(QStringLiteral(", ")),
                 details);
 }
 

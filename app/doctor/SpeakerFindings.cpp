@@ -47,14 +47,13 @@ Finding judgeInterface(const SpeakerFacts& facts, const InterfaceSearch& search,
     const bool nothingSent =
         !search.sends.empty() && std::all_of(search.sends.begin(), search.sends.end(), failed);
     if (nothingSent)
-        return problem(
-            area, texts::doctor::searchRefused.in(language, name, errorText(search.sends.back().error)),
-            texts::doctor::openFirewall.in(language), details(search));
+        return problem(area,
+                       texts::doctor::searchRefused.in(language, name, errorText(search.sends.back().error)),
+                       texts::doctor::openFirewall.in(language), details(search));
     const auto blocked = std::find_if(search.sends.begin(), search.sends.end(),
                                       [&](const auto& send) { return isMulticast(send) && failed(send); });
     if (blocked != search.sends.end())
-        return problem(area,
-                       texts::doctor::multicastRefused.in(language, name, errorText(blocked->error)),
+        return problem(area, texts::doctor::multicastRefused.in(language, name, errorText(blocked->error)),
                        texts::doctor::allowMulticast.in(language), details(search));
     if (search.answers.isEmpty() && hasScanned(facts, search.interface))
         return problem(area, texts::doctor::multicastLost.in(language, name),
@@ -141,8 +140,7 @@ Finding judgePlayers(const SpeakerFacts& facts, AppLanguage language) {
         return problem(area, texts::doctor::playersRefused.in(language, errorText(facts.lastRefusal)),
                        texts::doctor::openFirewall.in(language), details(facts));
     const bool isUnfinished = facts.state == SpeakerFacts::State::searching;
-    return fine(area,
-                isUnfinished ? foundSoFar(facts, language) : texts::doctor::noPlayers.in(language),
+    return fine(area, isUnfinished ? foundSoFar(facts, language) : texts::doctor::noPlayers.in(language),
                 details(facts));
 }
 

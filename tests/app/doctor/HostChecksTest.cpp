@@ -36,8 +36,9 @@ protected:
     }
     std::unique_ptr<LiveSocketCheck> startLive() {
         probe.status = 400;
-        auto check = std::make_unique<LiveSocketCheck>(
-            tasks, queue, target(HostTarget::Kind::live, {u"/x"_qs}), send(), sockets.maker(), AppLanguage::en);
+        auto check =
+            std::make_unique<LiveSocketCheck>(tasks, queue, target(HostTarget::Kind::live, {u"/x"_qs}),
+                                              send(), sockets.maker(), AppLanguage::en);
         check->start(done());
         tasks.runAll();
         queue.drain();
@@ -56,7 +57,8 @@ protected:
 TEST_F(HostChecksTest, AskForEveryAddressAndAFirstByteOfSound) {
     probe.status = 200;
     const auto check =
-        hostCheck(tasks, queue, target(HostTarget::Kind::stream, {u"/a"_qs, u"/b"_qs, u"/c"_qs}), send(), AppLanguage::en);
+        hostCheck(tasks, queue, target(HostTarget::Kind::stream, {u"/a"_qs, u"/b"_qs, u"/c"_qs}), send(),
+                  AppLanguage::en);
     EXPECT_EQ(check->soFar().front().verdict, Verdict::problem) << "no answer in time";
     check->start(done());
     EXPECT_TRUE(requests.empty()) << "not on the caller's thread";

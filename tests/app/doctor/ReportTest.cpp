@@ -89,9 +89,9 @@ TEST(DoctorReport, FitsTheScreenWhateverWasFound) {
     const QString word(300, u'x');
     const QString sentence = QString(u"many small words "_qs).repeated(40);
     for (const int columns : {80, 40, 1}) {
-        const auto text = toText(
-            reportOf({fine(panel, word), problem(stream, sentence, word), fine(panel, QString())}),
-            AppLanguage::en, columns);
+        const auto text =
+            toText(reportOf({fine(panel, word), problem(stream, sentence, word), fine(panel, QString())}),
+                   AppLanguage::en, columns);
         for (const auto& line : text.split(u'\n'))
             EXPECT_LE(line.size(), std::max(columns, 39)) << line.toStdString();
         EXPECT_EQ(text.count(u'x'), 600) << "nothing is lost";

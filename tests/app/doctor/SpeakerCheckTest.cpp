@@ -78,7 +78,8 @@ TEST_F(SpeakerCheckTest, NoticesWhatTheSystemRefuses) {
 }
 
 TEST_F(SpeakerCheckTest, EndsBeforeItsSearchDoes) {
-    auto check = std::make_unique<SpeakerCheck>(SpeakerCheck::Outside{session, queue, tasks, network}, AppLanguage::en);
+    auto check = std::make_unique<SpeakerCheck>(SpeakerCheck::Outside{session, queue, tasks, network},
+                                                AppLanguage::en);
     bool isTold = false;
     check->start([&isTold](const Findings&) { isTold = true; });
     EXPECT_EQ(check->soFar().size(), 1U);
