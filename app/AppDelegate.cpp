@@ -5,6 +5,7 @@
 #include "app/VolumePercent.h"
 #include "stations/texts/InterfaceTexts.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace zofra {
@@ -82,12 +83,21 @@ void AppDelegate::installStatusItem() {
 void AppDelegate::completeState(RadioState& state) const {
     state.currentSong = m_currentSongText;
     state.nextSong = m_nextSongText;
+    state.stopsAt = m_controls.stopsAt();
     if (m_statusItem)
         state.tray = m_statusItem->mode();
 }
 
 RadioControls::Shell AppDelegate::shell() {
-    return {m_environment.workspace, [this] { updateStatusBarButton(); }, [this] { showAboutWindow(); },
+    return {m_environment.mainQueue,
+            m_environment.clock,
+            m_environment.defaults,
+            m_environment.workspace,
+            [this] {
+                m_state.touch();
+                updateStatusBarButton();
+            },
+            [this] { showAboutWindow(); },
             [this] { m_environment.application.terminate(); }};
 }
 
@@ -187,7 +197,7 @@ void AppDelegate::setVolumeFromMenuItem(const MenuItem& sender) {
 }
 
 void AppDelegate::scrollVolume(int steps) {
-    const int percent = m_controls.changeVolume(steps);
+    const int percent = m_controls.changeVolume(std::clamp(steps, -20, 20) * RadioControls::volumeStep);
     if (m_statusItem)
         m_statusItem->flashVolume(percent, m_languages.volumeMenuTitle(percent));
 }

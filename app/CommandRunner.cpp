@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/CommandRunner.h"
 
+#include "app/VolumePercent.h"
 #include "stations/texts/CommandTexts.h"
 
 #include <utility>
@@ -21,8 +22,8 @@ bool namesRoom(const Options& options) {
     return options.output && !isHere(options) && !isEverywhere(options);
 }
 
-QString unknownRoom(const Options& options, AppLanguage language) {
-    return texts::command::noSuchRoom.in(language, options.output.value_or(QString()));
+QString unknownRoom(const Options& options) {
+    return texts::command::noSuchRoom.in(options.language, options.output.value_or(QString()));
 }
 
 } // namespace
@@ -33,15 +34,14 @@ CommandRunner::CommandRunner(const Environment& environment)
 std::optional<QString> CommandRunner::run(const Options& options) {
     const auto firstStartOnly = options.firstStartOnly();
     if (!firstStartOnly.isEmpty())
-        return texts::command::firstStartOnly.in(m_environment.state.now().language,
-                                                 firstStartOnly.join(QStringLiteral(", ")));
+        return texts::command::firstStartOnly.in(options.language, firstStartOnly.join(QStringLiteral(", ")));
     std::optional<QString> room;
     if (namesRoom(options)) {
         room = roomNamed(*options.output);
         if (!room)
-            return unknownRoom(options, m_environment.state.now().language);
+            return unknownRoom(options);
     }
-    if (!options.play && !options.output)
+    if (!options.acts())
         m_environment.controls.showPanel();
     else
         act(options, room);
@@ -59,7 +59,7 @@ void CommandRunner::runAtStart(const Options& options, Report report) {
     }
     // Without discovery no room will ever come by itself.
     if (options.noDiscovery) {
-        report(unknownRoom(options, m_environment.state.now().language));
+        report(unknownRoom(options));
         return;
     }
     m_waiting = options;
@@ -83,7 +83,7 @@ void CommandRunner::waitForRoom() {
     });
     m_giveUp = m_environment.mainQueue.startTimer(roomPatience, MainQueue::Repeat::once, [this, stopWaiting] {
         const auto report = m_report;
-        const QString line = unknownRoom(m_waiting, m_environment.state.now().language);
+        const QString line = unknownRoom(m_waiting);
         stopWaiting();
         report(line);
     });
@@ -91,17 +91,41 @@ void CommandRunner::waitForRoom() {
 
 void CommandRunner::act(const Options& options, const std::optional<QString>& roomId) {
     RadioControls& controls = m_environment.controls;
-    if (options.station)
-        controls.chooseStationToHear(*options.station);
-    // Choosing a room or every room plays there by itself; choosing this computer does not.
+    chooseStation(options);
     if (roomId)
         controls.chooseRoom(*roomId);
     else if (isEverywhere(options))
         controls.chooseEverywhere();
     else if (isHere(options))
         controls.chooseThisComputer();
-    if (options.play && !roomId && !isEverywhere(options))
+    if (options.volume && options.volume->kind == Options::Volume::Kind::change)
+        controls.changeVolume(options.volume->percent);
+    else if (options.volume)
+        controls.setVolume(volumeOfPercent(options.volume->percent));
+    // Choosing a room or every room has begun to play there; choosing this computer has not.
+    const bool isStarted = roomId || isEverywhere(options);
+    if (options.playback == Options::Playback::stop)
+        controls.stop();
+    else if (options.playback == Options::Playback::play && !isStarted)
         controls.play();
+    else if (options.playback == Options::Playback::toggle && !isStarted)
+        controls.toggle();
+    if (options.stopIn)
+        controls.stopIn(*options.stopIn);
+    if (options.notify)
+        controls.announceSongs(*options.notify);
+}
+
+void CommandRunner::chooseStation(const Options& options) {
+    RadioControls& controls = m_environment.controls;
+    if (options.station && options.playback == Options::Playback::play)
+        controls.chooseStationToHear(*options.station);
+    else if (options.station)
+        controls.chooseStation(*options.station);
+    if (options.stationStep == Options::StationStep::next)
+        controls.chooseNextStation();
+    else if (options.stationStep == Options::StationStep::previous)
+        controls.choosePreviousStation();
 }
 
 std::optional<QString> CommandRunner::roomNamed(const QString& text) const {

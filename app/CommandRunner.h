@@ -34,6 +34,7 @@ public:
 
 private:
     void act(const Options& options, const std::optional<QString>& roomId);
+    void chooseStation(const Options& options);
     /// The id of the room with this id or title.
     [[nodiscard]] std::optional<QString> roomNamed(const QString& text) const;
     void waitForRoom();

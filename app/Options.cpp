@@ -1,37 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Options.h"
 
+#include "app/OptionTable.h"
 #include "platform/ForeignText.h"
 #include "stations/texts/CommandTexts.h"
 
-#include <array>
+#include <QRegularExpression>
+
+#include <algorithm>
 
 namespace zofra {
 
 namespace {
 
-QString stationList() {
-    QStringList names;
-    for (const RadioStation station : RadioStation::allCases)
-        names.append(station.rawValue());
-    return names.join(QStringLiteral(", "));
-}
-
-/// `text` after `start`, in lines of at most 92 characters; those that follow begin below it.
-QString wrapped(const QString& start, const QString& text) {
-    constexpr qsizetype columns = 92;
-    const QString indent(start.size(), u' ');
-    QString lines;
-    QString line = start;
-    for (const QString& word : text.split(u' ')) {
-        if (line.size() > indent.size() && line.size() + 1 + word.size() > columns) {
-            lines += line + u'\n';
-            line = indent;
-        }
-        line += (line.size() > indent.size() ? QStringLiteral(" ") : QString()) + word;
-    }
-    return lines + line + u'\n';
-}
+namespace text = texts::command;
+using Id = OptionRow::Id;
 
 /// Reads one argument after the other; `refusal` is set once something is wrong.
 class Reader {
@@ -43,10 +26,11 @@ public:
     Result<Options> read() {
         while (m_next < m_arguments.size() && m_refusal.isEmpty())
             readOne();
-        if (m_refusal.isEmpty())
+        if (m_refusal.isEmpty() && m_options.task != Options::Task::help)
             check();
         if (!m_refusal.isEmpty())
             return failure(m_refusal);
+        m_options.language = m_language;
         return m_options;
     }
 
@@ -59,108 +43,153 @@ private:
             value = name.mid(equals + 1);
             name.truncate(equals);
         }
-        if (name == QLatin1String("--play"))
-            readPlay(value);
-        else if (name == QLatin1String("--output"))
-            m_options.output = required(name, value);
-        else if (name == QLatin1String("--endpoints"))
-            m_options.endpointsFile = required(name, value);
-        else if (!readFlag(name))
-            refuse(texts::command::unknownOption, name);
-        else if (value)
-            refuse(texts::command::takesNoValue, name);
+        if (name == QLatin1String("-h"))
+            name = QStringLiteral("--help");
+        const auto table = optionTable();
+        const auto row =
+            std::find_if(table.begin(), table.end(), [&](const auto& one) { return one.name == name; });
+        if (row == table.end())
+            refuse(text::unknownOption, name);
+        else if (row->takes == OptionRow::Takes::nothing && value)
+            refuse(text::takesNoValue, name);
+        else if (const auto taken = valueFor(*row, value); m_refusal.isEmpty())
+            take(*row, taken);
     }
 
-    bool readFlag(const QString& name) {
-        if (name == QLatin1String("--no-discovery"))
-            m_options.noDiscovery = true;
-        else if (name == QLatin1String("--headless"))
-            m_options.headless = true;
-        else if (name == QLatin1String("--json"))
-            m_isJson = true;
-        else if (name == QLatin1String("--help") || name == QLatin1String("-h"))
-            take(Options::Task::help);
-        else if (name == QLatin1String("--version"))
-            take(Options::Task::version);
-        else if (name == QLatin1String("--status"))
-            take(Options::Task::status);
-        else if (name == QLatin1String("--doctor"))
-            take(Options::Task::doctor);
-        else if (name == QLatin1String("--quit"))
-            take(Options::Task::quit);
-        else
-            return false;
-        return true;
-    }
-
-    void readPlay(std::optional<QString> value) {
-        m_options.play = true;
-        if (!value && m_next < m_arguments.size() && !m_arguments.at(m_next).startsWith(QLatin1Char('-')))
+    std::optional<QString> valueFor(const OptionRow& row, std::optional<QString> value) {
+        // What changes a volume begins with one dash, as single letters do.
+        const QLatin1String option(row.takes == OptionRow::Takes::valueOrNothing ? "-" : "--");
+        if (row.takes != OptionRow::Takes::nothing && !value && m_next < m_arguments.size() &&
+            !m_arguments.at(m_next).startsWith(option))
             value = m_arguments.at(m_next++);
-        if (!value)
-            return;
-        m_options.station = stationNamed(*value);
+        if (row.takes == OptionRow::Takes::value && value.value_or(QString()).isEmpty())
+            refuse(text::needsValue, row.name);
+        return value;
+    }
+
+    void take(const OptionRow& row, const std::optional<QString>& value) {
+        using Task = Options::Task;
+        using Playback = Options::Playback;
+        switch (row.id) {
+        case Id::play:
+            return takePlay(row.name, value);
+        case Id::stop:
+            return takePlayback(Playback::stop);
+        case Id::toggle:
+            return takePlayback(Playback::toggle);
+        case Id::station:
+            return takeStation(row.name, value.value_or(QString()));
+        case Id::output:
+            m_options.output = value;
+            break;
+        case Id::volume:
+            m_options.volume = volumeNamed(value.value_or(QString()));
+            if (!m_options.volume)
+                refuse(text::badVolume, *value);
+            break;
+        case Id::stopIn:
+            m_options.stopIn = durationNamed(value.value_or(QString()));
+            if (!m_options.stopIn)
+                refuse(text::badTime, *value);
+            break;
+        case Id::notify:
+            m_options.notify = switchNamed(value.value_or(QString()));
+            if (!m_options.notify)
+                refuse(text::onOrOff, row.name, *value);
+            break;
+        case Id::endpoints:
+            m_options.endpointsFile = value;
+            break;
+        case Id::noDiscovery:
+            m_options.noDiscovery = true;
+            break;
+        case Id::headless:
+            m_options.headless = true;
+            break;
+        case Id::json:
+            m_options.isJson = true;
+            break;
+        case Id::song:
+            return takeTask(Task::song);
+        case Id::status:
+            return takeTask(Task::status);
+        case Id::follow:
+            return takeTask(Task::follow);
+        case Id::history:
+            return takeTask(Task::history);
+        case Id::doctor:
+            return takeTask(Task::doctor);
+        case Id::quit:
+            return takeTask(Task::quit);
+        case Id::version:
+            return takeTask(Task::version);
+        case Id::help:
+            return takeTask(Task::help);
+        }
+    }
+
+    void takePlay(const QString& name, const std::optional<QString>& value) {
+        takePlayback(Options::Playback::play);
+        if (value)
+            takeStationName(name, *value);
+    }
+
+    void takeStation(const QString& name, const QString& value) {
+        if (value == QLatin1String("next"))
+            m_options.stationStep = Options::StationStep::next;
+        else if (value == QLatin1String("previous"))
+            m_options.stationStep = Options::StationStep::previous;
+        else
+            takeStationName(name, value);
+    }
+
+    void takeStationName(const QString& name, const QString& value) {
+        m_options.station = stationNamed(value);
         if (!m_options.station)
-            refuse(texts::command::noSuchStation, QStringLiteral("--play"), *value, stationList());
+            refuse(text::noSuchStation, name, value, stationNames().join(QStringLiteral(", ")));
     }
 
-    QString required(const QString& name, const std::optional<QString>& value) {
-        QString text = value.value_or(QString());
-        if (!value && m_next < m_arguments.size() && !m_arguments.at(m_next).startsWith(QLatin1String("--")))
-            text = m_arguments.at(m_next++);
-        if (text.isEmpty())
-            refuse(texts::command::needsValue, name);
-        return text;
+    void takePlayback(Options::Playback playback) {
+        if (m_options.playback != Options::Playback::leave && m_options.playback != playback)
+            refuse(text::onlyOneOf, QStringLiteral("--play, --stop, --toggle"));
+        m_options.playback = playback;
     }
 
-    void take(Options::Task task) {
+    void takeTask(Options::Task task) {
         if (m_options.task == Options::Task::run || task == Options::Task::help)
             m_options.task = task;
         else if (m_options.task != task && m_options.task != Options::Task::help)
-            refuse(texts::command::onlyOneOf, list({QStringLiteral("--version"), QStringLiteral("--status"),
-                                                    QStringLiteral("--doctor"), QStringLiteral("--quit")},
-                                                   texts::command::and_));
+            refuse(text::onlyOneOf,
+                   QStringLiteral("--version, --status, --song, --follow, --history, --doctor, --quit"));
     }
 
     void check() {
         using Task = Options::Task;
-        Task& task = m_options.task;
-        if (m_isJson && task == Task::status)
-            task = Task::statusJson;
-        else if (m_isJson && task == Task::doctor)
-            task = Task::doctorJson;
-        else if (m_isJson && task != Task::help)
-            refuse(texts::command::goesWith, QStringLiteral("--json"),
-                   list({QStringLiteral("--status"), QStringLiteral("--doctor")}, texts::command::or_));
-        const bool acts = m_options.play || m_options.output;
-        if ((task == Task::doctor || task == Task::doctorJson) && acts)
-            refuse(texts::command::goesOnlyWith, QStringLiteral("--doctor"),
-                   list({QStringLiteral("--json"), QStringLiteral("--endpoints"),
-                         QStringLiteral("--no-discovery"), QStringLiteral("--headless")},
-                        texts::command::and_));
-        if ((task == Task::status || task == Task::statusJson || task == Task::quit) &&
-            (acts || !m_options.firstStartOnly().isEmpty()))
-            refuse(texts::command::goesWithNothing,
-                   list({QStringLiteral("--status"), QStringLiteral("--quit")}, texts::command::and_));
-    }
-
-    /// "a, b and c".
-    [[nodiscard]] QString list(const QStringList& names, const Text& joint) const {
-        const auto most = names.first(names.size() - 1).join(QStringLiteral(", "));
-        return joint.in(m_language, most, names.last());
+        const Task task = m_options.task;
+        const bool canBeJson =
+            task == Task::status || task == Task::follow || task == Task::history || task == Task::doctor;
+        if (m_options.isJson && !canBeJson)
+            refuse(text::goesWith, QStringLiteral("--json"),
+                   QStringLiteral("--status, --follow, --history, --doctor"));
+        if (task == Task::run || task == Task::version)
+            return;
+        if (task == Task::doctor && m_options.acts())
+            refuse(text::goesOnlyWith, QStringLiteral("--doctor"),
+                   QStringLiteral("--json, --endpoints, --no-discovery, --headless"));
+        else if (task != Task::doctor && (m_options.acts() || !m_options.firstStartOnly().isEmpty()))
+            refuse(text::goesWithNothing, QStringLiteral("--status, --song, --follow, --history, --quit"));
     }
 
     template<typename... Values>
     void refuse(const Text& why, const Values&... values) {
         if (m_refusal.isEmpty())
-            m_refusal = visibleText(why.in(m_language, values...));
+            m_refusal = why.in(m_language, visibleText(values)...);
     }
 
     const QStringList& m_arguments;
-    const AppLanguage m_language;
+    AppLanguage m_language;
     qsizetype m_next = 0;
     Options m_options;
-    bool m_isJson = false;
     QString m_refusal;
 };
 
@@ -175,6 +204,15 @@ QStringList Options::firstStartOnly() const {
     if (headless)
         names.append(QStringLiteral("--headless"));
     return names;
+}
+
+bool Options::acts() const {
+    return playback != Playback::leave || station || stationStep != StationStep::none || output || volume ||
+           stopIn || notify;
+}
+
+bool Options::needsRunning() const {
+    return task == Task::run && acts() && playback != Playback::play && !output && firstStartOnly().isEmpty();
 }
 
 Result<Options> parseOptions(const QStringList& arguments, AppLanguage language) {
@@ -198,28 +236,35 @@ std::optional<RadioStation> stationNamed(const QString& text) {
     return isAmbiguous ? std::nullopt : beginning;
 }
 
-QString helpText(AppLanguage language) {
-    namespace say = texts::command;
-    struct Row {
-        const char* option;
-        const Text& text;
-    };
-    const std::array rows{
-        Row{"--play [STATION]", say::helpPlay},      Row{"--output here|everywhere|ROOM", say::helpOutput},
-        Row{"--endpoints FILE", say::helpEndpoints}, Row{"--no-discovery", say::helpNoDiscovery},
-        Row{"--headless", say::helpHeadless},        Row{"--status [--json]", say::helpStatus},
-        Row{"--doctor [--json]", say::helpDoctor},   Row{"--quit", say::helpQuit},
-        Row{"--version", say::helpVersion},          Row{"--help", say::helpHelp},
-    };
-    constexpr int textColumn = 35;
-    QString help = say::usage.in(language) + u'\n' + wrapped({}, say::purpose.in(language)) + u'\n';
-    for (const auto& row : rows) {
-        const auto option = QStringLiteral("  ") + QString::fromLatin1(row.option);
-        help += wrapped(option.leftJustified(textColumn), row.text.in(language));
-    }
-    help += u'\n' + say::helpStations.in(language, stationList()) + u'\n' +
-            wrapped({}, say::helpExit.in(language));
-    return help.trimmed();
+std::optional<Options::Volume> volumeNamed(const QString& text) {
+    static const QRegularExpression form(QStringLiteral("^([+-]?)([0-9]{1,3})%?$"));
+    const auto match = form.match(text);
+    const int percent = match.captured(2).toInt();
+    if (!match.hasMatch() || percent > 100)
+        return std::nullopt;
+    const QString sign = match.captured(1);
+    return Options::Volume{sign.isEmpty() ? Options::Volume::Kind::absolute : Options::Volume::Kind::change,
+                           sign == QLatin1String("-") ? -percent : percent};
+}
+
+std::optional<bool> switchNamed(const QString& text) {
+    const bool isOn = text == QLatin1String("on");
+    return isOn || text == QLatin1String("off") ? std::optional(isOn) : std::nullopt;
+}
+
+std::optional<std::chrono::seconds> durationNamed(const QString& text) {
+    using namespace std::chrono;
+    if (text == QLatin1String("off"))
+        return seconds(0);
+    // A bare number counts minutes.
+    static const QRegularExpression form(
+        QStringLiteral("^(?:([0-9]{1,2})h)?(?:([0-9]{1,4})(?:m|$))?(?:([0-9]{1,5})s)?$"));
+    const auto match = form.match(text);
+    const seconds time = hours(match.captured(1).toInt()) + minutes(match.captured(2).toInt()) +
+                         seconds(match.captured(3).toInt());
+    if (!match.hasMatch() || time == seconds(0) || time > hours(24))
+        return std::nullopt;
+    return time;
 }
 
 } // namespace zofra

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/RadioControls.h"
 
+#include "app/Settings.h"
 #include "app/VolumePercent.h"
 #include "metadata/RadioViewModel.h"
 #include "playback/RadioPlayer.h"
@@ -18,7 +19,11 @@ namespace zofra {
 
 RadioControls::RadioControls(const RadioObjects& objects, Shell shell)
     : m_objects(objects)
-    , m_shell(std::move(shell)) {}
+    , m_shell(std::move(shell))
+    , m_sleepTimer(m_shell.mainQueue, m_shell.clock, [this] {
+        stop();
+        m_shell.refresh();
+    }) {}
 
 bool RadioControls::isPlaying() const {
     const bool isHere = m_objects.sonos.activeTarget.get() == AudioOutputTarget::localMac();
@@ -38,6 +43,11 @@ void RadioControls::play() {
 void RadioControls::stop() {
     if (isPlaying())
         toggle();
+}
+
+void RadioControls::stopIn(std::chrono::seconds time) {
+    m_sleepTimer.set(time);
+    m_shell.refresh();
 }
 
 void RadioControls::chooseStation(RadioStation station) {
@@ -118,13 +128,11 @@ void RadioControls::requestVolume(double volume) {
         setVolume(static_cast<float>(std::clamp(volume, 0.0, 1.0)));
 }
 
-int RadioControls::changeVolume(int steps) {
-    constexpr int percentPerStep = 5;
-    constexpr int stepsToTheEnd = 100 / percentPerStep;
-    const int change = std::clamp(steps, -stepsToTheEnd, stepsToTheEnd) * percentPerStep;
-    const int percent = std::clamp(shownVolumePercent(m_objects.player.volume) + change, 0, 100);
-    setVolume(volumeOfPercent(percent));
-    return percent;
+int RadioControls::changeVolume(int percent) {
+    const int change = std::clamp(percent, -100, 100);
+    const int result = std::clamp(shownVolumePercent(m_objects.player.volume) + change, 0, 100);
+    setVolume(volumeOfPercent(result));
+    return result;
 }
 
 void RadioControls::search() {
@@ -133,6 +141,10 @@ void RadioControls::search() {
 
 void RadioControls::chooseLanguage(AppLanguage language) {
     m_objects.languages.setCurrentLanguage(language);
+}
+
+void RadioControls::announceSongs(bool isOn) {
+    m_shell.defaults.setString(announceSongsKey, isOn ? QStringLiteral("true") : QStringLiteral("false"));
 }
 
 void RadioControls::openLocalNetworkSettings() {

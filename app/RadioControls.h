@@ -2,6 +2,8 @@
 #pragma once
 
 #include "app/RadioObjects.h"
+#include "app/SleepTimer.h"
+#include "platform/DefaultsStore.h"
 #include "platform/Workspace.h"
 #include "stations/AppLanguage.h"
 #include "stations/RadioStation.h"
@@ -18,8 +20,11 @@ class RadioControls {
 public:
     /// What the program around the radio does. All of it outlives the controls.
     struct Shell {
+        MainQueue& mainQueue;
+        Clock clock;
+        DefaultsStore& defaults;
         Workspace& workspace;
-        /// Shows at once what an act has changed.
+        /// Shows what an act has changed, at once.
         std::function<void()> refresh;
         std::function<void()> showPanel;
         std::function<void()> terminate;
@@ -31,7 +36,12 @@ public:
     void toggle();
     /// Plays wherever the sound goes, unless it plays already.
     void play();
+    /// Here and in the rooms it becomes silent.
     void stop();
+    /// Stops after this time; nothing takes it back.
+    void stopIn(std::chrono::seconds time);
+    /// When it will stop by itself; absent when it will not.
+    [[nodiscard]] std::optional<TimePoint> stopsAt() const { return m_sleepTimer.stopsAt(); }
     void chooseStation(RadioStation station);
     /// The same, and what is played here next is this station: a stream that is held would be resumed as it
     /// is.
@@ -52,12 +62,16 @@ public:
     /// The same for what other programs send: what is no number is ignored, what lies outside is brought
     /// inside.
     void requestVolume(double volume);
-    /// Louder or softer by `steps` of five percent; answers the percentage it is then.
-    int changeVolume(int steps);
+    /// One notch of a wheel, one press of a key, in percent.
+    static constexpr int volumeStep = 5;
+    /// Louder or softer by so many percent; answers the percentage it is then.
+    int changeVolume(int percent);
 
     /// Searches for players; each host of the local networks is asked where nothing answers by itself.
     void search();
     void chooseLanguage(AppLanguage language);
+    /// Whether each new song is a message of the desktop's; kept.
+    void announceSongs(bool isOn);
     /// The system's page about access to the local network.
     void openLocalNetworkSettings();
     void showPanel();
@@ -70,6 +84,7 @@ private:
 
     RadioObjects m_objects;
     Shell m_shell;
+    SleepTimer m_sleepTimer;
 };
 
 } // namespace zofra

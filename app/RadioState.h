@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/Clock.h"
 #include "platform/StatusItem.h"
 #include "speakers/AudioOutputTarget.h"
 #include "speakers/SonosRoom.h"
@@ -42,6 +43,8 @@ struct RadioState {
     /// The local player's, 0 to 1; what is stored may lie outside.
     float volume = 0.8F;
 
+    /// Nothing is known yet of what the station plays; `currentSong` says so.
+    bool isLoading = true;
     QString currentSong;
     /// May be present and empty.
     std::optional<QString> nextSong;
@@ -55,6 +58,8 @@ struct RadioState {
     bool isScanning = false;
     bool isLocalNetworkDenied = false;
 
+    /// When the music will be stopped by itself; absent when it will not.
+    std::optional<TimePoint> stopsAt;
     StatusItemMode tray = StatusItemMode::none;
 
     /// The next song, unless there is nothing to show of it.

@@ -52,7 +52,8 @@ RadioState RadioStateSource::now() const {
     readOutput(state, m_objects.sonos);
     const RadioViewModel& model = m_objects.viewModel;
     // Until something is known there is nothing but this text, in the language of this moment.
-    state.currentSong = model.isLoading() ? texts::loading.in(state.language) : model.currentSong.get();
+    state.isLoading = model.isLoading();
+    state.currentSong = state.isLoading ? texts::loading.in(state.language) : model.currentSong.get();
     state.nextSong = model.nextSong;
     if (m_complete)
         m_complete(state);

@@ -5,15 +5,12 @@
 
 #include <QVariantMap>
 
-#include <variant>
-
 namespace zofra {
 
-/// The options of a second start as they travel to the running program.
+/// `options` as they travel to the running program: what is asked for has an entry, nothing else has.
 [[nodiscard]] QVariantMap toVariantMap(const Options& options);
 
-/// The same at the other end, or the one line that says what is wrong with them: anyone on the bus can send
-/// some.
-[[nodiscard]] std::variant<Options, QString> fromVariantMap(const QVariantMap& map);
+/// What came over the bus, from whomever: options, or the one line that says what is wrong.
+[[nodiscard]] Result<Options> fromVariantMap(const QVariantMap& map);
 
 } // namespace zofra

@@ -41,7 +41,7 @@ QString shownValue(const QJsonValue& value) {
 
 } // namespace
 
-QJsonObject toJson(const RadioState& state, const QString& version) {
+QJsonObject toJson(const RadioState& state, const QString& version, TimePoint now) {
     QJsonArray rooms;
     for (const auto& [room, title] : state.rooms)
         rooms.append(QJsonObject{{QStringLiteral("id"), room.id()},
@@ -52,20 +52,25 @@ QJsonObject toJson(const RadioState& state, const QString& version) {
     // above 1.
     const double volume =
         std::clamp(QString::number(static_cast<double>(state.volume), 'g', 7).toDouble(), 0.0, 1.0);
-    return {{QStringLiteral("station"), state.station.rawValue()},
-            {QStringLiteral("playing"), state.isPlaying},
-            {QStringLiteral("buffering"), state.isBuffering},
-            {QStringLiteral("volume"), volume},
-            {QStringLiteral("output"), outputId(state.target)},
-            {QStringLiteral("output_title"), state.targetTitle},
-            {QStringLiteral("song"), state.currentSong},
-            {QStringLiteral("next"), next ? QJsonValue(*next) : QJsonValue()},
-            {QStringLiteral("language"), rawValue(state.language)},
-            {QStringLiteral("rooms"), rooms},
-            {QStringLiteral("scanning"), state.isScanning},
-            {QStringLiteral("network_denied"), state.isLocalNetworkDenied},
-            {QStringLiteral("tray"), statusItemModeName(state.tray)},
-            {QStringLiteral("version"), version}};
+    QJsonObject object{{QStringLiteral("station"), state.station.rawValue()},
+                       {QStringLiteral("playing"), state.isPlaying},
+                       {QStringLiteral("buffering"), state.isBuffering},
+                       {QStringLiteral("volume"), volume},
+                       {QStringLiteral("output"), outputId(state.target)},
+                       {QStringLiteral("output_title"), state.targetTitle},
+                       {QStringLiteral("song"), state.currentSong},
+                       {QStringLiteral("next"), next ? QJsonValue(*next) : QJsonValue()},
+                       {QStringLiteral("language"), rawValue(state.language)},
+                       {QStringLiteral("rooms"), rooms},
+                       {QStringLiteral("scanning"), state.isScanning},
+                       {QStringLiteral("network_denied"), state.isLocalNetworkDenied},
+                       {QStringLiteral("tray"), statusItemModeName(state.tray)},
+                       {QStringLiteral("version"), version}};
+    if (state.stopsAt) {
+        const auto left = std::chrono::ceil<std::chrono::seconds>(*state.stopsAt - now);
+        object.insert(QStringLiteral("stops_in"), std::max<qint64>(left.count(), 0));
+    }
+    return object;
 }
 
 QString statusLines(const QJsonObject& report) {
@@ -77,6 +82,10 @@ QString statusLines(const QJsonObject& report) {
         const QString name = QString::fromLatin1(key);
         lines.append((name + QStringLiteral(": ") + shownValue(report.value(name))).trimmed());
     }
+    // There only while the music is to be stopped.
+    const QJsonValue left = report.value(QLatin1String("stops_in"));
+    if (!left.isUndefined())
+        lines.append(QStringLiteral("stops_in: %1 s").arg(left.toInteger()));
     return lines.join(QLatin1Char('\n'));
 }
 

@@ -8,8 +8,8 @@
 
 namespace zofra {
 
-/// The object that `--status --json` prints.
-[[nodiscard]] QJsonObject toJson(const RadioState& state, const QString& version);
+/// The object that `--status --json` prints at the moment `now`.
+[[nodiscard]] QJsonObject toJson(const RadioState& state, const QString& version, TimePoint now);
 /// What `--status` prints of that object, a line for each field.
 [[nodiscard]] QString statusLines(const QJsonObject& report);
 

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/ZofraMenuBarApp.h"
 
+#include "app/BarLine.h"
 #include "app/Desktop.h"
 #include "app/RemoteOptions.h"
+#include "app/Settings.h"
 #include "app/StatusReport.h"
 #include "platform/SharedInstance.h"
 #include "platform/linux/PreferredLanguages.h"
+#include "platform/linux/XdgFolders.h"
 
 #include <QCoreApplication>
 #include <QJsonDocument>
@@ -48,6 +51,10 @@ std::vector<SearchProvider::Entry> searchEntries() {
     for (const RadioStation station : RadioStation::allCases)
         entries.push_back({station.rawValue(), station.displayName(), station.genre()});
     return entries;
+}
+
+QString compact(const QJsonObject& object) {
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
 /// What an action of the desktop file stands for: "play-" and a station, with hyphens for underscores.
@@ -112,7 +119,12 @@ ZofraMenuBarApp::ZofraMenuBarApp(Configuration configuration, QtMainQueue& mainQ
     , m_media(m_sessionBus)
     , m_search(m_sessionBus, searchEntries())
     , m_streams(m_mainQueue, m_systemLog, {m_configuration.hosts.extraAuthorityFile()})
-    , m_workspace(m_sessionBus) {
+    , m_workspace(m_sessionBus)
+    , m_inhibitor(m_systemBus)
+    , m_notifications(m_sessionBus)
+    , m_historyFile(historyPath(), SongHistory::maxBytes, m_tasks, m_systemLog)
+    , m_songLog(m_historyFile, m_defaults, systemClock())
+    , m_songNotifier(m_notifications, m_defaults, [this] { return m_delegate->aboutWindow() != nullptr; }) {
     prepareSharedInstances();
     if (m_configuration.display == Display::present)
         m_desktop = makeDesktop(
@@ -124,6 +136,10 @@ ZofraMenuBarApp::ZofraMenuBarApp(Configuration configuration, QtMainQueue& mainQ
         m_desktop = makeNoDesktop();
     m_desktop->setActivationToken(m_configuration.activation.activationToken.toUtf8());
     m_application = std::make_unique<Ending>(*this);
+}
+
+QString ZofraMenuBarApp::historyPath() {
+    return xdg::stateHome() + QStringLiteral("/zofrazofra/history.json");
 }
 
 void ZofraMenuBarApp::prepareSharedInstances() {
@@ -211,14 +227,16 @@ void ZofraMenuBarApp::connectApplicationBus() {
     m_applicationBus.onAnotherIsRunning = [this] { stepBack(); };
     m_applicationBus.onRun = [this](const QVariantMap& options) { return runRequest(options); };
     m_applicationBus.onStatus = [this] {
-        return QString::fromUtf8(QJsonDocument(toJson(m_delegate->state().now(), versionText(bundle())))
-                                     .toJson(QJsonDocument::Compact));
+        return compact(toJson(m_delegate->state().now(), versionText(bundle()), systemClock()()));
+    };
+    m_applicationBus.onBarLine = [this] {
+        return compact(barLine(m_delegate->state().now(), LanguageManager::shared()));
     };
 }
 
 void ZofraMenuBarApp::play(std::optional<RadioStation> station) {
     Options options;
-    options.play = true;
+    options.playback = Options::Playback::play;
     options.station = station;
     static_cast<void>(m_commands->run(options));
 }
@@ -227,12 +245,13 @@ void ZofraMenuBarApp::stepBack() {
     Options options;
     if (!m_applicationBus.hasBeenRunning()) {
         // What only a first start understands has had its effect.
-        options.play = m_configuration.options.play;
-        options.station = m_configuration.options.station;
-        options.output = m_configuration.options.output;
+        options = m_configuration.options;
+        options.endpointsFile.reset();
+        options.noDiscovery = false;
+        options.headless = false;
     } else if (m_delegate->isPlaying()) {
         const AudioOutputTarget target = m_delegate->state().now().target;
-        options.play = true;
+        options.playback = Options::Playback::play;
         if (target == AudioOutputTarget::sonosEverywhere())
             options.output = QStringLiteral("everywhere");
         else if (target != AudioOutputTarget::localMac())
@@ -245,9 +264,9 @@ void ZofraMenuBarApp::stepBack() {
 
 RunReply ZofraMenuBarApp::runRequest(const QVariantMap& map) {
     const auto request = fromVariantMap(map);
-    if (const auto* refusal = std::get_if<QString>(&request))
-        return {2, *refusal};
-    const auto& options = std::get<Options>(request);
+    if (!request)
+        return {2, request.error()};
+    const Options& options = *request;
     if (options.task == Options::Task::quit) {
         m_delegate->quit();
         return {};
@@ -307,6 +326,11 @@ void ZofraMenuBarApp::show(const RadioState& state) {
         item->menuDidChange();
     }
     writeChangeLines(state);
+    m_applicationBus.tellChanges();
+    m_songLog.show(state);
+    m_songNotifier.show(state);
+    m_inhibitor.setInhibited(state.localPlayback == RadioState::LocalPlayback::playing &&
+                             isOn(m_defaults, inhibitIdleKey, false));
 }
 
 void ZofraMenuBarApp::writeChangeLines(const RadioState& state) {

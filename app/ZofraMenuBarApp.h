@@ -6,10 +6,14 @@
 #include "app/CommandRunner.h"
 #include "app/ControlRequestCount.h"
 #include "app/Options.h"
+#include "app/SongLog.h"
+#include "app/SongNotifier.h"
 #include "app/UnixSignals.h"
 #include "platform/linux/ApplicationBus.h"
+#include "platform/linux/DesktopNotifications.h"
 #include "platform/linux/DesktopWorkspace.h"
 #include "platform/linux/IniDefaultsStore.h"
+#include "platform/linux/LogindInhibitor.h"
 #include "platform/linux/LogindWake.h"
 #include "platform/linux/MprisPlayer.h"
 #include "platform/linux/NetworkChange.h"
@@ -17,6 +21,7 @@
 #include "platform/linux/SearchProvider.h"
 #include "platform/linux/SessionBus.h"
 #include "platform/linux/StandardOutputWriter.h"
+#include "platform/linux/StateFile.h"
 #include "platform/linux/SyslogLog.h"
 #include "platform/linux/ThreadTaskPool.h"
 #include "platform/linux/audio/MpvStreamPlayerFactory.h"
@@ -49,6 +54,9 @@ public:
                     ApplicationBus& applicationBus);
     ZofraMenuBarApp(const ZofraMenuBarApp&) = delete;
     ZofraMenuBarApp& operator=(const ZofraMenuBarApp&) = delete;
+
+    /// Where the songs that were played are kept.
+    [[nodiscard]] static QString historyPath();
 
     /// Launches and runs until the program is asked to end. Returns its exit status.
     [[nodiscard]] int run();
@@ -92,6 +100,11 @@ private:
     SearchProvider m_search;
     MpvStreamPlayerFactory m_streams;
     DesktopWorkspace m_workspace;
+    LogindInhibitor m_inhibitor;
+    DesktopNotifications m_notifications;
+    StateFile m_historyFile;
+    SongLog m_songLog;
+    SongNotifier m_songNotifier;
     std::unique_ptr<Desktop> m_desktop;
     std::unique_ptr<Application> m_application;
     std::unique_ptr<AppDelegate> m_delegate;

@@ -2,112 +2,52 @@
 #include "app/AppDelegate.h"
 #include "app/CommandLanguage.h"
 #include "app/DisplayProbe.h"
-#include "app/Options.h"
-#include "app/RemoteOptions.h"
-#include "app/StatusReport.h"
+#include "app/OptionTable.h"
+#include "app/RunningProgram.h"
+#include "app/SongHistory.h"
+#include "app/Terminal.h"
 #include "app/ZofraMenuBarApp.h"
 #include "app/doctor/DoctorRun.h"
+#include "platform/RegularFile.h"
 #include "platform/linux/Allocator.h"
 #include "platform/linux/XdgFolders.h"
 #include "platform/linux/x11/XServer.h"
 #include "stations/texts/CommandTexts.h"
 
 #include <QApplication>
-#include <QDBusConnectionInterface>
-#include <QJsonDocument>
 
-#include <chrono>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
-#include <thread>
 
 namespace {
 
 using namespace zofra;
-
-enum ExitStatus : int { fine = 0, failed = 1, misused = 2 };
-
-int refuse(ExitStatus status, const QString& line) {
-    std::fprintf(stderr, "zofrazofra: %s\n", qUtf8Printable(line));
-    return status;
-}
-
-int refuse(ExitStatus status, const Text& text) {
-    return refuse(status, text.in(commandLanguage()));
-}
-
-int print(const QString& text) {
-    std::printf("%s\n", qUtf8Printable(text));
-    return std::fflush(stdout) == 0 ? fine : failed;
-}
 
 QString version() {
     return versionText({{QStringLiteral("CFBundleShortVersionString"), QStringLiteral(ZOFRA_VERSION)},
                         {QStringLiteral("CFBundleVersion"), QStringLiteral(ZOFRA_BUILD_NUMBER)}});
 }
 
-int printStatus(const QDBusConnection& bus, Options::Task task) {
-    const auto json = RunningApplication(bus).status();
-    if (!json)
-        return refuse(failed, texts::command::notRunning);
-    if (task == Options::Task::statusJson)
-        return print(*json);
-    return print(statusLines(QJsonDocument::fromJson(json->toUtf8()).object()));
-}
-
-bool isRunning(const QDBusConnection& bus) {
-    return bus.interface()->isServiceRegistered(QStringLiteral("be.zofra.ZofraZofra"));
-}
-
-/// Until the running program has left the bus, so that a next start is a first one again.
-bool waitForTheEnd(const QDBusConnection& bus) {
-    for (int i = 0; i < 100 && isRunning(bus); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    return !isRunning(bus);
-}
-
-int quitRunning(const QDBusConnection& bus, const QVariantMap& request) {
-    if (!isRunning(bus))
-        return refuse(failed, texts::command::notRunning);
-    // The answer may be lost when the program leaves as quickly as it should: that it has left is what
-    // counts.
-    static_cast<void>(RunningApplication(bus).run(request));
-    return waitForTheEnd(bus) ? fine : refuse(failed, texts::command::noAnswer);
-}
-
-int handOver(const QDBusConnection& bus, const Options& options, const Activation& activation = {}) {
-    const RunningApplication running(bus);
-    const QVariantMap map = toVariantMap(options);
-    if (options.task == Options::Task::quit)
-        return quitRunning(bus, map);
-    if (map.isEmpty())
-        return running.activate(activation) ? fine : refuse(failed, texts::command::noAnswer);
-    const auto reply = running.run(map);
-    if (!reply)
-        return refuse(failed, texts::command::noAnswer);
-    if (!reply->line.isEmpty())
-        std::fprintf(stderr, "zofrazofra: %s\n", qUtf8Printable(reply->line));
-    return reply->exitStatus;
-}
-
-/// Asks the running program for something, without becoming one.
-int askRunning(const std::optional<QDBusConnection>& bus, const Options& options) {
-    if (!bus)
-        return refuse(failed, texts::command::noBus);
-    if (options.task == Options::Task::quit)
-        return handOver(*bus, options);
-    return printStatus(*bus, options.task);
+int printHistory(const Options& options) {
+    const auto file = readRegularFile(ZofraMenuBarApp::historyPath(), SongHistory::maxBytes);
+    if (!file)
+        return refuse(failed, file.error());
+    const SongHistory history(file->value_or(QByteArray()));
+    if (options.isJson)
+        return print(historyJson(history));
+    return history.songs().empty() ? refuse(fine, texts::command::noHistory.in(options.language))
+                                   : print(historyLines(history));
 }
 
 int start(const Options& options, bool hasDisplay, const Activation& activation) {
     // None of these is ever destroyed: see ZofraMenuBarApp.
     auto& mainQueue = *new QtMainQueue;
     auto& sessionBus = *new SessionBus(SessionBus::Kind::session, mainQueue);
-    if (options.task == Options::Task::doctor || options.task == Options::Task::doctorJson)
+    if (options.task == Options::Task::doctor)
         return runDoctor(options, version(), mainQueue, sessionBus);
-    if (options.task != Options::Task::run)
+    if (options.task != Options::Task::run || options.needsRunning())
         return askRunning(sessionBus.connection(), options);
 
     auto& applicationBus = *new ApplicationBus(sessionBus);
@@ -118,7 +58,7 @@ int start(const Options& options, bool hasDisplay, const Activation& activation)
     if (!hosts)
         return refuse(misused, hosts.error());
     if (!hasDisplay && !options.headless)
-        return refuse(failed, texts::command::noDisplay);
+        return refuse(failed, texts::command::noDisplay.in(options.language));
 
     neverWaitForReaders();
     auto& program = *new ZofraMenuBarApp(
@@ -132,7 +72,8 @@ std::unique_ptr<QCoreApplication> makeApplication(const Options& options, int& a
                                                   bool& hasDisplay) {
     QCoreApplication::setApplicationName(QStringLiteral("zofrazofra"));
     QCoreApplication::setApplicationVersion(QStringLiteral(ZOFRA_VERSION));
-    const bool needsDisplay = options.task == Options::Task::run && !options.headless;
+    const bool needsDisplay =
+        options.task == Options::Task::run && !options.headless && !options.needsRunning();
     const auto display =
         needsDisplay ? usableDisplay() : std::nullopt; // held until the toolkit has connected
     hasDisplay = display.has_value();
@@ -157,9 +98,11 @@ int main(int argc, char** argv) {
     const auto parsed = parseOptions(arguments, commandLanguage());
     if (!parsed)
         return refuse(misused, parsed.error());
-    const auto& options = *parsed;
+    const Options& options = *parsed;
     if (options.task == Options::Task::help)
-        return print(helpText(commandLanguage()));
+        return print(helpText(options.language));
+    if (options.task == Options::Task::history)
+        return printHistory(options);
     if (options.task == Options::Task::version)
         return print(QStringLiteral("zofrazofra ") + version());
 

@@ -207,7 +207,7 @@ int runDoctor(const Options& options, const QString& version, QtMainQueue& mainQ
     // Before other libraries are loaded beside it.
     CurlGlobal::initialise();
     // Scripts are spoken to in one language.
-    const bool isForScripts = options.task == Options::Task::doctorJson;
+    const bool isForScripts = options.isJson;
     const auto language = isForScripts ? AppLanguage::en : commandLanguage();
     auto& doctor = *new Doctor(options, version, mainQueue, sessionBus, language);
     auto& examination = *new Examination(mainQueue, doctor.makeChecks());

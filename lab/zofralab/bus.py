@@ -216,6 +216,11 @@ class MockedLogind:
         self._peer.wait_for_name("org.freedesktop.login1", 10)
         return self
 
+    @property
+    def peer(self):
+        """A connection to its bus."""
+        return self._peer
+
     def prepare_for_sleep(self, is_starting):
         """True when the computer is about to sleep, False when it has woken up."""
         self._peer.call("org.freedesktop.login1", self.PATH, "org.freedesktop.DBus.Mock", "EmitSignal", "(sssav)",

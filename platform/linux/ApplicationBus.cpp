@@ -19,6 +19,7 @@ const auto busName = QStringLiteral("be.zofra.ZofraZofra");
 const auto objectPath = QStringLiteral("/be/zofra/ZofraZofra");
 constexpr auto* standardInterface = "org.freedesktop.Application";
 constexpr auto* programInterface = "be.zofra.ZofraZofra1";
+constexpr auto* barLineProperty = "BarLine";
 const auto startupIdKey = QStringLiteral("desktop-startup-id");
 const auto tokenKey = QStringLiteral("activation-token");
 constexpr auto answerLimit = std::chrono::seconds(5);
@@ -191,7 +192,27 @@ dbus::Interface ApplicationBus::ownInterface() {
     return {programInterface,
             {{"Run", "options:a{sv}", "exit_status:i line:s", run}, {"Status", "", "json:s", status}},
             {},
-            {}};
+            {{barLineProperty, "s", [this] { return QVariant(onBarLine ? onBarLine() : QString()); }}}};
+}
+
+void ApplicationBus::tellChanges() {
+    m_object->tellChangedProperties();
+}
+
+QString ApplicationBus::name() {
+    return busName;
+}
+
+QString ApplicationBus::path() {
+    return objectPath;
+}
+
+QString ApplicationBus::ownInterfaceName() {
+    return QString::fromLatin1(programInterface);
+}
+
+QString ApplicationBus::barLineName() {
+    return QString::fromLatin1(barLineProperty);
 }
 
 RunningApplication::RunningApplication(const QDBusConnection& connection, std::chrono::milliseconds timeout)

@@ -80,6 +80,16 @@ public:
     std::function<RunReply(const QVariantMap& options)> onRun;
     /// The state as JSON text.
     std::function<QString()> onStatus;
+    /// What a status bar shows, as JSON text; a property whose changes are told.
+    std::function<QString()> onBarLine;
+    /// Tells whoever listens, if the bar's line has changed.
+    void tellChanges();
+
+    // Where it is found.
+    [[nodiscard]] static QString name();
+    [[nodiscard]] static QString path();
+    [[nodiscard]] static QString ownInterfaceName();
+    [[nodiscard]] static QString barLineName();
 
 private:
     [[nodiscard]] dbus::Interface applicationInterface();

@@ -13,11 +13,19 @@ QStringList list(const char* variable) {
     return qEnvironmentVariable(variable).split(u':', Qt::SkipEmptyParts);
 }
 
+QString home(const char* variable, const QString& standard) {
+    const auto set = qEnvironmentVariable(variable);
+    return set.startsWith(u'/') ? QDir::cleanPath(set) : QDir::homePath() + standard;
+}
+
 } // namespace
 
 QString configHome() {
-    const auto set = qEnvironmentVariable("XDG_CONFIG_HOME");
-    return set.startsWith(u'/') ? QDir::cleanPath(set) : QDir::homePath() + QStringLiteral("/.config");
+    return home("XDG_CONFIG_HOME", QStringLiteral("/.config"));
+}
+
+QString stateHome() {
+    return home("XDG_STATE_HOME", QStringLiteral("/.local/state"));
 }
 
 QStringList configDirs() {

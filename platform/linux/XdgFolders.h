@@ -8,6 +8,8 @@ namespace zofra::xdg {
 
 /// $XDG_CONFIG_HOME, else .config in the home folder. Relative settings count as none.
 [[nodiscard]] QString configHome();
+/// $XDG_STATE_HOME, else .local/state in the home folder. Relative settings count as none.
+[[nodiscard]] QString stateHome();
 /// $XDG_CONFIG_DIRS in descending weight; /etc/xdg only where that is empty. Relative entries are left out.
 [[nodiscard]] QStringList configDirs();
 /// Where a file of this name may stand in those folders, weakest first.

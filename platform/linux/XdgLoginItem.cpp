@@ -68,7 +68,8 @@ Result<void> XdgLoginItem::registerItem() {
                       desktopentry::execArgument(m_program) +
                       QStringLiteral("\nTerminal=false\n"
                                      "StartupNotify=false\n"
-                                     "X-GNOME-Autostart-enabled=true\n");
+                                     "X-GNOME-Autostart-enabled=true\n"
+                                     "X-KDE-autostart-after=panel\n");
     file.write(text.toUtf8());
     if (!file.commit())
         return failure(path + QStringLiteral(": ") + file.errorString());

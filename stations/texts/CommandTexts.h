@@ -17,6 +17,18 @@ inline constexpr Text needsValue{u"%1 needs a value", u"%1 heeft een waarde nodi
 inline constexpr Text noSuchStation{
     u"%1: no station \"%2\"; there are %3", u"%1: geen zender \"%2\"; er zijn %3",
     u"%1 : pas de station « %2 » ; il y a %3", u"%1: kein Sender „%2“; es gibt %3"};
+inline constexpr Text badVolume{u"--volume: \"%1\" is not a percentage such as 40, +5 or -5",
+                                u"--volume: \"%1\" is geen percentage zoals 40, +5 of -5",
+                                u"--volume : « %1 » n’est pas un pourcentage comme 40, +5 ou -5",
+                                u"--volume: „%1“ ist kein Prozentwert wie 40, +5 oder -5"};
+inline constexpr Text badTime{
+    u"--stop-in: \"%1\" is not a time such as 45m or 1h30m (a day at most), nor off",
+    u"--stop-in: \"%1\" is geen tijd zoals 45m of 1h30m (hoogstens een dag), noch off",
+    u"--stop-in : « %1 » n’est ni une durée comme 45m ou 1h30m (un jour au plus) ni off",
+    u"--stop-in: „%1“ ist weder eine Zeit wie 45m oder 1h30m (höchstens ein Tag) noch "
+    u"off"};
+inline constexpr Text onOrOff{u"%1: \"%2\" is neither on nor off", u"%1: \"%2\" is on noch off",
+                              u"%1 : « %2 » n’est ni on ni off", u"%1: „%2“ ist weder on noch off"};
 inline constexpr Text onlyOneOf{u"only one of %1 can be asked for", u"van %1 kan er maar één gevraagd worden",
                                 u"de %1 on ne peut demander qu’une seule",
                                 u"von %1 kann nur eines verlangt werden"};
@@ -51,6 +63,8 @@ inline constexpr Text firstStartOnly{
 inline constexpr Text noSuchRoom{u"--output: there is no room \"%1\"", u"--output: er is geen kamer \"%1\"",
                                  u"--output : il n’y a pas de pièce « %1 »",
                                  u"--output: es gibt keinen Raum „%1“"};
+inline constexpr Text noHistory{u"no songs have been noted yet", u"er zijn nog geen nummers genoteerd",
+                                u"aucun titre n’a encore été noté", u"es wurden noch keine Titel notiert"};
 
 // `--help`.
 inline constexpr Text usage{u"Usage: zofrazofra [OPTIONS]", u"Gebruik: zofrazofra [OPTIES]",
@@ -70,6 +84,38 @@ inline constexpr Text helpPlay{u"start playing, the given station if there is on
 inline constexpr Text helpOutput{
     u"where the sound goes; a room by title or id", u"waar het geluid heen gaat; een kamer met titel of id",
     u"où va le son ; une pièce par titre ou id", u"wohin der Ton geht; ein Raum mit Titel oder ID"};
+inline constexpr Text helpStop{u"stop playing", u"stoppen met spelen", u"arrêter la lecture",
+                               u"die Wiedergabe beenden"};
+inline constexpr Text helpToggle{
+    u"stop when it plays, else play", u"stoppen als er iets speelt, anders spelen",
+    u"arrêter si la radio joue, sinon lancer", u"anhalten, wenn etwas läuft, sonst abspielen"};
+inline constexpr Text helpStation{
+    u"change the station; it plays on if it played", u"van zender veranderen; wat speelde, speelt door",
+    u"changer de station ; ce qui jouait continue", u"den Sender wechseln; was lief, läuft weiter"};
+inline constexpr Text helpVolume{u"set the volume in percent, raise or lower it",
+                                 u"het volume in procent instellen, verhogen of verlagen",
+                                 u"régler le volume en pour cent, le monter ou le baisser",
+                                 u"die Lautstärke in Prozent setzen, heben oder senken"};
+inline constexpr Text helpStopIn{u"stop after a while, for example 45m or 1h30m; off takes it back",
+                                 u"na een tijd stoppen, bijvoorbeeld 45m of 1h30m; off trekt het in",
+                                 u"arrêter après un moment, par exemple 45m ou 1h30m ; off l’annule",
+                                 u"nach einer Weile anhalten, etwa 45m oder 1h30m; off nimmt es zurück"};
+inline constexpr Text helpNotify{u"announce each new song by the desktop's messages, or do not",
+                                 u"elk nieuw nummer met een melding aankondigen, of niet",
+                                 u"annoncer chaque titre par une notification, ou non",
+                                 u"jeden neuen Titel mit einer Meldung ankündigen, oder nicht"};
+inline constexpr Text helpSong{u"print the current song", u"het huidige nummer tonen",
+                               u"afficher le titre en cours", u"den laufenden Titel ausgeben"};
+inline constexpr Text helpFollow{u"print a line for each change, for status bars",
+                                 u"een regel per verandering tonen, voor statusbalken",
+                                 u"afficher une ligne par changement, pour les barres d’état",
+                                 u"bei jeder Änderung eine Zeile ausgeben, für Statusleisten"};
+inline constexpr Text helpHistory{u"print the songs that were played", u"de gespeelde nummers tonen",
+                                  u"afficher les titres passés", u"die gespielten Titel ausgeben"};
+inline constexpr Text helpJson{u"with --status, --follow, --history or --doctor: for scripts",
+                               u"met --status, --follow, --history of --doctor: voor scripts",
+                               u"avec --status, --follow, --history ou --doctor : pour les scripts",
+                               u"mit --status, --follow, --history oder --doctor: für Skripte"};
 inline constexpr Text helpEndpoints{
     u"service hosts over those of system and user (first start)",
     u"hosts van de diensten boven die van systeem en gebruiker (eerste start)",

@@ -158,6 +158,9 @@ TEST_F(AppDelegateActions, OneIsExactlyOneAndAHundredZeroIsZero) {
     delegate->setVolumeFromMenuItem(carrying(1.0F));
     EXPECT_EQ(player->volume.get(), 1.0F);
     EXPECT_EQ(bodiesWith("<DesiredVolume>100</DesiredVolume>"), QStringList{u"10.0.0.5"_qs});
+    // A player is told one volume at a time.
+    session.completions.back()({HttpResponse{200, {}}, std::nullopt});
+    queue.drain();
     delegate->setVolumeFromMenuItem(carrying(0.0F));
     EXPECT_EQ(player->volume.get(), 0.0F);
     EXPECT_EQ(bodiesWith("<DesiredVolume>0</DesiredVolume>"), QStringList{u"10.0.0.5"_qs});

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/CommandRunner.h"
 
+#include "app/VolumePercent.h"
 #include "tests/app/DelegateFixture.h"
 
 namespace zofra::test {
@@ -15,7 +16,7 @@ protected:
     }
     static Options play(std::optional<RadioStation> station = std::nullopt) {
         Options options;
-        options.play = true;
+        options.playback = Options::Playback::play;
         options.station = station;
         return options;
     }
@@ -88,7 +89,7 @@ TEST_F(CommandRunnerTest, ARoomIsKnownByIdOrTitle) {
 
 TEST_F(CommandRunnerTest, AnUnknownRoomLeavesTheRestUndone) {
     Options options = output(u"Attic"_qs);
-    options.play = true;
+    options.playback = Options::Playback::play;
     options.station = RadioStation::joe;
     EXPECT_NE(runner->run(options), std::nullopt);
     EXPECT_EQ(player->currentStation.get(), RadioStation(RadioStation::zofra));
@@ -102,7 +103,7 @@ TEST_F(CommandRunnerTest, HereAndEverywhere) {
     EXPECT_EQ(sonos->activeTarget.get(), AudioOutputTarget::localMac());
     EXPECT_FALSE(player->isPlaying);
     Options both = output(u"here"_qs);
-    both.play = true;
+    both.playback = Options::Playback::play;
     EXPECT_EQ(runner->run(both), std::nullopt);
     EXPECT_TRUE(player->isPlaying);
 }
@@ -110,7 +111,7 @@ TEST_F(CommandRunnerTest, HereAndEverywhere) {
 TEST_F(CommandRunnerTest, ARoomIsStartedOnlyOnce) {
     sonos->rooms = QList<SonosRoom>{kitchen};
     Options options = output(u"Kitchen"_qs);
-    options.play = true;
+    options.playback = Options::Playback::play;
     EXPECT_EQ(runner->run(options), std::nullopt);
     EXPECT_EQ(recorded({u"POST"_qs}), QStringList{u"POST SetAVTransportURI 10.0.0.5"_qs});
 }
@@ -164,6 +165,88 @@ TEST_F(CommandRunnerTest, AtTheStartNothingAskedShowsNothing) {
     queue.drain();
     EXPECT_EQ(windows.made, 0);
     EXPECT_EQ(reports, QStringList());
+}
+
+TEST_F(CommandRunnerTest, StopAndToggleActWhereverTheSoundGoes) {
+    Options options;
+    options.playback = Options::Playback::toggle;
+    EXPECT_EQ(runner->run(options), std::nullopt);
+    EXPECT_TRUE(player->isPlaying);
+    options.playback = Options::Playback::stop;
+    EXPECT_EQ(runner->run(options), std::nullopt);
+    EXPECT_FALSE(player->isPlaying);
+    EXPECT_EQ(runner->run(options), std::nullopt);
+    EXPECT_FALSE(player->isPlaying) << "it never starts";
+}
+
+TEST_F(CommandRunnerTest, StationsGoRoundInTheirOrder) {
+    Options options;
+    options.stationStep = Options::StationStep::previous;
+    EXPECT_EQ(runner->run(options), std::nullopt);
+    EXPECT_EQ(player->currentStation.get(), RadioStation(RadioStation::allCases.back()));
+    options.stationStep = Options::StationStep::next;
+    EXPECT_EQ(runner->run(options), std::nullopt);
+    EXPECT_EQ(player->currentStation.get(), RadioStation(RadioStation::zofra));
+    EXPECT_EQ(runner->run(options), std::nullopt);
+    EXPECT_EQ(player->currentStation.get(), RadioStation(RadioStation::qmusic));
+    EXPECT_FALSE(player->isPlaying);
+}
+
+TEST_F(CommandRunnerTest, AVolumeIsSetHereAndSentToTheRoom) {
+    sonos->rooms = QList<SonosRoom>{kitchen};
+    sonos->activeTarget = AudioOutputTarget::sonos(u"RINCON_K"_qs);
+    Options options;
+    options.volume = volumeNamed(u"53"_qs);
+    EXPECT_EQ(runner->run(options), std::nullopt);
+    EXPECT_EQ(shownVolumePercent(player->volume), 53);
+    EXPECT_EQ(recorded({u"POST"_qs}), QStringList{u"POST SetVolume 10.0.0.5"_qs});
+    options.volume = volumeNamed(u"-60"_qs);
+    EXPECT_EQ(runner->run(options), std::nullopt);
+    EXPECT_EQ(player->volume.get(), 0.0F);
+    options.volume = volumeNamed(u"+7"_qs);
+    EXPECT_EQ(runner->run(options), std::nullopt);
+    EXPECT_EQ(shownVolumePercent(player->volume), 7);
+}
+
+TEST_F(CommandRunnerTest, TheMusicStopsAfterAWhile) {
+    EXPECT_EQ(runner->run(play()), std::nullopt);
+    Options options;
+    options.stopIn = std::chrono::minutes(30);
+    EXPECT_EQ(runner->run(options), std::nullopt);
+    EXPECT_EQ(delegate->state().now().stopsAt, queue.clock()() + std::chrono::minutes(30));
+    queue.advance(std::chrono::minutes(29));
+    EXPECT_TRUE(player->isPlaying);
+    queue.advance(std::chrono::minutes(1));
+    EXPECT_FALSE(player->isPlaying);
+    EXPECT_EQ(delegate->state().now().stopsAt, std::nullopt);
+}
+
+TEST_F(CommandRunnerTest, TheMusicStopsInARoomToo) {
+    sonos->rooms = QList<SonosRoom>{kitchen};
+    sonos->activeTarget = AudioOutputTarget::sonos(u"RINCON_K"_qs);
+    sonos->isSonosPlaying = true;
+    Options options;
+    options.stopIn = std::chrono::minutes(1);
+    EXPECT_EQ(runner->run(options), std::nullopt);
+    queue.advance(std::chrono::minutes(1));
+    EXPECT_EQ(recorded({u"POST"_qs}), QStringList{u"POST Pause 10.0.0.5"_qs});
+}
+
+TEST_F(CommandRunnerTest, AWishToStopLaterCanBeTakenBack) {
+    EXPECT_EQ(runner->run(play()), std::nullopt);
+    Options options;
+    options.stopIn = std::chrono::minutes(1);
+    EXPECT_EQ(runner->run(options), std::nullopt);
+    options.stopIn = std::chrono::seconds(0);
+    EXPECT_EQ(runner->run(options), std::nullopt);
+    queue.advance(std::chrono::minutes(2));
+    EXPECT_TRUE(player->isPlaying);
+}
+
+TEST_F(CommandRunnerTest, AnswersInTheLanguageOfWhoAsks) {
+    Options options = output(u"Attic"_qs);
+    options.language = AppLanguage::de;
+    EXPECT_EQ(runner->run(options), u"--output: es gibt keinen Raum „Attic“"_qs);
 }
 
 } // namespace

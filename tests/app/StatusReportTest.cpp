@@ -34,7 +34,7 @@ RadioState sample() {
 }
 
 QString json(const RadioState& state) {
-    return QString::fromUtf8(QJsonDocument(toJson(state, version)).toJson(QJsonDocument::Compact));
+    return QString::fromUtf8(QJsonDocument(toJson(state, version, {})).toJson(QJsonDocument::Compact));
 }
 
 TEST(StatusReport, IsOneObjectWithEveryField) {
@@ -50,18 +50,18 @@ TEST(StatusReport, SaysAVolumeBetweenSilenceAndFull) {
     RadioState state = sample();
     for (const auto& [volume, said] : {std::pair(0.62F, 0.62), std::pair(5.0F, 1.0), std::pair(0.0F, 0.0)}) {
         state.volume = volume;
-        EXPECT_EQ(toJson(state, version).value(u"volume"_qs).toDouble(), said);
+        EXPECT_EQ(toJson(state, version, {}).value(u"volume"_qs).toDouble(), said);
     }
 }
 
 TEST(StatusReport, SaysTheOutputAndTheRooms) {
     RadioState state = sample();
     state.target = AudioOutputTarget::sonosEverywhere();
-    EXPECT_EQ(toJson(state, version).value(u"output"_qs).toString(), u"everywhere"_qs);
+    EXPECT_EQ(toJson(state, version, {}).value(u"output"_qs).toString(), u"everywhere"_qs);
     state.target = AudioOutputTarget::sonos(u"RINCON_1"_qs);
     state.rooms = {room(u"RINCON_1"_qs, u"Kitchen"_qs, 2)};
     state.nextSong = u"Next"_qs;
-    const QJsonObject object = toJson(state, version);
+    const QJsonObject object = toJson(state, version, {});
     EXPECT_EQ(object.value(u"output"_qs).toString(), u"RINCON_1"_qs);
     EXPECT_EQ(object.value(u"next"_qs).toString(), u"Next"_qs);
     EXPECT_EQ(
@@ -72,13 +72,23 @@ TEST(StatusReport, SaysTheOutputAndTheRooms) {
 TEST(StatusReport, LinesNameEachFieldOnceAndForgeNone) {
     RadioState state = sample();
     state.currentSong = u"A\nvolume: 0"_qs;
-    const QStringList lines = statusLines(toJson(state, version)).split(u'\n');
+    const QStringList lines = statusLines(toJson(state, version, {})).split(u'\n');
     EXPECT_EQ(lines.size(), 14);
     EXPECT_EQ(lines.at(0), u"station: zofra_class_x"_qs);
     EXPECT_EQ(lines.at(1), u"playing: yes"_qs);
     EXPECT_EQ(lines.at(3), u"volume: 0.8"_qs);
     EXPECT_EQ(lines.at(7), u"next:"_qs);
     EXPECT_EQ(lines.filter(u"volume: 0"_qs).size(), 2) << "the song's stays within its line";
+}
+
+TEST(StatusReport, SaysWhatIsLeftUntilTheMusicStops) {
+    RadioState state = sample();
+    const TimePoint now{};
+    EXPECT_FALSE(toJson(state, version, now).contains(u"stops_in"_qs));
+    state.stopsAt = now + std::chrono::milliseconds(89500);
+    EXPECT_EQ(toJson(state, version, now).value(u"stops_in"_qs).toInteger(), 90);
+    EXPECT_EQ(statusLines(toJson(state, version, now)).section(u'\n', -1), u"stops_in: 90 s"_qs);
+    EXPECT_EQ(toJson(state, version, now + std::chrono::minutes(2)).value(u"stops_in"_qs).toInteger(), 0);
 }
 
 TEST(ChangeLines, FirstTellWhatThereIs) {

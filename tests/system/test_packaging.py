@@ -41,8 +41,8 @@ def test_the_metainfo_is_valid(binary):
     assert status == 0, said
 
 
-def test_the_manual_page_is_formatted_without_a_warning():
-    page = os.path.join(PACKAGING, "man", "zofrazofra.1")
+def test_the_manual_page_is_formatted_without_a_warning(binary):
+    page = built(binary, "pages/zofrazofra.1")
     status, said = judged("man", "--warnings", "-E", "UTF-8", "-l", page)
     assert status == 0 and "warning" not in said and "--doctor" in said.replace("‐", "-"), said[:500]
 
@@ -61,24 +61,24 @@ def test_the_bus_starts_what_the_desktop_file_names(binary):
     assert os.path.exists(os.path.join(ROOT, "app", "icons", f"{name}.svg"))
 
 
-def completions(*words):
+def completions(binary, *words):
     """What bash offers for the last word."""
     script = 'source "$1"; shift; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _zofrazofra; printf "%s\\n" "${COMPREPLY[@]}"'
-    done = subprocess.run(["bash", "-c", script, "bash", os.path.join(PACKAGING, "completion", "zofrazofra.bash"),
+    done = subprocess.run(["bash", "-c", script, "bash", built(binary, "pages/zofrazofra.bash"),
                            "zofrazofra", *words], capture_output=True, text=True, check=True, timeout=20)
     return done.stdout.split()
 
 
 @pytest.mark.parametrize("words, expected", [
     (["--pl"], ["--play"]), (["--play", "q"], ["qmusic"]), (["--play", "sud"], ["sud_radio_belgique", "sud_radio_hainaut"]),
-    (["--output", "e"], ["everywhere"]), (["--he"], ["--headless", "--help"]), (["--nonsense"], [])])
-def test_bash_completes(words, expected):
-    assert sorted(completions(*words)) == expected
+    (["--output", "e"], ["everywhere"]), (["--station", "n"], ["next"]), (["--notify", "o"], ["off", "on"]), (["--he"], ["--headless", "--help"]), (["--nonsense"], [])])
+def test_bash_completes(binary, words, expected):
+    assert sorted(completions(binary, *words)) == expected
 
 
 @pytest.mark.parametrize("shell, page", [("zsh", "_zofrazofra"), ("fish", "zofrazofra.fish")])
-def test_the_other_shells_can_read_their_completions(shell, page):
-    assert judged(shell, "-n", os.path.join(PACKAGING, "completion", page)) == (0, "")
+def test_the_other_shells_can_read_their_completions(binary, shell, page):
+    assert judged(shell, "-n", built(binary, f"pages/{page}")) == (0, "")
 
 
 def test_the_package_list_of_each_job_is_named_by_dev():

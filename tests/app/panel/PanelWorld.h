@@ -92,7 +92,7 @@ public:
         , sonos(false, {http, defaults, queue, tasks, network, log, languages, player, hosts})
         , viewModel(station, http, queue.clock(), sockets.maker(), {queue, output, languages, hosts})
         , controls({viewModel, player, sonos, languages},
-                   {workspace, [this] { calls << QStringLiteral("updateStatusBarButton"); }, [] {}, [] {}}) {}
+                   {queue, queue.clock(), defaults, workspace, [this] { calls << QStringLiteral("updateStatusBarButton"); }, [] {}, [] {}}) {}
 
     /// The panel, not yet shown.
     std::unique_ptr<AboutPopupView> makeView() {

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/DefaultsStore.h"
+
+#include <QString>
+
+namespace zofra {
+
+// Switches that stand in the settings file only.
+
+/// Each new song is a message of the desktop's; off unless it is set.
+inline const QString announceSongsKey = QStringLiteral("notifications/songs");
+/// The songs that were played are noted; on unless it is set off.
+inline const QString keepHistoryKey = QStringLiteral("history/enabled");
+/// The computer does not go to sleep by itself while it plays; off unless it is set.
+inline const QString inhibitIdleKey = QStringLiteral("session/inhibit_idle");
+
+/// "true", "on", "yes" and "1" are on, "false", "off", "no" and "0" are off; anything else is as good as
+/// none.
+[[nodiscard]] bool isOn(const DefaultsStore& defaults, const QString& key, bool otherwise);
+
+} // namespace zofra
