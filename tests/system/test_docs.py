@@ -246,7 +246,7 @@ def test_what_is_installed_and_removed_is_the_package(line):
 @pytest.mark.parametrize("line", of_kind("man") + of_kind("journalctl"))
 def test_manual_page_and_name_in_the_log_are_there(line):
     if line.startswith("man "):
-        assert os.path.exists(os.path.join(ROOT, "packaging", "man", line.split()[1] + ".1"))
+        assert os.path.exists(os.path.join(ROOT, "packaging", "man", line.split()[1] + ".1.in"))
     else:
         assert f'" {line.split()[-1]}["' in text_of("platform/linux/SyslogLog.cpp")
 
