@@ -22,7 +22,7 @@ namespace {
 /// The drawings for the status item and its menu, which looks like the panel's menus.
 class SymbolIcons final : public IconProvider {
 public:
-    SymbolIcons(const IconSet& icons, const AppearanceSource& appearance)
+    SymbolIcons(const IconSet& icons, AppearanceSource& appearance)
         : m_icons(icons)
         , m_appearance(appearance) {}
     QImage image(const QString& symbolName, int pixels, const QColor& color) const override {
@@ -32,23 +32,26 @@ public:
         const QScreen* screen = QGuiApplication::primaryScreen();
         if (!screen)
             return nullptr;
-        return std::make_shared<PanelMenuStyle>(std::make_unique<PanelLook>(
-            PanelLook{PanelTheme::make(m_appearance.current(), QGuiApplication::palette()),
-                      PanelMetrics(QGuiApplication::font(), screen->logicalDotsPerInchY(),
-                                   screen->availableGeometry().height()),
-                      m_icons}));
+        return std::make_shared<PanelMenuStyle>(
+            std::make_unique<PanelLook>(
+                PanelLook{PanelTheme::make(m_appearance.current(), QGuiApplication::palette()),
+                          PanelMetrics(QGuiApplication::font(), screen->logicalDotsPerInchY(),
+                                       screen->availableGeometry().height()),
+                          m_icons}),
+            m_appearance);
     }
 
 private:
     const IconSet& m_icons;
-    const AppearanceSource& m_appearance;
+    AppearanceSource& m_appearance;
 };
 
 /// What only the panel needs.
-struct PanelParts {
-    PanelParts(const Desktop::Environment& environment, const IconSet& icons, AppearanceSource& appearance)
+struct PanelSide {
+    PanelSide(const Desktop::Environment& environment, const IconSet& icons, AppearanceSource& appearance)
         : portal(appearance)
-        , factory(PanelEnvironment{loginItem, environment.output, environment.workspace, icons, appearance})
+        , factory(PanelEnvironment{loginItem, environment.mainQueue, environment.output,
+                                   environment.workspace, icons, appearance})
         , connected(environment.sessionBus.observeConnected(
               [this](const QDBusConnection& connection) { portal.attach(connection); })) {}
 
@@ -92,15 +95,16 @@ private:
         return panel().factory.makeWindow(std::move(content));
     }
 
-    PanelParts& panel() {
+    PanelSide& panel() {
         if (!m_panel)
-            m_panel = std::make_unique<PanelParts>(m_environment, m_icons, m_appearance);
+            m_panel = std::make_unique<PanelSide>(m_environment, m_icons, m_appearance);
         return *m_panel;
     }
 
     void clickAnnounced(const QByteArray& token) {
         setActivationToken(token);
-        // Else the pointer is busy until the desktop gives up: what it takes for a start need not end in a window.
+        // Else the pointer is busy until the desktop gives up: what it takes for a start need not end in a
+        // window.
         if (const auto server = XServer::ofToolkit())
             server->endStartup(QString::fromUtf8(token));
     }
@@ -122,7 +126,7 @@ private:
     AppearanceSource m_appearance;
     SymbolIcons m_symbols;
     LinuxStatusBar m_statusBar;
-    std::unique_ptr<PanelParts> m_panel;
+    std::unique_ptr<PanelSide> m_panel;
 };
 
 class NoDesktop final : public Desktop, private StatusBar, private PopupWindowFactory {

@@ -1,41 +1,30 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/AboutPopupView.h"
 
+#include "app/RadioControls.h"
 #include "app/panel/CheckBox.h"
 #include "app/panel/CreditLine.h"
-#include "app/panel/ElidedLabel.h"
-#include "app/panel/IconLabel.h"
-#include "app/panel/LanguageButton.h"
 #include "app/panel/MenuButton.h"
 #include "app/panel/PanelMenus.h"
+#include "app/panel/PanelParts.h"
 #include "app/panel/PlayButton.h"
-#include "app/panel/SongCard.h"
 #include "app/panel/VolumeSlider.h"
-#include "metadata/RadioViewModel.h"
-#include "playback/RadioPlayer.h"
-#include "speakers/SonosManager.h"
-#include "stations/LanguageManager.h"
-#include "stations/texts/InterfaceTexts.h"
 
+#include <QCloseEvent>
 #include <QCoreApplication>
-#include <QEvent>
 #include <QKeyEvent>
 #include <QLayout>
 #include <QPaintEvent>
 #include <QScreen>
 #include <QSignalBlocker>
-
-#include <algorithm>
+#include <QUrl>
 
 namespace zofra {
 
 namespace {
 
-constexpr qreal panelWidth = 360;
-
 /// What the panel posts to itself.
-constexpr auto refreshEvent = static_cast<QEvent::Type>(QEvent::User + 1);
-constexpr auto rebuildEvent = static_cast<QEvent::Type>(QEvent::User + 2);
+constexpr auto rebuildEvent = static_cast<QEvent::Type>(QEvent::User + 1);
 
 PanelLook makeLook(const PanelEnvironment& environment, const QWidget& widget) {
     return {PanelTheme::make(environment.appearance.current(), widget.palette()),
@@ -50,90 +39,76 @@ AboutPopupView::AboutPopupView(PopupPanelContent content, const PanelEnvironment
     : QWidget(parent)
     , m_content(std::move(content))
     , m_environment(environment)
-    , m_actions(m_content, environment.loginItem, environment.output, environment.workspace)
+    , m_source(environment.mainQueue,
+               {m_content.viewModel, m_content.player, m_content.sonos, m_content.languages})
     , m_look(makeLook(environment, *this)) {
     setAttribute(Qt::WA_OpaquePaintEvent);
+    // The program lives in the status bar, whether or not this window is open.
+    setAttribute(Qt::WA_QuitOnClose, false);
     setAccessibleName(QStringLiteral("Zofra Zofra"));
     build();
-    observe();
-    refresh();
-    // The keyboard starts on the panel itself: Tab then goes to the first part, and Return closes.
-    setFocus();
+    m_stateChanged = m_source.observe([this](const RadioState& state) { refresh(state); });
+    m_appearanceChanged = m_environment.appearance.observeChanged([this] { updateLook(); });
 }
 
 AboutPopupView::~AboutPopupView() = default;
 
-void AboutPopupView::observe() {
-    const auto changed = [this] { scheduleRefresh(); };
-    m_observations[0] = m_content.viewModel.observe(changed);
-    m_observations[1] = m_content.player.observe(changed);
-    m_observations[2] = m_content.sonos.observe(changed);
-    m_observations[3] = m_content.languages.observe(changed);
-    m_observations[4] = m_environment.appearance.observeChanged([this] { updateLook(); });
+void AboutPopupView::build() {
+    m_parts = std::make_unique<PanelParts>(*this, m_look, m_content.version);
+    connectParts();
+    refresh(m_source.now());
+    showLaunchAtLogin();
+    // Return closes wherever the mouse is used, and whoever comes with the keyboard starts here.
+    m_parts->close->setFocus();
 }
 
-void AboutPopupView::scheduleRefresh() {
-    if (m_isRefreshScheduled)
-        return;
-    m_isRefreshScheduled = true;
-    // Later, for observers are told before the field has its new value.
-    QCoreApplication::postEvent(this, new QEvent(refreshEvent));
+void AboutPopupView::connectParts() {
+    RadioControls& controls = m_content.controls;
+    for (LanguageButton* button : m_parts->languages)
+        connect(button, &QPushButton::clicked, this,
+                [&controls, language = button->language()] { controls.chooseLanguage(language); });
+    m_parts->station->makeEntries = [this] { return stationMenuEntries(m_source.now(), m_content.controls); };
+    m_parts->output->makeEntries = [this] { return outputMenuEntries(m_source.now(), m_content.controls); };
+    connect(m_parts->play, &QPushButton::clicked, this, [&controls] { controls.toggle(); });
+    m_parts->volume->onMoved = [&controls](float volume) { controls.setVolume(volume); };
+    connect(m_parts->credit->link(), &QPushButton::clicked, this,
+            [this] { m_environment.workspace.open(QUrl(QStringLiteral("mailto:hello@zofra.example"))); });
+    connect(m_parts->launchAtLogin, &QPushButton::toggled, this, &AboutPopupView::launchAtLoginToggled);
+    connect(m_parts->close, &QPushButton::clicked, this, &AboutPopupView::askToClose);
 }
 
-void AboutPopupView::refresh() {
+void AboutPopupView::refresh(const RadioState& state) {
     ++m_refreshCount;
-    const AppLanguage language = m_content.languages.currentLanguage();
-    if (language != m_shownLanguage)
-        showTexts(language);
-    showState(language);
+    m_parts->show(state);
     updateNaturalSize();
     // Now rather than in a later turn, or one frame would show the new texts in the places of the old ones.
     layout()->activate();
 }
 
-void AboutPopupView::showTexts(AppLanguage language) {
-    const auto change = m_shownLanguage ? LanguageButton::Change::fades : LanguageButton::Change::atOnce;
-    m_shownLanguage = language;
-    for (LanguageButton* button : m_parts.languages)
-        button->setCurrent(button->language() == language, change);
-    m_parts.stationLabel->setContent(texts::stationLabel.in(language));
-    m_parts.songs->setLanguage(language);
-    m_parts.outputLabel->setContent(texts::outputLabel.in(language));
-    m_parts.output->setHelp(texts::synchronizationNote.in(language));
-    m_parts.volume->setAccessibleName(texts::volume.in(language));
-    m_parts.credit->setLanguage(language);
-    m_parts.launchAtLogin->setTitle(texts::startAutomatically.in(language));
-    m_parts.close->setTitle(texts::closeWindow.in(language));
-}
-
-void AboutPopupView::showState(AppLanguage language) {
-    m_parts.station->setContent(texts::stationLabel.in(language),
-                                m_content.player.currentStation.get().displayName());
-    m_parts.station->refreshMenu();
-    m_parts.songs->setSongs(m_content.viewModel.currentSong, m_content.viewModel.nextSong);
-    m_parts.output->setContent(texts::outputLabel.in(language), m_content.sonos.activeTargetTitle());
-    m_parts.output->refreshMenu();
-    const bool isPlaying = m_actions.isPlaying();
-    m_parts.play->setContent(isPlaying ? QStringLiteral("stop.fill") : QStringLiteral("play.fill"),
-                             (isPlaying ? texts::stopMusic : texts::playMusic).in(language));
-    m_parts.speaker->setInk(isPlaying ? IconLabel::Ink::accent : IconLabel::Ink::dim);
-    const int percent = shownPercent(m_content.player.volume).value_or(0);
-    m_parts.volume->show(percent);
-    m_parts.volumePercent->setContent(texts::volumePercent.in(AppLanguage::en, percent));
-}
-
 void AboutPopupView::updateNaturalSize() {
     QLayout* rows = layout();
-    const int width = std::max(m_look.metrics.px(panelWidth), rows->totalMinimumSize().width());
-    const int height =
-        rows->hasHeightForWidth() ? rows->totalHeightForWidth(width) : rows->totalSizeHint().height();
-    setFixedSize(width, height);
+    const int width = m_parts->width();
+    setFixedSize(width, rows->hasHeightForWidth() ? rows->totalHeightForWidth(width)
+                                                  : rows->totalSizeHint().height());
+}
+
+void AboutPopupView::centerOn(QScreen* screen) {
+    setScreen(screen);
+    const PanelLook now = makeLook(m_environment, *this);
+    if (now.metrics != m_look.metrics) {
+        m_look.metrics = now.metrics;
+        build();
+    }
+    move(screen->availableGeometry().center() - QPoint(width() / 2, height() / 2));
 }
 
 void AboutPopupView::updateLook() {
     const PanelLook now = makeLook(m_environment, *this);
-    if (now.metrics != m_look.metrics)
-        scheduleRebuild();
+    if (now.metrics != m_look.metrics && !m_isRebuildScheduled) {
+        m_isRebuildScheduled = true;
+        // Later, for whoever announces a new font is still going through the widgets that would be deleted.
+        QCoreApplication::postEvent(this, new QEvent(rebuildEvent));
+    }
     if (now.theme == m_look.theme)
         return;
     m_look.theme = now.theme;
@@ -143,32 +118,14 @@ void AboutPopupView::updateLook() {
         part->update();
 }
 
-void AboutPopupView::scheduleRebuild() {
-    if (m_isRebuildScheduled)
-        return;
-    m_isRebuildScheduled = true;
-    // Later, for whoever announces a new font is still going through the widgets that would be deleted.
-    QCoreApplication::postEvent(this, new QEvent(rebuildEvent));
-}
-
-void AboutPopupView::rebuild() {
-    m_look.metrics = makeLook(m_environment, *this).metrics;
-    build();
-    refresh();
-    setFocus();
-}
-
 bool AboutPopupView::event(QEvent* event) {
-    if (event->type() == refreshEvent) {
-        m_isRefreshScheduled = false;
-        refresh();
-        return true;
-    }
     if (event->type() == rebuildEvent) {
         m_isRebuildScheduled = false;
-        rebuild();
+        m_look.metrics = makeLook(m_environment, *this).metrics;
+        build();
         return true;
     }
+    m_wasUsed = m_wasUsed || event->type() == QEvent::WindowActivate;
     const bool isHandled = QWidget::event(event);
     if (event->type() == QEvent::LayoutRequest)
         updateNaturalSize();
@@ -188,12 +145,22 @@ void AboutPopupView::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
 }
 
+void AboutPopupView::closeEvent(QCloseEvent* event) {
+    event->accept();
+    if (onClosed)
+        onClosed();
+}
+
 void AboutPopupView::keyPressEvent(QKeyEvent* event) {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (isReturn)
-        m_parts.close->click();
+        m_parts->close->click();
     else if (event->matches(QKeySequence::Cancel) || event->matches(QKeySequence::Close))
-        m_actions.close();
+        askToClose();
+    else if (event->keyCombination() == (Qt::CTRL | Qt::Key_P))
+        m_content.controls.toggle();
+    else if (event->keyCombination() == (Qt::CTRL | Qt::Key_Q))
+        m_content.controls.quit(); // where there is no tray, this window is all there is of the program
     else
         QWidget::keyPressEvent(event);
 }
@@ -206,38 +173,37 @@ void AboutPopupView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     if (event->spontaneous())
         return;
-    m_launchAtLogin = m_actions.isLaunchedAtLogin();
-    const QSignalBlocker quiet(m_parts.launchAtLogin);
-    m_parts.launchAtLogin->setChecked(m_launchAtLogin);
+    m_launchAtLogin = m_environment.loginItem.isEnabled();
+    showLaunchAtLogin();
+}
+
+void AboutPopupView::askToClose() {
+    // A copy, for it may end the panel.
+    if (const auto onClose = m_content.onClose)
+        onClose();
+}
+
+void AboutPopupView::showLaunchAtLogin() {
+    const QSignalBlocker quiet(m_parts->launchAtLogin);
+    m_parts->launchAtLogin->setChecked(m_launchAtLogin);
 }
 
 void AboutPopupView::launchAtLoginToggled(bool isOn) {
     m_launchAtLogin = isOn;
-    m_actions.updateLaunchAtLogin(isOn);
+    updateLaunchAtLogin(isOn);
     // After a failure the box shows what is true, not what was wished for.
-    m_launchAtLogin = m_actions.isLaunchedAtLogin();
-    const QSignalBlocker quiet(m_parts.launchAtLogin);
-    m_parts.launchAtLogin->setChecked(m_launchAtLogin);
+    m_launchAtLogin = m_environment.loginItem.isEnabled();
+    showLaunchAtLogin();
 }
 
-void AboutPopupView::outputChosen(int command, const QString& roomId) {
-    switch (static_cast<OutputCommand>(command)) {
-    case OutputCommand::thisMac:
-        m_actions.chooseThisMac();
-        break;
-    case OutputCommand::room:
-        m_actions.chooseRoom(roomId);
-        break;
-    case OutputCommand::everywhere:
-        m_actions.chooseEverywhere();
-        break;
-    case OutputCommand::search:
-        m_actions.search();
-        break;
-    case OutputCommand::allowLocalNetwork:
-        m_actions.openLocalNetworkSettings();
-        break;
-    }
+void AboutPopupView::updateLaunchAtLogin(bool enabled) {
+    LoginItem& item = m_environment.loginItem;
+    if (item.isEnabled() == enabled)
+        return;
+    const auto done = enabled ? item.registerItem() : item.unregisterItem();
+    if (!done)
+        m_environment.output.writeLine(QStringLiteral("Error changing launch at login status: ") +
+                                       done.error());
 }
 
 } // namespace zofra

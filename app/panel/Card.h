@@ -8,7 +8,7 @@
 namespace zofra {
 
 /// A rounded surface with a fine border that groups what stands on it.
-class Card final : public QWidget {
+class Card : public QWidget {
 public:
     Card(const PanelLook& look, QWidget* parent)
         : QWidget(parent)
@@ -17,7 +17,8 @@ public:
     }
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
+    [[nodiscard]] const PanelLook& look() const { return m_look; }
+    void paintEvent(QPaintEvent* event) final;
 
 private:
     const PanelLook& m_look;

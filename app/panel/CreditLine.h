@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "app/panel/ElidedLabel.h"
 #include "app/panel/TextButton.h"
 #include "stations/AppLanguage.h"
 
 #include <QWidget>
-
-#include <functional>
 
 namespace zofra {
 
@@ -18,7 +15,6 @@ public:
     CreditLine(const PanelLook& look, QWidget* parent);
 
     void setLanguage(AppLanguage language);
-    std::function<void()> onLink;
     [[nodiscard]] LinkButton* link() const { return m_link; }
 
     [[nodiscard]] QSize sizeHint() const override {
@@ -33,12 +29,14 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    /// The text's own, without the room for rings.
+    [[nodiscard]] int textWidth() const;
     [[nodiscard]] bool fitsOneLine(int width) const;
-    [[nodiscard]] int dotWidth() const;
+    [[nodiscard]] QString shownText(int width) const;
     void place();
 
     const PanelLook& m_look;
-    ElidedLabel* m_text;
+    QString m_text;
     LinkButton* m_link;
 };
 

@@ -68,10 +68,7 @@ void ElidedLabel::paintEvent(QPaintEvent* event) {
     painter.fillRect(event->rect(), backdropColor(m_look.theme, m_style.backdrop));
     painter.setFont(textFont());
     painter.setPen(m_style.ink == Ink::dim ? m_look.theme.dim : m_look.theme.text);
-    const QRect room = textRect();
-    const QString shown = QFontMetrics(painter.font(), this).elidedText(m_text, Qt::ElideRight, room.width());
-    painter.drawText(room, static_cast<int>(m_style.alignment | Qt::AlignVCenter) | Qt::TextSingleLine,
-                     shown);
+    paintLine(painter, textRect(), m_style.alignment, m_text);
 }
 
 bool ElidedLabel::event(QEvent* event) {

@@ -21,11 +21,12 @@ QEasingCurve easeInOut() {
 } // namespace
 
 LanguageButton::LanguageButton(const PanelLook& look, AppLanguage language, QWidget* parent)
-    : PanelButton(look, parent)
+    : PanelButton(look, Style(), parent)
     , m_language(language) {
     setCheckable(true);
-    setToolTip(texts::languageName.in(language));
+    setAutoExclusive(true);
     setAccessibleName(texts::languageName.in(language));
+    setHelp(accessibleName());
     m_fade.setDuration(fadeMilliseconds);
     m_fade.setEasingCurve(easeInOut());
     connect(&m_fade, &QVariantAnimation::valueChanged, this, [this](const QVariant& value) {
@@ -36,9 +37,11 @@ LanguageButton::LanguageButton(const PanelLook& look, AppLanguage language, QWid
 
 void LanguageButton::setCurrent(bool isCurrent, Change change) {
     const qreal goal = isCurrent ? 1 : 0;
-    if (isCurrent == isChecked() && (m_mark == goal || m_fade.state() == QAbstractAnimation::Running))
+    // The others of the group are unchecked by it.
+    if (isCurrent)
+        setChecked(true);
+    if (m_fade.state() == QAbstractAnimation::Running ? m_fade.endValue() == goal : m_mark == goal)
         return;
-    setChecked(isCurrent);
     m_fade.stop();
     // A desktop without animations says so through its style.
     const bool animates = style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0;
@@ -56,10 +59,6 @@ QSize LanguageButton::bodySize() const {
     return {look().metrics.px(40), look().metrics.px(30)};
 }
 
-qreal LanguageButton::radius() const {
-    return look().metrics.scaled(8);
-}
-
 void LanguageButton::paintBody(QPainter& painter, const QRect& body) {
     const PanelTheme& theme = look().theme;
     const PanelMetrics& metrics = look().metrics;
@@ -69,7 +68,7 @@ void LanguageButton::paintBody(QPainter& painter, const QRect& body) {
         line.setAlphaF(static_cast<float>(m_mark));
         strokeRounded(painter, body, radius(), line, metrics.scaled(theme.isHighContrast ? 2.5 : 1.5));
     } else if (underMouse() || isDown()) {
-        fillRounded(painter, body, radius(), isDown() ? theme.pressed : theme.hover);
+        fillRounded(painter, body, radius(), groundUnderPointer());
     }
     const QSize size(metrics.px(24), metrics.px(16));
     const QRect flag(

@@ -8,7 +8,8 @@
 
 namespace zofra {
 
-/// The flag of one language. The mark of the current language fades in and out, slowly at both ends.
+/// The flag of one language: one of a group, of which one is current, chosen and walked through with the
+/// arrow keys as well. The mark of the current language fades in and out, slowly at both ends.
 class LanguageButton final : public PanelButton {
 public:
     LanguageButton(const PanelLook& look, AppLanguage language, QWidget* parent);
@@ -24,7 +25,6 @@ public:
 protected:
     [[nodiscard]] QSize bodySize() const override;
     void paintBody(QPainter& painter, const QRect& body) override;
-    [[nodiscard]] qreal radius() const override;
     // Which language is current is said by the language manager, not by the click.
     void nextCheckState() override {}
 

@@ -3,12 +3,11 @@
 
 #include "platform/ForeignText.h"
 
-#include <QFontMetrics>
-#include <QHelpEvent>
+#include <QAccessible>
 #include <QKeyEvent>
-#include <QToolTip>
 
 #include <algorithm>
+#include <cmath>
 
 namespace zofra {
 
@@ -16,65 +15,65 @@ namespace {
 
 constexpr qreal sidePadding = 8;
 constexpr qreal linePadding = 5;
-constexpr qreal chevronSize = 12;
-constexpr qreal chevronGap = 6;
-constexpr qreal textSize = 14;
+constexpr qreal chevronGap = 6.5;
 
 } // namespace
 
 MenuButton::MenuButton(const PanelLook& look, QWidget* parent)
-    : PanelButton(look, parent) {
+    : PanelButton(look, {.radius = 7}, parent) {
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     connect(this, &QPushButton::pressed, this, &MenuButton::openMenu);
 }
 
 void MenuButton::setContent(const QString& label, const QString& title) {
-    setAccessibleName(label + QLatin1Char(' ') + displayText(title));
-    const QString shown = displayText(title);
-    if (shown == m_title)
-        return;
-    m_title = shown;
-    updateGeometry();
-    update();
-}
-
-void MenuButton::setHelp(const QString& help) {
-    m_help = help;
-    setAccessibleDescription(help);
+    setTitle(displayText(title));
+    setAccessibleName(label + QLatin1Char(' ') + this->title());
 }
 
 void MenuButton::refreshMenu() {
-    if (m_menu && m_menu->isVisible() && makeEntries)
+    if (isOpen())
         m_menu->setEntries(makeEntries());
 }
 
+void MenuButton::makeMenu() {
+    m_menu = new PanelMenu(look(), this);
+    connect(m_menu, &QMenu::aboutToShow, this, &MenuButton::tellOpen);
+    connect(m_menu, &QMenu::aboutToHide, this, [this] {
+        setDown(false);
+        update();
+        tellOpen();
+    });
+}
+
+void MenuButton::tellOpen() {
+    QAccessible::State changed;
+    changed.expanded = true;
+    changed.collapsed = true;
+    QAccessibleStateChangeEvent event(this, changed);
+    QAccessible::updateAccessibility(&event);
+}
+
 void MenuButton::openMenu() {
-    if (!m_menu) {
-        m_menu = new PanelMenu(look(), this);
-        m_menu->onChosen = [this](const PanelMenuEntry& entry) {
-            if (onChosen)
-                onChosen(entry);
-        };
-        connect(m_menu, &QMenu::aboutToHide, this, [this] {
-            setDown(false);
-            update();
-        });
-    }
-    if (makeEntries)
-        m_menu->setEntries(makeEntries());
+    if (!m_menu)
+        makeMenu();
+    m_menu->setEntries(makeEntries());
     m_menu->setAccessibleName(accessibleName());
     const QRect body = bodyRect();
     const int left = body.right() + 1 - m_menu->sizeHint().width();
     // Below the ring, which shows whose menu it is.
     m_menu->popup(mapToGlobal(QPoint(left, rect().bottom() + 1 + look().metrics.px(1))));
+    m_menu->goToCurrent();
+}
+
+qreal MenuButton::chevronRoom() const {
+    return look().metrics.scaled(chevronGap) + chevronSize(look().metrics).width() +
+           look().metrics.px(sidePadding);
 }
 
 QSize MenuButton::bodySize() const {
     const PanelMetrics& metrics = look().metrics;
-    const QFontMetrics text(metrics.font(textSize, QFont::DemiBold), this);
-    return {text.horizontalAdvance(m_title) + 1 + metrics.px(chevronGap) + metrics.px(chevronSize) +
-                2 * metrics.px(sidePadding),
-            std::max(text.height(), metrics.px(19)) + 2 * metrics.px(linePadding)};
+    return {titleWidth() + static_cast<int>(std::ceil(chevronRoom())) + metrics.px(sidePadding),
+            titleHeight() + 2 * metrics.px(linePadding)};
 }
 
 QSize MenuButton::minimumSizeHint() const {
@@ -82,37 +81,19 @@ QSize MenuButton::minimumSizeHint() const {
     return {std::min(whole.width(), look().metrics.px(80)), whole.height()};
 }
 
-qreal MenuButton::radius() const {
-    return look().metrics.scaled(7);
-}
-
 QRect MenuButton::titleRect(const QRect& body) const {
-    const PanelMetrics& metrics = look().metrics;
-    return body.adjusted(metrics.px(sidePadding), 0,
-                         -metrics.px(sidePadding) - metrics.px(chevronSize) - metrics.px(chevronGap), 0);
-}
-
-bool MenuButton::isElided() const {
-    const QFontMetrics text(look().metrics.font(textSize, QFont::DemiBold), this);
-    return text.horizontalAdvance(m_title) > titleRect(bodyRect()).width();
+    return body.adjusted(look().metrics.px(sidePadding), 0, -static_cast<int>(std::lround(chevronRoom())), 0);
 }
 
 void MenuButton::paintBody(QPainter& painter, const QRect& body) {
     const PanelTheme& theme = look().theme;
-    const PanelMetrics& metrics = look().metrics;
-    const bool isOpen = m_menu && m_menu->isVisible();
-    if (isOpen || isDown() || underMouse())
-        fillRounded(painter, body, radius(), isOpen || isDown() ? theme.pressed : theme.hover);
-    const QRect room = titleRect(body);
-    painter.setFont(metrics.font(textSize, QFont::DemiBold));
-    painter.setPen(theme.text);
-    painter.drawText(room, Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine,
-                     QFontMetrics(painter.font(), this).elidedText(m_title, Qt::ElideRight, room.width()));
-    const int edge = metrics.px(chevronSize);
-    paintIcon(painter, look(), QStringLiteral("chevron.down"),
-              QRect(body.right() + 1 - metrics.px(sidePadding) - edge,
-                    body.top() + (body.height() - edge) / 2, edge, edge),
-              theme.dim);
+    if (isOpen() || isDown() || underMouse())
+        fillRounded(painter, body, radius(), isOpen() ? theme.pressed : groundUnderPointer());
+    paintTitle(painter, titleRect(body), Qt::AlignRight, theme.text);
+    const qreal right = body.right() + 1 - look().metrics.px(sidePadding);
+    paintChevron(painter, look().metrics,
+                 QPointF(right - chevronSize(look().metrics).width() / 2, QRectF(body).center().y()), 0,
+                 theme.dim);
 }
 
 void MenuButton::keyPressEvent(QKeyEvent* event) {
@@ -122,16 +103,9 @@ void MenuButton::keyPressEvent(QKeyEvent* event) {
         PanelButton::keyPressEvent(event);
 }
 
-bool MenuButton::event(QEvent* event) {
-    if (event->type() != QEvent::ToolTip)
-        return PanelButton::event(event);
-    QStringList lines;
-    if (isElided())
-        lines += toolTipText(m_title);
-    if (!m_help.isEmpty())
-        lines += toolTipText(m_help);
-    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), lines.join(QString()), this);
-    return true;
+QStringList MenuButton::helpLines() const {
+    const bool isElided = titleWidth() - 1 > titleRect(bodyRect()).width();
+    return {isElided ? title() : QString(), help()};
 }
 
 } // namespace zofra

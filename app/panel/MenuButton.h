@@ -16,16 +16,14 @@ public:
 
     /// `label` is what stands before the button, for screen readers.
     void setContent(const QString& label, const QString& title);
-    [[nodiscard]] const QString& title() const { return m_title; }
-    /// Shown on hover and read by screen readers after the title.
-    void setHelp(const QString& help);
 
     /// Makes the lines; asked each time the menu opens.
     std::function<QList<PanelMenuEntry>()> makeEntries;
-    std::function<void(const PanelMenuEntry&)> onChosen;
     /// Brings an open menu up to date.
     void refreshMenu();
+    /// Opens the menu, on the line of what is chosen now.
     void openMenu();
+    [[nodiscard]] bool isOpen() const { return m_menu && m_menu->isVisible(); }
     /// Null until first opened.
     [[nodiscard]] PanelMenu* openedMenu() const { return m_menu; }
 
@@ -34,16 +32,15 @@ public:
 protected:
     [[nodiscard]] QSize bodySize() const override;
     void paintBody(QPainter& painter, const QRect& body) override;
-    [[nodiscard]] qreal radius() const override;
+    [[nodiscard]] QStringList helpLines() const override;
     void keyPressEvent(QKeyEvent* event) override;
-    bool event(QEvent* event) override;
 
 private:
+    void makeMenu();
+    void tellOpen();
     [[nodiscard]] QRect titleRect(const QRect& body) const;
-    [[nodiscard]] bool isElided() const;
+    [[nodiscard]] qreal chevronRoom() const;
 
-    QString m_title;
-    QString m_help;
     PanelMenu* m_menu = nullptr;
 };
 

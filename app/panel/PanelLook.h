@@ -45,4 +45,15 @@ void fillRounded(QPainter& painter, const QRectF& rect, qreal radius, const QCol
 /// Draws a rounded line of `width` lying inside `rect`.
 void strokeRounded(QPainter& painter, const QRectF& rect, qreal radius, const QColor& color, qreal width);
 
+/// The room that a chevron drawn downwards takes.
+[[nodiscard]] QSizeF chevronSize(const PanelMetrics& metrics);
+
+/// Draws a chevron around `middle`, turned clockwise by `degrees` from pointing downwards.
+void paintChevron(QPainter& painter, const PanelMetrics& metrics, QPointF middle, int degrees,
+                  const QColor& color);
+
+/// Draws one line of text, cut with an ellipsis where it does not fit: at the end of the text, which is on
+/// the left of one that is written from right to left. With the painter's font and pen.
+void paintLine(QPainter& painter, const QRect& room, Qt::Alignment alignment, const QString& text);
+
 } // namespace zofra

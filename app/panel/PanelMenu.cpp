@@ -41,10 +41,18 @@ void PanelMenu::setEntries(const QList<PanelMenuEntry>& entries) {
     if (!isVisible() || activeIndex < 0)
         return;
     for (qsizetype i = 0; i < entries.size(); ++i) {
-        if (entries[i].command == active.command && entries[i].argument == active.argument) {
+        if (entries[i].text == active.text && entries[i].id == active.id) {
             setActiveAction(actions().at(i));
             break;
         }
+    }
+}
+
+void PanelMenu::goToCurrent() {
+    const auto lines = actions();
+    for (QAction* line : lines) {
+        if (line->isChecked())
+            setActiveAction(line);
     }
 }
 
@@ -56,8 +64,8 @@ void PanelMenu::addEntry(const PanelMenuEntry& entry) {
     QAction* action = addAction(menuText(entry.text));
     if (!entry.help.isEmpty())
         action->setToolTip(toolTipText(entry.help));
-    action->setFont(m_look.metrics.font(entry.kind == PanelMenuEntry::Kind::message ? 11 : 14));
     if (entry.kind == PanelMenuEntry::Kind::message) {
+        action->setFont(m_look.metrics.font(11));
         action->setEnabled(false);
         return;
     }
@@ -69,8 +77,7 @@ void PanelMenu::addEntry(const PanelMenuEntry& entry) {
         // The check mark follows the state, not the click.
         if (action->isCheckable())
             action->setChecked(entry.mark == PanelMenuEntry::Mark::on);
-        if (onChosen)
-            onChosen(entry);
+        entry.act();
     });
 }
 

@@ -25,14 +25,18 @@ struct PanelMenuEntry {
     enum class Mark { none, off, on };
 
     Kind kind = Kind::choice;
-    /// What choosing this line hands out.
-    int command = 0;
-    QString argument;
     QString text;
-    QString help;
     Mark mark = Mark::none;
+    /// What choosing the line does.
+    std::function<void()> act = {};
+    /// Tells lines of the same text apart.
+    QString id = {};
+    QString help = {};
 
-    friend bool operator==(const PanelMenuEntry&, const PanelMenuEntry&) = default;
+    /// Whether both look the same and do the same.
+    friend bool operator==(const PanelMenuEntry& a, const PanelMenuEntry& b) {
+        return a.kind == b.kind && a.text == b.text && a.mark == b.mark && a.id == b.id && a.help == b.help;
+    }
 };
 
 /// A menu in the panel's look that belongs to one of its buttons. Can change while it is open.
@@ -44,9 +48,8 @@ public:
     /// Shows these lines; equal ones are left alone.
     void setEntries(const QList<PanelMenuEntry>& entries);
     [[nodiscard]] const QList<PanelMenuEntry>& entries() const { return m_entries; }
-
-    /// The user has chosen a line.
-    std::function<void(const PanelMenuEntry&)> onChosen;
+    /// Goes to the line of what is chosen now.
+    void goToCurrent();
 
 private:
     void addEntry(const PanelMenuEntry& entry);

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/PanelMenuStyle.h"
 
-#include <QPolygonF>
+#include <QApplication>
+#include <QFontMetrics>
+#include <QMenu>
 #include <QStyleOption>
-#include <QWidget>
 
 #include <algorithm>
 
@@ -21,6 +22,14 @@ constexpr qreal keyGap = 28;
 constexpr qreal linePadding = 5;
 constexpr qreal separatorHeight = 9;
 constexpr qreal surfaceRadius = 10;
+constexpr qreal textSize = 14;
+
+/// Begins a menu text that searches. Fonts may lack it, so it is drawn; the text stays what it is.
+const QString searchSign = QStringLiteral("\U0001F504");
+
+int searchSignWidth(const QStyleOptionMenuItem& item) {
+    return QFontMetrics(item.font).ascent();
+}
 
 } // namespace
 
@@ -28,10 +37,35 @@ PanelMenuStyle::PanelMenuStyle(const PanelLook& look)
     : QProxyStyle(QStringLiteral("fusion"))
     , m_look(look) {}
 
-PanelMenuStyle::PanelMenuStyle(std::unique_ptr<const PanelLook> look)
+PanelMenuStyle::PanelMenuStyle(std::unique_ptr<PanelLook> look, AppearanceSource& appearance)
     : QProxyStyle(QStringLiteral("fusion"))
     , m_ownLook(std::move(look))
-    , m_look(*m_ownLook) {}
+    , m_look(*m_ownLook)
+    , m_appearance(&appearance)
+    , m_followed(appearance.observeChanged([this] { followAppearance(); })) {}
+
+void PanelMenuStyle::polish(QWidget* widget) {
+    QProxyStyle::polish(widget);
+    if (!qobject_cast<QMenu*>(widget))
+        return;
+    // The same type size in all of them, whatever the desktop gives its own menus.
+    widget->setFont(m_look.metrics.font(textSize));
+    widget->installEventFilter(&m_keys);
+}
+
+void PanelMenuStyle::unpolish(QWidget* widget) {
+    widget->removeEventFilter(&m_keys);
+    QProxyStyle::unpolish(widget);
+}
+
+void PanelMenuStyle::followAppearance() {
+    m_ownLook->theme = PanelTheme::make(m_appearance->current(), QGuiApplication::palette());
+    const auto all = QApplication::allWidgets();
+    for (QWidget* widget : all) {
+        if (widget->style() == this)
+            widget->update();
+    }
+}
 
 void PanelMenuStyle::drawSurface(QPainter& painter, const QRect& rect, const QWidget* widget) const {
     const PanelTheme& theme = m_look.theme;
@@ -64,17 +98,24 @@ void PanelMenuStyle::drawItem(const QStyleOptionMenuItem& item, QPainter& painte
                          theme.line);
         return;
     }
-    if (item.state.testFlag(State_Enabled) && item.state.testFlag(State_Selected)) {
+    if (item.state.testFlag(State_Selected)) {
         // Like the mark of the current language: whoever walks through with the keyboard must see the place.
-        fillRounded(painter, item.rect, metrics.scaled(6),
-                    mixed(theme.accentText, theme.card, item.state.testFlag(State_Sunken) ? 0.24 : 0.14));
-        if (theme.isHighContrast)
-            strokeRounded(painter, item.rect, metrics.scaled(6), theme.text, 2);
+        if (item.state.testFlag(State_Enabled))
+            fillRounded(painter, item.rect, metrics.scaled(6),
+                        theme.menuMark(item.state.testFlag(State_Sunken)));
+        // A line that is only read is framed.
+        if (theme.isHighContrast || !item.state.testFlag(State_Enabled))
+            strokeRounded(painter, item.rect, metrics.scaled(6),
+                          theme.isHighContrast ? theme.text : theme.mark, theme.isHighContrast ? 2 : 1);
     }
     drawLead(item, painter);
     drawText(item, painter);
     if (item.menuItemType == QStyleOptionMenuItem::SubMenu)
-        drawArrow(item, painter);
+        paintChevron(
+            painter, metrics,
+            QPointF(item.rect.right() + 1 - metrics.px(sidePadding) - chevronSize(metrics).height() / 2,
+                    QRectF(item.rect).center().y()),
+            -90, item.state.testFlag(State_Selected) ? theme.text : theme.dim);
 }
 
 int PanelMenuStyle::leadWidth(const QStyleOptionMenuItem& item) const {
@@ -97,34 +138,42 @@ void PanelMenuStyle::drawLead(const QStyleOptionMenuItem& item, QPainter& painte
 void PanelMenuStyle::drawText(const QStyleOptionMenuItem& item, QPainter& painter) const {
     const PanelTheme& theme = m_look.theme;
     const int side = m_look.metrics.px(sidePadding);
-    const int flags = Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextHideMnemonic;
-    const QRect room = item.rect.adjusted(side + leadWidth(item), 0, -side, 0);
-    const qsizetype tab = item.text.indexOf(QLatin1Char('\t'));
+    QRect room = item.rect.adjusted(side + leadWidth(item), 0, -side, 0);
+    const QColor& ink = item.state.testFlag(State_Enabled) ? theme.text : theme.dim;
+    QString text = item.text.section(QLatin1Char('\t'), 0, 0);
+    text.replace(QLatin1String("&&"), QLatin1String("&"));
+    if (text.startsWith(searchSign)) {
+        const int edge = searchSignWidth(item);
+        paintIcon(painter, m_look, QStringLiteral("arrow.clockwise"),
+                  QRect(room.left(), room.top() + (room.height() - edge) / 2, edge, edge), ink);
+        room.setLeft(room.left() + edge);
+        text.remove(0, searchSign.size());
+    }
     painter.setFont(item.font);
-    painter.setPen(item.state.testFlag(State_Enabled) ? theme.text : theme.dim);
-    painter.drawText(room, flags | Qt::AlignLeft, tab < 0 ? item.text : item.text.left(tab));
-    if (tab < 0)
+    painter.setPen(ink);
+    paintLine(painter, room, Qt::AlignLeft, text);
+    if (!item.text.contains(QLatin1Char('\t')))
         return;
-    painter.setPen(theme.dim);
-    painter.drawText(room, flags | Qt::AlignRight, item.text.mid(tab + 1));
+    painter.setPen(item.state.testFlag(State_Selected) ? ink : theme.dim);
+    paintLine(painter, room, Qt::AlignRight, item.text.section(QLatin1Char('\t'), 1));
 }
 
-void PanelMenuStyle::drawArrow(const QStyleOptionMenuItem& item, QPainter& painter) const {
-    const PanelMetrics& metrics = m_look.metrics;
-    const qreal reach = metrics.scaled(3.5);
-    const QPointF tip(item.rect.right() + 1 - metrics.px(sidePadding) - metrics.scaled(2),
-                      item.rect.top() + item.rect.height() / 2.0);
-    painter.setPen(QPen(m_look.theme.dim, metrics.scaled(1.5), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.drawPolyline(QPolygonF({tip + QPointF(-reach, -reach), tip, tip + QPointF(-reach, reach)}));
+void PanelMenuStyle::drawScroller(const QStyleOptionMenuItem& item, QPainter& painter) const {
+    painter.fillRect(item.rect, m_look.theme.card);
+    paintChevron(painter, m_look.metrics, QRectF(item.rect).center(),
+                 item.state.testFlag(State_DownArrow) ? 0 : 180, m_look.theme.text);
 }
 
 void PanelMenuStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                                  const QWidget* widget) const {
-    if (element == CE_MenuItem) {
+    if (element == CE_MenuItem || element == CE_MenuScroller) {
         if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option)) {
             painter->save();
             painter->setRenderHint(QPainter::Antialiasing);
-            drawItem(*item, *painter);
+            if (element == CE_MenuScroller)
+                drawScroller(*item, *painter);
+            else
+                drawItem(*item, *painter);
             painter->restore();
         }
         return;
@@ -147,7 +196,10 @@ QSize PanelMenuStyle::sizeFromContents(ContentsType type, const QStyleOption* op
     const int behind = item->text.contains(QLatin1Char('\t'))                ? metrics.px(keyGap)
                        : item->menuItemType == QStyleOptionMenuItem::SubMenu ? metrics.px(arrowColumn)
                                                                              : 0;
-    return {size.width() + 2 * metrics.px(sidePadding) + leadWidth(*item) + behind + 2,
+    const int sign = item->text.startsWith(searchSign)
+                         ? searchSignWidth(*item) - QFontMetrics(item->font).horizontalAdvance(searchSign)
+                         : 0;
+    return {size.width() + 2 * metrics.px(sidePadding) + leadWidth(*item) + behind + sign + 2,
             line + 2 * metrics.px(linePadding)};
 }
 
@@ -164,6 +216,8 @@ int PanelMenuStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, 
         return 0;
     case PM_SmallIconSize:
         return m_look.metrics.px(iconSize);
+    case PM_MenuScrollerHeight:
+        return m_look.metrics.px(20);
     default:
         return QProxyStyle::pixelMetric(metric, option, widget);
     }
@@ -181,6 +235,8 @@ int PanelMenuStyle::styleHint(StyleHint hint, const QStyleOption* option, const 
     switch (hint) {
     case SH_Menu_Scrollable:
     case SH_Menu_MouseTracking:
+    case SH_Menu_AllowActiveAndDisabled:
+    case SH_Menu_SpaceActivatesItem:
         return 1;
     case SH_Menu_Mask:
         return 0;

@@ -7,64 +7,44 @@ namespace zofra {
 
 namespace {
 
-PanelMenuEntry::Mark markOf(bool isCurrent) {
-    return isCurrent ? PanelMenuEntry::Mark::on : PanelMenuEntry::Mark::off;
-}
+using Kind = PanelMenuEntry::Kind;
+using Mark = PanelMenuEntry::Mark;
 
-PanelMenuEntry output(OutputCommand command, const QString& text) {
-    PanelMenuEntry entry;
-    entry.command = static_cast<int>(command);
-    entry.text = text;
-    return entry;
-}
-
-PanelMenuEntry target(OutputCommand command, const QString& text, bool isCurrent) {
-    PanelMenuEntry entry = output(command, text);
-    entry.mark = markOf(isCurrent);
-    return entry;
+Mark markOf(bool isCurrent) {
+    return isCurrent ? Mark::on : Mark::off;
 }
 
 } // namespace
 
-QList<PanelMenuEntry> stationMenuEntries(RadioStation current) {
+QList<PanelMenuEntry> stationMenuEntries(const RadioState& state, RadioControls& controls) {
     QList<PanelMenuEntry> entries;
-    for (const RadioStation station : RadioStation::allCases) {
-        PanelMenuEntry entry;
-        entry.argument = station.rawValue();
-        entry.text = station.displayName() + QStringLiteral(" – ") + station.genre();
-        entry.mark = markOf(station == current);
-        entries += entry;
-    }
+    for (const RadioStation station : RadioStation::allCases)
+        entries +=
+            {Kind::choice, station.displayName() + QStringLiteral(" – ") + station.genre(),
+             markOf(station == state.station), [&controls, station] { controls.chooseStation(station); }};
     return entries;
 }
 
-QList<PanelMenuEntry> outputMenuEntries(const SonosManager& sonos, AppLanguage language) {
-    const AudioOutputTarget& active = sonos.activeTarget.get();
+QList<PanelMenuEntry> outputMenuEntries(const RadioState& state, RadioControls& controls) {
+    const AppLanguage language = state.language;
     QList<PanelMenuEntry> entries;
     entries +=
-        target(OutputCommand::thisMac, texts::thisMac.in(language), active == AudioOutputTarget::localMac());
-    for (const SonosRoom& room : sonos.rooms.get()) {
-        PanelMenuEntry entry = target(OutputCommand::room, sonos.displayTitle(room),
-                                      active == AudioOutputTarget::sonos(room.id()));
-        entry.argument = room.id();
-        entries += entry;
-    }
-    if (sonos.rooms.get().isEmpty()) {
-        PanelMenuEntry reason;
-        reason.kind = PanelMenuEntry::Kind::message;
-        reason.command = -1;
-        reason.text = sonos.emptyStateMessage();
-        entries += reason;
-    }
-    entries += target(OutputCommand::everywhere, texts::everywhere.in(language),
-                      active == AudioOutputTarget::sonosEverywhere());
+        {Kind::choice, texts::thisMac.in(language), markOf(state.target == AudioOutputTarget::localMac()),
+         [&controls] { controls.chooseThisComputer(); }};
+    for (const auto& [room, title] : state.rooms)
+        entries += {Kind::choice, title, markOf(state.target == AudioOutputTarget::sonos(room.id())),
+                    [&controls, id = room.id()] { controls.chooseRoom(id); }, room.id()};
+    if (state.rooms.empty())
+        entries += {Kind::message, state.emptyStateMessage, Mark::none, {}};
+    entries += {Kind::choice, texts::everywhere.in(language),
+                markOf(state.target == AudioOutputTarget::sonosEverywhere()),
+                [&controls] { controls.chooseEverywhere(); }};
     entries.back().help = texts::synchronizationNote.in(language);
-    PanelMenuEntry divider;
-    divider.kind = PanelMenuEntry::Kind::separator;
-    divider.command = -1;
-    entries += divider;
-    entries += output(OutputCommand::search, texts::searchEntry.in(language));
-    entries += output(OutputCommand::allowLocalNetwork, texts::allowLocalNetwork.in(language));
+    entries += {Kind::separator, {}, Mark::none, {}};
+    entries +=
+        {Kind::choice, texts::searchEntry.in(language), Mark::none, [&controls] { controls.search(); }};
+    entries += {Kind::choice, texts::allowLocalNetwork.in(language), Mark::none,
+                [&controls] { controls.openLocalNetworkSettings(); }};
     return entries;
 }
 

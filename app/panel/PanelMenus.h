@@ -1,20 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "app/RadioControls.h"
+#include "app/RadioState.h"
 #include "app/panel/PanelMenu.h"
-#include "speakers/SonosManager.h"
-#include "stations/AppLanguage.h"
-#include "stations/RadioStation.h"
 
 namespace zofra {
 
-/// What a line of the output menu does; `argument` of a room's line is its id.
-enum class OutputCommand { thisMac, room, everywhere, search, allowLocalNetwork };
+// The lines of the panel's menus. What choosing one does goes to `controls`, which outlives them.
 
-/// Every station with name and genre; `argument` is the raw value.
-[[nodiscard]] QList<PanelMenuEntry> stationMenuEntries(RadioStation current);
+/// Every station with name and genre.
+[[nodiscard]] QList<PanelMenuEntry> stationMenuEntries(const RadioState& state, RadioControls& controls);
 
 /// This computer, the rooms or why there are none, everywhere, and what finds more.
-[[nodiscard]] QList<PanelMenuEntry> outputMenuEntries(const SonosManager& sonos, AppLanguage language);
+[[nodiscard]] QList<PanelMenuEntry> outputMenuEntries(const RadioState& state, RadioControls& controls);
 
 } // namespace zofra

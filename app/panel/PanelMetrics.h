@@ -17,6 +17,8 @@ public:
     /// A length of the drawing, scaled and on whole pixels, at least 1.
     [[nodiscard]] int px(qreal length) const;
     [[nodiscard]] qreal scaled(qreal length) const { return length * m_scale; }
+    /// The room between two things, one below the other; closer together on a low screen.
+    [[nodiscard]] int gap(qreal length) const { return px(length * m_closeness); }
     /// The desktop's family at `size` (pixels of the drawing) and `weight`.
     [[nodiscard]] QFont font(qreal size, QFont::Weight weight = QFont::Normal) const;
 
@@ -29,6 +31,7 @@ private:
     QFont m_font;
     qreal m_dpi = 96;
     qreal m_scale = 1;
+    qreal m_closeness = 1;
 };
 
 } // namespace zofra

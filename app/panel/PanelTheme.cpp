@@ -11,6 +11,7 @@ namespace {
 
 constexpr double textContrast = 4.5;
 constexpr double highTextContrast = 7.0;
+constexpr double markContrast = 3.0;
 
 double luminance(const QColor& color) {
     const auto linear = [](float channel) {
@@ -88,6 +89,7 @@ void setGrounds(PanelTheme& theme) {
         theme.hover = QColor(0xf0f1f5);
         theme.pressed = QColor(0xe4e5ea);
     }
+    theme.mark = readable(theme.line, theme.isDark ? theme.card : theme.window, theme.text, markContrast);
 }
 
 } // namespace
@@ -104,6 +106,15 @@ QColor mixed(const QColor& top, const QColor& bottom, double share) {
     };
     return {channel(top.red(), bottom.red()), channel(top.green(), bottom.green()),
             channel(top.blue(), bottom.blue())};
+}
+
+QColor PanelTheme::shadedAccent(double shade) const {
+    const bool isDarkInk = contrastRatio(onAccent, Qt::black) < contrastRatio(onAccent, Qt::white);
+    return mixed(isDarkInk ? Qt::white : Qt::black, accent, shade);
+}
+
+QColor PanelTheme::menuMark(bool isPressed) const {
+    return mixed(accentText, card, isPressed ? 0.24 : 0.14);
 }
 
 PanelTheme PanelTheme::make(const DesktopAppearance& desktop, const QPalette& palette) {

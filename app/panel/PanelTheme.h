@@ -27,8 +27,10 @@ struct PanelTheme {
 
     QColor window;
     QColor card;
-    /// Borders and the empty part of the slider.
+    /// Borders, which only group.
     QColor line;
+    /// Lines and surfaces that show where something is: a box, the slider's track.
+    QColor mark;
     QColor text;
     QColor dim;
     /// Surfaces in the accent colour, and what is written on them.
@@ -40,6 +42,12 @@ struct PanelTheme {
     QColor pressed;
 
     friend bool operator==(const PanelTheme&, const PanelTheme&) = default;
+
+    /// The accent's surface while it is touched, `shade` (0..1) of the way away from what is written on it.
+    [[nodiscard]] QColor shadedAccent(double shade) const;
+
+    /// The ground of the menu line that is gone to, or pressed.
+    [[nodiscard]] QColor menuMark(bool isPressed) const;
 
     /// The desktop's word first, then the palette's, then the house's own red.
     [[nodiscard]] static PanelTheme make(const DesktopAppearance& desktop, const QPalette& palette);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/PlayButton.h"
 
-#include <QFontMetrics>
+#include <QStyle>
 
 #include <algorithm>
 
@@ -9,61 +9,87 @@ namespace zofra {
 
 namespace {
 
-constexpr qreal stopSize = 14;
+constexpr qreal drawingSize = 14;
 constexpr qreal gap = 8;
-constexpr qreal textSize = 14;
+constexpr qreal arcReach = 5;
+constexpr int turnMilliseconds = 1200;
 
 } // namespace
 
 PlayButton::PlayButton(const PanelLook& look, QWidget* parent)
-    : PanelButton(look, parent) {
+    : PanelButton(look, {.radius = 9}, parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    m_turning.setDuration(turnMilliseconds);
+    m_turning.setStartValue(0);
+    m_turning.setEndValue(360);
+    m_turning.setLoopCount(-1);
+    connect(&m_turning, &QVariantAnimation::valueChanged, this, [this] { update(); });
 }
 
 void PlayButton::setContent(const QString& icon, const QString& title) {
-    if (icon == m_icon && title == m_title)
+    setTitle(title);
+    if (icon == m_icon)
         return;
     m_icon = icon;
-    m_title = title;
-    setAccessibleName(title);
-    updateGeometry();
     update();
 }
 
+void PlayButton::setWaiting(bool isWaiting, const QString& word) {
+    setHelp(isWaiting ? word : QString());
+    setAccessibleDescription(help());
+    if (isWaiting == m_isWaiting)
+        return;
+    m_isWaiting = isWaiting;
+    turn();
+    update();
+}
+
+void PlayButton::turn() {
+    // A desktop without animations says so through its style; the arc then stands still.
+    const bool animates = style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0;
+    if (m_isWaiting && isVisible() && animates)
+        m_turning.start();
+    else
+        m_turning.stop();
+}
+
+void PlayButton::showEvent(QShowEvent* event) {
+    PanelButton::showEvent(event);
+    turn();
+}
+
+void PlayButton::hideEvent(QHideEvent* event) {
+    PanelButton::hideEvent(event);
+    turn();
+}
+
 int PlayButton::contentWidth() const {
-    const PanelMetrics& metrics = look().metrics;
-    const QFontMetrics text(metrics.font(textSize, QFont::DemiBold), this);
-    return metrics.px(stopSize) + metrics.px(gap) + text.horizontalAdvance(m_title);
+    return look().metrics.px(drawingSize) + look().metrics.px(gap) + titleWidth();
 }
 
 QSize PlayButton::bodySize() const {
     const PanelMetrics& metrics = look().metrics;
-    const QFontMetrics text(metrics.font(textSize, QFont::DemiBold), this);
-    return {contentWidth() + 2 * metrics.px(14), std::max(metrics.px(38), text.height() + metrics.px(12))};
-}
-
-qreal PlayButton::radius() const {
-    return look().metrics.scaled(9);
+    return {contentWidth() + 2 * metrics.px(14), std::max(metrics.px(38), titleHeight() + metrics.px(12))};
 }
 
 void PlayButton::paintBody(QPainter& painter, const QRect& body) {
     const PanelTheme& theme = look().theme;
     const PanelMetrics& metrics = look().metrics;
-    // Towards the ground rather than the ink, so that the title keeps its contrast.
-    const QColor away = contrastRatio(theme.onAccent, Qt::black) > contrastRatio(theme.onAccent, Qt::white)
-                            ? Qt::black
-                            : Qt::white;
     const double shade = isDown() ? 0.16 : underMouse() ? 0.08 : 0;
-    fillRounded(painter, body, radius(), mixed(away, theme.accent, shade));
+    fillRounded(painter, body, radius(), theme.shadedAccent(shade));
 
-    const int edge = metrics.px(stopSize);
-    const int left = body.left() + (body.width() - contentWidth()) / 2;
-    paintIcon(painter, look(), m_icon, QRect(left, body.top() + (body.height() - edge) / 2, edge, edge),
-              theme.onAccent);
-    painter.setFont(metrics.font(textSize, QFont::DemiBold));
-    painter.setPen(theme.onAccent);
-    painter.drawText(body.adjusted(left - body.left() + edge + metrics.px(gap), 0, 0, 0),
-                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, m_title);
+    const int edge = metrics.px(drawingSize);
+    const QRect square(body.left() + (body.width() - contentWidth()) / 2,
+                       body.top() + (body.height() - edge) / 2, edge, edge);
+    paintIcon(painter, look(), m_icon, square, theme.onAccent);
+    if (m_isWaiting) {
+        const qreal reach = metrics.scaled(arcReach);
+        painter.setPen(QPen(theme.onAccent, metrics.scaled(2), Qt::SolidLine, Qt::RoundCap));
+        painter.drawArc(QRectF(square).adjusted(-reach, -reach, reach, reach),
+                        -16 * m_turning.currentValue().toInt(), 16 * 270);
+    }
+    paintTitle(painter, body.adjusted(square.right() + 1 + metrics.px(gap) - body.left(), 0, 0, 0),
+               Qt::AlignLeft, theme.onAccent);
 }
 
 } // namespace zofra

@@ -1,18 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/QtPopupWindow.h"
 
-#include "app/RadioControls.h"
+#include "app/panel/PanelAccess.h"
 
 #include <QAccessible>
-#include <QAccessibleWidget>
-#include <QCloseEvent>
+#include <QCursor>
 #include <QFontMetrics>
 #include <QGuiApplication>
 #include <QPointer>
 #include <QScreen>
-#include <QShortcut>
-#include <QVBoxLayout>
-#include <QWindow>
 
 #include <utility>
 
@@ -20,51 +16,14 @@ namespace zofra {
 
 namespace {
 
-/// The window itself; exactly as large as the panel in it.
-class HostWindow final : public QWidget {
-public:
-    HostWindow(PopupPanelContent content, const PanelEnvironment& environment) {
-        // The program lives in the status bar, whether or not this window is open.
-        setAttribute(Qt::WA_QuitOnClose, false);
-        // Where there is no tray, this window is all there is of the program.
-        auto* quit = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q), this);
-        connect(quit, &QShortcut::activated, this, [&controls = content.controls] { controls.quit(); });
-        auto* rows = new QVBoxLayout(this);
-        rows->setContentsMargins(0, 0, 0, 0);
-        rows->setSizeConstraint(QLayout::SetFixedSize);
-        auto* view = new AboutPopupView(std::move(content), environment, this);
-        rows->addWidget(view);
-    }
-
-    std::function<void()> onClosed;
-    bool wasUsed = false;
-
-protected:
-    bool event(QEvent* event) override {
-        wasUsed = wasUsed || event->type() == QEvent::WindowActivate;
-        return QWidget::event(event);
-    }
-    void closeEvent(QCloseEvent* event) override {
-        event->accept();
-        if (onClosed)
-            onClosed();
-    }
-};
-
-/// A plain widget would be told to screen readers as something in a window, not as one.
-QAccessibleInterface* accessibleWindow(const QString&, QObject* object) {
-    auto* host = dynamic_cast<HostWindow*>(object);
-    return host ? new QAccessibleWidget(host, QAccessible::Window) : nullptr;
-}
-
 class QtPopupWindow final : public PopupWindow {
 public:
     QtPopupWindow(PopupPanelContent content, const PanelEnvironment& environment,
                   std::shared_ptr<QByteArray> token)
-        : m_host(new HostWindow(std::move(content), environment))
+        : m_host(new AboutPopupView(std::move(content), environment))
         , m_token(std::move(token)) {
         m_host->onClosed = [this] { tellClosing(); };
-        QAccessible::installFactory(accessibleWindow); // once, however often it is said
+        installPanelAccess();
     }
     QtPopupWindow(const QtPopupWindow&) = delete;
     QtPopupWindow& operator=(const QtPopupWindow&) = delete;
@@ -87,10 +46,9 @@ public:
     }
 
     void center() override {
-        const QScreen* screen = m_host->screen();
-        m_host->adjustSize();
-        const QRect room = screen->availableGeometry();
-        m_host->move(room.center() - QPoint(m_host->width() / 2, m_host->height() / 2));
+        // Whoever asked for the window did so where the pointer is.
+        QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
+        m_host->centerOn(screen ? screen : m_host->screen());
     }
 
     void makeKeyAndOrderFront() override {
@@ -112,7 +70,7 @@ public:
         m_host->setAttribute(Qt::WA_ShowWithoutActivating, false);
     }
 
-    bool wasUsed() const override { return m_host->wasUsed; }
+    bool wasUsed() const override { return m_host->wasUsed(); }
 
     void close() override { m_host->close(); }
 
@@ -123,7 +81,7 @@ private:
             handler(*this);
     }
 
-    HostWindow* m_host;
+    AboutPopupView* m_host;
     std::shared_ptr<QByteArray> m_token;
 };
 
@@ -140,9 +98,9 @@ std::vector<std::function<void()>> QtPopupWindowFactory::preparation(const Popup
     }
     // Whoever makes the first widget asks the bus whether screen readers are about, and waits for the answer.
     steps.emplace_back([] { static_cast<void>(QAccessible::isActive()); });
-    const auto window = std::make_shared<std::unique_ptr<HostWindow>>();
+    const auto window = std::make_shared<std::unique_ptr<AboutPopupView>>();
     steps.emplace_back([window, content, environment = m_environment] {
-        *window = std::make_unique<HostWindow>(content, environment);
+        *window = std::make_unique<AboutPopupView>(content, environment);
     });
     steps.emplace_back([window] { static_cast<void>((*window)->grab()); });
     steps.emplace_back([window] {

@@ -6,34 +6,32 @@
 #include "app/panel/IconLabel.h"
 #include "stations/AppLanguage.h"
 
-#include <QWidget>
-
 #include <optional>
+
+class QGridLayout;
 
 namespace zofra {
 
 /// What is on air now and, where known, next.
-class SongCard final {
+class SongCard final : public Card {
 public:
     SongCard(const PanelLook& look, QWidget* parent);
 
-    [[nodiscard]] QWidget* widget() const { return m_card; }
     void setLanguage(AppLanguage language);
     /// The row of the next song is there only when there is one.
     void setSongs(const QString& current, const std::optional<QString>& next);
 
-    [[nodiscard]] ElidedLabel* currentSong() const { return m_now.song; }
-    [[nodiscard]] ElidedLabel* nextSong() const { return m_next.song; }
-
 private:
     struct Row {
-        QWidget* box = nullptr;
+        IconLabel* icon = nullptr;
         ElidedLabel* header = nullptr;
         ElidedLabel* song = nullptr;
     };
-    Row makeRow(const PanelLook& look, const QString& icon, QFont::Weight weight);
+    Row addRow(int row, const QString& icon, QFont::Weight weight);
+    ElidedLabel* addLabel(int row, ElidedLabel::Style style);
+    void showNext(bool isThere);
 
-    Card* m_card;
+    QGridLayout* m_grid;
     Row m_now;
     Row m_next;
 };

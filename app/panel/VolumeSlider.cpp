@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/VolumeSlider.h"
 
+#include "app/RadioControls.h"
+#include "app/VolumePercent.h"
+
 #include <QMouseEvent>
 #include <QPaintEvent>
-#include <QRadialGradient>
 #include <QSignalBlocker>
+#include <QWheelEvent>
 
 #include <algorithm>
 #include <cmath>
@@ -16,14 +19,7 @@ namespace {
 constexpr qreal knobSize = 18;
 constexpr qreal trackHeight = 4;
 constexpr int fullPercent = 100;
-
-// The volume of a step: the nearest one whose percentage, cut as it is everywhere, is that step again. 0.53
-// itself would come back as 52.
-float volumeAt(int percent) {
-    const float full = fullPercent;
-    const float volume = static_cast<float>(percent) / full;
-    return volume * full < static_cast<float>(percent) ? std::nextafter(volume, 1.0F) : volume;
-}
+constexpr int wheelUnitsPerStep = 120;
 
 } // namespace
 
@@ -34,11 +30,11 @@ VolumeSlider::VolumeSlider(const PanelLook& look, QWidget* parent)
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setRange(0, fullPercent);
-    setSingleStep(2);
-    setPageStep(10);
+    setSingleStep(RadioControls::volumeStep);
+    setPageStep(2 * RadioControls::volumeStep);
     connect(this, &QSlider::valueChanged, this, [this](int percent) {
         if (onMoved)
-            onMoved(volumeAt(percent));
+            onMoved(volumeOfPercent(percent));
     });
 }
 
@@ -57,6 +53,11 @@ QRectF VolumeSlider::travel() const {
     return QRectF(rect()).adjusted(inset, 0, -inset, 0);
 }
 
+qreal VolumeSlider::knobX() const {
+    const QRectF room = travel();
+    return room.left() + room.width() * value() / fullPercent;
+}
+
 void VolumeSlider::moveTo(qreal x) {
     const QRectF room = travel();
     const qreal share = room.width() > 0 ? (x - room.left()) / room.width() : 0;
@@ -69,17 +70,31 @@ void VolumeSlider::mousePressEvent(QMouseEvent* event) {
         return;
     }
     setSliderDown(true);
-    moveTo(event->position().x());
+    // The knob is held where it was touched; elsewhere its middle comes to the pointer.
+    const qreal offKnob = event->position().x() - knobX();
+    const bool isOnKnob = std::fabs(offKnob) <= m_look.metrics.scaled(knobSize) / 2;
+    m_grip = isOnKnob ? offKnob : 0;
+    moveTo(event->position().x() - m_grip);
 }
 
 void VolumeSlider::mouseMoveEvent(QMouseEvent* event) {
     if (isSliderDown())
-        moveTo(event->position().x());
+        moveTo(event->position().x() - m_grip);
 }
 
 void VolumeSlider::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton)
         setSliderDown(false);
+}
+
+void VolumeSlider::wheelEvent(QWheelEvent* event) {
+    // Fine wheels and touch pads tell parts of a notch.
+    const QPoint turned = event->angleDelta();
+    m_wheelUnits += turned.y() != 0 ? turned.y() : turned.x();
+    const int steps = m_wheelUnits / wheelUnitsPerStep;
+    m_wheelUnits -= steps * wheelUnitsPerStep;
+    setValue(value() + steps * RadioControls::volumeStep);
+    event->accept();
 }
 
 bool VolumeSlider::event(QEvent* event) {
@@ -99,26 +114,16 @@ void VolumeSlider::paintEvent(QPaintEvent* event) {
     const qreal thickness = metrics.px(trackHeight);
     const qreal middle = std::floor(height() / 2.0);
     const QRectF track(bleed, middle - thickness / 2, width() - 2 * bleed, thickness);
-    const QRectF room = travel();
-    const qreal knobX = room.left() + room.width() * value() / fullPercent;
-    fillRounded(painter, track, thickness / 2, theme.line);
+    const qreal x = knobX();
+    fillRounded(painter, track, thickness / 2, theme.mark);
     QRectF filled = track;
-    filled.setRight(knobX);
+    filled.setRight(x);
     fillRounded(painter, filled, thickness / 2, theme.accentText);
 
     const qreal edge = metrics.scaled(knobSize);
-    const QRectF knob(knobX - edge / 2, middle - edge / 2, edge, edge);
-    QRadialGradient shadow(QPointF(knobX, middle + 1), edge / 2 + metrics.scaled(2.5));
-    shadow.setColorAt(0, QColor(0, 0, 0, 90));
-    shadow.setColorAt(0.7, QColor(0, 0, 0, 60));
-    shadow.setColorAt(1, Qt::transparent);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(shadow);
-    painter.drawEllipse(QPointF(knobX, middle + 1), edge / 2 + metrics.scaled(2.5),
-                        edge / 2 + metrics.scaled(2.5));
+    const QRectF knob(x - edge / 2, middle - edge / 2, edge, edge);
     painter.setBrush(isSliderDown() ? QColor(0xf0f0f2) : QColor(Qt::white));
-    painter.setPen(
-        QPen(theme.isHighContrast ? theme.text : QColor(0, 0, 0, 51), theme.isHighContrast ? 2 : 1));
+    painter.setPen(QPen(theme.isHighContrast ? theme.text : theme.mark, theme.isHighContrast ? 2 : 1));
     painter.drawEllipse(knob.adjusted(0.5, 0.5, -0.5, -0.5));
     if (hasFocus()) {
         painter.setBrush(Qt::NoBrush);

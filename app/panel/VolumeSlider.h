@@ -9,8 +9,8 @@
 
 namespace zofra {
 
-/// A volume in whole percent, as a slider from 0 to 1. Pressing the track goes there at once; arrows move by
-/// 2 %, page keys by 10 %.
+/// A volume in whole percent, as a slider from 0 to 1. Pressing the track goes there at once, pressing the
+/// knob holds it there; arrows and the wheel's notches move by 5 %, page keys by 10 %.
 class VolumeSlider final : public QSlider {
 public:
     VolumeSlider(const PanelLook& look, QWidget* parent);
@@ -29,13 +29,19 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
 
 private:
     /// Where the middle of the knob can be.
     [[nodiscard]] QRectF travel() const;
+    [[nodiscard]] qreal knobX() const;
     void moveTo(qreal x);
 
     const PanelLook& m_look;
+    /// Where the knob is held, from its middle.
+    qreal m_grip = 0;
+    /// What the wheel has turned since the last whole notch.
+    int m_wheelUnits = 0;
 };
 
 } // namespace zofra

@@ -156,19 +156,19 @@ def panel_languages(studio, path):
         parts = []
         studio.keys("Tab")
         for number in range(3):
-            studio.keys("Tab", "space")
+            studio.keys("Right")
             time.sleep(0.5)
             parts.append(os.path.join(directory, f"{number}.png"))
             studio.picture(window, parts[-1])
         subprocess.run(["convert", *parts, "+append", "-strip", path], check=True)
-    studio.keys("shift+Tab", "shift+Tab", "shift+Tab", "space")
+    studio.keys("Left", "Left", "Left")
 
 
 def panel_output_menu(studio, path):
     """The panel with its output menu open."""
     studio.click("ContextMenu")
     studio.wait_windows(1)
-    studio.keys(*["Tab"] * 6, "space")
+    studio.keys(*["Tab"] * 3, "space")
     studio.scene(studio.wait_windows(2), path)
 
 

@@ -7,6 +7,7 @@
 #include <QDBusMessage>
 #include <QFile>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QVariantMap>
 
 #include <utility>
@@ -70,6 +71,8 @@ void DesktopWorkspace::open(const QUrl& url) {
     if (url.toString() == privacyPage) {
         if (const auto command = networkSettingsCommand())
             m_spawn(command->first(), command->mid(1));
+        else
+            openHelp();
         return;
     }
     if (!isAddressForOthers(url))
@@ -94,6 +97,14 @@ std::optional<QStringList> DesktopWorkspace::networkSettingsCommand() {
         }
     }
     return std::nullopt;
+}
+
+void DesktopWorkspace::openHelp() {
+    const auto page = QStandardPaths::locate(QStandardPaths::GenericDataLocation,
+                                             QStringLiteral("doc/zofrazofra/speakers.md"));
+    const auto opener = m_sandbox == Sandbox::none ? xdg::findProgram(QStringLiteral("xdg-open")) : QString();
+    if (!page.isEmpty() && !opener.isEmpty())
+        m_spawn(opener, {page});
 }
 
 void DesktopWorkspace::openThroughPortal(const QUrl& url) {

@@ -13,8 +13,8 @@
 namespace zofra {
 
 /// The desktop around the program: web and mail addresses go to the desktop's own opener (or, from a sandbox,
-/// to the portal), the address of the local-network privacy page to the desktop's network settings. Main
-/// thread only.
+/// to the portal), the address of the local-network privacy page to the desktop's network settings, or where
+/// there are none to the page that says what to allow. Main thread only.
 class DesktopWorkspace final : public Workspace {
 public:
     /// Starts a program that lives on by itself; false when it could not be started.
@@ -33,6 +33,8 @@ public:
     [[nodiscard]] static std::optional<QStringList> networkSettingsCommand();
 
 private:
+    /// What this installation says about the local network.
+    void openHelp();
     void openThroughPortal(const QUrl& url);
 
     SessionBus& m_bus;

@@ -94,7 +94,9 @@ void append(QString& out, const QMenu& menu, int depth) {
         line.isEnabled = action->isEnabled();
         if (action->isCheckable())
             line.state = action->isChecked() ? MenuItem::CheckState::on : MenuItem::CheckState::off;
-        line.iconDescription = action->statusTip();
+        // Without one of its own it is the item's text.
+        if (action->iconText() != QAction(action->text()).iconText())
+            line.iconDescription = action->iconText();
         line.toolTip = action->property("zofraToolTip").toString();
         const QString keys = action->shortcut().toString(QKeySequence::PortableText);
         if (keys.startsWith(u"Ctrl+"_qs))

@@ -28,7 +28,7 @@ def transport(lab):
 
 def choose(screen, reader, output, entry):
     """Open the output menu, which shows `output`, and go down to the entry of that name."""
-    for name in ("English", "Nederlands", "Français", "Deutsch", "Station: Zofra", f"Output: {output}"):
+    for name in ("English", "Station: Zofra", f"Output: {output}"):
         screen.key("Tab")
         reader.focused(name)
     reader.forget()
@@ -47,4 +47,4 @@ def test_a_room_chosen_in_the_panel_takes_the_sound_over(panel, screen, reader, 
     choose(screen, reader, "This Mac", "Living Room")
     wait_until(lambda: "zofra.mp3" in transport(lab)["uri"] and transport(lab)["state"] == "PLAYING", 30, "the room to play")
     ears.wait_for(None, 30)
-    assert panel.status()["output"] == "here", "the target is chosen in the status menu"
+    assert panel.status()["output_title"] == "Living Room", "it is the target, as from the menu"

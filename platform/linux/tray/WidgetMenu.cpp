@@ -10,6 +10,7 @@
 #include <QKeyEvent>
 #include <QPaintEngine>
 #include <QPainter>
+#include <QPointer>
 #include <QScreen>
 #include <QToolTip>
 
@@ -25,13 +26,13 @@ constexpr int gap = 4;
 /// In the toolkit's pixels: with icon, mark and arrow a menu stays below 480.
 constexpr int widestText = 400;
 
-/// Draws one symbol in the colours of a menu, at the size at which it is shown and no other.
+/// Draws one symbol in the colours that menus have now, at the size at which it is shown and no other.
 class SymbolIconEngine final : public QIconEngine {
 public:
-    SymbolIconEngine(const IconProvider& icons, QString symbolName, QPalette palette)
+    SymbolIconEngine(const IconProvider& icons, QString symbolName, std::shared_ptr<QStyle> style)
         : m_icons(icons)
         , m_symbolName(std::move(symbolName))
-        , m_palette(std::move(palette)) {}
+        , m_style(std::move(style)) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
         // The device that is really painted on; its ratio need not be whole.
@@ -47,17 +48,26 @@ public:
 
 private:
     [[nodiscard]] QColor color(QIcon::Mode mode) const {
+        const QPalette palette = m_style ? m_style->standardPalette() : QGuiApplication::palette();
         if (mode == QIcon::Disabled)
-            return m_palette.color(QPalette::Disabled, QPalette::WindowText);
+            return palette.color(QPalette::Disabled, QPalette::WindowText);
         const bool isUnderPointer = mode == QIcon::Active || mode == QIcon::Selected;
-        return m_palette.color(QPalette::Active,
-                               isUnderPointer ? QPalette::HighlightedText : QPalette::WindowText);
+        return palette.color(QPalette::Active,
+                             isUnderPointer ? QPalette::HighlightedText : QPalette::WindowText);
     }
 
     const IconProvider& m_icons;
     QString m_symbolName;
-    QPalette m_palette;
+    std::shared_ptr<QStyle> m_style;
 };
+
+/// Whoever opens a menu of choices with the keyboard starts on what is chosen now.
+void goToChosen(QMenu& menu) {
+    for (QAction* line : menu.actions()) {
+        if (line->isChecked())
+            menu.setActiveAction(line);
+    }
+}
 
 } // namespace
 
@@ -68,10 +78,8 @@ WidgetMenu::WidgetMenu(const Menu& menu, const IconProvider& icons, std::shared_
                        QWidget* parent)
     : QMenu(parent)
     , m_style(std::move(style)) {
-    if (m_style) {
+    if (m_style)
         setStyle(m_style.get());
-        setPalette(m_style->standardPalette());
-    }
     for (const MenuItem& item : menu)
         addItem(item, icons);
 }
@@ -102,9 +110,9 @@ void WidgetMenu::addItem(const MenuItem& item, const IconProvider& icons) {
     action->setCheckable(item.state != MenuItem::CheckState::none);
     action->setChecked(item.state == MenuItem::CheckState::on);
     if (!item.iconName.isEmpty())
-        action->setIcon(QIcon(new SymbolIconEngine(icons, item.iconName, palette())));
+        action->setIcon(QIcon(new SymbolIconEngine(icons, item.iconName, m_style)));
     action->setIconVisibleInMenu(true);
-    action->setStatusTip(item.iconDescription);
+    action->setIconText(item.iconDescription);
     if (!item.keyEquivalent.isEmpty()) {
         action->setShortcut(QKeySequence(QLatin1String("Ctrl+") + item.keyEquivalent.toUpper()));
         action->setShortcutVisibleInContextMenu(true);
@@ -147,16 +155,21 @@ bool WidgetMenu::event(QEvent* event) {
 }
 
 void WidgetMenu::keyPressEvent(QKeyEvent* event) {
-    // Menus know their items' letters, but not their shortcuts.
+    // Menus know their items' letters, but not their shortcuts; those of the whole tree hold in each of them.
     const QKeySequence pressed(event->keyCombination());
-    for (QAction* action : actions()) {
-        if (action->isEnabled() && !action->shortcut().isEmpty() && action->shortcut() == pressed) {
-            close();
-            action->trigger();
-            return;
+    for (QMenu* menu = this; menu; menu = qobject_cast<QMenu*>(menu->parentWidget())) {
+        for (QAction* action : menu->actions()) {
+            if (action->isEnabled() && !action->shortcut().isEmpty() && action->shortcut() == pressed) {
+                menu->close();
+                action->trigger();
+                return;
+            }
         }
     }
+    const QPointer<QAction> line = activeAction();
     QMenu::keyPressEvent(event);
+    if (line && line->menu() && line->menu()->isVisible())
+        goToChosen(*line->menu());
 }
 
 QPoint menuCorner(QPoint anchor, QSize size, QRect available) {

@@ -21,7 +21,7 @@ const QStringList monochrome{u"speaker.wave.2.fill"_qs,
                              u"info.circle"_qs,
                              u"power"_qs,
                              u"checkmark"_qs,
-                             u"chevron.down"_qs};
+                             u"arrow.clockwise"_qs};
 const QStringList trayIcons{u"tray.playing"_qs, u"tray.stopped"_qs, u"tray.buffering"_qs};
 const QStringList coloured{u"ZofraLogo"_qs, u"flag-en"_qs, u"flag-nl"_qs, u"flag-fr"_qs, u"flag-de"_qs};
 
@@ -60,7 +60,7 @@ double luminance(const QColor& color) {
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 double contrast(const QColor& a, const QColor& b) {
-    const auto [dark, light] = std::minmax(luminance(a), luminance(b));
+    const auto [dark, light] = std::minmax({luminance(a), luminance(b)}); // by value
     return (light + 0.05) / (dark + 0.05);
 }
 

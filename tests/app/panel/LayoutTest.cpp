@@ -28,7 +28,7 @@ QString nameOf(const QWidget* part) {
     if (const auto* label = dynamic_cast<const ElidedLabel*>(part))
         return label->content();
     if (const auto* language = dynamic_cast<const LanguageButton*>(part))
-        return language->toolTip();
+        return language->help();
     if (const auto* menu = dynamic_cast<const MenuButton*>(part))
         return menu->title();
     if (const auto* play = dynamic_cast<const PlayButton*>(part))
@@ -39,6 +39,8 @@ QString nameOf(const QWidget* part) {
         return button->title();
     if (const auto* box = dynamic_cast<const CheckBox*>(part))
         return box->title();
+    if (const auto* credit = dynamic_cast<const CreditLine*>(part))
+        return credit->accessibleName();
     if (dynamic_cast<const VolumeSlider*>(part))
         return QStringLiteral("(slider)");
     return {};
@@ -51,7 +53,7 @@ protected:
         world.viewModel.nextSong = std::optional(u"Next – One"_qs);
         view = world.makeView();
         view->show();
-        PanelWorld::settle();
+        world.settle();
         for (QWidget* part : view->findChildren<QWidget*>()) {
             const QString name = nameOf(part);
             if (!name.isEmpty() && part->isVisibleTo(view.get()))
@@ -188,7 +190,7 @@ TEST_F(PanelLayoutTest, ANewLanguageIsWhollyInItsPlaceBeforeItIsPainted) {
             EXPECT_GE(button->width(), button->sizeHint().width()) << button->title().toStdString();
     });
     world.languages.setCurrentLanguage(AppLanguage::de);
-    PanelWorld::settle();
+    world.settle();
     EXPECT_TRUE(hasLooked);
 }
 

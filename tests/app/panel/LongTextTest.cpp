@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/CheckBox.h"
 #include "app/panel/ElidedLabel.h"
+#include "app/panel/PanelParts.h"
 #include "tests/app/panel/PanelViewTest.h"
 
 #include <QHelpEvent>
+#include <QLayout>
 #include <QScreen>
 #include <QTextDocument>
 #include <QToolTip>
@@ -27,7 +29,7 @@ TEST_F(PanelLongTextTest, LongAndHostileSongsAreCutAndReadWhole) {
         EXPECT_EQ(label->accessibleName(), u"<b>Tom & Jerry</b> "_qs + QString(200, u'x'));
     }
     world.viewModel.currentSong = u"Short"_qs;
-    PanelWorld::settle();
+    world.settle();
     EXPECT_EQ(view->width(), width);
 }
 
@@ -69,7 +71,7 @@ TEST_F(PanelLongTextTest, NothingIsCutAtAnyFontSizeInAnyLanguage) {
             font.setPointSizeF(points);
             view->setFont(font);
             view->show();
-            PanelWorld::settle();
+            world.settle();
             for (const ElidedLabel* label : partsOf<ElidedLabel>(*view)) {
                 EXPECT_FALSE(label->isElided()) << label->content().toStdString() << " at " << points;
                 EXPECT_GE(label->height(), label->sizeHint().height()) << label->content().toStdString();
@@ -93,8 +95,8 @@ TEST_F(PanelLongTextTest, GrowsWithTheFontAndKeepsItsState) {
     QFont font = view->font();
     font.setPointSizeF(13.125);
     view->setFont(font);
-    PanelWorld::settle();
-    EXPECT_NEAR(view->width(), 360 * 1.25, 4);
+    world.settle();
+    EXPECT_NEAR(view->width(), small.width() * 1.25, 16);
     EXPECT_NEAR(view->height(), small.height() * 1.25, 20);
     EXPECT_TRUE(partOf<CheckBox>(*view)->isChecked());
     EXPECT_TRUE(partOf<CheckBox>(*view)->isVisible());
@@ -109,11 +111,46 @@ TEST_F(PanelLongTextTest, FollowsTheFontOfTheWholeDesktop) {
     QFont large = before;
     large.setPointSizeF(13.125);
     QApplication::setFont(large);
-    PanelWorld::settle();
+    world.settle();
     EXPECT_GT(view->width(), width);
     QApplication::setFont(before);
-    PanelWorld::settle();
+    world.settle();
     EXPECT_EQ(view->width(), width);
+}
+
+TEST_F(PanelLongTextTest, ALowScreenBringsTheRowsTogether) {
+    const PanelMetrics high(QApplication::font(), 96, 800);
+    const PanelMetrics low(QApplication::font(), 96, 440);
+    EXPECT_EQ(high.gap(14), high.px(14));
+    EXPECT_EQ(low.gap(14), low.px(8));
+    EXPECT_EQ(low.px(14), 14) << "nothing becomes smaller";
+    world.viewModel.nextSong = std::optional(u"Next"_qs);
+    for (const AppLanguage language : allAppLanguages) {
+        world.languages.setCurrentLanguage(language);
+        QWidget panel;
+        PanelLook look{PanelTheme::make({}, QApplication::palette()), low, world.icons};
+        PanelParts parts(panel, look, u"1.0 (Build 1)"_qs);
+        parts.show(world.state());
+        // Of 480 lines a panel of the desktop and a window's frame take some fifty.
+        EXPECT_LE(panel.layout()->totalHeightForWidth(parts.width()), 430)
+            << rawValue(language).toStdString();
+    }
+}
+
+TEST_F(PanelLongTextTest, ALanguageDoesNotChangeTheWidth) {
+    for (const qreal points : {10.0, 26.0}) {
+        showPanel();
+        QFont font = view->font();
+        font.setPointSizeF(points);
+        view->setFont(font);
+        world.settle();
+        const int width = view->width();
+        for (const AppLanguage language : allAppLanguages) {
+            world.languages.setCurrentLanguage(language);
+            world.settle();
+            EXPECT_EQ(view->width(), width) << rawValue(language).toStdString();
+        }
+    }
 }
 
 TEST_F(PanelLongTextTest, NeverOutgrowsTheScreen) {
@@ -122,7 +159,7 @@ TEST_F(PanelLongTextTest, NeverOutgrowsTheScreen) {
     QFont font = view->font();
     font.setPointSizeF(60);
     view->setFont(font);
-    PanelWorld::settle();
+    world.settle();
     EXPECT_LE(view->height(), view->screen()->availableGeometry().height());
     EXPECT_GT(view->height(), view->screen()->availableGeometry().height() * 3 / 4);
 }
@@ -140,6 +177,19 @@ TEST_F(PanelLongTextTest, SongsThatReadFromRightToLeftStayInTheirLineAndAreCutAt
     EXPECT_EQ(song->content(), title + u"  "_qs) << "without what turns the lines around it";
     EXPECT_TRUE(song->isElided());
     EXPECT_EQ(view->layoutDirection(), Qt::LeftToRight);
+    // The ellipsis stands on the left: there is nothing but three low dots.
+    const QImage picture = const_cast<ElidedLabel*>(song)->grab().toImage();
+    const auto highestInk = [&](int from, int to) {
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = from; x < to; ++x) {
+                if (contrastRatio(picture.pixelColor(x, y), view->look().theme.card) > 3)
+                    return y;
+            }
+        }
+        return picture.height();
+    };
+    EXPECT_GT(highestInk(0, 8), picture.height() / 2);
+    EXPECT_LT(highestInk(picture.width() - 40, picture.width()), picture.height() / 2);
     EXPECT_TRUE(view->rect().contains(QRect(song->mapTo(view.get(), QPoint(0, 0)), song->size())));
 }
 

@@ -24,7 +24,8 @@ QStringList linesOf(const QList<PanelMenuEntry>& entries) {
 }
 
 TEST(StationMenu, ListsEveryStationWithNameAndGenreAndMarksTheCurrentOne) {
-    EXPECT_EQ(linesOf(stationMenuEntries(RadioStation::joe)),
+    PanelWorld world(u"en"_qs, RadioStation::joe);
+    EXPECT_EQ(linesOf(stationMenuEntries(world.state(), world.controls)),
               (QStringList{
                   u"  Zofra – Alternative Rock & Indie"_qs, u"  Qmusic – Hits & Pop"_qs,
                   u"* JOE – 80s, 90s & Pop Classics"_qs, u"  Zofra Class X – Classics & Classic Rock"_qs,
@@ -35,7 +36,7 @@ TEST(StationMenu, ListsEveryStationWithNameAndGenreAndMarksTheCurrentOne) {
 
 TEST(OutputMenu, WithoutRoomsSaysWhyAndOffersEverythingElse) {
     PanelWorld world;
-    EXPECT_EQ(linesOf(outputMenuEntries(world.sonos, AppLanguage::en)),
+    EXPECT_EQ(linesOf(outputMenuEntries(world.state(), world.controls)),
               (QStringList{u"* This Mac"_qs, u"(No Sonos or Zofra devices found)"_qs,
                            u"  Everywhere (All Rooms)"_qs, u"---"_qs,
                            u"  Search for Sonos and Zofra devices..."_qs, u"  Allow Local Network …"_qs}));
@@ -44,9 +45,9 @@ TEST(OutputMenu, WithoutRoomsSaysWhyAndOffersEverythingElse) {
 TEST(OutputMenu, SaysWhatTheSpeakerManagerSaysOfItsEmptiness) {
     PanelWorld world(u"de"_qs);
     world.sonos.isScanning = true;
-    EXPECT_EQ(linesOf(outputMenuEntries(world.sonos, AppLanguage::de)).at(1), u"(Suche läuft …)"_qs);
+    EXPECT_EQ(linesOf(outputMenuEntries(world.state(), world.controls)).at(1), u"(Suche läuft …)"_qs);
     world.sonos.localNetworkDenied = true;
-    EXPECT_EQ(linesOf(outputMenuEntries(world.sonos, AppLanguage::de)).at(1),
+    EXPECT_EQ(linesOf(outputMenuEntries(world.state(), world.controls)).at(1),
               u"(Kein Zugriff aufs lokale Netzwerk)"_qs);
 }
 
@@ -55,12 +56,13 @@ TEST(OutputMenu, ListsTheRoomsAndMarksTheTarget) {
     world.sonos.rooms =
         QList<SonosRoom>{makeRoom(u"A"_qs, u"Bath"_qs), makeRoom(u"B"_qs, u"Kitchen & <i>Bar</i>"_qs)};
     world.sonos.activeTarget = AudioOutputTarget::sonos(u"B"_qs);
-    EXPECT_EQ(linesOf(outputMenuEntries(world.sonos, AppLanguage::en)),
+    EXPECT_EQ(linesOf(outputMenuEntries(world.state(), world.controls)),
               (QStringList{u"  This Mac"_qs, u"  Bath"_qs, u"* Kitchen & <i>Bar</i>"_qs,
                            u"  Everywhere (All Rooms)"_qs, u"---"_qs,
                            u"  Search for Sonos and Zofra devices..."_qs, u"  Allow Local Network …"_qs}));
     world.sonos.activeTarget = AudioOutputTarget::sonosEverywhere();
-    EXPECT_EQ(linesOf(outputMenuEntries(world.sonos, AppLanguage::en)).at(3), u"* Everywhere (All Rooms)"_qs);
+    EXPECT_EQ(linesOf(outputMenuEntries(world.state(), world.controls)).at(3),
+              u"* Everywhere (All Rooms)"_qs);
 }
 
 TEST(OutputMenu, GivesRoomsOfOneNameTitlesThatTellThemApart) {
@@ -69,14 +71,14 @@ TEST(OutputMenu, GivesRoomsOfOneNameTitlesThatTellThemApart) {
     own.coordinator.model = u"Zofra Pi Player"_qs;
     own.speakers = {own.coordinator};
     world.sonos.rooms = QList<SonosRoom>{makeRoom(u"A"_qs, u"Kitchen"_qs), own};
-    const QStringList lines = linesOf(outputMenuEntries(world.sonos, AppLanguage::en));
+    const QStringList lines = linesOf(outputMenuEntries(world.state(), world.controls));
     EXPECT_EQ(lines.at(1), u"  Kitchen (Sonos)"_qs);
     EXPECT_EQ(lines.at(2), u"  Kitchen (Zofra)"_qs);
 }
 
 TEST(OutputMenu, ExplainsPlayingEverywhere) {
-    PanelWorld world;
-    for (const PanelMenuEntry& entry : outputMenuEntries(world.sonos, AppLanguage::fr)) {
+    PanelWorld world(u"fr"_qs);
+    for (const PanelMenuEntry& entry : outputMenuEntries(world.state(), world.controls)) {
         const bool isEverywhere = entry.text == u"Partout (Toutes les pièces)"_qs;
         EXPECT_EQ(entry.help.isEmpty(), !isEverywhere) << entry.text.toStdString();
     }
@@ -87,7 +89,7 @@ TEST(PanelMenu, ShowsTextAsItIs) {
     world.sonos.rooms = QList<SonosRoom>{makeRoom(u"A"_qs, u"R&B \u202Eroom\n"_qs)};
     const auto view = world.makeView();
     view->show();
-    PanelWorld::settle();
+    world.settle();
     MenuButton* button = menuButtons(*view).at(1);
     button->openMenu();
     const QAction* room = button->openedMenu()->actions().at(1);
@@ -102,7 +104,7 @@ TEST(PanelMenu, FollowsTheStateWhileItIsOpen) {
     PanelWorld world;
     const auto view = world.makeView();
     view->show();
-    PanelWorld::settle();
+    world.settle();
     MenuButton* button = menuButtons(*view).at(1);
     button->openMenu();
     PanelMenu* menu = button->openedMenu();
@@ -110,7 +112,7 @@ TEST(PanelMenu, FollowsTheStateWhileItIsOpen) {
     menu->setActiveAction(menu->actions().at(4));
     const QString active = menu->activeAction()->text();
     world.sonos.rooms = QList<SonosRoom>{makeRoom(u"A"_qs, u"Bath"_qs), makeRoom(u"B"_qs, u"Kitchen"_qs)};
-    PanelWorld::settle();
+    world.settle();
     EXPECT_EQ(menu->actions().at(1)->text(), u"Bath"_qs);
     EXPECT_EQ(menu->actions().size(), 7);
     // Whoever was about to search still is.
@@ -126,7 +128,7 @@ TEST(PanelMenu, LeavesEqualLinesAlone) {
     button->openMenu();
     const QList<QAction*> before = button->openedMenu()->actions();
     world.viewModel.currentSong = u"Another"_qs;
-    PanelWorld::settle();
+    world.settle();
     EXPECT_EQ(button->openedMenu()->actions(), before);
 }
 
@@ -135,24 +137,23 @@ TEST(PanelMenu, ChoosingALineDoesWhatItSays) {
     world.findPlayer(u"RINCON_1"_qs, u"Kitchen"_qs);
     const auto view = world.makeView();
     view->show();
-    PanelWorld::settle();
+    world.settle();
     const QList<MenuButton*> buttons = menuButtons(*view);
 
     buttons.at(0)->openMenu();
     buttons.at(0)->openedMenu()->actions().at(2)->trigger();
     EXPECT_EQ(world.player.currentStation.get(), RadioStation::joe);
-    EXPECT_EQ(world.calls, QStringList{u"updateStatusBarButton"_qs});
 
     const auto choose = [&](int line) {
         buttons.at(1)->openMenu();
         buttons.at(1)->openedMenu()->actions().at(line)->trigger();
         buttons.at(1)->openedMenu()->close();
-        PanelWorld::settle();
+        world.settle();
     };
     EXPECT_TRUE(world.soapActions().isEmpty());
     choose(1);
     EXPECT_FALSE(world.soapActions().isEmpty());
-    EXPECT_EQ(buttons.at(1)->title(), u"This Mac"_qs);
+    EXPECT_EQ(buttons.at(1)->title(), u"Kitchen"_qs);
     choose(2);
     EXPECT_EQ(world.sonos.activeTarget.get(), AudioOutputTarget::sonosEverywhere());
     choose(0);
@@ -198,18 +199,18 @@ struct PaintedMenu {
 };
 
 TEST(PanelMenu, OnlyTheCurrentLineCarriesTheCheckMark) {
-    PanelWorld world;
+    PanelWorld world(u"en"_qs, RadioStation::joe);
     PaintedMenu painted(world);
-    painted.menu.setEntries(stationMenuEntries(RadioStation::joe));
+    painted.menu.setEntries(stationMenuEntries(world.state(), world.controls));
     painted.paint();
     for (int line = 0; line < 9; ++line)
         EXPECT_EQ(painted.hasLead(line, painted.look.theme.accentText), line == 2) << line;
 }
 
 TEST(PanelMenu, TheLineUnderThePointerIsMarkedAndNoOther) {
-    PanelWorld world;
+    PanelWorld world(u"en"_qs, RadioStation::joe);
     PaintedMenu painted(world);
-    painted.menu.setEntries(stationMenuEntries(RadioStation::joe));
+    painted.menu.setEntries(stationMenuEntries(world.state(), world.controls));
     painted.menu.setActiveAction(painted.menu.actions().at(5));
     painted.paint();
     const QColor mark = mixed(painted.look.theme.accentText, painted.look.theme.card, 0.14);
@@ -221,11 +222,12 @@ TEST(PanelMenu, TheLineUnderThePointerIsMarkedAndNoOther) {
 TEST(PanelMenu, SaysWhyThereAreNoRoomsInSmallPrintThatCannotBeChosen) {
     PanelWorld world;
     PaintedMenu painted(world);
-    painted.menu.setEntries(outputMenuEntries(world.sonos, AppLanguage::en));
+    painted.menu.setEntries(outputMenuEntries(world.state(), world.controls));
     const QList<QAction*> lines = painted.menu.actions();
     EXPECT_FALSE(lines.at(1)->isEnabled());
     EXPECT_EQ(lines.at(1)->font(), painted.look.metrics.font(11));
-    EXPECT_EQ(lines.at(0)->font(), painted.look.metrics.font(14));
+    painted.menu.ensurePolished();
+    EXPECT_EQ(painted.menu.font(), painted.look.metrics.font(14));
 }
 
 } // namespace

@@ -44,7 +44,7 @@ protected:
         view = world.makeView();
         view->show();
         view->activateWindow();
-        PanelWorld::settle();
+        world.settle();
     }
     QStringList shownTexts() const {
         QStringList texts;

@@ -84,15 +84,22 @@ public:
 /// Everything the panel shows and moves, real, over fakes of what is outside of the program.
 class PanelWorld {
 public:
+    /// Whether the sources of what is on air have answered.
+    enum class OnAir { known, loading };
+
     explicit PanelWorld(const QString& language = QStringLiteral("en"),
-                        RadioStation station = RadioStation::qmusic)
+                        RadioStation station = RadioStation::qmusic, OnAir onAir = OnAir::known)
         : stored(rememberStation(station))
         , languages(defaults, {language})
         , player({streams, defaults, queue, nowPlaying, commands, wake, output, hosts})
         , sonos(false, {http, defaults, queue, tasks, network, log, languages, player, hosts})
         , viewModel(station, http, queue.clock(), sockets.maker(), {queue, output, languages, hosts})
         , controls({viewModel, player, sonos, languages},
-                   {queue, queue.clock(), defaults, workspace, [this] { calls << QStringLiteral("updateStatusBarButton"); }, [] {}, [] {}}) {}
+                   {queue, queue.clock(), defaults, workspace,
+                    [this] { calls << QStringLiteral("updateStatusBarButton"); }, [] {}, [] {}}) {
+        if (onAir == OnAir::known)
+            finishLoading();
+    }
 
     /// The panel, not yet shown.
     std::unique_ptr<AboutPopupView> makeView() {
@@ -106,10 +113,13 @@ public:
         return std::make_unique<AboutPopupView>(std::move(content), environment());
     }
 
-    PanelEnvironment environment() { return {loginItem, output, workspace, icons, appearance}; }
+    RadioState state() { return RadioStateSource(queue, {viewModel, player, sonos, languages}).now(); }
 
-    /// Lets the event loop turn until nothing is waiting.
-    static void settle() {
+    PanelEnvironment environment() { return {loginItem, queue, output, workspace, icons, appearance}; }
+
+    /// Lets main queue and event loop turn until nothing is waiting.
+    void settle() {
+        queue.drain();
         QCoreApplication::sendPostedEvents();
         QCoreApplication::processEvents();
     }
@@ -191,6 +201,14 @@ public:
     QStringList calls;
 
 private:
+    /// The search answers that it knows nothing of the station.
+    void finishLoading() {
+        viewModel.fetchMetadata();
+        const QString id = viewModel.currentStation.get().radioplayerId().value_or(QString());
+        http.answer(200, QStringLiteral(R"({"results":{"%1":[]}})").arg(id).toUtf8());
+        queue.drain();
+        http.requests.clear();
+    }
     bool rememberStation(RadioStation station) {
         RadioStation::setSavedStation(defaults, station);
         return true;

@@ -22,10 +22,10 @@ TEST_F(PanelRepaintTest, ManyChangesOfOneTurnAreOneRefresh) {
     world.sonos.rooms = QList<SonosRoom>{makeRoom(u"A"_qs, u"Bath"_qs)};
     world.languages.setCurrentLanguage(AppLanguage::nl);
     EXPECT_EQ(view->refreshCount(), before);
-    PanelWorld::settle();
+    world.settle();
     EXPECT_EQ(view->refreshCount(), before + 1);
     EXPECT_TRUE(shownTexts().contains(u"NU BEZIG"_qs));
-    PanelWorld::settle();
+    world.settle();
     EXPECT_EQ(view->refreshCount(), before + 1);
 }
 
@@ -34,7 +34,7 @@ TEST_F(PanelRepaintTest, AChangeOfSongRepaintsTheSongAndNothingElse) {
     showPanel();
     PaintCounter paints;
     world.viewModel.currentSong = u"Quite Another Song"_qs;
-    PanelWorld::settle();
+    world.settle();
     const ElidedLabel* song = nullptr;
     for (const ElidedLabel* label : partsOf<ElidedLabel>(*view)) {
         if (label->content() == u"Quite Another Song"_qs)
@@ -55,7 +55,7 @@ TEST_F(PanelRepaintTest, EveryPartRepaintsByItself) {
         ++parts;
         PaintCounter paints;
         part->update();
-        PanelWorld::settle();
+        world.settle();
         EXPECT_EQ(paints.of(part), 1) << paints.names().toStdString();
         EXPECT_EQ(paints.all(), 1) << paints.names().toStdString();
     }
@@ -68,7 +68,7 @@ TEST_F(PanelRepaintTest, NothingIsRepaintedWhenNothingDiffers) {
     world.viewModel.currentSong = world.viewModel.currentSong.get();
     world.player.volume = world.player.volume.get();
     world.sonos.isScanning = true;
-    PanelWorld::settle();
+    world.settle();
     EXPECT_EQ(paints.all(), 0);
 }
 
@@ -76,7 +76,7 @@ TEST_F(PanelRepaintTest, AChangeOfVolumeRepaintsSliderAndPercentageOnly) {
     showPanel();
     PaintCounter paints;
     world.player.volume = 0.4F;
-    PanelWorld::settle();
+    world.settle();
     EXPECT_EQ(paints.of(partOf<VolumeSlider>(*view)), 1);
     EXPECT_EQ(paints.all(), 2) << paints.names().toStdString();
 }
@@ -89,12 +89,12 @@ TEST_F(PanelRepaintTest, FollowsTheDesktopsAppearance) {
     appearance.colorScheme = DesktopAppearance::ColorScheme::dark;
     appearance.accent = QColor(0x3584e4);
     world.appearance.set(appearance);
-    PanelWorld::settle();
+    world.settle();
     EXPECT_TRUE(view->look().theme.isDark);
     EXPECT_GT(paints.of(partOf<PlayButton>(*view)), 0);
     paints.forget();
     world.appearance.set(appearance);
-    PanelWorld::settle();
+    world.settle();
     EXPECT_EQ(paints.all(), 0);
 }
 
@@ -105,7 +105,7 @@ TEST_F(PanelRepaintTest, ANewAppearanceRepaintsEveryPart) {
     DesktopAppearance appearance;
     appearance.colorScheme = DesktopAppearance::ColorScheme::dark;
     world.appearance.set(appearance);
-    PanelWorld::settle();
+    world.settle();
     EXPECT_GT(paints.of(view.get()), 0);
     for (QWidget* part : view->findChildren<QWidget*>()) {
         if (part->isVisible() && part->findChildren<QWidget*>().isEmpty()) {

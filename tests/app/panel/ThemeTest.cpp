@@ -87,6 +87,21 @@ TEST(PanelTheme, CanBeReadWhateverTheAccent) {
                 EXPECT_GE(contrastRatio(theme.text, theme.pressed), 7.0) << name;
                 EXPECT_GE(contrastRatio(theme.dim, theme.window), 4.5) << name;
                 EXPECT_GE(contrastRatio(theme.dim, theme.card), 4.5) << name;
+                // The button while it is touched.
+                for (const double shade : {0.08, 0.16})
+                    EXPECT_GE(contrastRatio(theme.onAccent, theme.shadedAccent(shade)), least) << name;
+                // The line of a menu that is gone to, and what stands on it.
+                for (const bool isPressed : {false, true}) {
+                    const QColor ground = theme.menuMark(isPressed);
+                    EXPECT_GE(contrastRatio(theme.text, ground), 4.5) << name;
+                    EXPECT_GE(contrastRatio(theme.accentText, ground), 3.0) << name << ", the check mark";
+                }
+                // Chevrons and drawings on what is under the pointer.
+                EXPECT_GE(contrastRatio(theme.dim, theme.hover), 3.0) << name;
+                EXPECT_GE(contrastRatio(theme.dim, theme.pressed), 3.0) << name;
+                // Where things are: the slider's track, the box, the ring.
+                EXPECT_GE(contrastRatio(theme.mark, theme.window), 3.0) << name;
+                EXPECT_GE(contrastRatio(theme.mark, theme.card), 3.0) << name;
             }
         }
     }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/CheckBox.h"
+#include "app/panel/CreditLine.h"
 #include "app/panel/IconLabel.h"
 #include "app/panel/LanguageButton.h"
 #include "app/panel/PlayButton.h"
@@ -16,10 +17,10 @@ TEST_F(PanelViewTest, ShowsItsElementsInEnglish) {
     world.viewModel.currentSong = u"An Artist – A Song"_qs;
     world.viewModel.nextSong = std::optional(u"Next – One"_qs);
     showPanel();
-    EXPECT_EQ(shownTexts(),
-              (QStringList{u"Version 1.0 (Build 1)"_qs, u"Station:"_qs, u"NOW PLAYING"_qs,
-                           u"An Artist – A Song"_qs, u"UP NEXT"_qs, u"Next – One"_qs, u"Output:"_qs,
-                           u"80 %"_qs, u"Made with care by the Zofra Zofra team"_qs}));
+    EXPECT_EQ(shownTexts(), (QStringList{u"Version 1.0 (Build 1)"_qs, u"Station:"_qs, u"NOW PLAYING"_qs,
+                                         u"An Artist – A Song"_qs, u"UP NEXT"_qs, u"Next – One"_qs,
+                                         u"Output:"_qs, u"80 %"_qs}));
+    EXPECT_EQ(partOf<CreditLine>(*view)->accessibleName(), u"Made with care by the Zofra Zofra team"_qs);
     EXPECT_EQ(menuButtons(*view).at(0)->title(), u"Qmusic"_qs);
     EXPECT_EQ(menuButtons(*view).at(1)->title(), u"This Mac"_qs);
     EXPECT_EQ(partOf<PlayButton>(*view)->title(), u"Play"_qs);
@@ -32,23 +33,41 @@ TEST_F(PanelViewTest, HasAFlagForEachLanguageInTheirOrder) {
     showPanel();
     QStringList help;
     for (const LanguageButton* button : partsOf<LanguageButton>(*view)) {
-        help << button->toolTip();
+        help << button->help();
         EXPECT_EQ(button->isChecked(), button->language() == AppLanguage::en);
         EXPECT_EQ(button->mark(), button->language() == AppLanguage::en ? 1 : 0);
     }
     EXPECT_EQ(help, (QStringList{u"English"_qs, u"Nederlands"_qs, u"Français"_qs, u"Deutsch"_qs}));
 }
 
+TEST(PanelLoading, TheTextFollowsTheLanguageUntilSomethingIsKnown) {
+    PanelWorld world(u"en"_qs, RadioStation::qmusic, PanelWorld::OnAir::loading);
+    const auto view = world.makeView();
+    view->show();
+    const auto songs = [&] {
+        QStringList found;
+        for (const ElidedLabel* label : partsOf<ElidedLabel>(*view))
+            found << label->content();
+        return found;
+    };
+    EXPECT_TRUE(songs().contains(u"Loading..."_qs));
+    partsOf<LanguageButton>(*view).at(3)->click();
+    world.settle();
+    EXPECT_TRUE(songs().contains(u"Lädt..."_qs));
+}
+
 TEST_F(PanelViewTest, AFlagChangesTheLanguageOfEverything) {
+    world.viewModel.currentSong = u"A Song"_qs;
     world.viewModel.nextSong = std::optional(u"Next"_qs);
     showPanel();
     const QList<LanguageButton*> flags = partsOf<LanguageButton>(*view);
     flags.at(3)->click();
-    PanelWorld::settle();
+    world.settle();
     EXPECT_EQ(world.languages.currentLanguage(), AppLanguage::de);
-    EXPECT_EQ(shownTexts(), (QStringList{u"Version 1.0 (Build 1)"_qs, u"Sender:"_qs, u"JETZT LÄUFT"_qs,
-                                         u"Loading..."_qs, u"ALS NÄCHSTES"_qs, u"Next"_qs, u"Ausgabe:"_qs,
-                                         u"80 %"_qs, u"Mit Sorgfalt vom Zofra-Zofra-Team"_qs}));
+    EXPECT_EQ(shownTexts(),
+              (QStringList{u"Version 1.0 (Build 1)"_qs, u"Sender:"_qs, u"JETZT LÄUFT"_qs, u"A Song"_qs,
+                           u"ALS NÄCHSTES"_qs, u"Next"_qs, u"Ausgabe:"_qs, u"80 %"_qs}));
+    EXPECT_EQ(partOf<CreditLine>(*view)->accessibleName(), u"Mit Sorgfalt vom Zofra-Zofra-Team"_qs);
     EXPECT_EQ(menuButtons(*view).at(1)->title(), u"Dieser Mac"_qs);
     EXPECT_EQ(partOf<PlayButton>(*view)->title(), u"Musik starten"_qs);
     EXPECT_EQ(partOf<CheckBox>(*view)->title(), u"Automatisch starten"_qs);
@@ -58,11 +77,22 @@ TEST_F(PanelViewTest, AFlagChangesTheLanguageOfEverything) {
     EXPECT_FALSE(flags.at(0)->isChecked());
 }
 
+TEST_F(PanelViewTest, OneLanguageIsMarkedAlsoAfterThePanelHasTakenOtherSizes) {
+    world.languages.setCurrentLanguage(AppLanguage::fr);
+    showPanel();
+    QFont font = view->font();
+    font.setPointSizeF(20);
+    view->setFont(font);
+    world.settle();
+    for (const LanguageButton* button : partsOf<LanguageButton>(*view))
+        EXPECT_EQ(button->mark(), button->language() == AppLanguage::fr ? 1 : 0);
+}
+
 TEST_F(PanelViewTest, TheMarkMovesInAHundredAndFiftyMillisecondsSlowAtBothEnds) {
     showPanel();
     LanguageButton* french = partsOf<LanguageButton>(*view).at(2);
     french->click();
-    PanelWorld::settle();
+    world.settle();
     EXPECT_LT(french->mark(), 1);
     EXPECT_EQ(french->fade().duration(), 150);
     const QEasingCurve curve = french->fade().easingCurve();
@@ -76,11 +106,11 @@ TEST_F(PanelViewTest, UpNextIsThereOnlyWhenThereIsOne) {
     EXPECT_FALSE(shownTexts().contains(u"UP NEXT"_qs));
     const int height = view->height();
     world.viewModel.nextSong = std::optional(u"Next"_qs);
-    PanelWorld::settle();
+    world.settle();
     EXPECT_TRUE(shownTexts().contains(u"UP NEXT"_qs));
     EXPECT_GT(view->height(), height);
     world.viewModel.nextSong = std::nullopt;
-    PanelWorld::settle();
+    world.settle();
     EXPECT_FALSE(shownTexts().contains(u"UP NEXT"_qs));
     EXPECT_EQ(view->height(), height);
 }
@@ -97,12 +127,12 @@ TEST_F(PanelViewTest, PlayButtonAndSpeakerFollowWhoeverPlays) {
     EXPECT_EQ(play->iconName(), u"play.fill"_qs);
     EXPECT_EQ(speaker->ink(), IconLabel::Ink::dim);
     world.player.isPlaying = true;
-    PanelWorld::settle();
+    world.settle();
     EXPECT_EQ(play->iconName(), u"stop.fill"_qs);
     EXPECT_EQ(play->title(), u"Stop"_qs);
     EXPECT_EQ(speaker->ink(), IconLabel::Ink::accent);
     world.sonos.activeTarget = AudioOutputTarget::sonosEverywhere();
-    PanelWorld::settle();
+    world.settle();
     EXPECT_EQ(play->title(), u"Play"_qs);
     EXPECT_EQ(speaker->ink(), IconLabel::Ink::dim);
 }
@@ -152,6 +182,22 @@ TEST_F(PanelViewTest, TurningTheCheckBoxOnSendsNoRegistrationWhenThereIsOne) {
     EXPECT_TRUE(view->launchAtLogin());
 }
 
+TEST_F(PanelViewTest, TurningTheCheckBoxOffSendsNothingWhenThereIsNoRegistration) {
+    world.loginItem.enabled = true;
+    showPanel();
+    world.loginItem.enabled = false;
+    partOf<CheckBox>(*view)->click();
+    EXPECT_TRUE(world.loginItem.calls.isEmpty());
+    EXPECT_FALSE(view->launchAtLogin());
+}
+
+TEST_F(PanelViewTest, WritingToUsOpensAMail) {
+    showPanel();
+    partOf<LinkButton>(*view)->click();
+    ASSERT_EQ(world.workspace.opened.size(), 1U);
+    EXPECT_EQ(world.workspace.opened[0].scheme(), u"mailto"_qs);
+}
+
 TEST_F(PanelViewTest, AfterAFailureTheCheckBoxShowsWhatIsTrue) {
     showPanel();
     world.loginItem.failure = u"no room"_qs;
@@ -168,9 +214,9 @@ TEST_F(PanelViewTest, CanEndWithARefreshPendingAndAMenuOpen) {
     menuButtons(*view).at(1)->openMenu();
     world.player.isPlaying = true;
     view.reset();
-    PanelWorld::settle();
+    world.settle();
     world.player.isPlaying = false;
-    PanelWorld::settle();
+    world.settle();
     SUCCEED();
 }
 

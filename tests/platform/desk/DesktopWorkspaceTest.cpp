@@ -5,6 +5,7 @@
 #include "tests/platform/desk/BusTest.h"
 #include "tests/support/ScopedEnvironment.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -104,6 +105,19 @@ TEST_F(DesktopWorkspaceTest, doesNothingWhereThereAreNoNetworkSettings) {
     environment.set("XDG_CURRENT_DESKTOP", "sway");
     workspace.open(privacyPage);
     EXPECT_TRUE(started.empty());
+}
+
+TEST_F(DesktopWorkspaceTest, showsWhatToAllowWhereThereAreNoNetworkSettings) {
+    const auto opener = install("xdg-open");
+    QTemporaryDir data;
+    ASSERT_TRUE(QDir(data.path()).mkpath(QStringLiteral("doc/zofrazofra")));
+    QFile page(data.filePath(QStringLiteral("doc/zofrazofra/speakers.md")));
+    ASSERT_TRUE(page.open(QIODevice::WriteOnly));
+    environment.set("XDG_CURRENT_DESKTOP", "sway");
+    environment.set("XDG_DATA_DIRS", data.path().toUtf8());
+    DesktopWorkspace workspace(*bus, recorder(), Sandbox::none);
+    workspace.open(privacyPage);
+    EXPECT_EQ(started, (std::vector<QStringList>{{opener, page.fileName()}}));
 }
 
 class Portal {

@@ -65,6 +65,7 @@ TEST_F(WidgetMenuTest, IconsAreDrawnInTheColoursOfTheMenu) {
     EXPECT_TRUE(menu.actions().at(1)->icon().isNull());
     const QImage drawn = menu.actions().at(0)->icon().pixmap(16, 16).toImage();
     EXPECT_THAT(icons.asked, testing::Contains(u"power"_qs));
+    EXPECT_EQ(menu.actions().at(0)->iconText(), u"Off"_qs);
     EXPECT_EQ(drawn.pixelColor(8, 8), menu.palette().color(QPalette::Active, QPalette::WindowText));
 }
 
@@ -95,7 +96,6 @@ TEST_F(WidgetMenuTest, AskedMenusAndSubmenusAreDrawnInOneStyleThatEndsWithThem) 
     EXPECT_EQ(styled.asked, 1);
     EXPECT_EQ(menu->style(), styled.style.lock().get());
     EXPECT_EQ(submenu->style(), styled.style.lock().get());
-    EXPECT_EQ(submenu->palette().color(QPalette::Button), QColor(Qt::red));
     menu->popup(QPoint(10, 10));
     menu.reset();
     EXPECT_TRUE(styled.style.expired());
@@ -116,6 +116,41 @@ TEST_F(WidgetMenuTest, TheKeyOfAnItemWorksWhileTheMenuIsOpen) {
     QCoreApplication::sendEvent(&menu, &letter);
     EXPECT_EQ(chosen, QStringList{u"Play"_qs});
     EXPECT_FALSE(menu.isVisible());
+}
+
+TEST_F(WidgetMenuTest, TheKeyOfAnItemWorksWhileASubmenuIsOpen) {
+    MenuItem play = item(u"Play"_qs);
+    play.keyEquivalent = u"p"_qs;
+    MenuItem parent = item(u"Parent"_qs);
+    parent.submenu = {item(u"Below"_qs)};
+    WidgetMenu menu({play, parent}, icons);
+    menu.popup(QPoint(10, 10));
+    menu.setActiveAction(menu.actions().at(1));
+    auto* submenu = menu.actions().at(1)->menu<QMenu*>();
+    submenu->popup(QPoint(60, 10));
+    QKeyEvent letter(QEvent::KeyPress, Qt::Key_P, Qt::ControlModifier);
+    QCoreApplication::sendEvent(submenu, &letter);
+    EXPECT_EQ(chosen, QStringList{u"Play"_qs});
+    EXPECT_FALSE(menu.isVisible());
+    EXPECT_FALSE(submenu->isVisible());
+}
+
+TEST_F(WidgetMenuTest, TheKeyboardOpensAMenuOfChoicesOnWhatIsChosen) {
+    MenuItem parent = item(u"Parent"_qs);
+    for (const QString& title : {u"One"_qs, u"Two"_qs, u"Three"_qs}) {
+        parent.submenu.push_back(item(title));
+        parent.submenu.back().state =
+            title == u"Two"_qs ? MenuItem::CheckState::on : MenuItem::CheckState::off;
+    }
+    WidgetMenu menu({parent}, icons);
+    menu.popup(QPoint(10, 10));
+    menu.setActiveAction(menu.actions().at(0));
+    QKeyEvent right(QEvent::KeyPress, Qt::Key_Right, Qt::NoModifier);
+    QCoreApplication::sendEvent(&menu, &right);
+    const auto* submenu = menu.actions().at(0)->menu<QMenu*>();
+    ASSERT_TRUE(submenu->isVisible());
+    ASSERT_NE(submenu->activeAction(), nullptr);
+    EXPECT_EQ(submenu->activeAction()->text(), u"Two"_qs);
 }
 
 TEST_F(WidgetMenuTest, OnlyItemsWithAToolTipShowOne) {
