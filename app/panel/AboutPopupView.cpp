@@ -5,6 +5,7 @@
 #include "app/panel/CheckBox.h"
 #include "app/panel/CreditLine.h"
 #include "app/panel/MenuButton.h"
+#include "app/panel/PanelAccess.h"
 #include "app/panel/PanelMenus.h"
 #include "app/panel/PanelParts.h"
 #include "app/panel/PlayButton.h"
@@ -42,6 +43,7 @@ AboutPopupView::AboutPopupView(PopupPanelContent content, const PanelEnvironment
     , m_source(environment.mainQueue,
                {m_content.viewModel, m_content.player, m_content.sonos, m_content.languages})
     , m_look(makeLook(environment, *this)) {
+    installPanelAccess(); // before anybody asks what this is
     setAttribute(Qt::WA_OpaquePaintEvent);
     // The program lives in the status bar, whether or not this window is open.
     setAttribute(Qt::WA_QuitOnClose, false);

@@ -33,12 +33,14 @@ bool MenuKeys::typed(QMenu& menu, const QKeyEvent& event) {
     const QString letters = event.text();
     if (!isPlain || letters.isEmpty() || !letters.front().isPrint())
         return false;
-    const bool goesOn = !m_typed.isEmpty() && event.timestamp() - m_typedAt < oneBeginningMilliseconds;
+    const bool goesOn =
+        &menu == m_menu && !m_typed.isEmpty() && event.timestamp() - m_typedAt < oneBeginningMilliseconds;
     // A blank chooses the line, unless it stands within a name.
     if (letters.front().isSpace() && !goesOn)
         return false;
     m_typed = goesOn ? m_typed + letters : letters;
     m_typedAt = event.timestamp();
+    m_menu = &menu;
     if (QAction* line = lineFor(menu))
         menu.setActiveAction(line);
     return true;

@@ -22,6 +22,8 @@ private:
     [[nodiscard]] QAction* lineFor(const QMenu& menu) const;
 
     QString m_typed;
+    /// In which menu, only to compare with.
+    const QMenu* m_menu = nullptr;
     quint64 m_typedAt = 0;
 };
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/QtPopupWindow.h"
 
-#include "app/panel/PanelAccess.h"
-
 #include <QAccessible>
 #include <QCursor>
 #include <QFontMetrics>
@@ -23,7 +21,6 @@ public:
         : m_host(new AboutPopupView(std::move(content), environment))
         , m_token(std::move(token)) {
         m_host->onClosed = [this] { tellClosing(); };
-        installPanelAccess();
     }
     QtPopupWindow(const QtPopupWindow&) = delete;
     QtPopupWindow& operator=(const QtPopupWindow&) = delete;

@@ -17,7 +17,7 @@ REGISTRY = "org.a11y.atspi.Registry"
 FOCUSED = "object:state-changed:focused"
 #: Numbers of states, as the protocol has them.
 STATES = {4: "checked", 8: "enabled", 9: "expandable", 10: "expanded", 11: "focusable", 12: "focused",
-          24: "sensitive", 25: "showing", 30: "visible", 41: "checkable", 42: "has popup"}
+          24: "sensitive", 25: "showing", 30: "visible", 41: "checkable"}
 
 
 class Accessible:

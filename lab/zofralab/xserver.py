@@ -163,13 +163,19 @@ class XServer:
             self._x.XSync(self._display, 0)
 
     def key(self, name):
-        """Press and release a key."""
-        code = self._x.XKeysymToKeycode(self._display, self._x.XStringToKeysym(name.encode()))
-        if code == 0:
-            raise ValueError(f"no key {name}")
-        for down in (1, 0):
+        """Press and release a key, by itself or with others held, as in "ctrl+q"."""
+        codes = [self._code({"ctrl": "Control_L", "shift": "Shift_L", "alt": "Alt_L"}.get(part, part))
+                 for part in name.split("+")]
+        for down, code in [(1, code) for code in codes] + [(0, code) for code in reversed(codes)]:
             self._test.XTestFakeKeyEvent(self._display, code, down, 0)
             self._x.XSync(self._display, 0)
+
+    def _code(self, name):
+        symbol = self._x.XStringToKeysym(name.encode())
+        code = self._x.XKeysymToKeycode(self._display, symbol) if symbol else 0
+        if code == 0:
+            raise ValueError(f"no key {name}")
+        return code
 
     def _collect(self, parent, found):
         root, above, children, count = c_ulong(), c_ulong(), POINTER(c_ulong)(), c_uint()

@@ -16,6 +16,8 @@ def panel(radio, screen, reader, lab):
     lab.household.scene(scene="twelve")
     reader.forget()
     radio.start("--play", "zofra", headless=False, discovery=True)
+    screen.wait_for_window("zofrazofra", "Zofra Zofra")
+    radio.ask()  # the window that comes by itself leaves the keyboard where it is
     popup(screen)
     wait_until(lambda: radio.status()["rooms"] and not radio.status()["scanning"], 60, "the rooms", 0.2)
     yield radio

@@ -2,7 +2,6 @@
 // What screen readers are told.
 #include "app/panel/CheckBox.h"
 #include "app/panel/LanguageButton.h"
-#include "app/panel/PanelAccess.h"
 #include "app/panel/PlayButton.h"
 #include "app/panel/TextButton.h"
 #include "app/panel/VolumeSlider.h"
@@ -27,10 +26,7 @@ QList<QAccessibleInterface*> everything(QAccessibleInterface* root) {
     return found;
 }
 
-class PanelAccessTest : public PanelViewTest {
-protected:
-    PanelAccessTest() { installPanelAccess(); }
-};
+class PanelAccessTest : public PanelViewTest {};
 
 TEST_F(PanelAccessTest, SaysWhatThingsAre) {
     world.player.isPlaying = true;

@@ -36,6 +36,7 @@ protected:
             afterMilliseconds = 100;
         }
     }
+    quint64 now() const { return m_now; }
     QString current() { return menu.activeAction() ? menu.activeAction()->text() : QString(); }
 
     PanelWorld world;
@@ -68,6 +69,20 @@ TEST_F(MenuKeysTest, TheSameLetterGoesOnToTheNextLine) {
     EXPECT_EQ(current(), u"Bedroom"_qs);
     type(u"b"_qs);
     EXPECT_EQ(current(), u"Bath && Bar"_qs);
+}
+
+TEST_F(MenuKeysTest, EachMenuBeginsAnew) {
+    QMenu submenu;
+    submenu.setStyle(&style);
+    submenu.addAction(u"Below"_qs);
+    submenu.addAction(u"Nothing"_qs);
+    submenu.popup(QPoint(0, 0));
+    type(u"d"_qs);
+    QKeyEvent event(QEvent::KeyPress, Qt::Key_N, Qt::NoModifier, u"n"_qs);
+    event.setTimestamp(now() + 100);
+    QApplication::sendEvent(&submenu, &event);
+    EXPECT_EQ(submenu.activeAction(), submenu.actions().at(1));
+    submenu.setStyle(nullptr);
 }
 
 TEST_F(MenuKeysTest, SignsBeforeATextAreNotTyped) {
