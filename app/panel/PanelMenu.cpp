@@ -73,7 +73,7 @@ void PanelMenu::addEntry(const PanelMenuEntry& entry) {
         action->setCheckable(true);
         action->setChecked(entry.mark == PanelMenuEntry::Mark::on);
     }
-    connect(action, &QAction::triggered, this, [this, action, entry] {
+    connect(action, &QAction::triggered, this, [action, entry] {
         // The check mark follows the state, not the click.
         if (action->isCheckable())
             action->setChecked(entry.mark == PanelMenuEntry::Mark::on);

@@ -12,6 +12,9 @@ namespace zofra::test {
 namespace {
 
 class MenuKeysTest : public ::testing::Test {
+public:
+    ~MenuKeysTest() override { menu.setStyle(nullptr); }
+
 protected:
     MenuKeysTest() {
         menu.setStyle(&style);
@@ -22,7 +25,6 @@ protected:
         menu.addAction(u"Nothing found"_qs)->setEnabled(false);
         menu.popup(QPoint(0, 0));
     }
-    ~MenuKeysTest() override { menu.setStyle(nullptr); }
 
     void press(int key, const QString& text, quint64 afterMilliseconds = 100) {
         m_now += afterMilliseconds;

@@ -14,13 +14,15 @@ namespace zofra::test {
 namespace {
 
 class PopupWindowTest : public ::testing::Test {
-protected:
-    PopupWindowTest()
-        : factory(world.environment()) {}
+public:
     ~PopupWindowTest() override {
         window.reset();
         world.settle();
     }
+
+protected:
+    PopupWindowTest()
+        : factory(world.environment()) {}
 
     void open() {
         window = factory.makeWindow({QStringLiteral("1.0 (Build 1)"), world.viewModel,
