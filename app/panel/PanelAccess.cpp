@@ -30,13 +30,9 @@ public:
 private:
     QWidgetList parts() const {
         QWidgetList found;
-        const QWidget* const whole = widget();
-        if (!whole)
-            return found;
-        const auto all = whole->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+        const auto all = widget()->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
         for (QWidget* part : all) {
-            const bool isLookedAt = dynamic_cast<IconLabel*>(part) || dynamic_cast<Separator*>(part);
-            if (!isLookedAt && !part->isWindow())
+            if (!part->isWindow() && !dynamic_cast<IconLabel*>(part) && !dynamic_cast<Separator*>(part))
                 found << part;
         }
         return found;

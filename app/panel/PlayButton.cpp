@@ -11,7 +11,7 @@ namespace {
 
 constexpr qreal drawingSize = 14;
 constexpr qreal gap = 8;
-constexpr qreal arcReach = 5;
+constexpr qreal arcReach = 4;
 constexpr int turnMilliseconds = 1200;
 
 } // namespace

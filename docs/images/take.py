@@ -47,7 +47,7 @@ class Studio:
 
     def __enter__(self):
         lab = self._open.enter_context(Lab())
-        session = self._open.enter_context(Session(lab.run_dir, with_sound=False))
+        session = self._open.enter_context(Session(lab.run_dir))
         home = self._open.enter_context(tempfile.TemporaryDirectory(prefix="zofrapictures-"))
         display = Display("2400x1800x24").start()
         self._open.callback(display.stop)
@@ -91,7 +91,8 @@ class Studio:
                               timeout=60).stdout
 
     def click(self, method):
-        """A click on the button in the status bar."""
+        """A click on the button in the status bar, where the pointer is."""
+        self._run("xdotool", "mousemove", "500", "40")
         self._peer.connection.call(self._item.name, self._item.path, "org.kde.StatusNotifierItem", method,
                                    GLib.Variant("(ii)", (500, 40)), None, 0, 5000, None, None)
 
