@@ -111,10 +111,10 @@ void PlayerOrders::sendVolume(const SonosSpeaker& player, int percent) {
     SpeakerControl(m_background).setVolume(player, percent, [self = shared_from_this(), player](bool) {
         const auto next = self->m_lanes.with([&](Lanes& lanes) {
             auto& lane = lanes.volume[player.id];
-            auto percent = std::exchange(lane.next, std::nullopt);
-            if (!percent)
+            const auto waiting = std::exchange(lane.next, std::nullopt);
+            if (!waiting)
                 lanes.volume.remove(player.id);
-            return percent;
+            return waiting;
         });
         if (next)
             self->sendVolume(player, *next);

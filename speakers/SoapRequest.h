@@ -19,7 +19,8 @@ struct ControlPath {
 /// The envelope around an action's argument elements, as UTF-8.
 [[nodiscard]] QByteArray soapEnvelope(const QString& service, const QString& action, const QString& body);
 
-/// A control request, as an order whose answer's body is of no interest: `service` with its version, for example "AVTransport:1"; `body` the argument elements.
+/// A control request, as an order whose answer's body is of no interest: `service` with its version, for
+/// example "AVTransport:1"; `body` the argument elements.
 [[nodiscard]] HttpRequest soapRequest(const QUrl& endpoint, const QString& service, const QString& action,
                                       const QString& body);
 

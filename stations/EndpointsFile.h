@@ -28,9 +28,9 @@ struct Entry {
 /// What is wrong and where; `key` and `value` are empty where the line has none.
 struct Mistake {
     int line = 0;
-    QString key;
-    QString value;
-    QString reason;
+    QString key{};
+    QString value{};
+    QString reason{};
 };
 
 /// Larger files are refused: the complete table needs less than 2 kB.

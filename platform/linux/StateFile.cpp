@@ -54,14 +54,14 @@ void StateFile::write(const QByteArray& content) {
         return;
     m_pool.async([path = m_path, pending = m_pending] {
         for (;;) {
-            std::unique_lock lock(pending->mutex);
-            const auto content = std::exchange(pending->content, std::nullopt);
-            if (!content) {
+            std::unique_lock taking(pending->mutex);
+            const auto newest = std::exchange(pending->content, std::nullopt);
+            if (!newest) {
                 pending->isWriting = false;
                 return;
             }
-            lock.unlock();
-            if (const auto problem = replace(path, *content))
+            taking.unlock();
+            if (const auto problem = replace(path, *newest))
                 pending->log.log(*problem);
         }
     });
