@@ -132,7 +132,7 @@ TEST_F(StatusMenuTest, BothWaysOfShowingGiveTheSameTreesAsTheModel) {
                     const Menu menu = delegate->contextMenu();
                     const QString expected = dump(menu, Detail::shown);
                     DBusMenuTree tree({});
-                    tree.replace(menu);
+                    static_cast<void>(tree.replace(menu));
                     ASSERT_EQ(dump(*tree.layout(0, -1, {})), expected);
                     const WidgetMenu widget(menu, icons);
                     ASSERT_EQ(dump(widget), expected);

@@ -178,8 +178,8 @@ def test_the_menu_offers_what_the_program_can(radio, status_bar):
 
 
 def entries_of(entry):
-    """{id: label} of a whole menu."""
-    found = {entry.identity: entry.label}
+    """{id: label} of all that can be chosen in a menu; titles of submenus and songs may change where they stand."""
+    found = {entry.identity: entry.label} if entry.enabled and not entry.children else {}
     for child in entry.children:
         found.update(entries_of(child))
     return found
@@ -193,7 +193,7 @@ def test_an_id_never_means_two_things_and_unknown_ids_do_nothing(radio, status_b
         assert radio.ask("--play", option).returncode == 0
         radio.wait_status(playing=True)
         for identity, label in entries_of(menu.look()).items():
-            assert identity == 0 or meaning.setdefault(identity, label) == label
+            assert meaning.setdefault(identity, label) == label
     shown = entries_of(menu.look())
     for identity in [*(set(meaning) - set(shown)), max(meaning) + 1000, -5]:
         menu.event(identity)
