@@ -178,10 +178,11 @@ TEST_P(PanelPicture, LooksAsBefore) {
     const QImage image = picture(*view, asked.ratio);
     EXPECT_LE(view->height(), view->screen()->availableGeometry().height() - 50) << "frame and panel";
     const QString name = QString::fromStdString(asked.name);
-    if (!asked.isOnlyLookedAt)
+    if (!asked.isOnlyLookedAt) {
         expectGolden(image, name);
-    else if (const QString folder = qEnvironmentVariable("ZOFRA_PICTURES"); !folder.isEmpty())
+    } else if (const QString folder = qEnvironmentVariable("ZOFRA_PICTURES"); !folder.isEmpty()) {
         ASSERT_TRUE(image.save(QDir(folder).filePath(name + QStringLiteral(".png"))));
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
