@@ -22,6 +22,9 @@ struct SpeakerDiscovery::Search {
 };
 
 void SpeakerDiscovery::runDiscovery(bool forceSubnetScan) const {
+    // It may have waited for a thread for longer than it is wanted.
+    if (m_background->ended())
+        return;
     const auto interfaces = activeIPv4Interfaces(m_background->outside().network.interfaceAddresses());
     m_background->searched.set(interfaces);
     const auto search = searchEverywhere(interfaces);

@@ -45,10 +45,11 @@ TEST_F(XdgLoginItemTest, isOffAtFirst) {
 TEST_F(XdgLoginItemTest, writesAndRemovesTheFile) {
     EXPECT_TRUE(item.registerItem());
     EXPECT_TRUE(item.isEnabled());
-    EXPECT_EQ(content(),
-              QByteArray("[Desktop Entry]\nType=Application\nVersion=1.0\nName=Zofra Zofra\n"
-                         "Icon=be.zofra.ZofraZofra\nTryExec=/bin/sh\nExec=/bin/sh\nTerminal=false\n"
-                         "StartupNotify=false\nX-GNOME-Autostart-enabled=true\n"));
+    EXPECT_EQ(
+        content(),
+        QByteArray("[Desktop Entry]\nType=Application\nVersion=1.0\nName=Zofra Zofra\n"
+                   "Icon=be.zofra.ZofraZofra\nTryExec=/bin/sh\nExec=/bin/sh\nTerminal=false\n"
+                   "StartupNotify=false\nX-GNOME-Autostart-enabled=true\nX-KDE-autostart-after=panel\n"));
     EXPECT_TRUE(item.unregisterItem());
     EXPECT_FALSE(item.isEnabled());
     EXPECT_EQ(content(), QByteArray("(no file)"));
