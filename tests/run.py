@@ -20,8 +20,8 @@ from progress import Progress, run_pytest
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 UNIT_TIMEOUT = 300
-SYSTEM_TIMEOUT = 12 * 60
-MEASURED_TIMEOUT = 6 * 60
+SYSTEM_TIMEOUT = 20 * 60
+MEASURED_TIMEOUT = 10 * 60
 #: System tests beside each other: they mostly wait.
 JOBS = 4
 
