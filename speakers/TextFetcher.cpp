@@ -39,6 +39,11 @@ struct Arrivals {
     }
 };
 
+/// The session ends a request at its timeout, and only then is there room for another: two clocks that differ
+/// by a moment must not make more requests than there may be. Who waits for a session that never answers
+/// waits so much longer.
+constexpr std::chrono::milliseconds patience{500};
+
 struct InFlight {
     std::size_t index;
     SteadyTime deadline;
@@ -84,7 +89,7 @@ private:
         while (m_next < m_requests.size() &&
                std::ssize(m_inFlight) < SpeakerBackground::maxRequestsInFlight) {
             const auto& request = m_requests[m_next];
-            m_inFlight.push_back({m_next, std::chrono::steady_clock::now() + request.timeout});
+            m_inFlight.push_back({m_next, std::chrono::steady_clock::now() + request.timeout + patience});
             m_background->outside().session.start(request, completion(m_next));
             ++m_next;
         }

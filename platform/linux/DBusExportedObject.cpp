@@ -3,10 +3,12 @@
 
 #include <QDBusMetaType>
 #include <QDBusVariant>
+#include <QPointer>
 #include <QStringList>
 #include <QVariantMap>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace zofra::dbus {
@@ -16,8 +18,10 @@ const auto propertiesInterface = QLatin1String("org.freedesktop.DBus.Properties"
 /// What a caller gets to see again of its own words.
 constexpr int quotedCharacters = 100;
 /// More calls than a panel sends when it sees an item for the first time.
-constexpr int mostCallsOfOne = 32;
-constexpr int mostCalls = 96;
+// What one program may ask for, and all together: calls in one turn of the event loop, calls a second in the
+// long run, and seconds of the main thread a second.
+constexpr CallBudget::Limits ofOne{32, {250, 500}, {0.2, 0.2}};
+constexpr CallBudget::Limits ofAll{96, {750, 1500}, {0.4, 0.4}};
 
 bool isNamed(const char* name, const QString& wanted) {
     return wanted == QLatin1String(name);
@@ -103,7 +107,8 @@ Property constant(const char* name, const char* signature, const QVariant& value
 
 ExportedObject::ExportedObject(QString path, std::vector<Interface> interfaces)
     : m_path(std::move(path))
-    , m_interfaces(std::move(interfaces)) {}
+    , m_interfaces(std::move(interfaces))
+    , m_all(ofAll) {}
 
 ExportedObject::~ExportedObject() {
     if (m_connection)
@@ -191,9 +196,7 @@ bool ExportedObject::handleMessage(const QDBusMessage& message, const QDBusConne
         (message.interface().isEmpty() && message.member() == QLatin1String("Introspect")))
         return false;
     // A handler may end this object: nothing of it is touched afterwards.
-    const auto result = isFlooded(message.service())
-                            ? refused("LimitsExceeded", QStringLiteral("Too many calls at once"))
-                            : answer(message);
+    const auto result = answerWithin(message);
     if (message.isReplyRequired()) {
         connection.send(result.error ? message.createErrorReply(result.error->name, result.error->text)
                                      : message.createReply(result.values));
@@ -203,18 +206,37 @@ bool ExportedObject::handleMessage(const QDBusMessage& message, const QDBusConne
     return true;
 }
 
-bool ExportedObject::isFlooded(const QString& caller) {
-    // It ends when all that had arrived has been seen.
+Answer ExportedObject::answerWithin(const QDBusMessage& message) {
+    // The turn ends when all that had arrived has been seen.
     if (!m_endOfTurn.isActive())
         m_endOfTurn.start(0, this);
+    const auto began = std::chrono::steady_clock::now();
+    auto caller = m_callers.find(message.service());
+    if (caller == m_callers.end())
+        caller = m_callers.insert(message.service(), CallBudget(ofOne));
     // What is refused to one does not count against the others.
-    return ++m_callsBy[caller] > mostCallsOfOne || ++m_calls > mostCalls;
+    if (!caller->take(began) || !m_all.take(began))
+        return refused("LimitsExceeded", QStringLiteral("Too many calls at once"));
+    // The handler may end this object; then nobody counts any more.
+    const QPointer<ExportedObject> alive(this);
+    auto result = answer(message);
+    if (alive) {
+        const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - began;
+        m_all.spend(spent);
+        if (const auto still = m_callers.find(message.service()); still != m_callers.end())
+            still->spend(spent);
+    }
+    return result;
 }
 
 void ExportedObject::timerEvent(QTimerEvent*) {
     m_endOfTurn.stop();
-    m_calls = 0;
-    m_callsBy.clear();
+    const auto now = std::chrono::steady_clock::now();
+    m_all.endTurn();
+    m_callers.removeIf([now](auto caller) {
+        caller->endTurn();
+        return caller->isUnused(now);
+    });
 }
 
 Answer ExportedObject::answer(const QDBusMessage& message) const {

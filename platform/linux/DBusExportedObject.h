@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/linux/CallBudget.h"
+
 #include <QBasicTimer>
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -92,7 +94,8 @@ protected:
     void timerEvent(QTimerEvent* event) override;
 
 private:
-    [[nodiscard]] bool isFlooded(const QString& caller);
+    /// The answer, or an error when too much is asked.
+    [[nodiscard]] Answer answerWithin(const QDBusMessage& message);
     [[nodiscard]] Answer answer(const QDBusMessage& message) const;
     [[nodiscard]] Answer answerProperties(const QDBusMessage& message) const;
     [[nodiscard]] const Method* findMethod(const QString& interface, const QString& name) const;
@@ -105,9 +108,9 @@ private:
     std::optional<QDBusConnection> m_connection;
     /// Values last told, by interface and property; invalid for properties whose changes are not told.
     std::vector<std::vector<QVariant>> m_told;
-    /// Calls in this turn of the event loop, all and by caller.
-    int m_calls = 0;
-    QHash<QString, int> m_callsBy;
+    /// What is left to all callers together, and to each by its bus name.
+    CallBudget m_all;
+    QHash<QString, CallBudget> m_callers;
     QBasicTimer m_endOfTurn;
 };
 

@@ -183,10 +183,10 @@ def test_search_answers_count_however_they_are_spelt(oddity, found, system_log):
 ORDERS = {
     "204": (["HTTP/1.1 204 No Content\r\n\r\n"], None), "in chunks": (SPOKEN["in chunks"](DONE), None),
     "until the end": (SPOKEN["until the end"](DONE), None), "after 100": (SPOKEN["after 100"](DONE), None),
-    "elsewhere": (["HTTP/1.1 307 Moved\r\nLocation: /done\r\nContent-Length: 0\r\n\r\n"], None),
+    "elsewhere": (["HTTP/1.1 307 Moved\r\nLocation: /done\r\nContent-Length: 0\r\n\r\n"], 307),
     "201": ([whole(DONE, "HTTP/1.1 201 Created")], 201), "206": ([whole(DONE, "HTTP/1.1 206 Partial Content")], 206),
     "500": ([whole(DONE, "HTTP/1.1 500 X")], 500), "403": ([whole("<html>", "HTTP/1.1 403 X")], 403),
-    "nothing": ([], 0), "cut": (BROKEN["cut"](DONE), 0), "no HTTP": (["hello\r\n\r\n"], 0),
+    "nothing": ([], 0), "cut": (BROKEN["cut"](DONE), None), "no HTTP": (["hello\r\n\r\n"], 0),
 }
 
 

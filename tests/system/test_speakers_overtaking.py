@@ -84,7 +84,7 @@ def test_the_last_of_two_quick_stations_plays(playing, house):
     wait_until(lambda: wanted in house.requests(player=BEAM, action="SetAVTransportURI")[-1]["body"], 10, "the last one")
     wait_sent(house, BEAM, "Play", 2)
     wait_answered(house, BEAM)
-    assert house.player(player=BEAM)["stream"]["url"].endswith("/qmusic.mp3")
+    wait_until(lambda: house.player(player=BEAM)["stream"]["url"].endswith("/qmusic.mp3"), 10, "the last one's stream")
     assert house.player(player=BEAM)["state"] == "PLAYING"
     playing.wait_status(playing=True, station="qmusic")
 
@@ -96,7 +96,7 @@ def test_a_station_chosen_during_a_start_plays(playing, house):
     tell(playing, "--play", "joe")
     playing.wait_status(playing=True, station="joe", timeout=15)
     wait_answered(house, BEAM)
-    assert "/joe.mp3" in house.player(player=BEAM)["stream"]["url"]
+    wait_until(lambda: "/joe.mp3" in house.player(player=BEAM)["stream"]["url"], 10, "the new station's stream")
 
 
 def test_another_room_ends_a_start_that_has_not_ended(playing, house):

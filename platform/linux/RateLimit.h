@@ -28,6 +28,8 @@ public:
     }
     /// May take more than there is; it is owed then.
     void spend(double amount) { m_left -= amount; }
+    /// Whether nothing is owed and all may be spent at once.
+    [[nodiscard]] bool isFull(TimePoint now) { return hasRoom(now) && m_left >= m_rate.atOnce; }
     /// When there is room again, after `hasRoom` said no; a little later than the first moment, so that
     /// nobody wakes for next to nothing.
     [[nodiscard]] TimePoint nextRoom() const {
