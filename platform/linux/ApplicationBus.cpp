@@ -183,6 +183,10 @@ dbus::Interface ApplicationBus::ownInterface() {
             return tooMuch();
         if (!onRun)
             return notOffered();
+        // What an act starts costs more than the call.
+        if (!m_acts.hasRoom(std::chrono::steady_clock::now()))
+            return dbus::refused("LimitsExceeded", QStringLiteral("Too many acts at once"));
+        m_acts.spend(1);
         const auto reply = onRun(*options);
         return Answer{{reply.exitStatus, reply.line}, {}, {}};
     };

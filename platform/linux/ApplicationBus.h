@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/Observable.h"
+#include "platform/linux/RateLimit.h"
 #include "platform/linux/SessionBus.h"
 
 #include <QString>
@@ -99,6 +100,8 @@ private:
     SessionBus& m_bus;
     bool m_hasBeenRunning = false;
     std::unique_ptr<dbus::ExportedObject> m_object;
+    /// Nobody starts programs faster.
+    RateLimit m_acts{{50, 100}};
     ObservationToken m_connected;
     ObservationToken m_disconnected;
 };

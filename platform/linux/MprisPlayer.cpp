@@ -199,8 +199,14 @@ Interface MprisPlayer::rootInterface() {
 }
 
 Interface MprisPlayer::playerInterface() {
-    const auto method = [](const char* name, std::function<Answer()> act) {
-        return Method{name, "", "", [act = std::move(act)](const QVariantList&) { return act(); }};
+    const auto method = [this](const char* name, std::function<Answer()> act) {
+        return Method{name, "", "", [this, act = std::move(act)](const QVariantList&) {
+                          // What an act starts costs more than the call.
+                          if (!m_acts.hasRoom(std::chrono::steady_clock::now()))
+                              return dbus::refused("LimitsExceeded", QStringLiteral("Too many acts at once"));
+                          m_acts.spend(1);
+                          return act();
+                      }};
     };
     const auto setRate = [this](const QVariant& rate) -> std::optional<Error> {
         // There is one rate; asking for none means a pause.

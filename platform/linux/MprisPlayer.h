@@ -4,6 +4,7 @@
 #include "platform/MediaControls.h"
 #include "platform/Observable.h"
 #include "platform/linux/MprisPlaylists.h"
+#include "platform/linux/RateLimit.h"
 #include "platform/linux/SessionBus.h"
 
 #include <QString>
@@ -79,6 +80,8 @@ private:
     std::unique_ptr<dbus::ExportedObject> m_object;
     ObservationToken m_connected;
     ObservationToken m_disconnected;
+    /// Nobody presses keys faster.
+    RateLimit m_acts{{20, 50}};
 };
 
 } // namespace zofra

@@ -85,7 +85,7 @@ def test_the_last_of_two_quick_stations_plays(playing, house):
     wait_sent(house, BEAM, "Play", 2)
     wait_answered(house, BEAM)
     wait_until(lambda: house.player(player=BEAM)["stream"]["url"].endswith("/qmusic.mp3"), 10, "the last one's stream")
-    assert house.player(player=BEAM)["state"] == "PLAYING"
+    wait_state(house, BEAM, "PLAYING")
     playing.wait_status(playing=True, station="qmusic")
 
 

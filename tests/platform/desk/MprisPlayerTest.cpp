@@ -250,8 +250,10 @@ TEST_F(MprisPlayerTest, ofManyCallsAtOnceSomeAreErrors) {
         return one->error().name() == QStringLiteral("org.freedesktop.DBus.Error.LimitsExceeded");
     });
     EXPECT_EQ(commands.size() + static_cast<std::size_t>(refused), std::size_t{count});
-    EXPECT_EQ(errorOf(call(service, path, player, QStringLiteral("Play"))), QStringLiteral("answered"))
-        << "and the next one is heard again";
+    EXPECT_LT(commands.size(), 100U) << "nobody presses keys so fast";
+    EXPECT_TRUE(spinUntil([&] {
+        return errorOf(call(service, path, player, QStringLiteral("Play"))) == QStringLiteral("answered");
+    })) << "and soon the next one is heard again";
 }
 
 TEST_F(MprisPlayerTest, refusesToOpenAddresses) {
