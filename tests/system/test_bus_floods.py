@@ -36,6 +36,7 @@ def answered_within(bus, limit):
     return time.monotonic() - asked
 
 
+@pytest.mark.measured
 @pytest.mark.parametrize("place, method, body", [
     (MENU, "AboutToShow", GLib.Variant("(i)", (0,))),
     (MENU, "GetLayout", GLib.Variant("(iias)", (0, -1, []))),

@@ -174,6 +174,7 @@ def test_what_grows_is_seen(around, what):
 
 
 @pytest.mark.slow
+@pytest.mark.measured
 def test_a_short_seed_holds(binary):
     done, violations, judge = play(plan(SHORT_SEED, 60), binary, seconds=SHORT_SECONDS)
     print(f"{done} faults, worst: {judge.worst}")
