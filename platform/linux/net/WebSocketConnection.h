@@ -2,9 +2,9 @@
 #pragma once
 
 #include "platform/RadioMetadataSocket.h"
+#include "platform/linux/RateLimit.h"
 #include "platform/linux/net/CurlConnection.h"
 #include "platform/linux/net/CurlHandle.h"
-#include "platform/linux/RateLimit.h"
 #include "platform/linux/net/WebSocketHandshake.h"
 #include "platform/linux/net/WebSocketWire.h"
 
