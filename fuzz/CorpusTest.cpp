@@ -52,9 +52,9 @@ void run(const Target& target, const QByteArray& input) {
               0);
 }
 
-class FuzzCorpus : public testing::TestWithParam<Target> {};
+class FuzzCorpusTest : public testing::TestWithParam<Target> {};
 
-TEST_P(FuzzCorpus, Holds) {
+TEST_P(FuzzCorpusTest, Holds) {
     const auto inputs = corpusOf(GetParam());
     EXPECT_GE(inputs.size(), 1U) << "no corpus";
     run(GetParam(), {});
@@ -62,14 +62,14 @@ TEST_P(FuzzCorpus, Holds) {
         run(GetParam(), input);
 }
 
-TEST_P(FuzzCorpus, HoldsBeyondEveryCap) {
+TEST_P(FuzzCorpusTest, HoldsBeyondEveryCap) {
     for (const auto& input : corpusOf(GetParam())) {
         if (!input.isEmpty() && input.size() < GetParam().longest)
             run(GetParam(), input.repeated(GetParam().longest / input.size() + 1));
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Targets, FuzzCorpus, testing::ValuesIn(targets),
+INSTANTIATE_TEST_SUITE_P(Targets, FuzzCorpusTest, testing::ValuesIn(targets),
                          [](const auto& target) { return std::string(target.param.name); });
 
 } // namespace

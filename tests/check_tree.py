@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Checks what no compiler checks: licence lines, the direction of includes, and where platform headers may stand."""
+"""Checks what no compiler checks: licence lines, the direction of includes, where platform headers may stand, test names."""
 
 import pathlib
 import re
@@ -25,6 +25,7 @@ CORE = ("stations", "playback", "metadata", "speakers")
 CORE_KNOWS = re.compile(
     r"<(Q(Bit|Byte|Char|Collator|Date|Hash|Json|Latin1|List|Locale|Map|Meta|Regular|Set|Str|Text|Time|Unicode|Url|Uuid|"
     r"Variant|Xml|tGlobal|Random|Debug|Elapsed)\w*|expat\.h|[a-z_]+)>")
+SUITE = re.compile(r"^TEST(?:_F|_P)?\(\s*(\w+),", re.MULTILINE)
 
 
 def folder_of(path):
@@ -43,6 +44,9 @@ def main():
         if LICENCE not in "\n".join(text.splitlines()[:4]):
             faults.append(f"{name}: no licence line")
         folder = folder_of(path)
+        for suite in SUITE.findall(text):
+            if not (suite.endswith("Test") and path.stem.endswith("Test")):
+                faults.append(f"{name}: the suite {suite} and its file are named after what they test, with Test behind it")
         if path.suffix not in (".cpp", ".h") or folder not in MAY_INCLUDE:
             continue
         for number, line in enumerate(text.splitlines(), 1):

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/VolumePercent.h"
-#include "tests/app/DelegateFixture.h"
+#include "tests/app/DelegateTest.h"
 
 #include <array>
 #include <cmath>
@@ -9,7 +9,7 @@
 namespace zofra::test {
 namespace {
 
-class AppDelegateActions : public DelegateFixture {
+class AppDelegateActionsTest : public DelegateTest {
 protected:
     /// Finds rooms as a search does, so that their players can be sent commands.
     void useRooms(const QList<SonosRoom>& rooms) { sonos->rooms = rooms; }
@@ -20,7 +20,7 @@ protected:
     }
     [[nodiscard]] QStringList bodiesWith(const QByteArray& text) const {
         QStringList addresses;
-        for (const HttpRequest& request : session.requests) {
+        for (const HttpRequest& request : http.requests) {
             if (request.body.contains(text))
                 addresses << request.url.host();
         }
@@ -29,7 +29,7 @@ protected:
     SonosRoom kitchen = room(u"RINCON_K"_qs, u"Kitchen"_qs, 5);
 };
 
-TEST_F(AppDelegateActions, ToggleAsksTheSpeakerManagerAndRedraws) {
+TEST_F(AppDelegateActionsTest, ToggleAsksTheSpeakerManagerAndRedraws) {
     launch();
     delegate->togglePlayRadio();
     EXPECT_TRUE(player->isPlaying);
@@ -39,7 +39,7 @@ TEST_F(AppDelegateActions, ToggleAsksTheSpeakerManagerAndRedraws) {
     EXPECT_EQ(item().symbol, u"play.fill"_qs);
 }
 
-TEST_F(AppDelegateActions, AStationGoesToPlayerSpeakersModelAndButtonInThisOrder) {
+TEST_F(AppDelegateActionsTest, AStationGoesToPlayerSpeakersModelAndButtonInThisOrder) {
     launch();
     QStringList order;
     const auto a = player->observe([&] { order << u"player"_qs; });
@@ -53,7 +53,7 @@ TEST_F(AppDelegateActions, AStationGoesToPlayerSpeakersModelAndButtonInThisOrder
     EXPECT_EQ(defaults.values[u"zofra_selected_station"_qs].toString(), u"qmusic"_qs);
 }
 
-TEST_F(AppDelegateActions, AnItemWithTheWrongObjectChangesNothing) {
+TEST_F(AppDelegateActionsTest, AnItemWithTheWrongObjectChangesNothing) {
     launch();
     useRooms({kitchen});
     const auto writes = defaults.writes.size();
@@ -76,7 +76,7 @@ TEST_F(AppDelegateActions, AnItemWithTheWrongObjectChangesNothing) {
     EXPECT_EQ(sonos->activeTarget.get(), AudioOutputTarget::localMac());
 }
 
-TEST_F(AppDelegateActions, ThisComputerStopsTheSpeakersAndLeavesTheLocalPlayerStopped) {
+TEST_F(AppDelegateActionsTest, ThisComputerStopsTheSpeakersAndLeavesTheLocalPlayerStopped) {
     launch();
     sonos->activeTarget = AudioOutputTarget::sonosEverywhere();
     sonos->isSonosPlaying = true;
@@ -98,7 +98,7 @@ TEST_F(AppDelegateActions, ThisComputerStopsTheSpeakersAndLeavesTheLocalPlayerSt
     delegate->selectOutputMac();
 }
 
-TEST_F(AppDelegateActions, ARoomSilencesTheLocalPlayerBeforeItStarts) {
+TEST_F(AppDelegateActionsTest, ARoomSilencesTheLocalPlayerBeforeItStarts) {
     launch();
     useRooms({kitchen});
     delegate->togglePlayRadio();
@@ -117,7 +117,7 @@ TEST_F(AppDelegateActions, ARoomSilencesTheLocalPlayerBeforeItStarts) {
     EXPECT_EQ(record.last(), u"setToolTip"_qs);
 }
 
-TEST_F(AppDelegateActions, EverywhereIsChosenThroughTheManager) {
+TEST_F(AppDelegateActionsTest, EverywhereIsChosenThroughTheManager) {
     launch();
     delegate->selectOutputEverywhere();
     EXPECT_EQ(sonos->activeTarget.get(), AudioOutputTarget::sonosEverywhere());
@@ -125,7 +125,7 @@ TEST_F(AppDelegateActions, EverywhereIsChosenThroughTheManager) {
     EXPECT_TRUE(item().toolTip.contains(u"Output: Everywhere (All Rooms)"_qs));
 }
 
-TEST_F(AppDelegateActions, RescanSearchesWithTheSubnetScan) {
+TEST_F(AppDelegateActionsTest, RescanSearchesWithTheSubnetScan) {
     launch();
     network.addInterface(u"eth0"_qs, u"10.0.0.2"_qs, u"10.0.0.255"_qs);
     delegate->rescanSonos();
@@ -133,7 +133,7 @@ TEST_F(AppDelegateActions, RescanSearchesWithTheSubnetScan) {
     EXPECT_GT(tasks.waiting(), 0U);
 }
 
-TEST_F(AppDelegateActions, LocalNetworkSettingsAreOpenedByTheirAddress) {
+TEST_F(AppDelegateActionsTest, LocalNetworkSettingsAreOpenedByTheirAddress) {
     launch();
     delegate->openLocalNetworkSettings();
     ASSERT_EQ(workspace.opened.size(), 1U);
@@ -141,7 +141,7 @@ TEST_F(AppDelegateActions, LocalNetworkSettingsAreOpenedByTheirAddress) {
               u"x-apple.systempreferences:com.apple.preference.security?Privacy_LocalNetwork"_qs);
 }
 
-TEST_F(AppDelegateActions, AVolumeIsSetSentToThePlayerAndKept) {
+TEST_F(AppDelegateActionsTest, AVolumeIsSetSentToThePlayerAndKept) {
     launch();
     delegate->togglePlayRadio();
     delegate->setVolumeFromMenuItem(carrying(0.25F));
@@ -151,7 +151,7 @@ TEST_F(AppDelegateActions, AVolumeIsSetSentToThePlayerAndKept) {
     EXPECT_TRUE(bodiesWith("SetVolume").isEmpty()) << "this computer: nothing is sent";
 }
 
-TEST_F(AppDelegateActions, OneIsExactlyOneAndAHundredZeroIsZero) {
+TEST_F(AppDelegateActionsTest, OneIsExactlyOneAndAHundredZeroIsZero) {
     launch();
     useRooms({kitchen});
     sonos->activeTarget = AudioOutputTarget::sonos(u"RINCON_K"_qs);
@@ -159,14 +159,14 @@ TEST_F(AppDelegateActions, OneIsExactlyOneAndAHundredZeroIsZero) {
     EXPECT_EQ(player->volume.get(), 1.0F);
     EXPECT_EQ(bodiesWith("<DesiredVolume>100</DesiredVolume>"), QStringList{u"10.0.0.5"_qs});
     // A player is told one volume at a time.
-    session.completions.back()({HttpResponse{200, {}}, std::nullopt});
+    http.answer(200, {});
     queue.drain();
     delegate->setVolumeFromMenuItem(carrying(0.0F));
     EXPECT_EQ(player->volume.get(), 0.0F);
     EXPECT_EQ(bodiesWith("<DesiredVolume>0</DesiredVolume>"), QStringList{u"10.0.0.5"_qs});
 }
 
-TEST_F(AppDelegateActions, LocalVolumeIsClampedThePercentageIsOfTheUnclampedValue) {
+TEST_F(AppDelegateActionsTest, LocalVolumeIsClampedThePercentageIsOfTheUnclampedValue) {
     launch();
     useRooms({kitchen});
     sonos->activeTarget = AudioOutputTarget::sonos(u"RINCON_K"_qs);
@@ -178,7 +178,7 @@ TEST_F(AppDelegateActions, LocalVolumeIsClampedThePercentageIsOfTheUnclampedValu
     EXPECT_EQ(player->volume.get(), 0.0F);
 }
 
-TEST_F(AppDelegateActions, AVolumeForARoomThatIsGoneIsOnlyLocal) {
+TEST_F(AppDelegateActionsTest, AVolumeForARoomThatIsGoneIsOnlyLocal) {
     launch();
     sonos->activeTarget = AudioOutputTarget::sonos(u"RINCON_GONE"_qs);
     record.clear();
@@ -187,7 +187,7 @@ TEST_F(AppDelegateActions, AVolumeForARoomThatIsGoneIsOnlyLocal) {
     EXPECT_EQ(recorded({u"POST"_qs}), QStringList());
 }
 
-using AppDelegateActionsDeathTest = AppDelegateActions;
+using AppDelegateActionsDeathTest = AppDelegateActionsTest;
 
 TEST_F(AppDelegateActionsDeathTest, AVolumeWithoutPercentageEndsTheProgram) {
     launch();
@@ -198,7 +198,7 @@ TEST_F(AppDelegateActionsDeathTest, AVolumeWithoutPercentageEndsTheProgram) {
     EXPECT_DEATH(delegate->setVolumeFromMenuItem(carrying(1e30F)), "no percentage");
 }
 
-TEST_F(AppDelegateActions, VolumesFromOutsideAreMadeSafeFirst) {
+TEST_F(AppDelegateActionsTest, VolumesFromOutsideAreMadeSafeFirst) {
     launch();
     delegate->controls().requestVolume(std::numeric_limits<double>::quiet_NaN());
     EXPECT_EQ(player->volume.get(), 0.8F);
@@ -210,7 +210,7 @@ TEST_F(AppDelegateActions, VolumesFromOutsideAreMadeSafeFirst) {
     EXPECT_EQ(player->volume.get(), 0.3F);
 }
 
-TEST_F(AppDelegateActions, TheWheelMovesByFivePercentAndShowsIt) {
+TEST_F(AppDelegateActionsTest, TheWheelMovesByFivePercentAndShowsIt) {
     launch();
     delegate->scrollVolume(1);
     EXPECT_EQ(player->volume.get(), 0.85F);
@@ -232,7 +232,7 @@ TEST_F(AppDelegateActions, TheWheelMovesByFivePercentAndShowsIt) {
     EXPECT_EQ(record.last(), u"flash Lautstärke (5 %)"_qs);
 }
 
-TEST_F(AppDelegateActions, TheWheelReachesTheRoom) {
+TEST_F(AppDelegateActionsTest, TheWheelReachesTheRoom) {
     launch();
     useRooms({kitchen});
     sonos->activeTarget = AudioOutputTarget::sonos(u"RINCON_K"_qs);
@@ -240,7 +240,7 @@ TEST_F(AppDelegateActions, TheWheelReachesTheRoom) {
     EXPECT_EQ(bodiesWith("<DesiredVolume>75</DesiredVolume>"), QStringList{u"10.0.0.5"_qs});
 }
 
-TEST(VolumePercent, IsComputedIn32BitsAndCut) {
+TEST(VolumePercentTest, IsComputedIn32BitsAndCut) {
     EXPECT_EQ(volumePercent(0.29F), 29);
     EXPECT_EQ(volumePercent(0.62F), 62);
     EXPECT_EQ(volumePercent(0.999F), 99);
@@ -251,12 +251,12 @@ TEST(VolumePercent, IsComputedIn32BitsAndCut) {
     EXPECT_EQ(volumePercent(2.2e7F), std::nullopt);
 }
 
-TEST(VolumePercent, EveryPercentageIsItsOwn) {
+TEST(VolumePercentTest, EveryPercentageIsItsOwn) {
     for (int percent = 0; percent <= 100; ++percent)
         EXPECT_EQ(volumePercent(volumeOfPercent(percent)), percent);
 }
 
-TEST(VolumePercent, WhatIsShownLiesBetween0And100) {
+TEST(VolumePercentTest, WhatIsShownLiesBetween0And100) {
     EXPECT_EQ(shownVolumePercent(0.5F), 50);
     EXPECT_EQ(shownVolumePercent(7.0F), 100);
     EXPECT_EQ(shownVolumePercent(1e30F), 100);

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/app/DelegateFixture.h"
+#include "tests/app/DelegateTest.h"
 
 #include <array>
 
 namespace zofra::test {
 namespace {
 
-class AppDelegateButton : public DelegateFixture {};
+class AppDelegateButtonTest : public DelegateTest {};
 
-TEST_F(AppDelegateButton, TheRightButtonOpensTheWindowAnythingElseTheMenu) {
+TEST_F(AppDelegateButtonTest, TheRightButtonOpensTheWindowAnythingElseTheMenu) {
     launch();
     item().action(ButtonEvent::rightMouseUp);
     EXPECT_EQ(windows.made, 0) << "the window comes in a later turn";
@@ -23,14 +23,14 @@ TEST_F(AppDelegateButton, TheRightButtonOpensTheWindowAnythingElseTheMenu) {
     EXPECT_EQ(windows.made, 1);
 }
 
-TEST_F(AppDelegateButton, TheMenuPopsUpFourBelowTheButton) {
+TEST_F(AppDelegateButtonTest, TheMenuPopsUpFourBelowTheButton) {
     launch();
     item().buttonHeight = 30;
     item().action(ButtonEvent::leftMouseUp);
     EXPECT_EQ(recorded({u"popUpMenu"_qs}), QStringList{u"popUpMenu 0,34"_qs});
 }
 
-TEST_F(AppDelegateButton, EveryClickShowsAFreshMenu) {
+TEST_F(AppDelegateButtonTest, EveryClickShowsAFreshMenu) {
     launch();
     item().action(ButtonEvent::leftMouseUp);
     player->setStation(RadioStation::joe);
@@ -40,14 +40,14 @@ TEST_F(AppDelegateButton, EveryClickShowsAFreshMenu) {
     EXPECT_EQ(item().shownMenus[1][1].title, u"Station (JOE)"_qs);
 }
 
-TEST_F(AppDelegateButton, TitleIsStationColonSongWithTheImageBefore) {
+TEST_F(AppDelegateButtonTest, TitleIsStationColonSongWithTheImageBefore) {
     launch();
     delegate->viewModel().onUpdate(u"A & B <b> _x_"_qs, std::nullopt);
     EXPECT_EQ(item().title, u"Zofra: A & B <b> _x_"_qs);
     EXPECT_EQ(item().imagePosition, ImagePosition::leading);
 }
 
-TEST_F(AppDelegateButton, RedrawsTitlePositionImageAndToolTipInThisOrder) {
+TEST_F(AppDelegateButtonTest, RedrawsTitlePositionImageAndToolTipInThisOrder) {
     launch();
     delegate->updateStatusBarButton();
     EXPECT_EQ(record,
@@ -60,7 +60,7 @@ struct StatusWords {
     QString paused;
 };
 
-TEST_F(AppDelegateButton, ImageAndItsWordFollowTheStateInFourLanguages) {
+TEST_F(AppDelegateButtonTest, ImageAndItsWordFollowTheStateInFourLanguages) {
     launch();
     const std::array<StatusWords, 4> table{{{AppLanguage::en, u"Playing"_qs, u"Paused"_qs},
                                             {AppLanguage::nl, u"Afspelen"_qs, u"Gepauzeerd"_qs},
@@ -79,7 +79,7 @@ TEST_F(AppDelegateButton, ImageAndItsWordFollowTheStateInFourLanguages) {
     }
 }
 
-TEST_F(AppDelegateButton, PlayingIsThatOfTheCurrentOutput) {
+TEST_F(AppDelegateButtonTest, PlayingIsThatOfTheCurrentOutput) {
     launch();
     player->isPlaying = true;
     EXPECT_TRUE(delegate->isPlaying());
@@ -94,7 +94,7 @@ TEST_F(AppDelegateButton, PlayingIsThatOfTheCurrentOutput) {
     EXPECT_FALSE(delegate->isPlaying());
 }
 
-TEST_F(AppDelegateButton, ToolTipHasFourLinesWithoutANextSong) {
+TEST_F(AppDelegateButtonTest, ToolTipHasFourLinesWithoutANextSong) {
     launch();
     for (const std::optional<QString>& next : {std::optional<QString>(), std::optional<QString>(QString())}) {
         delegate->viewModel().onUpdate(u"Artist – Song"_qs, next);
@@ -103,7 +103,7 @@ TEST_F(AppDelegateButton, ToolTipHasFourLinesWithoutANextSong) {
     }
 }
 
-TEST_F(AppDelegateButton, ToolTipHasFiveLinesWithOne) {
+TEST_F(AppDelegateButtonTest, ToolTipHasFiveLinesWithOne) {
     launch();
     languages->setCurrentLanguage(AppLanguage::fr);
     player->isPlaying = true;
@@ -114,7 +114,7 @@ TEST_F(AppDelegateButton, ToolTipHasFiveLinesWithOne) {
         "Sortie : Ce Mac\nStatus: Lecture en cours"_qs);
 }
 
-TEST_F(AppDelegateButton, TheItemAsksForTheMenuAndOpensTheWindowByOtherWaysToo) {
+TEST_F(AppDelegateButtonTest, TheItemAsksForTheMenuAndOpensTheWindowByOtherWaysToo) {
     launch();
     EXPECT_EQ(item().menuProvider().size(), delegate->contextMenu().size());
     item().onSecondaryActivate();
@@ -126,7 +126,7 @@ TEST_F(AppDelegateButton, TheItemAsksForTheMenuAndOpensTheWindowByOtherWaysToo) 
     EXPECT_EQ(windows.made, 2);
 }
 
-TEST_F(AppDelegateButton, AWindowThatNobodyAskedForLeavesTheKeyboardAndGoesWhenTheStatusBarComes) {
+TEST_F(AppDelegateButtonTest, AWindowThatNobodyAskedForLeavesTheKeyboardAndGoesWhenTheStatusBarComes) {
     launch();
     record.clear();
     item().onUnavailable();
@@ -139,7 +139,7 @@ TEST_F(AppDelegateButton, AWindowThatNobodyAskedForLeavesTheKeyboardAndGoesWhenT
     EXPECT_EQ(delegate->aboutWindow(), nullptr);
 }
 
-TEST_F(AppDelegateButton, AWindowThatAPersonTurnedToStays) {
+TEST_F(AppDelegateButtonTest, AWindowThatAPersonTurnedToStays) {
     launch();
     item().onUnavailable();
     queue.drain();

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/app/DelegateFixture.h"
+#include "tests/app/DelegateTest.h"
 #include "tests/metadata/Frames.h"
 
 namespace zofra::test {
 namespace {
 
-class AppDelegateCallbacks : public DelegateFixture {
+class AppDelegateCallbacksTest : public DelegateTest {
 protected:
     int refreshes() { return item().refreshes; }
 };
 
-TEST_F(AppDelegateCallbacks, APlaybackChangeRedrawsInALaterTurn) {
+TEST_F(AppDelegateCallbacksTest, APlaybackChangeRedrawsInALaterTurn) {
     launch();
     const int before = refreshes();
     player->onPlaybackStateChanged(true);
@@ -27,7 +27,7 @@ TEST_F(AppDelegateCallbacks, APlaybackChangeRedrawsInALaterTurn) {
     EXPECT_EQ(refreshes(), before + 3);
 }
 
-TEST_F(AppDelegateCallbacks, AStationChangeInsideThePlayerReachesSpeakersModelAndButton) {
+TEST_F(AppDelegateCallbacksTest, AStationChangeInsideThePlayerReachesSpeakersModelAndButton) {
     launch();
     player->setStation(RadioStation::qmusic);
     EXPECT_EQ(sonos->currentStation.get(), RadioStation(RadioStation::zofra)) << "not in place";
@@ -38,7 +38,7 @@ TEST_F(AppDelegateCallbacks, AStationChangeInsideThePlayerReachesSpeakersModelAn
     EXPECT_TRUE(item().title.startsWith(u"Qmusic: "_qs)) << item().title.toStdString();
 }
 
-TEST_F(AppDelegateCallbacks, SpeakersHearOfAStationBeforeTheModelAndTheButtonLast) {
+TEST_F(AppDelegateCallbacksTest, SpeakersHearOfAStationBeforeTheModelAndTheButtonLast) {
     launch();
     QStringList order;
     const auto sonosToken = sonos->observe([&] { order << u"sonos"_qs; });
@@ -53,7 +53,7 @@ TEST_F(AppDelegateCallbacks, SpeakersHearOfAStationBeforeTheModelAndTheButtonLas
     EXPECT_EQ(record.last(), u"setToolTip"_qs);
 }
 
-TEST_F(AppDelegateCallbacks, ANewLanguageReplacesTheLoadingTextWhileLoading) {
+TEST_F(AppDelegateCallbacksTest, ANewLanguageReplacesTheLoadingTextWhileLoading) {
     launch();
     ASSERT_TRUE(delegate->viewModel().isLoading());
     languages->setLanguage(AppLanguage::de);
@@ -63,7 +63,7 @@ TEST_F(AppDelegateCallbacks, ANewLanguageReplacesTheLoadingTextWhileLoading) {
     EXPECT_EQ(item().title, u"Zofra: Lädt..."_qs);
 }
 
-TEST_F(AppDelegateCallbacks, ANewLanguageLeavesASongAloneButRedraws) {
+TEST_F(AppDelegateCallbacksTest, ANewLanguageLeavesASongAloneButRedraws) {
     launch();
     // The first track ends loading.
     sockets.last().deliver(u"o"_qs);
@@ -79,7 +79,7 @@ TEST_F(AppDelegateCallbacks, ANewLanguageLeavesASongAloneButRedraws) {
     EXPECT_EQ(refreshes(), before + 1);
 }
 
-TEST_F(AppDelegateCallbacks, AnUpdateIsShownInPlaceAndThenHandedToTheMediaDisplay) {
+TEST_F(AppDelegateCallbacksTest, AnUpdateIsShownInPlaceAndThenHandedToTheMediaDisplay) {
     launch();
     const std::size_t shownBefore = nowPlaying.shown.size();
     QString titleWhenHandedOver;
@@ -94,7 +94,7 @@ TEST_F(AppDelegateCallbacks, AnUpdateIsShownInPlaceAndThenHandedToTheMediaDispla
     EXPECT_EQ(titleWhenHandedOver, u"Zofra: Artist – Song"_qs) << "the button comes first";
 }
 
-TEST_F(AppDelegateCallbacks, CallbacksDoNothingOnceTheDelegateIsGone) {
+TEST_F(AppDelegateCallbacksTest, CallbacksDoNothingOnceTheDelegateIsGone) {
     launch();
     const auto languageChanged = languages->onLanguageChanged;
     const auto stationChanged = player->onStationChanged;
@@ -111,7 +111,7 @@ TEST_F(AppDelegateCallbacks, CallbacksDoNothingOnceTheDelegateIsGone) {
     EXPECT_EQ(sonos->currentStation.get(), RadioStation(RadioStation::zofra));
 }
 
-TEST_F(AppDelegateCallbacks, MenuActionsDoNothingOnceTheDelegateIsGone) {
+TEST_F(AppDelegateCallbacksTest, MenuActionsDoNothingOnceTheDelegateIsGone) {
     launch();
     const Menu menu = delegate->contextMenu();
     delegate.reset();

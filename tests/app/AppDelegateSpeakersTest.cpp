@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the controller has the speakers do, down to the requests that leave.
-#include "tests/app/DelegateFixture.h"
+#include "tests/app/DelegateTest.h"
 #include "tests/speakers/Samples.h"
 
 #include <QSet>
@@ -9,14 +9,14 @@ namespace zofra::test {
 namespace {
 
 /// The delegate in a home where the manager has found two players.
-class AppDelegateSpeakers : public DelegateFixture {
+class AppDelegateSpeakersTest : public DelegateTest {
 protected:
     void SetUp() override {
         launch();
         network.addInterface(u"eth0"_qs, u"10.0.0.2"_qs, u"10.0.0.255"_qs);
         for (const int host : names.keys())
             network.scripts[u"10.0.0.2"_qs].datagrams.push_back(ssdpAnswer(descriptionUrl(host).toString()));
-        session.automatic = [this](const HttpRequest& request) { return answer(request); };
+        http.automatic = [this](const HttpRequest& request) { return answer(request); };
         sonos->discoverDevices(false);
         tasks.runAll();
         queue.drain();
@@ -47,7 +47,7 @@ protected:
     const QMap<int, QString> names{{5, u"Kitchen"_qs}, {6, u"Living Room"_qs}};
 };
 
-TEST_F(AppDelegateSpeakers, ThisComputerStopsEveryPlayerBeforeItSaysSo) {
+TEST_F(AppDelegateSpeakersTest, ThisComputerStopsEveryPlayerBeforeItSaysSo) {
     choose(AudioOutputTarget::sonosEverywhere());
     sonos->onPlaybackStateChanged = [this](bool playing) { record << u"told %1"_qs.arg(int(playing)); };
     delegate->selectOutputMac();
@@ -55,7 +55,7 @@ TEST_F(AppDelegateSpeakers, ThisComputerStopsEveryPlayerBeforeItSaysSo) {
               (QStringList{u"POST Stop 10.0.0.5"_qs, u"POST Stop 10.0.0.6"_qs, u"told 0"_qs}));
 }
 
-TEST_F(AppDelegateSpeakers, QuittingDropsTheLocalStreamThenStopsEveryPlayerThenEnds) {
+TEST_F(AppDelegateSpeakersTest, QuittingDropsTheLocalStreamThenStopsEveryPlayerThenEnds) {
     delegate->togglePlayRadio();
     record.clear();
     delegate->quit();
@@ -63,26 +63,26 @@ TEST_F(AppDelegateSpeakers, QuittingDropsTheLocalStreamThenStopsEveryPlayerThenE
                                    u"POST Stop 10.0.0.5"_qs, u"POST Stop 10.0.0.6"_qs, u"terminate"_qs}));
 }
 
-TEST_F(AppDelegateSpeakers, AVolumeEverywhereReachesEveryPlayer) {
+TEST_F(AppDelegateSpeakersTest, AVolumeEverywhereReachesEveryPlayer) {
     choose(AudioOutputTarget::sonosEverywhere());
     delegate->setVolumeFromMenuItem(carrying(0.5F));
     EXPECT_EQ(recorded({u"POST"_qs}),
               (QStringList{u"POST SetVolume 10.0.0.5"_qs, u"POST SetVolume 10.0.0.6"_qs}));
-    EXPECT_TRUE(session.requests.back().body.contains("<DesiredVolume>50</DesiredVolume>"));
+    EXPECT_TRUE(http.requests.back().body.contains("<DesiredVolume>50</DesiredVolume>"));
 }
 
-TEST_F(AppDelegateSpeakers, AVolumeHereReachesNoPlayer) {
+TEST_F(AppDelegateSpeakersTest, AVolumeHereReachesNoPlayer) {
     choose(AudioOutputTarget::localMac());
     delegate->setVolumeFromMenuItem(carrying(0.5F));
     EXPECT_EQ(recorded({u"POST"_qs}), QStringList());
 }
 
-TEST_F(AppDelegateSpeakers, SearchingFromTheMenuAsksEveryHostThoughPlayersHaveAnswered) {
+TEST_F(AppDelegateSpeakersTest, SearchingFromTheMenuAsksEveryHostThoughPlayersHaveAnswered) {
     const auto hostsAsked = [this] {
         QSet<QString> asked;
-        for (const HttpRequest& request : session.requests)
+        for (const HttpRequest& request : http.requests)
             asked << request.url.host();
-        session.requests.clear();
+        http.requests.clear();
         return asked.size();
     };
     hostsAsked();

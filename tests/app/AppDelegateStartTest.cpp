@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/app/DelegateFixture.h"
+#include "tests/app/DelegateTest.h"
 
 namespace zofra::test {
 namespace {
 
-class AppDelegateStart : public DelegateFixture {};
+class AppDelegateStartTest : public DelegateTest {};
 
-TEST_F(AppDelegateStart, ConstructionMakesModelThenPlayerThenSpeakersAndShowsNothing) {
+TEST_F(AppDelegateStartTest, ConstructionMakesModelThenPlayerThenSpeakersAndShowsNothing) {
     discovers = true;
     make();
     const auto first = [this](const char* key) {
@@ -26,17 +26,17 @@ TEST_F(AppDelegateStart, ConstructionMakesModelThenPlayerThenSpeakersAndShowsNot
     EXPECT_TRUE(record.isEmpty());
 }
 
-TEST_F(AppDelegateStart, TheSongTextBeginsAsTheLoadingTextOfTheLanguage) {
+TEST_F(AppDelegateStartTest, TheSongTextBeginsAsTheLoadingTextOfTheLanguage) {
     preferredLanguages = {QStringLiteral("fr_BE")};
     EXPECT_EQ(make().currentSongText(), QStringLiteral("Chargement..."));
 }
 
-TEST_F(AppDelegateStart, TheSavedStationGoesToTheModel) {
+TEST_F(AppDelegateStartTest, TheSavedStationGoesToTheModel) {
     defaults.values[QStringLiteral("zofra_selected_station")] = QStringLiteral("joe");
     EXPECT_EQ(make().viewModel().currentStation.get(), RadioStation(RadioStation::joe));
 }
 
-TEST_F(AppDelegateStart, IsSharedFromLaunchUntilItEnds) {
+TEST_F(AppDelegateStartTest, IsSharedFromLaunchUntilItEnds) {
     make();
     EXPECT_EQ(AppDelegate::shared(), nullptr);
     delegate->applicationDidFinishLaunching();
@@ -45,7 +45,7 @@ TEST_F(AppDelegateStart, IsSharedFromLaunchUntilItEnds) {
     EXPECT_EQ(AppDelegate::shared(), nullptr);
 }
 
-TEST_F(AppDelegateStart, LaunchMakesTheItemDrawsItAndThenStartsTheMetadata) {
+TEST_F(AppDelegateStartTest, LaunchMakesTheItemDrawsItAndThenStartsTheMetadata) {
     make().applicationDidFinishLaunching();
     EXPECT_EQ(record, (QStringList{u"statusItem -1"_qs, u"setAction"_qs, u"sendActionOn 20"_qs,
                                    u"setTitle"_qs, u"setImagePosition"_qs, u"setImage"_qs, u"setToolTip"_qs,
@@ -56,7 +56,7 @@ TEST_F(AppDelegateStart, LaunchMakesTheItemDrawsItAndThenStartsTheMetadata) {
     EXPECT_TRUE(players.urls().empty()) << "nothing plays by itself";
 }
 
-TEST_F(AppDelegateStart, TheSocketIsStartedBeforeThePollAndThePollBeforeTheFirstRound) {
+TEST_F(AppDelegateStartTest, TheSocketIsStartedBeforeThePollAndThePollBeforeTheFirstRound) {
     // Each step looks at what the ones before it have done.
     std::vector<std::size_t> timersAtRequest;
     class Session final : public HttpSession {
@@ -89,7 +89,7 @@ TEST_F(AppDelegateStart, TheSocketIsStartedBeforeThePollAndThePollBeforeTheFirst
     EXPECT_EQ(watching.seen->second, 1U);
 }
 
-TEST_F(AppDelegateStart, WithoutAStatusBarEverythingElseStillRuns) {
+TEST_F(AppDelegateStartTest, WithoutAStatusBarEverythingElseStillRuns) {
     statusBar.givesItems = false;
     launch();
     EXPECT_EQ(delegate->statusItem(), nullptr);
@@ -100,7 +100,7 @@ TEST_F(AppDelegateStart, WithoutAStatusBarEverythingElseStillRuns) {
     EXPECT_EQ(sockets.sockets.size(), 1U);
 }
 
-TEST_F(AppDelegateStart, AnItemWithoutButtonIsLeftAlone) {
+TEST_F(AppDelegateStartTest, AnItemWithoutButtonIsLeftAlone) {
     statusBar.itemsHaveButtons = false;
     make().applicationDidFinishLaunching();
     EXPECT_EQ(recorded({u"set"_qs, u"send"_qs, u"popUp"_qs}), QStringList());
@@ -108,12 +108,12 @@ TEST_F(AppDelegateStart, AnItemWithoutButtonIsLeftAlone) {
     EXPECT_EQ(recorded({u"popUp"_qs}), QStringList());
 }
 
-TEST_F(AppDelegateStart, EveryMenuItemIsValid) {
+TEST_F(AppDelegateStartTest, EveryMenuItemIsValid) {
     EXPECT_TRUE(make().validateMenuItem(MenuItem()));
     EXPECT_TRUE(delegate->validateMenuItem(MenuItem::separator()));
 }
 
-TEST(VersionText, SaysVersionAndBuild) {
+TEST(VersionTextTest, SaysVersionAndBuild) {
     EXPECT_EQ(versionText({}), u"1.0 (Build 1)"_qs);
     EXPECT_EQ(versionText({{u"CFBundleShortVersionString"_qs, u"2.3"_qs}, {u"CFBundleVersion"_qs, u"45"_qs}}),
               u"2.3 (Build 45)"_qs);

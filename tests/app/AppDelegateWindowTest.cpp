@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/app/DelegateFixture.h"
+#include "tests/app/DelegateTest.h"
 
 namespace zofra::test {
 namespace {
 
-class AppDelegateWindow : public DelegateFixture {};
+class AppDelegateWindowTest : public DelegateTest {};
 
-TEST_F(AppDelegateWindow, IsMadeTitledStyledCentredActivatedAndShown) {
+TEST_F(AppDelegateWindowTest, IsMadeTitledStyledCentredActivatedAndShown) {
     launch();
     delegate->showAboutWindow();
     EXPECT_EQ(record, QStringList()) << "not in place";
@@ -16,7 +16,7 @@ TEST_F(AppDelegateWindow, IsMadeTitledStyledCentredActivatedAndShown) {
     EXPECT_EQ(delegate->aboutWindow(), windows.last);
 }
 
-TEST_F(AppDelegateWindow, ThePanelGetsTheSharedObjectsAndTheVersion) {
+TEST_F(AppDelegateWindowTest, ThePanelGetsTheSharedObjectsAndTheVersion) {
     bundle = {{u"CFBundleShortVersionString"_qs, u"3.1"_qs}};
     launch();
     delegate->showAboutWindow();
@@ -32,7 +32,7 @@ TEST_F(AppDelegateWindow, ThePanelGetsTheSharedObjectsAndTheVersion) {
     EXPECT_EQ(item().refreshes, before + 1) << "an act is shown at once";
 }
 
-TEST_F(AppDelegateWindow, AskedForTwiceItComesForward) {
+TEST_F(AppDelegateWindowTest, AskedForTwiceItComesForward) {
     launch();
     delegate->showAboutWindow();
     delegate->showAboutWindow();
@@ -42,7 +42,7 @@ TEST_F(AppDelegateWindow, AskedForTwiceItComesForward) {
               (QStringList{u"window front"_qs, u"activate ignoring others"_qs}));
 }
 
-TEST_F(AppDelegateWindow, ClosedByItsButtonItIsForgottenAndMadeAnewNextTime) {
+TEST_F(AppDelegateWindowTest, ClosedByItsButtonItIsForgottenAndMadeAnewNextTime) {
     launch();
     delegate->showAboutWindow();
     queue.drain();
@@ -54,7 +54,7 @@ TEST_F(AppDelegateWindow, ClosedByItsButtonItIsForgottenAndMadeAnewNextTime) {
     EXPECT_EQ(record.count(u"window gone"_qs), 1);
 }
 
-TEST_F(AppDelegateWindow, ClosedByThePanelItIsClosedForgottenAndOnlyLaterDestroyed) {
+TEST_F(AppDelegateWindowTest, ClosedByThePanelItIsClosedForgottenAndOnlyLaterDestroyed) {
     launch();
     delegate->showAboutWindow();
     queue.drain();
@@ -66,7 +66,7 @@ TEST_F(AppDelegateWindow, ClosedByThePanelItIsClosedForgottenAndOnlyLaterDestroy
     EXPECT_EQ(record, (QStringList{u"window close"_qs, u"window gone"_qs}));
 }
 
-TEST_F(AppDelegateWindow, ClosingTwiceIsHarmless) {
+TEST_F(AppDelegateWindowTest, ClosingTwiceIsHarmless) {
     launch();
     delegate->showAboutWindow();
     queue.drain();
@@ -77,7 +77,7 @@ TEST_F(AppDelegateWindow, ClosingTwiceIsHarmless) {
     EXPECT_EQ(record.count(u"window close"_qs), 1);
 }
 
-TEST_F(AppDelegateWindow, AnotherWindowThatClosesIsIgnored) {
+TEST_F(AppDelegateWindowTest, AnotherWindowThatClosesIsIgnored) {
     launch();
     delegate->showAboutWindow();
     queue.drain();
@@ -86,7 +86,7 @@ TEST_F(AppDelegateWindow, AnotherWindowThatClosesIsIgnored) {
     EXPECT_EQ(delegate->aboutWindow(), windows.last);
 }
 
-TEST_F(AppDelegateWindow, WithoutWindowsNothingHappens) {
+TEST_F(AppDelegateWindowTest, WithoutWindowsNothingHappens) {
     class NoWindows final : public PopupWindowFactory {
     public:
         std::unique_ptr<PopupWindow> makeWindow(PopupPanelContent) override { return nullptr; }
@@ -104,7 +104,7 @@ TEST_F(AppDelegateWindow, WithoutWindowsNothingHappens) {
     EXPECT_EQ(record, QStringList());
 }
 
-TEST_F(AppDelegateWindow, QuittingSilencesDropsStopsTheSpeakersAndThenTerminates) {
+TEST_F(AppDelegateWindowTest, QuittingSilencesDropsStopsTheSpeakersAndThenTerminates) {
     launch();
     delegate->togglePlayRadio();
     player->isBuffering = true;
@@ -121,7 +121,7 @@ TEST_F(AppDelegateWindow, QuittingSilencesDropsStopsTheSpeakersAndThenTerminates
     EXPECT_FALSE(sonos->isSonosPlaying) << "stopAllSonos came before the end";
 }
 
-TEST_F(AppDelegateWindow, QuittingWithNothingPlayingTerminatesAllTheSame) {
+TEST_F(AppDelegateWindowTest, QuittingWithNothingPlayingTerminatesAllTheSame) {
     launch();
     delegate->quit();
     EXPECT_EQ(record, QStringList{u"terminate"_qs});

@@ -2,12 +2,12 @@
 #include "app/CommandRunner.h"
 
 #include "app/VolumePercent.h"
-#include "tests/app/DelegateFixture.h"
+#include "tests/app/DelegateTest.h"
 
 namespace zofra::test {
 namespace {
 
-class CommandRunnerTest : public DelegateFixture {
+class CommandRunnerTest : public DelegateTest {
 protected:
     void SetUp() override {
         launch();

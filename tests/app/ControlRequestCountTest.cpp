@@ -14,7 +14,7 @@ HttpRequest request(const QByteArray& method) {
     return request;
 }
 
-TEST(ControlRequestCount, CountsWhatChangesSomethingUntilItIsAnswered) {
+TEST(ControlRequestCountTest, CountsWhatChangesSomethingUntilItIsAnswered) {
     FakeHttpSession session;
     ControlRequestCount counting(session);
     int answers = 0;
@@ -33,7 +33,7 @@ TEST(ControlRequestCount, CountsWhatChangesSomethingUntilItIsAnswered) {
     EXPECT_EQ(answers, 2);
 }
 
-TEST(ControlRequestCount, MayEndBeforeItsRequestsDo) {
+TEST(ControlRequestCountTest, MayEndBeforeItsRequestsDo) {
     FakeHttpSession session;
     int answers = 0;
     {

@@ -29,7 +29,7 @@ QString refused(const QStringList& arguments) {
     return result.error();
 }
 
-TEST(Options, NoneIsAPlainStart) {
+TEST(OptionsTest, NoneIsAPlainStart) {
     const Options options = parsed({});
     EXPECT_EQ(options.task, Options::Task::run);
     EXPECT_FALSE(options.acts());
@@ -38,7 +38,7 @@ TEST(Options, NoneIsAPlainStart) {
     EXPECT_TRUE(options.firstStartOnly().isEmpty());
 }
 
-TEST(Options, PlayTakesAStationOrNone) {
+TEST(OptionsTest, PlayTakesAStationOrNone) {
     EXPECT_EQ(parsed({u"--play"_qs}).playback, Options::Playback::play);
     EXPECT_EQ(parsed({u"--play"_qs}).station, std::nullopt);
     EXPECT_EQ(parsed({u"--play"_qs, u"qmusic"_qs}).station, RadioStation(RadioStation::qmusic));
@@ -50,7 +50,7 @@ TEST(Options, PlayTakesAStationOrNone) {
     EXPECT_FALSE(refused({u"--play="_qs}).isEmpty());
 }
 
-TEST(Options, StationsAreNamedByRawValueOrUnambiguousName) {
+TEST(OptionsTest, StationsAreNamedByRawValueOrUnambiguousName) {
     EXPECT_EQ(stationNamed(u"zofra"_qs), RadioStation(RadioStation::zofra));
     EXPECT_EQ(stationNamed(u"zofra_class_x"_qs), RadioStation(RadioStation::zofraClassX));
     EXPECT_EQ(stationNamed(u"ZOFRA CLASS X"_qs), RadioStation(RadioStation::zofraClassX));
@@ -64,7 +64,7 @@ TEST(Options, StationsAreNamedByRawValueOrUnambiguousName) {
     EXPECT_EQ(stationNamed(QString()), std::nullopt);
 }
 
-TEST(Options, OutputAndEndpointsNeedAValue) {
+TEST(OptionsTest, OutputAndEndpointsNeedAValue) {
     EXPECT_EQ(parsed({u"--output"_qs, u"Living Room"_qs}).output, u"Living Room"_qs);
     EXPECT_EQ(parsed({u"--output=everywhere"_qs}).output, u"everywhere"_qs);
     EXPECT_EQ(parsed({u"--endpoints"_qs, u"/tmp/e.ini"_qs}).endpointsFile, u"/tmp/e.ini"_qs);
@@ -75,7 +75,7 @@ TEST(Options, OutputAndEndpointsNeedAValue) {
     }
 }
 
-TEST(Options, KnowsWhatOnlyAFirstStartUnderstands) {
+TEST(OptionsTest, KnowsWhatOnlyAFirstStartUnderstands) {
     const Options options = parsed({u"--headless"_qs, u"--no-discovery"_qs, u"--endpoints=x"_qs});
     EXPECT_TRUE(options.headless);
     EXPECT_TRUE(options.noDiscovery);
@@ -83,7 +83,7 @@ TEST(Options, KnowsWhatOnlyAFirstStartUnderstands) {
               (QStringList{u"--endpoints"_qs, u"--no-discovery"_qs, u"--headless"_qs}));
 }
 
-TEST(Options, AsksForOneThing) {
+TEST(OptionsTest, AsksForOneThing) {
     EXPECT_EQ(parsed({u"--help"_qs}).task, Options::Task::help);
     EXPECT_EQ(parsed({u"-h"_qs}).task, Options::Task::help);
     EXPECT_EQ(parsed({u"--version"_qs}).task, Options::Task::version);
@@ -102,7 +102,7 @@ TEST(Options, AsksForOneThing) {
     EXPECT_FALSE(refused({u"--status"_qs, u"--headless"_qs}).isEmpty());
 }
 
-TEST(Options, TheDoctorGoesWithWhatItLooksAt) {
+TEST(OptionsTest, TheDoctorGoesWithWhatItLooksAt) {
     EXPECT_EQ(parsed({u"--doctor"_qs}).task, Options::Task::doctor);
     EXPECT_EQ(parsed({u"--doctor"_qs, u"--json"_qs}).task, Options::Task::doctor);
     const Options options =
@@ -120,7 +120,7 @@ TEST(Options, TheDoctorGoesWithWhatItLooksAt) {
     }
 }
 
-TEST(Options, RefusesWhatItDoesNotKnow) {
+TEST(OptionsTest, RefusesWhatItDoesNotKnow) {
     EXPECT_TRUE(refused({u"--nonsense"_qs}).contains(u"--nonsense"_qs));
     EXPECT_TRUE(refused({u"qmusic"_qs}).contains(u"qmusic"_qs));
     EXPECT_TRUE(refused({u"--headless=yes"_qs}).contains(u"takes no value"_qs));
@@ -129,7 +129,7 @@ TEST(Options, RefusesWhatItDoesNotKnow) {
         << "the first mistake is told";
 }
 
-TEST(Options, ActsOnARunningProgram) {
+TEST(OptionsTest, ActsOnARunningProgram) {
     using Playback = Options::Playback;
     EXPECT_EQ(parsed({u"--stop"_qs}).playback, Playback::stop);
     EXPECT_EQ(parsed({u"--toggle"_qs}).playback, Playback::toggle);
@@ -146,7 +146,7 @@ TEST(Options, ActsOnARunningProgram) {
     EXPECT_FALSE(refused({u"--station"_qs, u"nonsense"_qs}).isEmpty());
 }
 
-TEST(Options, AVolumeIsSetOrChanged) {
+TEST(OptionsTest, AVolumeIsSetOrChanged) {
     using Volume = Options::Volume;
     EXPECT_EQ(parsed({u"--volume"_qs, u"40"_qs}).volume, (Volume{Volume::Kind::absolute, 40}));
     EXPECT_EQ(parsed({u"--volume"_qs, u"-5"_qs}).volume, (Volume{Volume::Kind::change, -5}));
@@ -156,7 +156,7 @@ TEST(Options, AVolumeIsSetOrChanged) {
         EXPECT_TRUE(refused({u"--volume="_qs + wrong}).contains(wrong));
 }
 
-TEST(Options, ATimeIsWrittenAsPeopleSayIt) {
+TEST(OptionsTest, ATimeIsWrittenAsPeopleSayIt) {
     using namespace std::chrono_literals;
     EXPECT_EQ(durationNamed(u"45m"_qs), 45min);
     EXPECT_EQ(durationNamed(u"45"_qs), 45min);
@@ -171,14 +171,14 @@ TEST(Options, ATimeIsWrittenAsPeopleSayIt) {
         EXPECT_EQ(durationNamed(wrong), std::nullopt) << wrong.toStdString();
 }
 
-TEST(Options, AnswersInTheLanguageOfTheTerminal) {
+TEST(OptionsTest, AnswersInTheLanguageOfTheTerminal) {
     const auto dutch = parseOptions({u"--nonsense"_qs}, AppLanguage::nl);
     ASSERT_FALSE(dutch);
     EXPECT_EQ(dutch.error(), u"onbekende optie --nonsense (zie --help)"_qs);
     EXPECT_EQ(parseOptions({}, AppLanguage::de)->language, AppLanguage::de);
 }
 
-TEST(OptionTable, HelpNamesEveryOptionAndStationInEachLanguage) {
+TEST(OptionTableTest, HelpNamesEveryOptionAndStationInEachLanguage) {
     for (const AppLanguage language : allAppLanguages) {
         const QString help = helpText(language);
         for (const OptionRow& row : optionTable()) {
@@ -189,7 +189,7 @@ TEST(OptionTable, HelpNamesEveryOptionAndStationInEachLanguage) {
     }
 }
 
-TEST(OptionTable, EveryOptionIsReadAsTheTableSays) {
+TEST(OptionTableTest, EveryOptionIsReadAsTheTableSays) {
     for (const OptionRow& row : optionTable()) {
         const auto bare = parseOptions({row.name});
         if (row.takes == OptionRow::Takes::value) {
@@ -203,7 +203,7 @@ TEST(OptionTable, EveryOptionIsReadAsTheTableSays) {
     }
 }
 
-TEST(OptionPages, NameEveryOption) {
+TEST(OptionPagesTest, NameEveryOption) {
     for (const OptionRow& row : optionTable()) {
         const QString name = row.name;
         EXPECT_TRUE(bashCompletion().contains(name)) << row.name.data();

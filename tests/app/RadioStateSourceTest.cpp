@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/RadioStateSource.h"
 
-#include "tests/app/DelegateFixture.h"
+#include "tests/app/DelegateTest.h"
 
 namespace zofra::test {
 namespace {
 
-class RadioStateSourceTest : public DelegateFixture {
+class RadioStateSourceTest : public DelegateTest {
 protected:
     void SetUp() override {
         launch();

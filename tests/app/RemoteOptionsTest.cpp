@@ -21,7 +21,7 @@ bool isRefused(const QVariantMap& map) {
     return !fromVariantMap(map).has_value();
 }
 
-TEST(RemoteOptions, ArriveAsTheyWereSent) {
+TEST(RemoteOptionsTest, ArriveAsTheyWereSent) {
     Options options;
     options.playback = Options::Playback::play;
     options.station = RadioStation::joe;
@@ -48,14 +48,14 @@ TEST(RemoteOptions, ArriveAsTheyWereSent) {
     EXPECT_EQ(travelled(options), options);
 }
 
-TEST(RemoteOptions, NothingIsAnEmptyMap) {
+TEST(RemoteOptionsTest, NothingIsAnEmptyMap) {
     EXPECT_TRUE(toVariantMap({}).isEmpty());
     Options options;
     options.language = AppLanguage::fr;
     EXPECT_TRUE(toVariantMap(options).isEmpty()) << "whoever asks";
 }
 
-TEST(RemoteOptions, WhatAnyoneOnTheBusMaySendIsChecked) {
+TEST(RemoteOptionsTest, WhatAnyoneOnTheBusMaySendIsChecked) {
     EXPECT_TRUE(isRefused({{u"play"_qs, u"yes"_qs}}));
     EXPECT_TRUE(isRefused({{u"station"_qs, u"nonsense"_qs}}));
     EXPECT_TRUE(isRefused({{u"station"_qs, 3}}));

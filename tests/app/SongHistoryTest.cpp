@@ -47,7 +47,7 @@ public:
     QStringList shown;
 };
 
-TEST(SongHistory, NotesEachSongOnce) {
+TEST(SongHistoryTest, NotesEachSongOnce) {
     SongHistory history;
     EXPECT_TRUE(history.note(playing(u"A – One"_qs), at(10)));
     EXPECT_FALSE(history.note(playing(u"A – One"_qs), at(20)));
@@ -58,7 +58,7 @@ TEST(SongHistory, NotesEachSongOnce) {
     EXPECT_EQ(history.songs()[2].time, 40);
 }
 
-TEST(SongHistory, NotesOnlyWhatIsHeardAndKnown) {
+TEST(SongHistoryTest, NotesOnlyWhatIsHeardAndKnown) {
     SongHistory history;
     RadioState state = playing(u"Loading..."_qs);
     state.isLoading = true;
@@ -71,7 +71,7 @@ TEST(SongHistory, NotesOnlyWhatIsHeardAndKnown) {
     EXPECT_TRUE(history.songs().empty());
 }
 
-TEST(SongHistory, KeepsTheLastTwoHundred) {
+TEST(SongHistoryTest, KeepsTheLastTwoHundred) {
     SongHistory history;
     for (int i = 0; i < 250; ++i)
         history.note(playing(QString::number(i)), at(i));
@@ -84,13 +84,13 @@ TEST(SongHistory, KeepsTheLastTwoHundred) {
     EXPECT_LE(history.toJson().size(), SongHistory::maxBytes) << "what is written can be read";
 }
 
-TEST(SongHistory, LeavesOutWhatIsNoSong) {
+TEST(SongHistoryTest, LeavesOutWhatIsNoSong) {
     EXPECT_TRUE(SongHistory("").songs().empty());
     EXPECT_TRUE(SongHistory("{}").songs().empty());
     EXPECT_EQ(SongHistory(R"([{"time":1,"station":"joe","song":"x"},{"time":"1"},7])").songs().size(), 1U);
 }
 
-TEST(SongHistory, IsPrintedALineForEachAndForgesNone) {
+TEST(SongHistoryTest, IsPrintedALineForEachAndForgesNone) {
     SongHistory history;
     history.note(playing(u"A\n2020-01-01 forged"_qs), at(60));
     const QString lines = historyLines(history);
@@ -103,7 +103,7 @@ TEST(SongHistory, IsPrintedALineForEachAndForgesNone) {
     EXPECT_EQ(time.toSecsSinceEpoch(), 60);
 }
 
-TEST(SongLog, AddsToWhatTheFileHolds) {
+TEST(SongLogTest, AddsToWhatTheFileHolds) {
     MemoryFile file;
     FakeDefaultsStore defaults;
     file.content = R"([{"time":1,"station":"joe","song":"x"}])";
@@ -116,7 +116,7 @@ TEST(SongLog, AddsToWhatTheFileHolds) {
     EXPECT_EQ(SongHistory(file.content).songs().size(), 2U);
 }
 
-TEST(SongLog, IsSilencedByOneSetting) {
+TEST(SongLogTest, IsSilencedByOneSetting) {
     MemoryFile file;
     FakeDefaultsStore defaults;
     defaults.setString(keepHistoryKey, u"false"_qs);
@@ -125,7 +125,7 @@ TEST(SongLog, IsSilencedByOneSetting) {
     EXPECT_EQ(file.reads + file.writes, 0);
 }
 
-TEST(SongNotifier, AnnouncesEachNewSongWhereItIsWanted) {
+TEST(SongNotifierTest, AnnouncesEachNewSongWhereItIsWanted) {
     RecordingNotifications notifications;
     FakeDefaultsStore defaults;
     bool isPanelOpen = false;
@@ -145,7 +145,7 @@ TEST(SongNotifier, AnnouncesEachNewSongWhereItIsWanted) {
     EXPECT_EQ(notifications.shown.size(), 1) << "the panel has shown it";
 }
 
-TEST(Settings, SwitchesAreWrittenAsPeopleWriteThem) {
+TEST(HistorySettingsTest, SwitchesAreWrittenAsPeopleWriteThem) {
     FakeDefaultsStore defaults;
     EXPECT_TRUE(isOn(defaults, keepHistoryKey, true));
     EXPECT_FALSE(isOn(defaults, keepHistoryKey, false));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/tray/DBusMenuTree.h"
 #include "platform/linux/tray/WidgetMenu.h"
-#include "tests/app/DelegateFixture.h"
+#include "tests/app/DelegateTest.h"
 #include "tests/app/MenuDump.h"
 
 #include <QFile>
@@ -23,7 +23,7 @@ struct Situation {
     std::function<void()> set;
 };
 
-class StatusMenuTest : public DelegateFixture {
+class StatusMenuTest : public DelegateTest {
 protected:
     void SetUp() override {
         launch();

@@ -37,7 +37,7 @@ QString json(const RadioState& state) {
     return QString::fromUtf8(QJsonDocument(toJson(state, version, {})).toJson(QJsonDocument::Compact));
 }
 
-TEST(StatusReport, IsOneObjectWithEveryField) {
+TEST(StatusReportTest, IsOneObjectWithEveryField) {
     EXPECT_EQ(json(sample()),
               u"{\"buffering\":false,\"language\":\"fr\",\"network_denied\":false,\"next\":null,\"output\":"
               u"\"here\","
@@ -46,7 +46,7 @@ TEST(StatusReport, IsOneObjectWithEveryField) {
               "\"version\":\"1.0 (Build 1)\",\"volume\":0.8}"_qs);
 }
 
-TEST(StatusReport, SaysAVolumeBetweenSilenceAndFull) {
+TEST(StatusReportTest, SaysAVolumeBetweenSilenceAndFull) {
     RadioState state = sample();
     for (const auto& [volume, said] : {std::pair(0.62F, 0.62), std::pair(5.0F, 1.0), std::pair(0.0F, 0.0)}) {
         state.volume = volume;
@@ -54,7 +54,7 @@ TEST(StatusReport, SaysAVolumeBetweenSilenceAndFull) {
     }
 }
 
-TEST(StatusReport, SaysTheOutputAndTheRooms) {
+TEST(StatusReportTest, SaysTheOutputAndTheRooms) {
     RadioState state = sample();
     state.target = AudioOutputTarget::sonosEverywhere();
     EXPECT_EQ(toJson(state, version, {}).value(u"output"_qs).toString(), u"everywhere"_qs);
@@ -69,7 +69,7 @@ TEST(StatusReport, SaysTheOutputAndTheRooms) {
         u"[{\"id\":\"RINCON_1\",\"players\":2,\"title\":\"Kitchen\"}]"_qs);
 }
 
-TEST(StatusReport, LinesNameEachFieldOnceAndForgeNone) {
+TEST(StatusReportTest, LinesNameEachFieldOnceAndForgeNone) {
     RadioState state = sample();
     state.currentSong = u"A\nvolume: 0"_qs;
     const QStringList lines = statusLines(toJson(state, version, {})).split(u'\n');
@@ -81,7 +81,7 @@ TEST(StatusReport, LinesNameEachFieldOnceAndForgeNone) {
     EXPECT_EQ(lines.filter(u"volume: 0"_qs).size(), 2) << "the song's stays within its line";
 }
 
-TEST(StatusReport, SaysWhatIsLeftUntilTheMusicStops) {
+TEST(StatusReportTest, SaysWhatIsLeftUntilTheMusicStops) {
     RadioState state = sample();
     const TimePoint now{};
     EXPECT_FALSE(toJson(state, version, now).contains(u"stops_in"_qs));
@@ -91,7 +91,7 @@ TEST(StatusReport, SaysWhatIsLeftUntilTheMusicStops) {
     EXPECT_EQ(toJson(state, version, now + std::chrono::minutes(2)).value(u"stops_in"_qs).toInteger(), 0);
 }
 
-TEST(ChangeLines, FirstTellWhatThereIs) {
+TEST(ChangeLinesTest, FirstTellWhatThereIs) {
     ChangeLines lines;
     EXPECT_EQ(lines.update(sample()),
               (QStringList{u"station: Zofra Class X"_qs, u"song: Artist – Song"_qs, u"state: playing"_qs,
@@ -99,7 +99,7 @@ TEST(ChangeLines, FirstTellWhatThereIs) {
     EXPECT_EQ(lines.update(sample()), QStringList()) << "nothing has changed";
 }
 
-TEST(ChangeLines, ThenOneLineForEachChange) {
+TEST(ChangeLinesTest, ThenOneLineForEachChange) {
     ChangeLines lines;
     RadioState state = sample();
     static_cast<void>(lines.update(state));
@@ -123,7 +123,7 @@ TEST(ChangeLines, ThenOneLineForEachChange) {
     EXPECT_EQ(lines.update(state), QStringList());
 }
 
-TEST(ChangeLines, ATextFromTheNetworkStaysOnItsLine) {
+TEST(ChangeLinesTest, ATextFromTheNetworkStaysOnItsLine) {
     ChangeLines lines;
     RadioState state = sample();
     state.currentSong = u"x\nstate: stopped\x1B[2J"_qs;

@@ -9,9 +9,9 @@
 namespace zofra {
 namespace {
 
-class UnwrapJSONP : public testing::TestWithParam<std::tuple<QString, std::optional<QString>>> {};
+class UnwrapJSONPTest : public testing::TestWithParam<std::tuple<QString, std::optional<QString>>> {};
 
-TEST_P(UnwrapJSONP, GivesWhatStandsInside) {
+TEST_P(UnwrapJSONPTest, GivesWhatStandsInside) {
     EXPECT_EQ(unwrapJSONP(std::get<0>(GetParam())), std::get<1>(GetParam()));
 }
 
@@ -23,7 +23,7 @@ Case isNothing(const QString& text) {
     return {text, std::nullopt};
 }
 
-INSTANTIATE_TEST_SUITE_P(PlainJson, UnwrapJSONP,
+INSTANTIATE_TEST_SUITE_P(PlainJson, UnwrapJSONPTest,
                          testing::Values(gives(u"{\"a\":1}"_qs, u"{\"a\":1}"_qs),
                                          gives(u" \r\n[1] \t"_qs, u"[1]"_qs),
                                          gives(u"{ not json at all"_qs, u"{ not json at all"_qs),
@@ -31,7 +31,7 @@ INSTANTIATE_TEST_SUITE_P(PlainJson, UnwrapJSONP,
                                          isNothing(u" \n\t "_qs), isNothing(u"text"_qs),
                                          isNothing(u"\"text\""_qs)));
 
-INSTANTIATE_TEST_SUITE_P(Calls, UnwrapJSONP,
+INSTANTIATE_TEST_SUITE_P(Calls, UnwrapJSONPTest,
                          testing::Values(gives(u"cb({\"a\":1})"_qs, u"{\"a\":1}"_qs),
                                          gives(u"cb({\"a\":1});;"_qs, u"{\"a\":1}"_qs),
                                          gives(u" cb ( {} ) ; \n ; "_qs, u"{}"_qs),
@@ -40,7 +40,7 @@ INSTANTIATE_TEST_SUITE_P(Calls, UnwrapJSONP,
                                          gives(u"f(g(1))"_qs, u"g(1)"_qs), gives(u"f((1))"_qs, u"(1)"_qs),
                                          gives(u"f(;)"_qs, u";"_qs), gives(u"f.(1)"_qs, u"1"_qs)));
 
-INSTANTIATE_TEST_SUITE_P(NoCalls, UnwrapJSONP,
+INSTANTIATE_TEST_SUITE_P(NoCalls, UnwrapJSONPTest,
                          testing::Values(isNothing(u"cb({}"_qs), isNothing(u"cb({};)x"_qs),
                                          isNothing(u"cb)"_qs), isNothing(u"({})"_qs), isNothing(u" ({})"_qs),
                                          isNothing(u"1cb({})"_qs), isNothing(u".cb({})"_qs),
@@ -50,7 +50,7 @@ INSTANTIATE_TEST_SUITE_P(NoCalls, UnwrapJSONP,
                                          isNothing(u")"_qs), isNothing(u"("_qs), isNothing(u"a'(1)"_qs)));
 
 INSTANTIATE_TEST_SUITE_P(
-    UnicodeNames, UnwrapJSONP,
+    UnicodeNames, UnwrapJSONPTest,
     testing::Values(gives(u"été(1)"_qs, u"1"_qs), gives(u"日本(1)"_qs, u"1"_qs), gives(u"x٣(1)"_qs, u"1"_qs),
                     isNothing(u"٣x(1)"_qs),
                     // Letters and digits beyond the first plane: 𝒳, 𐐷 and the digit 𝟘.
@@ -62,7 +62,7 @@ INSTANTIATE_TEST_SUITE_P(
                     isNothing(u"a\u2160(1)"_qs), isNothing(QString(QChar(0xD835)) + u"(1)"_qs),
                     isNothing(u"a"_qs + QChar(0xDC00) + u"(1)"_qs)));
 
-TEST(UnwrapJSONP, TakesTimeThatGrowsWithTheTextOnly) {
+TEST(UnwrapJSONPTest, TakesTimeThatGrowsWithTheTextOnly) {
     // A million semicolons with blanks between them; peeling them off one copy at a time would take minutes.
     const QString many = QString(u"f(1)"_qs) + u" ;"_qs.repeated(500'000);
     EXPECT_EQ(unwrapJSONP(many), u"1"_qs);

@@ -25,7 +25,7 @@ QString titleIn(const QString& frame, RadioStation station) {
 }
 const QString noTrack = u"(no track)"_qs;
 
-TEST(LiveSocketId, ExistsForTheFirstFourStations) {
+TEST(LiveSocketIdTest, ExistsForTheFirstFourStations) {
     EXPECT_EQ(liveSocketId(RadioStation::zofra), u"zofra_be"_qs);
     EXPECT_EQ(liveSocketId(RadioStation::qmusic), u"qmusic_be"_qs);
     EXPECT_EQ(liveSocketId(RadioStation::joe), u"joe_fm"_qs);
@@ -34,7 +34,7 @@ TEST(LiveSocketId, ExistsForTheFirstFourStations) {
         EXPECT_EQ(liveSocketId(RadioStation::allCases[i]), std::nullopt) << i;
 }
 
-TEST(FrameKind, IsToldByTheFirstCharacters) {
+TEST(FrameKindTest, IsToldByTheFirstCharacters) {
     EXPECT_EQ(sockJSFrameKind(u"o"_qs), SockJSFrameKind::open);
     EXPECT_EQ(sockJSFrameKind(u"h"_qs), SockJSFrameKind::heartbeat);
     EXPECT_EQ(sockJSFrameKind(u"c"_qs), SockJSFrameKind::close);
@@ -45,14 +45,14 @@ TEST(FrameKind, IsToldByTheFirstCharacters) {
         EXPECT_EQ(sockJSFrameKind(other), SockJSFrameKind::unknown) << other.toStdString();
 }
 
-TEST(LiveTrackInFrame, IsTheTrackOfTheCurrentStation) {
+TEST(LiveTrackInFrameTest, IsTheTrackOfTheCurrentStation) {
     const auto frame = arrayFrame({element(playEvent(u"qmusic_be"_qs, u"Song"_qs, u"Band"_qs))});
     const auto track = liveTrackInFrame(frame, RadioStation::qmusic);
     ASSERT_TRUE(track);
     EXPECT_EQ(track->formattedCurrent(), u"Band – Song"_qs);
 }
 
-TEST(LiveTrackInFrame, SkipsEventsOfOtherStations) {
+TEST(LiveTrackInFrameTest, SkipsEventsOfOtherStations) {
     const auto frame = arrayFrame({element(playEvent(u"qmusic_be"_qs, u"Song"_qs))});
     EXPECT_EQ(titleIn(frame, RadioStation::joe), noTrack);
     EXPECT_EQ(titleIn(arrayFrame({element(playEvent(u"QMUSIC_BE"_qs, u"Song"_qs))}), RadioStation::qmusic),
@@ -63,7 +63,7 @@ TEST(LiveTrackInFrame, SkipsEventsOfOtherStations) {
         noTrack);
 }
 
-TEST(LiveTrackInFrame, TakesEventsThatNameNoStation) {
+TEST(LiveTrackInFrameTest, TakesEventsThatNameNoStation) {
     const auto frame = arrayFrame({element(playEvent(std::nullopt, u"Song"_qs))});
     for (const auto station : RadioStation::allCases)
         EXPECT_EQ(titleIn(frame, station), u"Song"_qs);
@@ -71,12 +71,12 @@ TEST(LiveTrackInFrame, TakesEventsThatNameNoStation) {
     EXPECT_EQ(titleIn(null, RadioStation::joe), u"Song"_qs);
 }
 
-TEST(LiveTrackInFrame, OfAStationWithoutAFeedIsNoneWhenTheEventNamesOne) {
+TEST(LiveTrackInFrameTest, OfAStationWithoutAFeedIsNoneWhenTheEventNamesOne) {
     EXPECT_EQ(titleIn(arrayFrame({element(playEvent(u"qmusic_be"_qs, u"Song"_qs))}), RadioStation::belRTL),
               noTrack);
 }
 
-TEST(LiveTrackInFrame, LastUsableOneWins) {
+TEST(LiveTrackInFrameTest, LastUsableOneWins) {
     const auto first = element(playEvent(u"joe_fm"_qs, u"First"_qs));
     const auto second = element(playEvent(u"joe_fm"_qs, u"Second"_qs));
     const auto foreign = element(playEvent(u"zofra_be"_qs, u"Foreign"_qs));
@@ -84,7 +84,7 @@ TEST(LiveTrackInFrame, LastUsableOneWins) {
     EXPECT_EQ(titleIn(arrayFrame({second, first, foreign, u"x"_qs, u""_qs}), RadioStation::joe), u"First"_qs);
 }
 
-TEST(LiveTrackInFrame, SkipsElementsThatAreNotUsable) {
+TEST(LiveTrackInFrameTest, SkipsElementsThatAreNotUsable) {
     const auto good = element(playEvent(u"joe_fm"_qs, u"Good"_qs));
     const std::vector<QString> useless{
         u"not json"_qs,
@@ -113,19 +113,19 @@ TEST(LiveTrackInFrame, SkipsElementsThatAreNotUsable) {
     }
 }
 
-TEST(LiveTrackInFrame, EntityActionAndIdsPlayNoPart) {
+TEST(LiveTrackInFrameTest, EntityActionAndIdsPlayNoPart) {
     const auto frame = arrayFrame(
         {u"{\"action\":\"data\",\"ids\":[9],\"data\":\"{\\\"station\\\":\\\"joe_fm\\\",\\\"entity\\\":\\\"jingles\\\",\\\"action\\\":\\\"stop\\\",\\\"data\\\":{\\\"title\\\":\\\"Song\\\"}}\"}"_qs});
     EXPECT_EQ(titleIn(frame, RadioStation::joe), u"Song"_qs);
 }
 
-TEST(LiveTrackInFrame, ATrackWithNothingInItIsStillATrack) {
+TEST(LiveTrackInFrameTest, ATrackWithNothingInItIsStillATrack) {
     const auto track = liveTrackInFrame(arrayFrame({element(R"({"data":{}})")}), RadioStation::joe);
     ASSERT_TRUE(track);
     EXPECT_EQ(track->formattedCurrent(), u"Radio"_qs);
 }
 
-TEST(LiveTrackInFrame, CostsABoundedEffort) {
+TEST(LiveTrackInFrameTest, CostsABoundedEffort) {
     const auto good = element(playEvent(u"joe_fm"_qs, u"Good"_qs));
     const QString costly = u"["_qs + u"[],"_qs.repeated(4'000) + u"[]]"_qs;
     EXPECT_EQ(titleIn(arrayFrame({good, costly}), RadioStation::joe), u"Good"_qs);
@@ -134,7 +134,7 @@ TEST(LiveTrackInFrame, CostsABoundedEffort) {
     EXPECT_EQ(titleIn(arrayFrame({good, costly, costly, costly}), RadioStation::joe), noTrack);
 }
 
-TEST(LiveTrackInFrame, WholeFrameIsDroppedWhenItIsNoListOfTexts) {
+TEST(LiveTrackInFrameTest, WholeFrameIsDroppedWhenItIsNoListOfTexts) {
     const auto good = element(playEvent(u"joe_fm"_qs, u"Good"_qs));
     auto list = QJsonArray{good};
     const auto frameOf = [](const QJsonArray& array) {
@@ -150,7 +150,7 @@ TEST(LiveTrackInFrame, WholeFrameIsDroppedWhenItIsNoListOfTexts) {
         EXPECT_EQ(titleIn(bad, RadioStation::joe), noTrack) << bad.toStdString();
 }
 
-TEST(JoinMessage, IsAListWithOneStringThatHoldsTheObject) {
+TEST(JoinMessageTest, IsAListWithOneStringThatHoldsTheObject) {
     const auto message = joinMessage(RadioStation::zofraClassX);
     ASSERT_TRUE(message);
     const auto list = QJsonDocument::fromJson(message->toUtf8()).array();
@@ -166,19 +166,19 @@ TEST(JoinMessage, IsAListWithOneStringThatHoldsTheObject) {
     EXPECT_EQ(object, expected);
 }
 
-TEST(JoinMessage, IsCompact) {
+TEST(JoinMessageTest, IsCompact) {
     EXPECT_EQ(
         joinMessage(RadioStation::qmusic),
         uR"(["{\"action\":\"join\",\"backlog\":1,\"id\":1,\"sub\":{\"action\":\"play\",\"entity\":\"plays\",)"_qs
         uR"(\"station\":\"qmusic_be\"}}"])"_qs);
 }
 
-TEST(JoinMessage, IsNothingForAStationWithoutAFeed) {
+TEST(JoinMessageTest, IsNothingForAStationWithoutAFeed) {
     for (std::size_t i = 4; i < RadioStation::allCases.size(); ++i)
         EXPECT_EQ(joinMessage(RadioStation::allCases[i]), std::nullopt);
 }
 
-TEST(LiveSocketUrl, HasAServerNumberOfThreeDigitsAndASessionOf32HexCharacters) {
+TEST(LiveSocketUrlTest, HasAServerNumberOfThreeDigitsAndASessionOf32HexCharacters) {
     static const QRegularExpression form(
         u"^wss://live\\.example/api/([1-9][0-9]{2})/([0-9a-f]{32})/websocket$"_qs);
     QSet<QString> servers;
@@ -196,7 +196,7 @@ TEST(LiveSocketUrl, HasAServerNumberOfThreeDigitsAndASessionOf32HexCharacters) {
     EXPECT_GT(servers.size(), 600);
 }
 
-TEST(LiveSocketUrl, TakesAPortAndRefusesWhatIsNoHost) {
+TEST(LiveSocketUrlTest, TakesAPortAndRefusesWhatIsNoHost) {
     EXPECT_EQ(liveSocketUrl(u"127.0.0.1:8443"_qs)->port(), 8443);
     EXPECT_EQ(liveSocketUrl(u""_qs), std::nullopt);
     EXPECT_EQ(liveSocketUrl(u"two words"_qs), std::nullopt);

@@ -39,23 +39,23 @@ ZofraNextTrack nextTrack(std::optional<QString> title, std::optional<QString> ar
     return data;
 }
 
-TEST(NowPlayingSeparator, IsABlankAnEnDashAndABlank) {
+TEST(NowPlayingSeparatorTest, IsABlankAnEnDashAndABlank) {
     EXPECT_EQ(nowPlayingSeparator(), QString(u" \u2013 "_qs));
 }
 
-TEST(FormattedCurrent, JoinsTrimmedArtistAndTitle) {
+TEST(FormattedCurrentTest, JoinsTrimmedArtistAndTitle) {
     EXPECT_EQ(track(u"  Song \n"_qs, u"Band"_qs).formattedCurrent(), u"Band – Song"_qs);
     EXPECT_EQ(track(u"\u00A0Song\u2028"_qs, u"\tBand\r\n"_qs).formattedCurrent(), u"Band – Song"_qs);
 }
 
-TEST(FormattedCurrent, TakesTheOneThereIs) {
+TEST(FormattedCurrentTest, TakesTheOneThereIs) {
     EXPECT_EQ(track(u"Song"_qs, std::nullopt).formattedCurrent(), u"Song"_qs);
     EXPECT_EQ(track(u"Song"_qs, u" "_qs).formattedCurrent(), u"Song"_qs);
     EXPECT_EQ(track(std::nullopt, u" Band "_qs).formattedCurrent(), u"Band"_qs);
     EXPECT_EQ(track(u"\n"_qs, u"Band"_qs).formattedCurrent(), u"Band"_qs);
 }
 
-TEST(FormattedCurrent, IsRadioWhenThereIsNeither) {
+TEST(FormattedCurrentTest, IsRadioWhenThereIsNeither) {
     EXPECT_EQ(track(std::nullopt, std::nullopt).formattedCurrent(), u"Radio"_qs);
     EXPECT_EQ(track(u" "_qs, u"\t"_qs).formattedCurrent(), u"Radio"_qs);
     ZofraLiveTrackData withoutName;
@@ -63,12 +63,12 @@ TEST(FormattedCurrent, IsRadioWhenThereIsNeither) {
     EXPECT_EQ(withoutName.formattedCurrent(), u"Radio"_qs);
 }
 
-TEST(FormattedCurrent, KeepsTheTextAsItIs) {
+TEST(FormattedCurrentTest, KeepsTheTextAsItIs) {
     EXPECT_EQ(track(u"AC/DC & <b>\u202E\u0007 a  b"_qs, std::nullopt).formattedCurrent(),
               u"AC/DC & <b>\u202E\u0007 a  b"_qs);
 }
 
-TEST(FormattedNext, FollowsTheSameStepsButMayBeEmpty) {
+TEST(FormattedNextTest, FollowsTheSameStepsButMayBeEmpty) {
     EXPECT_EQ(nextTrack(u" Song\n"_qs, u" Band "_qs).formatted(), u"Band – Song"_qs);
     EXPECT_EQ(nextTrack(u"Song"_qs, std::nullopt).formatted(), u"Song"_qs);
     EXPECT_EQ(nextTrack(std::nullopt, u"Band"_qs).formatted(), u"Band"_qs);
@@ -76,7 +76,7 @@ TEST(FormattedNext, FollowsTheSameStepsButMayBeEmpty) {
     EXPECT_EQ(nextTrack(std::nullopt, std::nullopt).formatted(), QString());
 }
 
-TEST(PlayEvent, DecodesEveryField) {
+TEST(PlayEventTest, DecodesEveryField) {
     const auto event = decodeEvent(
         R"({"station":"joe_fm","entity":"plays","action":"play","other":[1],"data":{"title":"T","slug":null,
             "artist":{"name":"A","id":3},"next":{"title":"N","artist":{"name":"M"}}}})");
@@ -90,7 +90,7 @@ TEST(PlayEvent, DecodesEveryField) {
     EXPECT_EQ(event->data->next->formatted(), u"M – N"_qs);
 }
 
-TEST(PlayEvent, LeavesMissingAndNullFieldsAbsent) {
+TEST(PlayEventTest, LeavesMissingAndNullFieldsAbsent) {
     EXPECT_EQ(decodeEvent("{}"), ZofraLivePlayEvent{});
     EXPECT_EQ(decodeEvent(R"({"station":null,"entity":null,"action":null,"data":null})"),
               ZofraLivePlayEvent{});
@@ -101,16 +101,16 @@ TEST(PlayEvent, LeavesMissingAndNullFieldsAbsent) {
     EXPECT_EQ(event->data->next, std::nullopt);
 }
 
-TEST(PlayEvent, KeysAreCaseSensitive) {
+TEST(PlayEventTest, KeysAreCaseSensitive) {
     EXPECT_EQ(decodeEvent(R"({"Station":"joe_fm","STATION":5})"), ZofraLivePlayEvent{});
 }
 
-class UndecodableEvent : public testing::TestWithParam<const char*> {};
-TEST_P(UndecodableEvent, GivesNothing) {
+class UndecodableEventTest : public testing::TestWithParam<const char*> {};
+TEST_P(UndecodableEventTest, GivesNothing) {
     EXPECT_FALSE(decodeEvent(GetParam()));
 }
 INSTANTIATE_TEST_SUITE_P(
-    Documents, UndecodableEvent,
+    Documents, UndecodableEventTest,
     testing::Values("", "[]", "\"x\"", "{", R"({"station":1})", R"({"station":true})", R"({"station":{}})",
                     R"({"entity":1})", R"({"action":[]})", R"({"data":"{}"})", R"({"data":[]})",
                     R"({"data":false})", R"({"data":{"title":5}})", R"({"data":{"artist":"A"}})",
@@ -118,7 +118,7 @@ INSTANTIATE_TEST_SUITE_P(
                     R"({"data":{"next":{"title":0}}})", R"({"data":{"next":{"artist":[]}}})",
                     R"({"data":{"next":{"artist":{"name":{}}}}})", R"({"data":{"title":"\ud800"}})"));
 
-TEST(Payload, DecodesEveryField) {
+TEST(TrackPayloadTest, DecodesEveryField) {
     const auto payload = decodePayload(R"({"action":"data","ids":[0,-2,3],"data":"{}","key":"2"})");
     ASSERT_TRUE(payload);
     EXPECT_EQ(payload->action, u"data"_qs);
@@ -127,7 +127,7 @@ TEST(Payload, DecodesEveryField) {
     EXPECT_EQ(decodePayload(R"({"action":null,"ids":null,"data":null})"), SockJSDataPayload{});
 }
 
-TEST(Payload, TakesWholeNumbersHoweverTheyAreWritten) {
+TEST(TrackPayloadTest, TakesWholeNumbersHoweverTheyAreWritten) {
     const auto payload = decodePayload(
         R"({"ids":[1.0,1e3,-0,-0.0,0e5,9223372036854775807,-9223372036854775808,1000000000000000001]})");
     ASSERT_TRUE(payload);
@@ -137,11 +137,11 @@ TEST(Payload, TakesWholeNumbersHoweverTheyAreWritten) {
     EXPECT_EQ(decodePayload(R"({"ids":[]})")->ids, std::vector<std::int64_t>());
 }
 
-class UndecodablePayload : public testing::TestWithParam<const char*> {};
-TEST_P(UndecodablePayload, GivesNothing) {
+class UndecodablePayloadTest : public testing::TestWithParam<const char*> {};
+TEST_P(UndecodablePayloadTest, GivesNothing) {
     EXPECT_FALSE(decodePayload(GetParam()));
 }
-INSTANTIATE_TEST_SUITE_P(Documents, UndecodablePayload,
+INSTANTIATE_TEST_SUITE_P(Documents, UndecodablePayloadTest,
                          testing::Values("", "[]", R"({"action":1})", R"({"ids":1})", R"({"ids":{}})",
                                          R"({"ids":[1.5]})", R"({"ids":[1,0.5]})", R"({"ids":["1"]})",
                                          R"({"ids":[null]})", R"({"ids":[true]})", R"({"ids":[[1]]})",
@@ -149,7 +149,7 @@ INSTANTIATE_TEST_SUITE_P(Documents, UndecodablePayload,
                                          R"({"ids":[-9223372036854777856]})", R"({"data":{}})",
                                          R"({"data":1})"));
 
-TEST(Records, ComeBackFromTheirOwnEncoding) {
+TEST(TrackRecordsTest, ComeBackFromTheirOwnEncoding) {
     ZofraLivePlayEvent event;
     event.station = u"zofra_be"_qs;
     event.entity = u"plays"_qs;
@@ -163,7 +163,7 @@ TEST(Records, ComeBackFromTheirOwnEncoding) {
     EXPECT_EQ(decodePayload(QJsonDocument(toJson(payload).toObject()).toJson()), payload);
 }
 
-TEST(Records, EncodingLeavesAbsentFieldsOut) {
+TEST(TrackRecordsTest, EncodingLeavesAbsentFieldsOut) {
     EXPECT_TRUE(toJson(ZofraLiveArtist{}).toObject().isEmpty());
     EXPECT_TRUE(toJson(ZofraNextTrack{}).toObject().isEmpty());
     EXPECT_TRUE(toJson(ZofraLiveTrackData{}).toObject().isEmpty());

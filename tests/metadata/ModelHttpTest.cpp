@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Rounds of HTTP requests: what is asked, what is applied, and what comes too late.
-#include "tests/metadata/ModelHarness.h"
+#include "tests/metadata/ModelTest.h"
 
 #include <QTemporaryFile>
 
@@ -10,7 +10,7 @@
 namespace zofra::test {
 namespace {
 
-class ModelHttp : public ModelHarness {
+class ModelHttpTest : public ModelTest {
 protected:
     bool isOnAirRequest(const HttpRequest& request) const { return request.url.host() == hosts.onAirHost(); }
     bool isScraperRequest(const HttpRequest& request) const {
@@ -18,7 +18,7 @@ protected:
     }
 };
 
-TEST_F(ModelHttp, AsksTheOnAirServiceForTheStation) {
+TEST_F(ModelHttpTest, AsksTheOnAirServiceForTheStation) {
     start(RadioStation::zofra);
     ASSERT_EQ(http.requests.size(), 1U);
     const auto& request = http.requests[0];
@@ -32,11 +32,11 @@ TEST_F(ModelHttp, AsksTheOnAirServiceForTheStation) {
     EXPECT_TRUE(request.body.isEmpty());
 }
 
-class OnAirOfEveryStation : public ModelHarness,
-                            public testing::WithParamInterface<std::tuple<RadioStation::Case, const char*>> {
-};
+class OnAirOfEveryStationTest
+    : public ModelTest,
+      public testing::WithParamInterface<std::tuple<RadioStation::Case, const char*>> {};
 
-TEST_P(OnAirOfEveryStation, AsksWithItsId) {
+TEST_P(OnAirOfEveryStationTest, AsksWithItsId) {
     const auto [station, id] = GetParam();
     start(station);
     EXPECT_EQ(http.requests.at(0).url.query(), u"rpIds="_qs + QString::fromLatin1(id));
@@ -45,7 +45,7 @@ TEST_P(OnAirOfEveryStation, AsksWithItsId) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Stations, OnAirOfEveryStation,
+    Stations, OnAirOfEveryStationTest,
     testing::Values(std::tuple(RadioStation::zofra, "5067"), std::tuple(RadioStation::qmusic, "5050"),
                     std::tuple(RadioStation::joe, "5051"), std::tuple(RadioStation::zofraClassX, "5077"),
                     std::tuple(RadioStation::radioContact, "1"), std::tuple(RadioStation::belRTL, "6"),
@@ -53,7 +53,7 @@ INSTANTIATE_TEST_SUITE_P(
                     std::tuple(RadioStation::sudRadioBelgique, "154"),
                     std::tuple(RadioStation::sudRadioHainaut, "1108")));
 
-TEST_F(ModelHttp, APollComesEveryFifteenSeconds) {
+TEST_F(ModelHttpTest, APollComesEveryFifteenSeconds) {
     start(RadioStation::belRTL);
     EXPECT_EQ(http.requests.size(), 1U);
     queue.advance(14999ms);
@@ -65,7 +65,7 @@ TEST_F(ModelHttp, APollComesEveryFifteenSeconds) {
     EXPECT_EQ(Probe::counter(*model), 4U);
 }
 
-TEST_F(ModelHttp, StartingToPollAgainReplacesThePoll) {
+TEST_F(ModelHttpTest, StartingToPollAgainReplacesThePoll) {
     start(RadioStation::belRTL);
     queue.advance(10s);
     model->startPolling();
@@ -75,7 +75,7 @@ TEST_F(ModelHttp, StartingToPollAgainReplacesThePoll) {
     EXPECT_EQ(http.requests.size(), 2U);
 }
 
-TEST_F(ModelHttp, AnAnswerIsAppliedAndTold) {
+TEST_F(ModelHttpTest, AnAnswerIsAppliedAndTold) {
     start(RadioStation::belRTL);
     answer(200, onAir(u"6"_qs, u"Song"_qs));
     EXPECT_EQ(model->currentSong.get(), u"Song"_qs);
@@ -85,7 +85,7 @@ TEST_F(ModelHttp, AnAnswerIsAppliedAndTold) {
     EXPECT_EQ(Probe::lastApplied(*model), 1U);
 }
 
-TEST_F(ModelHttp, AnsweringHappensOnTheMainThreadOnly) {
+TEST_F(ModelHttpTest, AnsweringHappensOnTheMainThreadOnly) {
     start(RadioStation::belRTL);
     http.answer(200, onAir(u"6"_qs, u"Song"_qs));
     EXPECT_TRUE(updates.empty()) << "posted, not done in place";
@@ -93,7 +93,7 @@ TEST_F(ModelHttp, AnsweringHappensOnTheMainThreadOnly) {
     EXPECT_EQ(updates.size(), 1U);
 }
 
-TEST_F(ModelHttp, TheItemIsChosenByTheModelsClock) {
+TEST_F(ModelHttpTest, TheItemIsChosenByTheModelsClock) {
     start(RadioStation::belRTL);
     // The clock stands at 1 700 000 000.
     const QByteArray body =
@@ -108,19 +108,19 @@ TEST_F(ModelHttp, TheItemIsChosenByTheModelsClock) {
     EXPECT_EQ(model->currentSong.get(), u"Later"_qs);
 }
 
-TEST_F(ModelHttp, AJsonpAnswerIsAccepted) {
+TEST_F(ModelHttpTest, AJsonpAnswerIsAccepted) {
     start(RadioStation::belRTL);
     answer(200, "cb.x(" + onAir(u"6"_qs, u"Song"_qs) + ");");
     EXPECT_EQ(model->currentSong.get(), u"Song"_qs);
 }
 
-TEST_F(ModelHttp, EveryStatusOfSuccessCounts) {
+TEST_F(ModelHttpTest, EveryStatusOfSuccessCounts) {
     start(RadioStation::belRTL);
     answer(299, onAir(u"6"_qs, u"Song"_qs));
     EXPECT_EQ(model->currentSong.get(), u"Song"_qs);
 }
 
-TEST_F(ModelHttp, WithoutATextTheStationsNameEndsTheLoading) {
+TEST_F(ModelHttpTest, WithoutATextTheStationsNameEndsTheLoading) {
     start(RadioStation::belRTL);
     answer(200, emptyOnAir(u"6"_qs));
     EXPECT_EQ(model->currentSong.get(), u"Bel RTL"_qs);
@@ -129,7 +129,7 @@ TEST_F(ModelHttp, WithoutATextTheStationsNameEndsTheLoading) {
     EXPECT_EQ(http.requests.size(), 1U) << "no failure, no second request";
 }
 
-TEST_F(ModelHttp, WithoutATextALaterRoundLeavesTheTexts) {
+TEST_F(ModelHttpTest, WithoutATextALaterRoundLeavesTheTexts) {
     start(RadioStation::belRTL);
     answer(200, onAir(u"6"_qs, u"Song"_qs));
     queue.advance(15s);
@@ -140,7 +140,7 @@ TEST_F(ModelHttp, WithoutATextALaterRoundLeavesTheTexts) {
     EXPECT_EQ(Probe::lastApplied(*model), 1U);
 }
 
-TEST_F(ModelHttp, AFreshLiveTrackWins) {
+TEST_F(ModelHttpTest, AFreshLiveTrackWins) {
     startConnected(RadioStation::zofra);
     frame(trackFrame(u"zofra_be"_qs, u"Live"_qs, std::nullopt, u"Next"_qs));
     http.open.clear();
@@ -152,7 +152,7 @@ TEST_F(ModelHttp, AFreshLiveTrackWins) {
     EXPECT_EQ(Probe::lastApplied(*model), applied);
 }
 
-TEST_F(ModelHttp, AfterNinetySecondsTheHttpTextTakesOver) {
+TEST_F(ModelHttpTest, AfterNinetySecondsTheHttpTextTakesOver) {
     startConnected(RadioStation::zofra);
     http.open.clear();
     frame(trackFrame(u"zofra_be"_qs, u"Live"_qs, std::nullopt, u"Next"_qs));
@@ -170,7 +170,7 @@ TEST_F(ModelHttp, AfterNinetySecondsTheHttpTextTakesOver) {
     EXPECT_EQ(model->nextSong.get(), std::nullopt);
 }
 
-TEST_F(ModelHttp, WhileTheSocketIsDownTheHttpTextTakesOverAtOnce) {
+TEST_F(ModelHttpTest, WhileTheSocketIsDownTheHttpTextTakesOverAtOnce) {
     startConnected(RadioStation::zofra);
     http.open.clear();
     frame(trackFrame(u"zofra_be"_qs, u"Live"_qs));
@@ -181,7 +181,7 @@ TEST_F(ModelHttp, WhileTheSocketIsDownTheHttpTextTakesOverAtOnce) {
     EXPECT_EQ(model->currentSong.get(), u"Polled"_qs);
 }
 
-TEST_F(ModelHttp, TheNextSongStaysWhileTheCurrentTextDoes) {
+TEST_F(ModelHttpTest, TheNextSongStaysWhileTheCurrentTextDoes) {
     startConnected(RadioStation::zofra);
     http.open.clear();
     frame(trackFrame(u"zofra_be"_qs, u"Song"_qs, std::nullopt, u"Next"_qs));
@@ -196,7 +196,7 @@ TEST_F(ModelHttp, TheNextSongStaysWhileTheCurrentTextDoes) {
     EXPECT_EQ(updates, (std::vector<Update>{{u"Song"_qs, u"Next"_qs}, {u"Other"_qs, std::nullopt}}));
 }
 
-TEST_F(ModelHttp, AnOlderRoundDoesNotOverwriteALaterOne) {
+TEST_F(ModelHttpTest, AnOlderRoundDoesNotOverwriteALaterOne) {
     start(RadioStation::belRTL);
     model->fetchMetadata();
     const auto first = takeRequest();
@@ -207,7 +207,7 @@ TEST_F(ModelHttp, AnOlderRoundDoesNotOverwriteALaterOne) {
     EXPECT_EQ(updates.size(), 1U);
 }
 
-TEST_F(ModelHttp, RoundsInOrderAreAllApplied) {
+TEST_F(ModelHttpTest, RoundsInOrderAreAllApplied) {
     start(RadioStation::belRTL);
     model->fetchMetadata();
     answer(200, onAir(u"6"_qs, u"First"_qs));
@@ -215,7 +215,7 @@ TEST_F(ModelHttp, RoundsInOrderAreAllApplied) {
     EXPECT_EQ(updates, (std::vector<Update>{{u"First"_qs, std::nullopt}, {u"Second"_qs, std::nullopt}}));
 }
 
-TEST_F(ModelHttp, ALiveTrackMakesRoundsUnderWayStale) {
+TEST_F(ModelHttpTest, ALiveTrackMakesRoundsUnderWayStale) {
     startConnected(RadioStation::zofra);
     const auto old = takeRequest();
     frame(trackFrame(u"zofra_be"_qs, u"Live"_qs));
@@ -225,7 +225,7 @@ TEST_F(ModelHttp, ALiveTrackMakesRoundsUnderWayStale) {
     EXPECT_EQ(model->currentSong.get(), u"Live"_qs);
 }
 
-TEST_F(ModelHttp, FailureOfALiveStationAsksTheScraperAtOnceAndRetriesAfterTwoSeconds) {
+TEST_F(ModelHttpTest, FailureOfALiveStationAsksTheScraperAtOnceAndRetriesAfterTwoSeconds) {
     start(RadioStation::zofra);
     failRequest();
     ASSERT_EQ(http.requests.size(), 2U);
@@ -239,7 +239,7 @@ TEST_F(ModelHttp, FailureOfALiveStationAsksTheScraperAtOnceAndRetriesAfterTwoSec
     EXPECT_EQ(Probe::counter(*model), 1U) << "the same round";
 }
 
-TEST_F(ModelHttp, FailureOfTheRetryAsksTheScraperOnly) {
+TEST_F(ModelHttpTest, FailureOfTheRetryAsksTheScraperOnly) {
     start(RadioStation::zofra);
     failRequest();
     queue.advance(2s);
@@ -252,7 +252,7 @@ TEST_F(ModelHttp, FailureOfTheRetryAsksTheScraperOnly) {
     EXPECT_EQ(http.requests.size(), 4U) << "at most two on-air requests a round";
 }
 
-TEST_F(ModelHttp, FailureOfAStationWithoutAFeedIsOnlyRetried) {
+TEST_F(ModelHttpTest, FailureOfAStationWithoutAFeedIsOnlyRetried) {
     start(RadioStation::belRTL);
     failRequest();
     EXPECT_EQ(http.requests.size(), 1U);
@@ -266,7 +266,7 @@ TEST_F(ModelHttp, FailureOfAStationWithoutAFeedIsOnlyRetried) {
     EXPECT_TRUE(output.lines.empty()) << "nothing is logged";
 }
 
-TEST_F(ModelHttp, TheRetrysAnswerIsApplied) {
+TEST_F(ModelHttpTest, TheRetrysAnswerIsApplied) {
     start(RadioStation::belRTL);
     failRequest();
     queue.advance(2s);
@@ -274,9 +274,9 @@ TEST_F(ModelHttp, TheRetrysAnswerIsApplied) {
     EXPECT_EQ(model->currentSong.get(), u"Song"_qs);
 }
 
-class OnAirFailure : public ModelHarness, public testing::WithParamInterface<std::pair<int, QByteArray>> {};
+class OnAirFailureTest : public ModelTest, public testing::WithParamInterface<std::pair<int, QByteArray>> {};
 
-TEST_P(OnAirFailure, LeadsToTheScraper) {
+TEST_P(OnAirFailureTest, LeadsToTheScraper) {
     start(RadioStation::zofra);
     answer(GetParam().first, GetParam().second);
     ASSERT_EQ(http.requests.size(), 2U);
@@ -285,7 +285,7 @@ TEST_P(OnAirFailure, LeadsToTheScraper) {
 }
 
 const QByteArray goodAnswer = R"({"results":{"5067":[{"name":"Song","song":true}]}})";
-INSTANTIATE_TEST_SUITE_P(Answers, OnAirFailure,
+INSTANTIATE_TEST_SUITE_P(Answers, OnAirFailureTest,
                          testing::Values(std::pair(199, goodAnswer), std::pair(300, goodAnswer),
                                          std::pair(404, goodAnswer), std::pair(500, goodAnswer),
                                          std::pair(0, goodAnswer), std::pair(200, QByteArray()),
@@ -296,7 +296,7 @@ INSTANTIATE_TEST_SUITE_P(Answers, OnAirFailure,
                                          std::pair(200, QByteArray(R"({"results":{"5067":[1]}})")),
                                          std::pair(200, QByteArray("{\"results\":{\"5067\":[]}}\xFF"))));
 
-TEST_F(ModelHttp, FailureOfAnOldStationDoesNothing) {
+TEST_F(ModelHttpTest, FailureOfAnOldStationDoesNothing) {
     start(RadioStation::zofra);
     const auto old = takeRequest();
     model->setStation(RadioStation::joe);
@@ -306,7 +306,7 @@ TEST_F(ModelHttp, FailureOfAnOldStationDoesNothing) {
     EXPECT_EQ(http.requests.size(), requests);
 }
 
-TEST_F(ModelHttp, BadAnswerOfAnOldStationDoesNothing) {
+TEST_F(ModelHttpTest, BadAnswerOfAnOldStationDoesNothing) {
     start(RadioStation::zofra);
     const auto old = takeRequest();
     model->setStation(RadioStation::joe);
@@ -316,7 +316,7 @@ TEST_F(ModelHttp, BadAnswerOfAnOldStationDoesNothing) {
     EXPECT_EQ(http.requests.size(), requests);
 }
 
-TEST_F(ModelHttp, FailureOfAStaleRoundDoesNothing) {
+TEST_F(ModelHttpTest, FailureOfAStaleRoundDoesNothing) {
     start(RadioStation::zofra);
     model->fetchMetadata();
     const auto first = takeRequest();
@@ -326,7 +326,7 @@ TEST_F(ModelHttp, FailureOfAStaleRoundDoesNothing) {
     EXPECT_EQ(http.requests.size(), 2U);
 }
 
-TEST_F(ModelHttp, RetryIsNotSentOnceTheRoundIsStale) {
+TEST_F(ModelHttpTest, RetryIsNotSentOnceTheRoundIsStale) {
     start(RadioStation::belRTL);
     failRequest();
     model->fetchMetadata();
@@ -335,7 +335,7 @@ TEST_F(ModelHttp, RetryIsNotSentOnceTheRoundIsStale) {
     EXPECT_EQ(http.requests.size(), 2U);
 }
 
-TEST_F(ModelHttp, RetryIsNotSentOnceTheScraperHasAnswered) {
+TEST_F(ModelHttpTest, RetryIsNotSentOnceTheScraperHasAnswered) {
     start(RadioStation::zofra);
     failRequest();
     answer(200, scraped(u"Scraped"_qs));
@@ -344,7 +344,7 @@ TEST_F(ModelHttp, RetryIsNotSentOnceTheScraperHasAnswered) {
     EXPECT_EQ(http.requests.size(), 2U);
 }
 
-TEST_F(ModelHttp, RetryIsNotSentForAnOldStation) {
+TEST_F(ModelHttpTest, RetryIsNotSentForAnOldStation) {
     start(RadioStation::belRTL);
     failRequest();
     model->setStation(RadioStation::radioContact);
@@ -353,7 +353,7 @@ TEST_F(ModelHttp, RetryIsNotSentForAnOldStation) {
     EXPECT_EQ(http.requests[1].url.query(), u"rpIds=1"_qs);
 }
 
-TEST_F(ModelHttp, ScraperRequestLooksLikeTheOther) {
+TEST_F(ModelHttpTest, ScraperRequestLooksLikeTheOther) {
     start(RadioStation::zofraClassX);
     failRequest();
     ASSERT_EQ(http.requests.size(), 2U);
@@ -367,7 +367,7 @@ TEST_F(ModelHttp, ScraperRequestLooksLikeTheOther) {
     EXPECT_EQ(request.maxBodyBytes, 1024U * 1024U);
 }
 
-TEST_F(ModelHttp, ScraperOfEveryLiveStation) {
+TEST_F(ModelHttpTest, ScraperOfEveryLiveStation) {
     for (const auto& [station, path] :
          {std::pair(RadioStation::zofra, u"/be.zofra"_qs), std::pair(RadioStation::qmusic, u"/be.qmusic"_qs),
           std::pair(RadioStation::joe, u"/be.joe"_qs),
@@ -380,7 +380,7 @@ TEST_F(ModelHttp, ScraperOfEveryLiveStation) {
     }
 }
 
-TEST_F(ModelHttp, ScraperWithoutATextShowsTheNameOnlyWhileLoading) {
+TEST_F(ModelHttpTest, ScraperWithoutATextShowsTheNameOnlyWhileLoading) {
     start(RadioStation::qmusic);
     failRequest();
     answer(200, "");
@@ -394,9 +394,10 @@ TEST_F(ModelHttp, ScraperWithoutATextShowsTheNameOnlyWhileLoading) {
     EXPECT_EQ(Probe::lastApplied(*model), 1U);
 }
 
-class ScraperFailure : public ModelHarness, public testing::WithParamInterface<std::pair<int, QByteArray>> {};
+class ScraperFailureTest : public ModelTest,
+                           public testing::WithParamInterface<std::pair<int, QByteArray>> {};
 
-TEST_P(ScraperFailure, IsDroppedSilently) {
+TEST_P(ScraperFailureTest, IsDroppedSilently) {
     start(RadioStation::qmusic);
     failRequest();
     answer(GetParam().first, GetParam().second);
@@ -406,13 +407,13 @@ TEST_P(ScraperFailure, IsDroppedSilently) {
     EXPECT_EQ(http.requests.size(), 2U);
 }
 
-INSTANTIATE_TEST_SUITE_P(Answers, ScraperFailure,
+INSTANTIATE_TEST_SUITE_P(Answers, ScraperFailureTest,
                          testing::Values(std::pair(404, QByteArray(R"({"title":"X"})")),
                                          std::pair(300, QByteArray(R"({"title":"X"})")),
                                          std::pair(199, QByteArray(R"({"title":"X"})")),
                                          std::pair(200, QByteArray("{\"title\":\"caf\xE9\"}"))));
 
-TEST_F(ModelHttp, ScraperTransportErrorIsDropped) {
+TEST_F(ModelHttpTest, ScraperTransportErrorIsDropped) {
     start(RadioStation::qmusic);
     failRequest();
     failRequest();
@@ -421,7 +422,7 @@ TEST_F(ModelHttp, ScraperTransportErrorIsDropped) {
     EXPECT_EQ(http.requests.size(), 3U) << "the retry of the on-air service comes all the same";
 }
 
-TEST_F(ModelHttp, ScraperOfAnOldStationIsDropped) {
+TEST_F(ModelHttpTest, ScraperOfAnOldStationIsDropped) {
     start(RadioStation::qmusic);
     failRequest();
     const auto scraper = takeRequest();
@@ -431,7 +432,7 @@ TEST_F(ModelHttp, ScraperOfAnOldStationIsDropped) {
     EXPECT_TRUE(updates.empty());
 }
 
-TEST_F(ModelHttp, ScraperGivesWayToAFreshLiveTrack) {
+TEST_F(ModelHttpTest, ScraperGivesWayToAFreshLiveTrack) {
     startConnected(RadioStation::qmusic);
     failRequest();
     const auto scraper = takeRequest();
@@ -440,7 +441,7 @@ TEST_F(ModelHttp, ScraperGivesWayToAFreshLiveTrack) {
     EXPECT_EQ(model->currentSong.get(), u"Live"_qs);
 }
 
-TEST_F(ModelHttp, ScraperOfAnOlderRoundIsStale) {
+TEST_F(ModelHttpTest, ScraperOfAnOlderRoundIsStale) {
     start(RadioStation::qmusic);
     failRequest();
     const auto scraper = takeRequest();
@@ -450,7 +451,7 @@ TEST_F(ModelHttp, ScraperOfAnOlderRoundIsStale) {
     EXPECT_EQ(model->currentSong.get(), u"Newer"_qs);
 }
 
-TEST_F(ModelHttp, ScraperAfterTheRetrysAnswerIsStale) {
+TEST_F(ModelHttpTest, ScraperAfterTheRetrysAnswerIsStale) {
     start(RadioStation::qmusic);
     failRequest();
     const auto scraper = takeRequest();
@@ -460,7 +461,7 @@ TEST_F(ModelHttp, ScraperAfterTheRetrysAnswerIsStale) {
     EXPECT_EQ(model->currentSong.get(), u"Song"_qs) << "the same round is not applied twice";
 }
 
-TEST_F(ModelHttp, TitleNeverGoesBackWhateverTheOrderOfAnswers) {
+TEST_F(ModelHttpTest, TitleNeverGoesBackWhateverTheOrderOfAnswers) {
     start(RadioStation::belRTL);
     std::vector<FakeHttpSession::Exchange> rounds{takeRequest()};
     for (int i = 1; i < 6; ++i) {
@@ -472,7 +473,7 @@ TEST_F(ModelHttp, TitleNeverGoesBackWhateverTheOrderOfAnswers) {
     EXPECT_EQ(updates, (std::vector<Update>{{u"3"_qs, std::nullopt}, {u"5"_qs, std::nullopt}}));
 }
 
-TEST_F(ModelHttp, ServiceHostsMayCarryAPort) {
+TEST_F(ModelHttpTest, ServiceHostsMayCarryAPort) {
     QTemporaryFile file;
     ASSERT_TRUE(file.open());
     file.write("[metadata]\non_air=127.0.0.1:8443\nscraper=localhost:8444\nlive_socket=127.0.0.1:8445\n");
@@ -485,7 +486,7 @@ TEST_F(ModelHttp, ServiceHostsMayCarryAPort) {
     EXPECT_EQ(sockets.last().url.authority(), u"127.0.0.1:8445"_qs);
 }
 
-TEST_F(ModelHttp, RunningOutOfNumbersIsFatal) {
+TEST_F(ModelHttpTest, RunningOutOfNumbersIsFatal) {
     make(RadioStation::belRTL);
     Probe::setCounter(*model, std::numeric_limits<std::uint64_t>::max());
     EXPECT_DEATH(model->fetchMetadata(), "No number is left");

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The model may end at any moment; what is still under way must not notice.
-#include "tests/metadata/ModelHarness.h"
+#include "tests/metadata/ModelTest.h"
 
 namespace zofra::test {
 namespace {
 
-class ModelLifetime : public ModelHarness {};
+class ModelLifetimeTest : public ModelTest {};
 
-TEST_F(ModelLifetime, EndsItsTimersAndLetsGoOfTheSocket) {
+TEST_F(ModelLifetimeTest, EndsItsTimersAndLetsGoOfTheSocket) {
     startConnected(RadioStation::zofra);
     const std::weak_ptr<FakeMetadataSocket> socket = sockets.sockets.back();
     sockets.sockets.clear();
@@ -21,7 +21,7 @@ TEST_F(ModelLifetime, EndsItsTimersAndLetsGoOfTheSocket) {
     EXPECT_EQ(http.requests.size(), requests);
 }
 
-TEST_F(ModelLifetime, EndsAPendingReconnect) {
+TEST_F(ModelLifetimeTest, EndsAPendingReconnect) {
     start(RadioStation::zofra);
     failSocket(u"x"_qs);
     EXPECT_EQ(queue.pendingTimers(), 2U);
@@ -31,7 +31,7 @@ TEST_F(ModelLifetime, EndsAPendingReconnect) {
     EXPECT_EQ(sockets.sockets.size(), 1U);
 }
 
-TEST_F(ModelLifetime, AWaitingReceiveDoesNotKeepTheSocketAlive) {
+TEST_F(ModelLifetimeTest, AWaitingReceiveDoesNotKeepTheSocketAlive) {
     start(RadioStation::zofra);
     const std::weak_ptr<FakeMetadataSocket> socket = sockets.sockets.back();
     sockets.sockets.clear();
@@ -39,7 +39,7 @@ TEST_F(ModelLifetime, AWaitingReceiveDoesNotKeepTheSocketAlive) {
     EXPECT_TRUE(socket.expired()) << "its handler must not hold it";
 }
 
-TEST_F(ModelLifetime, LateSocketResultsDoNothing) {
+TEST_F(ModelLifetimeTest, LateSocketResultsDoNothing) {
     startConnected(RadioStation::zofra);
     const auto socket = sockets.sockets.back();
     model.reset();
@@ -51,7 +51,7 @@ TEST_F(ModelLifetime, LateSocketResultsDoNothing) {
     EXPECT_EQ(sockets.sockets.size(), 1U);
 }
 
-TEST_F(ModelLifetime, ResultsAlreadyPostedDoNothing) {
+TEST_F(ModelLifetimeTest, ResultsAlreadyPostedDoNothing) {
     startConnected(RadioStation::zofra);
     sockets.last().fail(u"late"_qs);
     http.answer(200, onAir(u"5067"_qs, u"Late"_qs));
@@ -62,7 +62,7 @@ TEST_F(ModelLifetime, ResultsAlreadyPostedDoNothing) {
     EXPECT_TRUE(output.lines.empty());
 }
 
-TEST_F(ModelLifetime, LateAnswersDoNothing) {
+TEST_F(ModelLifetimeTest, LateAnswersDoNothing) {
     start(RadioStation::zofra);
     model->fetchMetadata();
     model.reset();
@@ -73,7 +73,7 @@ TEST_F(ModelLifetime, LateAnswersDoNothing) {
     EXPECT_EQ(http.requests.size(), 2U);
 }
 
-TEST_F(ModelLifetime, AScheduledRetryDoesNothing) {
+TEST_F(ModelLifetimeTest, AScheduledRetryDoesNothing) {
     start(RadioStation::belRTL);
     failRequest();
     model.reset();
@@ -81,7 +81,7 @@ TEST_F(ModelLifetime, AScheduledRetryDoesNothing) {
     EXPECT_EQ(http.requests.size(), 1U);
 }
 
-TEST_F(ModelLifetime, MayEndWhileTellingALiveTrack) {
+TEST_F(ModelLifetimeTest, MayEndWhileTellingALiveTrack) {
     startConnected(RadioStation::zofra);
     model->onUpdate = [this](const QString&, const std::optional<QString>&) { model.reset(); };
     frame(trackFrame(u"zofra_be"_qs, u"Song"_qs));
@@ -89,14 +89,14 @@ TEST_F(ModelLifetime, MayEndWhileTellingALiveTrack) {
     EXPECT_TRUE(sockets.last().receivers.empty());
 }
 
-TEST_F(ModelLifetime, MayEndWhileTellingAnAnswer) {
+TEST_F(ModelLifetimeTest, MayEndWhileTellingAnAnswer) {
     start(RadioStation::belRTL);
     model->onUpdate = [this](const QString&, const std::optional<QString>&) { model.reset(); };
     answer(200, onAir(u"6"_qs, u"Song"_qs));
     EXPECT_EQ(model, nullptr);
 }
 
-TEST_F(ModelLifetime, MayEndWhileTellingAStation) {
+TEST_F(ModelLifetimeTest, MayEndWhileTellingAStation) {
     start(RadioStation::zofra);
     model->onUpdate = [this](const QString&, const std::optional<QString>&) { model.reset(); };
     model->setStation(RadioStation::joe);
@@ -104,7 +104,7 @@ TEST_F(ModelLifetime, MayEndWhileTellingAStation) {
     EXPECT_EQ(sockets.sockets.size(), 1U) << "nothing is started any more";
 }
 
-TEST_F(ModelLifetime, AListenerMaySwitchStationsWhileBeingToldATrack) {
+TEST_F(ModelLifetimeTest, AListenerMaySwitchStationsWhileBeingToldATrack) {
     startConnected(RadioStation::zofra);
     model->onUpdate = [this](const QString&, const std::optional<QString>&) {
         model->onUpdate = nullptr;

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Frames, tracks, silence and log lines of the live socket.
 #include "metadata/LiveSocket.h"
-#include "tests/metadata/ModelHarness.h"
+#include "tests/metadata/ModelTest.h"
 
 #include <QRegularExpression>
 
 namespace zofra::test {
 namespace {
 
-class ModelSocket : public ModelHarness {};
+class ModelSocketTest : public ModelTest {};
 
-TEST_F(ModelSocket, OpensAFreshSessionOfTheService) {
+TEST_F(ModelSocketTest, OpensAFreshSessionOfTheService) {
     start(RadioStation::zofra);
     ASSERT_EQ(sockets.sockets.size(), 1U);
     const auto url = sockets.last().url;
@@ -25,7 +25,7 @@ TEST_F(ModelSocket, OpensAFreshSessionOfTheService) {
     EXPECT_EQ(Probe::lastSocketActivity(*model), queue.clock()());
 }
 
-TEST_F(ModelSocket, EveryConnectionIsAnotherSession) {
+TEST_F(ModelSocketTest, EveryConnectionIsAnotherSession) {
     start(RadioStation::zofra);
     failSocket(u"x"_qs);
     queue.advance(5s);
@@ -34,9 +34,9 @@ TEST_F(ModelSocket, EveryConnectionIsAnotherSession) {
               sockets.sockets[1]->url.path().section(u'/', 3, 3));
 }
 
-class StationWithoutFeed : public ModelHarness, public testing::WithParamInterface<RadioStation::Case> {};
+class StationWithoutFeedTest : public ModelTest, public testing::WithParamInterface<RadioStation::Case> {};
 
-TEST_P(StationWithoutFeed, NeverOpensASocket) {
+TEST_P(StationWithoutFeedTest, NeverOpensASocket) {
     start(GetParam());
     EXPECT_TRUE(sockets.sockets.empty());
     EXPECT_EQ(Probe::lastSocketActivity(*model), std::nullopt);
@@ -49,14 +49,14 @@ TEST_P(StationWithoutFeed, NeverOpensASocket) {
     EXPECT_TRUE(sockets.sockets.empty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Stations, StationWithoutFeed,
+INSTANTIATE_TEST_SUITE_P(Stations, StationWithoutFeedTest,
                          testing::Values(RadioStation::radioContact, RadioStation::belRTL,
                                          RadioStation::insideRadio, RadioStation::sudRadioBelgique,
                                          RadioStation::sudRadioHainaut));
 
-class StationWithFeed : public ModelHarness, public testing::WithParamInterface<RadioStation::Case> {};
+class StationWithFeedTest : public ModelTest, public testing::WithParamInterface<RadioStation::Case> {};
 
-TEST_P(StationWithFeed, JoinsOnceOpen) {
+TEST_P(StationWithFeedTest, JoinsOnceOpen) {
     start(GetParam());
     frame(u"o"_qs);
     ASSERT_EQ(sockets.last().sent.size(), 1U);
@@ -67,11 +67,11 @@ TEST_P(StationWithFeed, JoinsOnceOpen) {
     EXPECT_TRUE(output.lines.empty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Stations, StationWithFeed,
+INSTANTIATE_TEST_SUITE_P(Stations, StationWithFeedTest,
                          testing::Values(RadioStation::zofra, RadioStation::qmusic, RadioStation::joe,
                                          RadioStation::zofraClassX));
 
-TEST_F(ModelSocket, ASecondOpenFrameJoinsAgain) {
+TEST_F(ModelSocketTest, ASecondOpenFrameJoinsAgain) {
     startConnected(RadioStation::zofra);
     frame(u"o"_qs);
     ASSERT_EQ(sockets.last().sent.size(), 2U);
@@ -79,7 +79,7 @@ TEST_F(ModelSocket, ASecondOpenFrameJoinsAgain) {
     EXPECT_EQ(state(), SocketState::connected);
 }
 
-TEST_F(ModelSocket, DoesNotOpenASecondSocketWhileOneIsThere) {
+TEST_F(ModelSocketTest, DoesNotOpenASecondSocketWhileOneIsThere) {
     start(RadioStation::zofra);
     model->startWebSocket();
     EXPECT_EQ(sockets.sockets.size(), 1U);
@@ -89,7 +89,7 @@ TEST_F(ModelSocket, DoesNotOpenASecondSocketWhileOneIsThere) {
     EXPECT_TRUE(sockets.last().cancels.empty());
 }
 
-TEST_F(ModelSocket, ListensForOneMessageAtATime) {
+TEST_F(ModelSocketTest, ListensForOneMessageAtATime) {
     startConnected(RadioStation::zofra);
     for (int i = 0; i < 5; ++i) {
         EXPECT_EQ(sockets.last().receivers.size(), 1U);
@@ -101,7 +101,7 @@ TEST_F(ModelSocket, ListensForOneMessageAtATime) {
     EXPECT_EQ(sockets.last().receivers.size(), 1U);
 }
 
-TEST_F(ModelSocket, AHeartbeatOnlyCountsAsActivity) {
+TEST_F(ModelSocketTest, AHeartbeatOnlyCountsAsActivity) {
     startConnected(RadioStation::zofra);
     queue.advance(7s);
     frame(u"h"_qs);
@@ -111,7 +111,7 @@ TEST_F(ModelSocket, AHeartbeatOnlyCountsAsActivity) {
     EXPECT_TRUE(updates.empty());
 }
 
-TEST_F(ModelSocket, UnknownFramesCountAsActivityAndNothingElse) {
+TEST_F(ModelSocketTest, UnknownFramesCountAsActivityAndNothingElse) {
     startConnected(RadioStation::zofra);
     for (const auto& text :
          {u""_qs, u"x"_qs, u"oo"_qs, u"hh"_qs, u"a"_qs, u"a{}"_qs, u"[\"o\"]"_qs, u"a[garbage"_qs}) {
@@ -125,7 +125,7 @@ TEST_F(ModelSocket, UnknownFramesCountAsActivityAndNothingElse) {
     EXPECT_EQ(sockets.last().receivers.size(), 1U);
 }
 
-TEST_F(ModelSocket, ABinaryMessageIsReadAsUtf8) {
+TEST_F(ModelSocketTest, ABinaryMessageIsReadAsUtf8) {
     start(RadioStation::zofra);
     frame(QByteArray("o"));
     EXPECT_EQ(state(), SocketState::connected);
@@ -133,7 +133,7 @@ TEST_F(ModelSocket, ABinaryMessageIsReadAsUtf8) {
     EXPECT_EQ(model->currentSong.get(), u"Déjà"_qs);
 }
 
-TEST_F(ModelSocket, ABinaryMessageThatIsNoUtf8IsDroppedButCounts) {
+TEST_F(ModelSocketTest, ABinaryMessageThatIsNoUtf8IsDroppedButCounts) {
     start(RadioStation::zofra);
     queue.advance(3s);
     frame(QByteArray("o\xFF"));
@@ -142,7 +142,7 @@ TEST_F(ModelSocket, ABinaryMessageThatIsNoUtf8IsDroppedButCounts) {
     EXPECT_EQ(sockets.last().receivers.size(), 1U);
 }
 
-TEST_F(ModelSocket, ATrackSetsBothTexts) {
+TEST_F(ModelSocketTest, ATrackSetsBothTexts) {
     startConnected(RadioStation::joe);
     queue.advance(2s);
     frame(trackFrame(u"joe_fm"_qs, u" Song\n"_qs, u"Band"_qs, u"Later"_qs));
@@ -155,7 +155,7 @@ TEST_F(ModelSocket, ATrackSetsBothTexts) {
     EXPECT_EQ(sockets.last().receivers.size(), 1U);
 }
 
-TEST_F(ModelSocket, ATrackWithoutANextOneClearsIt) {
+TEST_F(ModelSocketTest, ATrackWithoutANextOneClearsIt) {
     startConnected(RadioStation::joe);
     frame(trackFrame(u"joe_fm"_qs, u"One"_qs, std::nullopt, u"Two"_qs));
     frame(trackFrame(u"joe_fm"_qs, u"Two"_qs));
@@ -166,14 +166,14 @@ TEST_F(ModelSocket, ATrackWithoutANextOneClearsIt) {
                            {u"One"_qs, u"Two"_qs}, {u"Two"_qs, std::nullopt}, {u"Two"_qs, std::nullopt}}));
 }
 
-TEST_F(ModelSocket, TheSameTrackAgainIsToldAgain) {
+TEST_F(ModelSocketTest, TheSameTrackAgainIsToldAgain) {
     startConnected(RadioStation::joe);
     frame(trackFrame(u"joe_fm"_qs, u"One"_qs));
     frame(trackFrame(u"joe_fm"_qs, u"One"_qs));
     EXPECT_EQ(updates.size(), 2U);
 }
 
-TEST_F(ModelSocket, ATrackOfAnotherStationChangesNothing) {
+TEST_F(ModelSocketTest, ATrackOfAnotherStationChangesNothing) {
     startConnected(RadioStation::joe);
     frame(trackFrame(u"qmusic_be"_qs, u"Foreign"_qs));
     EXPECT_TRUE(updates.empty());
@@ -184,7 +184,7 @@ TEST_F(ModelSocket, ATrackOfAnotherStationChangesNothing) {
     EXPECT_EQ(model->currentSong.get(), u"For everyone"_qs);
 }
 
-TEST_F(ModelSocket, ParseReadsTheCurrentStation) {
+TEST_F(ModelSocketTest, ParseReadsTheCurrentStation) {
     make(RadioStation::joe);
     const auto text = trackFrame(u"joe_fm"_qs, u"Song"_qs);
     EXPECT_TRUE(model->parseSockJSMessage(text));
@@ -192,21 +192,21 @@ TEST_F(ModelSocket, ParseReadsTheCurrentStation) {
     EXPECT_FALSE(model->parseSockJSMessage(text));
 }
 
-TEST_F(ModelSocket, ATrackBeforeTheOpenFrameIsShownButNotFresh) {
+TEST_F(ModelSocketTest, ATrackBeforeTheOpenFrameIsShownButNotFresh) {
     start(RadioStation::joe);
     frame(trackFrame(u"joe_fm"_qs, u"Early"_qs));
     EXPECT_EQ(model->currentSong.get(), u"Early"_qs);
     EXPECT_FALSE(Probe::hasFreshLiveTrack(*model));
 }
 
-TEST_F(ModelSocket, TextsFromTheNetworkAreKeptAsTheyAre) {
+TEST_F(ModelSocketTest, TextsFromTheNetworkAreKeptAsTheyAre) {
     startConnected(RadioStation::joe);
     const auto odd = u"a & b _c_ <b>x</b>\nline\u202Eback\u0007"_qs + QString(4096, u'x');
     frame(trackFrame(u"joe_fm"_qs, odd));
     EXPECT_EQ(model->currentSong.get(), odd);
 }
 
-TEST_F(ModelSocket, ReceiveErrorIsLoggedAndReconnectsAfterFiveSeconds) {
+TEST_F(ModelSocketTest, ReceiveErrorIsLoggedAndReconnectsAfterFiveSeconds) {
     startConnected(RadioStation::zofra);
     failSocket(u"Die Verbindung ging verloren."_qs);
     EXPECT_EQ(output.lines,
@@ -222,14 +222,14 @@ TEST_F(ModelSocket, ReceiveErrorIsLoggedAndReconnectsAfterFiveSeconds) {
     EXPECT_EQ(state(), SocketState::connecting);
 }
 
-TEST_F(ModelSocket, LogLineIsGermanWhateverTheLanguage) {
+TEST_F(ModelSocketTest, LogLineIsGermanWhateverTheLanguage) {
     languages.setCurrentLanguage(AppLanguage::fr);
     start(RadioStation::zofra);
     failSocket(u"x"_qs);
     EXPECT_EQ(output.lines, std::vector{u"Zofra WebSocket Verbindung unterbrochen: x"_qs});
 }
 
-TEST_F(ModelSocket, ACloseFrameReconnectsSilently) {
+TEST_F(ModelSocketTest, ACloseFrameReconnectsSilently) {
     startConnected(RadioStation::zofra);
     frame(u"c[3000,\"Go away!\"]"_qs);
     EXPECT_EQ(state(), SocketState::waitingToReconnect);
@@ -238,7 +238,7 @@ TEST_F(ModelSocket, ACloseFrameReconnectsSilently) {
     EXPECT_TRUE(sockets.last().receivers.empty());
 }
 
-TEST_F(ModelSocket, FailedJoinIsLoggedAndTheHttpSourcesFillInAtOnce) {
+TEST_F(ModelSocketTest, FailedJoinIsLoggedAndTheHttpSourcesFillInAtOnce) {
     startConnected(RadioStation::zofra);
     const auto rounds = Probe::counter(*model);
     sockets.last().finishSend(SocketError{u"broken pipe"_qs});
@@ -249,7 +249,7 @@ TEST_F(ModelSocket, FailedJoinIsLoggedAndTheHttpSourcesFillInAtOnce) {
     EXPECT_EQ(sockets.last().cancels.size(), 1U);
 }
 
-TEST_F(ModelSocket, LateResultsOfAReplacedSocketAreDropped) {
+TEST_F(ModelSocketTest, LateResultsOfAReplacedSocketAreDropped) {
     startConnected(RadioStation::zofra);
     const auto old = sockets.sockets.back();
     model->setStation(RadioStation::joe);
@@ -270,7 +270,7 @@ TEST_F(ModelSocket, LateResultsOfAReplacedSocketAreDropped) {
     EXPECT_EQ(state(), SocketState::connecting);
 }
 
-TEST_F(ModelSocket, LateErrorOfAReplacedSocketIsDropped) {
+TEST_F(ModelSocketTest, LateErrorOfAReplacedSocketIsDropped) {
     startConnected(RadioStation::zofra);
     const auto old = sockets.sockets.back();
     model->setStation(RadioStation::joe);
@@ -280,7 +280,7 @@ TEST_F(ModelSocket, LateErrorOfAReplacedSocketIsDropped) {
     EXPECT_EQ(state(), SocketState::connecting);
 }
 
-TEST_F(ModelSocket, AResultThatWaitsWhileTheSocketIsReplacedIsDropped) {
+TEST_F(ModelSocketTest, AResultThatWaitsWhileTheSocketIsReplacedIsDropped) {
     startConnected(RadioStation::zofra);
     sockets.last().deliver(trackFrame(std::nullopt, u"Late"_qs));
     model->setStation(RadioStation::joe);
@@ -290,7 +290,7 @@ TEST_F(ModelSocket, AResultThatWaitsWhileTheSocketIsReplacedIsDropped) {
     EXPECT_EQ(sockets.sockets.front()->receivers.size(), 0U);
 }
 
-TEST_F(ModelSocket, ResultsAfterAReconnectWithNoSocketAreDropped) {
+TEST_F(ModelSocketTest, ResultsAfterAReconnectWithNoSocketAreDropped) {
     startConnected(RadioStation::zofra);
     const auto old = sockets.sockets.back();
     frame(u"h"_qs);
@@ -300,7 +300,7 @@ TEST_F(ModelSocket, ResultsAfterAReconnectWithNoSocketAreDropped) {
     EXPECT_EQ(state(), SocketState::waitingToReconnect);
 }
 
-TEST_F(ModelSocket, SilenceIsNoticedAtExactlyFortyFiveSeconds) {
+TEST_F(ModelSocketTest, SilenceIsNoticedAtExactlyFortyFiveSeconds) {
     start(RadioStation::zofra);
     queue.advance(44999ms);
     EXPECT_EQ(sockets.sockets.size(), 1U);
@@ -310,7 +310,7 @@ TEST_F(ModelSocket, SilenceIsNoticedAtExactlyFortyFiveSeconds) {
     EXPECT_EQ(state(), SocketState::connecting);
 }
 
-TEST_F(ModelSocket, SilenceOfFortyFourPointNineSecondsIsBearable) {
+TEST_F(ModelSocketTest, SilenceOfFortyFourPointNineSecondsIsBearable) {
     start(RadioStation::zofra);
     queue.advance(100ms);
     frame(u"o"_qs);
@@ -323,7 +323,7 @@ TEST_F(ModelSocket, SilenceOfFortyFourPointNineSecondsIsBearable) {
     EXPECT_EQ(state(), SocketState::connecting);
 }
 
-TEST_F(ModelSocket, HeartbeatsKeepTheSocketForEver) {
+TEST_F(ModelSocketTest, HeartbeatsKeepTheSocketForEver) {
     startConnected(RadioStation::zofra);
     for (int i = 0; i < 100; ++i) {
         queue.advance(25s);
@@ -333,7 +333,7 @@ TEST_F(ModelSocket, HeartbeatsKeepTheSocketForEver) {
     EXPECT_EQ(state(), SocketState::connected);
 }
 
-TEST_F(ModelSocket, ALiveTrackIsFreshForNinetySeconds) {
+TEST_F(ModelSocketTest, ALiveTrackIsFreshForNinetySeconds) {
     startConnected(RadioStation::zofra);
     EXPECT_FALSE(Probe::hasFreshLiveTrack(*model)) << "none yet";
     frame(trackFrame(u"zofra_be"_qs, u"Song"_qs));
@@ -350,7 +350,7 @@ TEST_F(ModelSocket, ALiveTrackIsFreshForNinetySeconds) {
     EXPECT_FALSE(Probe::hasFreshLiveTrack(*model)) << "90.0 s";
 }
 
-TEST_F(ModelSocket, ALiveTrackIsNotFreshOnceTheConnectionDrops) {
+TEST_F(ModelSocketTest, ALiveTrackIsNotFreshOnceTheConnectionDrops) {
     startConnected(RadioStation::zofra);
     frame(trackFrame(u"zofra_be"_qs, u"Song"_qs));
     failSocket(u"x"_qs);
@@ -361,7 +361,7 @@ TEST_F(ModelSocket, ALiveTrackIsNotFreshOnceTheConnectionDrops) {
     EXPECT_TRUE(Probe::hasFreshLiveTrack(*model)) << "connected again, and the track is still young";
 }
 
-TEST_F(ModelSocket, AClockThatGoesBackKeepsTheSocket) {
+TEST_F(ModelSocketTest, AClockThatGoesBackKeepsTheSocket) {
     auto now = TimePoint(1'700'000'000s);
     model = std::make_unique<RadioViewModel>(
         RadioStation::zofra, http, [&now] { return now; }, sockets.maker(),
@@ -374,7 +374,7 @@ TEST_F(ModelSocket, AClockThatGoesBackKeepsTheSocket) {
     EXPECT_EQ(sockets.sockets.size(), 1U);
 }
 
-TEST_F(ModelSocket, WithoutASocketTheNextAttemptComesAfterTheSilenceLimit) {
+TEST_F(ModelSocketTest, WithoutASocketTheNextAttemptComesAfterTheSilenceLimit) {
     int asked = 0;
     model = std::make_unique<RadioViewModel>(
         RadioStation::zofra, http, queue.clock(),

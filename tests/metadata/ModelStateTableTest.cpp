@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Every state of the socket with every event that can happen in it.
-#include "tests/metadata/ModelHarness.h"
+#include "tests/metadata/ModelTest.h"
 
 #include <array>
 #include <tuple>
@@ -48,7 +48,7 @@ void PrintTo(const Transition& transition, std::ostream* out) {
     PrintTo(transition.event, out);
 }
 
-class StateTable : public ModelHarness, public testing::WithParamInterface<Transition> {
+class ModelStateTableTest : public ModelTest, public testing::WithParamInterface<Transition> {
 protected:
     void bringTo(SocketState wanted) {
         make(RadioStation::zofra);
@@ -96,7 +96,7 @@ protected:
     }
 };
 
-TEST_P(StateTable, LeadsTo) {
+TEST_P(ModelStateTableTest, LeadsTo) {
     const auto& transition = GetParam();
     bringTo(transition.from);
     const auto before = sockets.sockets.size();
@@ -111,12 +111,12 @@ TEST_P(StateTable, LeadsTo) {
 }
 
 using enum SocketState;
-INSTANTIATE_TEST_SUITE_P(Idle, StateTable,
+INSTANTIATE_TEST_SUITE_P(Idle, ModelStateTableTest,
                          testing::Values(Transition{idle, Event::startWebSocket, connecting, 1},
                                          Transition{idle, Event::tick, connecting, 1},
                                          Transition{idle, Event::otherLiveStation, connecting, 1},
                                          Transition{idle, Event::stationWithoutFeed, idle}));
-INSTANTIATE_TEST_SUITE_P(Connecting, StateTable,
+INSTANTIATE_TEST_SUITE_P(Connecting, ModelStateTableTest,
                          testing::Values(Transition{connecting, Event::startWebSocket, connecting},
                                          Transition{connecting, Event::openFrame, connected},
                                          Transition{connecting, Event::heartbeat, connecting},
@@ -128,7 +128,7 @@ INSTANTIATE_TEST_SUITE_P(Connecting, StateTable,
                                          Transition{connecting, Event::tickAfterSilence, connecting, 1, 1},
                                          Transition{connecting, Event::otherLiveStation, connecting, 1, 1},
                                          Transition{connecting, Event::stationWithoutFeed, idle, 0, 1}));
-INSTANTIATE_TEST_SUITE_P(Connected, StateTable,
+INSTANTIATE_TEST_SUITE_P(Connected, ModelStateTableTest,
                          testing::Values(Transition{connected, Event::startWebSocket, connected},
                                          Transition{connected, Event::openFrame, connected},
                                          Transition{connected, Event::heartbeat, connected},
@@ -141,16 +141,16 @@ INSTANTIATE_TEST_SUITE_P(Connected, StateTable,
                                          Transition{connected, Event::tickAfterSilence, connecting, 1, 1},
                                          Transition{connected, Event::otherLiveStation, connecting, 1, 1},
                                          Transition{connected, Event::stationWithoutFeed, idle, 0, 1}));
-INSTANTIATE_TEST_SUITE_P(WaitingToReconnect, StateTable,
+INSTANTIATE_TEST_SUITE_P(WaitingToReconnect, ModelStateTableTest,
                          testing::Values(Transition{waitingToReconnect, Event::fiveSeconds, connecting, 1},
                                          Transition{waitingToReconnect, Event::startWebSocket, connecting, 1},
                                          Transition{waitingToReconnect, Event::otherLiveStation, connecting,
                                                     1},
                                          Transition{waitingToReconnect, Event::stationWithoutFeed, idle}));
 
-class Reconnect : public ModelHarness {};
+class ModelReconnectTest : public ModelTest {};
 
-TEST_F(Reconnect, ATickDoesNotOvertakeThePendingTimer) {
+TEST_F(ModelReconnectTest, ATickDoesNotOvertakeThePendingTimer) {
     start(RadioStation::zofra);
     queue.advance(14s);
     failSocket(u"x"_qs);
@@ -162,7 +162,7 @@ TEST_F(Reconnect, ATickDoesNotOvertakeThePendingTimer) {
     EXPECT_EQ(state(), SocketState::connecting);
 }
 
-TEST_F(Reconnect, IsTakenBackByAChangeToAStationWithoutAFeed) {
+TEST_F(ModelReconnectTest, IsTakenBackByAChangeToAStationWithoutAFeed) {
     start(RadioStation::zofra);
     failSocket(u"x"_qs);
     model->setStation(RadioStation::belRTL);
@@ -170,7 +170,7 @@ TEST_F(Reconnect, IsTakenBackByAChangeToAStationWithoutAFeed) {
     EXPECT_EQ(sockets.sockets.size(), 1U);
 }
 
-TEST_F(Reconnect, AnEarlierConnectTakesTheTimerBack) {
+TEST_F(ModelReconnectTest, AnEarlierConnectTakesTheTimerBack) {
     start(RadioStation::zofra);
     failSocket(u"x"_qs);
     model->startWebSocket();
@@ -179,7 +179,7 @@ TEST_F(Reconnect, AnEarlierConnectTakesTheTimerBack) {
     EXPECT_EQ(sockets.sockets.size(), 2U);
 }
 
-TEST_F(Reconnect, GoesOnWithoutLimitAndWithoutBackOff) {
+TEST_F(ModelReconnectTest, GoesOnWithoutLimitAndWithoutBackOff) {
     start(RadioStation::zofra);
     for (std::size_t attempt = 1; attempt <= 50; ++attempt) {
         ASSERT_EQ(sockets.sockets.size(), attempt);
@@ -189,7 +189,7 @@ TEST_F(Reconnect, GoesOnWithoutLimitAndWithoutBackOff) {
     EXPECT_EQ(output.lines.size(), 50U);
 }
 
-TEST_F(Reconnect, OneSocketOneTimerAtMostThroughAWildRide) {
+TEST_F(ModelReconnectTest, OneSocketOneTimerAtMostThroughAWildRide) {
     start(RadioStation::zofra);
     for (int i = 0; i < 40; ++i) {
         frame(u"o"_qs);

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the model holds at first, and what a change of the station does.
-#include "tests/metadata/ModelHarness.h"
+#include "tests/metadata/ModelTest.h"
 
 namespace zofra::test {
 namespace {
 
-class ModelStation : public ModelHarness {};
+class ModelStationTest : public ModelTest {};
 
-TEST_F(ModelStation, StartsWithTheLoadingTextAndNothingElse) {
+TEST_F(ModelStationTest, StartsWithTheLoadingTextAndNothingElse) {
     make(RadioStation::qmusic);
     EXPECT_EQ(model->currentStation.get(), RadioStation::qmusic);
     EXPECT_EQ(model->currentSong.get(), u"Loading..."_qs);
@@ -24,7 +24,7 @@ TEST_F(ModelStation, StartsWithTheLoadingTextAndNothingElse) {
     EXPECT_TRUE(sockets.sockets.empty());
 }
 
-TEST_F(ModelStation, LoadingTextIsInTheLanguageOfTheMoment) {
+TEST_F(ModelStationTest, LoadingTextIsInTheLanguageOfTheMoment) {
     const std::vector<std::pair<AppLanguage, QString>> texts{{AppLanguage::en, u"Loading..."_qs},
                                                              {AppLanguage::nl, u"Laden..."_qs},
                                                              {AppLanguage::fr, u"Chargement..."_qs},
@@ -38,7 +38,7 @@ TEST_F(ModelStation, LoadingTextIsInTheLanguageOfTheMoment) {
     }
 }
 
-TEST_F(ModelStation, SettingTheSameOneDoesNothing) {
+TEST_F(ModelStationTest, SettingTheSameOneDoesNothing) {
     startConnected(RadioStation::zofra);
     const auto requests = http.requests.size();
     const auto timers = queue.startedTimers().size();
@@ -52,7 +52,7 @@ TEST_F(ModelStation, SettingTheSameOneDoesNothing) {
     EXPECT_EQ(sockets.last().sent.size(), 1U);
 }
 
-TEST_F(ModelStation, SettingAnotherClosesTheSocketAndShowsTheLoadingText) {
+TEST_F(ModelStationTest, SettingAnotherClosesTheSocketAndShowsTheLoadingText) {
     startConnected(RadioStation::zofra);
     frame(trackFrame(u"zofra_be"_qs, u"Song"_qs, u"Band"_qs, u"Later"_qs));
     ASSERT_EQ(model->nextSong.get(), u"Later"_qs);
@@ -79,7 +79,7 @@ TEST_F(ModelStation, SettingAnotherClosesTheSocketAndShowsTheLoadingText) {
     EXPECT_EQ(QUrlQuery(http.requests.back().url).queryItemValue(u"rpIds"_qs), u"6"_qs);
 }
 
-TEST_F(ModelStation, SettingAnotherLiveOneConnectsAtOnce) {
+TEST_F(ModelStationTest, SettingAnotherLiveOneConnectsAtOnce) {
     startConnected(RadioStation::zofra);
     model->setStation(RadioStation::joe);
     EXPECT_EQ(state(), SocketState::connecting);
@@ -90,7 +90,7 @@ TEST_F(ModelStation, SettingAnotherLiveOneConnectsAtOnce) {
     EXPECT_TRUE(sockets.last().sentText(0).contains(u"joe_fm"_qs));
 }
 
-TEST_F(ModelStation, SettingAnotherTellsObserversBeforeTheFieldsChange) {
+TEST_F(ModelStationTest, SettingAnotherTellsObserversBeforeTheFieldsChange) {
     start(RadioStation::zofra);
     std::vector<RadioStation> seen;
     const auto token = model->observe([&] { seen.push_back(model->currentStation); });
@@ -99,7 +99,7 @@ TEST_F(ModelStation, SettingAnotherTellsObserversBeforeTheFieldsChange) {
     EXPECT_EQ(seen.front(), RadioStation::zofra);
 }
 
-TEST_F(ModelStation, SettingAnotherStartsTheFifteenSecondsAnew) {
+TEST_F(ModelStationTest, SettingAnotherStartsTheFifteenSecondsAnew) {
     start(RadioStation::belRTL);
     queue.advance(10s);
     model->setStation(RadioStation::radioContact);
@@ -110,7 +110,7 @@ TEST_F(ModelStation, SettingAnotherStartsTheFifteenSecondsAnew) {
     EXPECT_EQ(http.requests.size(), 3U);
 }
 
-TEST_F(ModelStation, WorksWithoutAListener) {
+TEST_F(ModelStationTest, WorksWithoutAListener) {
     make(RadioStation::zofra);
     model->onUpdate = nullptr;
     model->setStation(RadioStation::belRTL);
@@ -118,7 +118,7 @@ TEST_F(ModelStation, WorksWithoutAListener) {
     EXPECT_EQ(model->currentSong.get(), u"Song"_qs);
 }
 
-TEST_F(ModelStation, AListenerMaySetAStationWhileBeingTold) {
+TEST_F(ModelStationTest, AListenerMaySetAStationWhileBeingTold) {
     start(RadioStation::zofra);
     model->onUpdate = [this](const QString& current, const std::optional<QString>& next) {
         updates.push_back({current, next});
@@ -132,7 +132,7 @@ TEST_F(ModelStation, AListenerMaySetAStationWhileBeingTold) {
     EXPECT_EQ(updates.size(), 2U);
 }
 
-TEST_F(ModelStation, AnswerOfTheOldStationIsDropped) {
+TEST_F(ModelStationTest, AnswerOfTheOldStationIsDropped) {
     start(RadioStation::radioContact);
     const auto old = takeRequest();
     model->setStation(RadioStation::belRTL);
@@ -142,7 +142,7 @@ TEST_F(ModelStation, AnswerOfTheOldStationIsDropped) {
     EXPECT_TRUE(updates.empty());
 }
 
-TEST_F(ModelStation, AnswerOfTheOldStationIsStaleEvenAfterComingBackToIt) {
+TEST_F(ModelStationTest, AnswerOfTheOldStationIsStaleEvenAfterComingBackToIt) {
     start(RadioStation::radioContact);
     const auto old = takeRequest();
     model->setStation(RadioStation::belRTL);

@@ -29,7 +29,7 @@ QString best(const std::vector<OnAirItem>& items, double now) {
     return chosen ? chosen->title : u"(none)"_qs;
 }
 
-TEST(OnAirItem, ReadsAndTrimsEveryKey) {
+TEST(OnAirItemTest, ReadsAndTrimsEveryKey) {
     const auto read = itemFrom(R"({"song":true,"artistName":" A\n","name":"\tT ","description":" D ",
                                    "startTime":"100","stopTime":200.5,"type":"PE_E"})");
     EXPECT_TRUE(read.isSong);
@@ -40,7 +40,7 @@ TEST(OnAirItem, ReadsAndTrimsEveryKey) {
     EXPECT_EQ(read.stopTime, 200.5);
 }
 
-TEST(OnAirItem, LeavesDefaultsForMissingKeysAndOtherTypes) {
+TEST(OnAirItemTest, LeavesDefaultsForMissingKeysAndOtherTypes) {
     EXPECT_EQ(itemFrom("{}"), OnAirItem{});
     EXPECT_EQ(
         itemFrom(R"({"song":1,"artistName":2,"name":[],"description":{},"startTime":true,"stopTime":null})"),
@@ -50,7 +50,7 @@ TEST(OnAirItem, LeavesDefaultsForMissingKeysAndOtherTypes) {
     EXPECT_EQ(itemFrom(R"({"song":null})"), OnAirItem{});
 }
 
-TEST(OnAirItem, FormatsArtistAndTitleOrTheTitleAlone) {
+TEST(OnAirItemTest, FormatsArtistAndTitleOrTheTitleAlone) {
     OnAirItem made;
     EXPECT_EQ(made.formatted(), std::nullopt);
     made.artist = u"A"_qs;
@@ -62,19 +62,19 @@ TEST(OnAirItem, FormatsArtistAndTitleOrTheTitleAlone) {
     EXPECT_EQ(made.formatted(), u"T"_qs);
 }
 
-class Timestamp : public testing::TestWithParam<std::tuple<QString, std::optional<double>>> {};
-TEST_P(Timestamp, OfAText) {
+class TimestampTest : public testing::TestWithParam<std::tuple<QString, std::optional<double>>> {};
+TEST_P(TimestampTest, OfAText) {
     EXPECT_EQ(timestamp(QJsonValue(std::get<0>(GetParam()))), std::get<1>(GetParam()));
 }
 using Stamp = std::tuple<QString, std::optional<double>>;
-INSTANTIATE_TEST_SUITE_P(Decimal, Timestamp,
+INSTANTIATE_TEST_SUITE_P(Decimal, TimestampTest,
                          testing::Values(Stamp(u"1763670605"_qs, 1763670605.0), Stamp(u" 1.5 \n"_qs, 1.5),
                                          Stamp(u"-3"_qs, -3.0), Stamp(u"+3"_qs, 3.0), Stamp(u".5"_qs, 0.5),
                                          Stamp(u"5."_qs, 5.0), Stamp(u"1e3"_qs, 1000.0),
                                          Stamp(u"1E+3"_qs, 1000.0), Stamp(u"12e-1"_qs, 1.2),
                                          Stamp(u"007"_qs, 7.0), Stamp(u"0"_qs, 0.0)));
 INSTANTIATE_TEST_SUITE_P(
-    Other, Timestamp,
+    Other, TimestampTest,
     testing::Values(Stamp(QString(), {}), Stamp(u"  "_qs, {}), Stamp(u"12x"_qs, {}), Stamp(u"1 2"_qs, {}),
                     Stamp(u"x12"_qs, {}), Stamp(u"1,5"_qs, {}), Stamp(u"1,000"_qs, {}), Stamp(u"."_qs, {}),
                     Stamp(u"+"_qs, {}), Stamp(u"e5"_qs, {}), Stamp(u"1e"_qs, {}), Stamp(u"1e+"_qs, {}),
@@ -84,7 +84,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Stamp(u"1e-400"_qs, {}), Stamp(u"١٢"_qs, {}), Stamp(u"2025-11-20T21:30:05Z"_qs, {}),
                     Stamp(u"1"_qs + QChar(0) + u"2"_qs, {})));
 
-TEST(Timestamp, OfOtherValues) {
+TEST(TimestampTest, OfOtherValues) {
     EXPECT_EQ(timestamp(QJsonValue(1763670605)), 1763670605.0);
     EXPECT_EQ(timestamp(QJsonValue(-0.25)), -0.25);
     EXPECT_EQ(timestamp(QJsonValue(true)), std::nullopt);
@@ -93,14 +93,14 @@ TEST(Timestamp, OfOtherValues) {
     EXPECT_EQ(timestamp(QJsonObject()), std::nullopt);
 }
 
-TEST(SelectBest, IsTheFirstOnAirInTheListsOrder) {
+TEST(SelectBestTest, IsTheFirstOnAirInTheListsOrder) {
     const std::vector<OnAirItem> items{item(u"A"_qs, 100, 200), item(u"B"_qs, 150)};
     EXPECT_EQ(best(items, 160), u"A"_qs);
     EXPECT_EQ(best(items, 201), u"B"_qs);
     EXPECT_EQ(best({item(u"B"_qs, 150), item(u"A"_qs, 100, 200)}, 160), u"B"_qs);
 }
 
-TEST(SelectBest, CountsBothEndsAsOnAir) {
+TEST(SelectBestTest, CountsBothEndsAsOnAir) {
     const std::vector<OnAirItem> items{item(u"A"_qs, 100, 200), item(u"B"_qs, 300, 400)};
     EXPECT_EQ(best(items, 100), u"A"_qs);
     EXPECT_EQ(best(items, 200), u"A"_qs);
@@ -108,7 +108,7 @@ TEST(SelectBest, CountsBothEndsAsOnAir) {
     EXPECT_EQ(best(items, 200.1), u"B"_qs);
 }
 
-TEST(SelectBest, FallsBackToTheGreatestStart) {
+TEST(SelectBestTest, FallsBackToTheGreatestStart) {
     EXPECT_EQ(best({item(u"A"_qs, 100, 200)}, 250), u"A"_qs);
     EXPECT_EQ(best({item(u"A"_qs, 100, 200)}, 50), u"A"_qs);
     EXPECT_EQ(
@@ -119,18 +119,18 @@ TEST(SelectBest, FallsBackToTheGreatestStart) {
         << "the first of equal ones";
 }
 
-TEST(SelectBest, TakesAnInvertedOrEmptyWindowAsOpenEnded) {
+TEST(SelectBestTest, TakesAnInvertedOrEmptyWindowAsOpenEnded) {
     EXPECT_EQ(best({item(u"A"_qs, 100, 90), item(u"B"_qs, 500, 600)}, 550), u"A"_qs);
     EXPECT_EQ(best({item(u"A"_qs, 100, 100), item(u"B"_qs, 500, 600)}, 550), u"A"_qs);
     EXPECT_EQ(best({item(u"A"_qs, 100, 90), item(u"B"_qs, 40, 45)}, 99), u"A"_qs) << "only by its start";
 }
 
-TEST(SelectBest, WithoutAnyStartIsTheFirst) {
+TEST(SelectBestTest, WithoutAnyStartIsTheFirst) {
     EXPECT_EQ(best({item(u"A"_qs, {}, 100), item(u"B"_qs, {})}, 50), u"A"_qs);
     EXPECT_EQ(selectBest({}, 50), std::nullopt);
 }
 
-TEST(OnAirText, PrefersSongs) {
+TEST(OnAirTextTest, PrefersSongs) {
     auto programme = item(u"Show"_qs, 100, 200);
     programme.isSong = false;
     EXPECT_EQ(onAirText({programme, item(u"Song"_qs, 100, 200)}, 150), u"Song"_qs);
@@ -140,7 +140,7 @@ TEST(OnAirText, PrefersSongs) {
     EXPECT_EQ(onAirText({programme, item(QString(), 100, 200)}, 150), u"Show"_qs) << "a song without a text";
 }
 
-TEST(OnAirText, LeavesItemsWithoutATextOut) {
+TEST(OnAirTextTest, LeavesItemsWithoutATextOut) {
     auto artistOnly = item(QString(), 100, 200);
     artistOnly.artist = u"Band"_qs;
     EXPECT_EQ(onAirText({artistOnly}, 150), std::nullopt);
@@ -148,7 +148,7 @@ TEST(OnAirText, LeavesItemsWithoutATextOut) {
     EXPECT_EQ(onAirText({}, 150), std::nullopt);
 }
 
-TEST(OnAirItems, AreTheStationsOwnInOrder) {
+TEST(OnAirItemsTest, AreTheStationsOwnInOrder) {
     const auto items =
         onAirItems(R"({"results":{"6":[{"name":"A"},{"name":"B"}],"7":[{"name":"C"}]}})", u"6"_qs);
     ASSERT_TRUE(items);
@@ -158,7 +158,7 @@ TEST(OnAirItems, AreTheStationsOwnInOrder) {
     EXPECT_EQ(onAirItems(R"({"results":{"6":[]}})", u"6"_qs), std::vector<OnAirItem>());
 }
 
-TEST(OnAirItems, MayBeAsManyAsTheLongestBodyHolds) {
+TEST(OnAirItemsTest, MayBeAsManyAsTheLongestBodyHolds) {
     QByteArray body = R"({"results":{"6":[)";
     int count = 0;
     for (; body.size() < 1024 * 1024 - 200; ++count)
@@ -170,25 +170,25 @@ TEST(OnAirItems, MayBeAsManyAsTheLongestBodyHolds) {
     EXPECT_EQ(static_cast<int>(items->size()), count);
 }
 
-TEST(OnAirItems, AreNoneInADocumentOfEndlesslyManyValues) {
+TEST(OnAirItemsTest, AreNoneInADocumentOfEndlesslyManyValues) {
     const QByteArray body =
         R"({"results":{"6":[{"name":"A"}]},"x":[0)" + QByteArray(",0").repeated(100'000) + "]}";
     EXPECT_EQ(onAirItems(body, u"6"_qs), std::nullopt);
 }
 
-TEST(OnAirItems, MayComeAsAJsonpCall) {
+TEST(OnAirItemsTest, MayComeAsAJsonpCall) {
     const auto items =
         onAirItems(" cb({\"results\":{\"6\":[{\"name\":\"D\xC3\xA9j\xC3\xA0\"}]}}) ; ", u"6"_qs);
     ASSERT_TRUE(items && items->size() == 1);
     EXPECT_EQ(items->front().title, u"Déjà"_qs);
 }
 
-class BadOnAirAnswer : public testing::TestWithParam<QByteArray> {};
-TEST_P(BadOnAirAnswer, GivesNothing) {
+class BadOnAirAnswerTest : public testing::TestWithParam<QByteArray> {};
+TEST_P(BadOnAirAnswerTest, GivesNothing) {
     EXPECT_EQ(onAirItems(GetParam(), u"6"_qs), std::nullopt);
 }
 INSTANTIATE_TEST_SUITE_P(
-    Bodies, BadOnAirAnswer,
+    Bodies, BadOnAirAnswerTest,
     testing::Values(QByteArray(), QByteArray("[]"), QByteArray("{}"), QByteArray("cb()"),
                     QByteArray("<html>"), QByteArray(R"({"results":null})"), QByteArray(R"({"results":[]})"),
                     QByteArray(R"({"results":{}})"), QByteArray(R"({"results":{"60":[]}})"),

@@ -14,7 +14,7 @@ QString textOf(const QByteArray& body) {
 }
 const QString noText = u"(no text)"_qs;
 
-TEST(ScraperPath, ExistsForTheFourLiveStations) {
+TEST(ScraperPathTest, ExistsForTheFourLiveStations) {
     EXPECT_EQ(scraperPath(RadioStation::zofra), u"/be.zofra"_qs);
     EXPECT_EQ(scraperPath(RadioStation::qmusic), u"/be.qmusic"_qs);
     EXPECT_EQ(scraperPath(RadioStation::joe), u"/be.joe"_qs);
@@ -23,13 +23,13 @@ TEST(ScraperPath, ExistsForTheFourLiveStations) {
         EXPECT_EQ(scraperPath(RadioStation::allCases[i]), std::nullopt);
 }
 
-TEST(ScraperPage, TakesTheTitleFirst) {
+TEST(ScraperPageTest, TakesTheTitleFirst) {
     EXPECT_EQ(textOf(R"({"artist":"A","track":"T","title":"X - Y"})"), u"X - Y"_qs);
     EXPECT_EQ(textOf("{\"title\" \n:\t \"X\"}"), u"X"_qs);
     EXPECT_EQ(textOf(R"("title":"first" "title":"second")"), u"first"_qs);
 }
 
-TEST(ScraperPage, JoinsArtistAndTrackWhenBothAreThere) {
+TEST(ScraperPageTest, JoinsArtistAndTrackWhenBothAreThere) {
     EXPECT_EQ(textOf(R"({"track":"T","artist":"A"})"), u"A – T"_qs);
     EXPECT_EQ(textOf(R"({"title":"","track":"T","artist":"A"})"), u"A – T"_qs);
     EXPECT_EQ(textOf(R"({"artist":"A"})"), noText);
@@ -37,7 +37,7 @@ TEST(ScraperPage, JoinsArtistAndTrackWhenBothAreThere) {
     EXPECT_EQ(textOf(R"({"artist":"A","track":""})"), noText);
 }
 
-TEST(ScraperPage, KeepsTheTextExactlyAsFound) {
+TEST(ScraperPageTest, KeepsTheTextExactlyAsFound) {
     EXPECT_EQ(textOf(R"({"title":"Beyonc\u00e9 \/ A&amp;B "})"), uR"(Beyonc\u00e9 \/ A&amp;B )"_qs);
     EXPECT_EQ(textOf(R"({"title":" "})"), u" "_qs);
     EXPECT_EQ(textOf(R"({"title":"say \"hi\""})"), uR"(say \)"_qs)
@@ -45,28 +45,28 @@ TEST(ScraperPage, KeepsTheTextExactlyAsFound) {
     EXPECT_EQ(textOf("{\"title\":\"D\xC3\xA9j\xC3\xA0 \xF0\x9F\x98\x80\"}"), u"Déjà 😀"_qs);
 }
 
-TEST(ScraperPage, TextsGoOverLines) {
+TEST(ScraperPageTest, TextsGoOverLines) {
     EXPECT_EQ(textOf("{\"title\":\"a\nb\r\n\r\nc\"}"), u"a\nb\r\n\r\nc"_qs);
     EXPECT_EQ(textOf("<p>\n\"title\"\n:\n\"a\"\n</p>"), u"a"_qs);
 }
 
-TEST(ScraperPage, FindsNothingInOtherText) {
+TEST(ScraperPageTest, FindsNothingInOtherText) {
     for (const auto* body :
          {"", "<html><title>404</title></html>", "{\"title\":null}", "{\"title\":5}", "{\"Title\":\"X\"}",
           "{'title':'X'}", "\"title\"\"X\"", "\"title\":\"never ends", "title:\"X\"", "\"title\":\"\""})
         EXPECT_EQ(textOf(body), noText) << body;
 }
 
-TEST(ScraperPage, AnEmptyTitleIsPassedOver) {
+TEST(ScraperPageTest, AnEmptyTitleIsPassedOver) {
     EXPECT_EQ(textOf(R"({"title":"","x":{"title":"later"}})"), u"later"_qs)
         << "the first match, not the first key";
 }
 
-TEST(ScraperPage, IsNoneWhenTheBodyIsNoUtf8) {
+TEST(ScraperPageTest, IsNoneWhenTheBodyIsNoUtf8) {
     EXPECT_FALSE(ScraperPage::fromBody("{\"title\":\"caf\xE9\"}"));
 }
 
-TEST(ScraperPage, CopesWithAMillionBytesOfAnything) {
+TEST(ScraperPageTest, CopesWithAMillionBytesOfAnything) {
     constexpr qsizetype size = 1024 * 1024;
     const auto padded = [](const QByteArray& head, const QByteArray& filler) {
         return head + filler.repeated((size - head.size()) / filler.size());

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/playback/RadioPlayerFixture.h"
+#include "tests/playback/RadioPlayerTest.h"
 
 namespace zofra::test {
 namespace {
 
 using ::testing::ElementsAre;
 
-class RadioPlayerControls : public RadioPlayerFixture {};
+class RadioPlayerControlsTest : public RadioPlayerTest {};
 
-TEST_F(RadioPlayerControls, toggleStartsAndStops) {
+TEST_F(RadioPlayerControlsTest, toggleStartsAndStops) {
     auto& player = start();
     EXPECT_EQ(commands.togglePlayPause(), RemoteCommandStatus::success);
     EXPECT_TRUE(player.isPlaying);
@@ -18,7 +18,7 @@ TEST_F(RadioPlayerControls, toggleStartsAndStops) {
     EXPECT_EQ(players.calls.back(), QStringLiteral("1 pause"));
 }
 
-TEST_F(RadioPlayerControls, playPlaysAlsoWhilePlaying) {
+TEST_F(RadioPlayerControlsTest, playPlaysAlsoWhilePlaying) {
     auto& player = startPlaying();
     EXPECT_EQ(commands.play(), RemoteCommandStatus::success);
     EXPECT_TRUE(player.isPlaying);
@@ -26,7 +26,7 @@ TEST_F(RadioPlayerControls, playPlaysAlsoWhilePlaying) {
     EXPECT_EQ(players.made, 1);
 }
 
-TEST_F(RadioPlayerControls, pauseRunsTheStopSequence) {
+TEST_F(RadioPlayerControlsTest, pauseRunsTheStopSequence) {
     auto& player = start();
     player.play();
     queue.drain();
@@ -37,13 +37,13 @@ TEST_F(RadioPlayerControls, pauseRunsTheStopSequence) {
     EXPECT_THAT(states, ElementsAre(true, false));
 }
 
-TEST_F(RadioPlayerControls, pauseWhileStoppedTellsAgain) {
+TEST_F(RadioPlayerControlsTest, pauseWhileStoppedTellsAgain) {
     start();
     EXPECT_EQ(commands.pause(), RemoteCommandStatus::success);
     EXPECT_THAT(states, ElementsAre(false));
 }
 
-TEST_F(RadioPlayerControls, answerSuccessWhenThePlayerIsGone) {
+TEST_F(RadioPlayerControlsTest, answerSuccessWhenThePlayerIsGone) {
     startPlaying();
     radio.reset();
     players.calls.clear();
@@ -53,15 +53,15 @@ TEST_F(RadioPlayerControls, answerSuccessWhenThePlayerIsGone) {
     EXPECT_TRUE(players.calls.isEmpty());
 }
 
-class RadioPlayerNowPlaying : public RadioPlayerFixture {};
+class RadioPlayerNowPlayingTest : public RadioPlayerTest {};
 
-TEST_F(RadioPlayerNowPlaying, showsTitleArtistAndTheLiveFlag) {
+TEST_F(RadioPlayerNowPlayingTest, showsTitleArtistAndTheLiveFlag) {
     start().updateNowPlayingInfo(QStringLiteral("Song"), QStringLiteral("Band"));
     EXPECT_THAT(nowPlaying.shown,
                 ElementsAre(NowPlayingInfo{QStringLiteral("Song"), QStringLiteral("Band"), true}));
 }
 
-TEST_F(RadioPlayerNowPlaying, leavesOutAMissingOrEmptyArtist) {
+TEST_F(RadioPlayerNowPlayingTest, leavesOutAMissingOrEmptyArtist) {
     auto& player = start();
     player.updateNowPlayingInfo(QStringLiteral("Song"), std::nullopt);
     player.updateNowPlayingInfo(QStringLiteral("Song"), QString());
@@ -70,7 +70,7 @@ TEST_F(RadioPlayerNowPlaying, leavesOutAMissingOrEmptyArtist) {
     EXPECT_THAT(nowPlaying.shown, ElementsAre(withoutArtist, withoutArtist, withoutArtist));
 }
 
-TEST_F(RadioPlayerNowPlaying, keepsABlankArtistAndAnEmptyTitle) {
+TEST_F(RadioPlayerNowPlayingTest, keepsABlankArtistAndAnEmptyTitle) {
     start().updateNowPlayingInfo(QString(), QStringLiteral(" "));
     EXPECT_THAT(nowPlaying.shown, ElementsAre(NowPlayingInfo{QString(), QStringLiteral(" "), true}));
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/playback/RadioPlayerFixture.h"
+#include "tests/playback/RadioPlayerTest.h"
 
 namespace zofra::test {
 namespace {
@@ -7,9 +7,9 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class RadioPlayerPlay : public RadioPlayerFixture {};
+class RadioPlayerPlayTest : public RadioPlayerTest {};
 
-TEST_F(RadioPlayerPlay, opensTheAacStreamOfTheCurrentStation) {
+TEST_F(RadioPlayerPlayTest, opensTheAacStreamOfTheCurrentStation) {
     auto& player = start();
     player.play();
     EXPECT_THAT(players.urls(), ElementsAre(aac(RadioStation::zofra)));
@@ -19,7 +19,7 @@ TEST_F(RadioPlayerPlay, opensTheAacStreamOfTheCurrentStation) {
     EXPECT_THAT(states, ElementsAre(true));
 }
 
-TEST_F(RadioPlayerPlay, setsTheVolumeBeforeItObservesAndPlays) {
+TEST_F(RadioPlayerPlayTest, setsTheVolumeBeforeItObservesAndPlays) {
     defaults.setFloat(QStringLiteral("zofra_radio_volume"), 0.5F);
     start().play();
     EXPECT_THAT(players.calls, ElementsAre(QStringLiteral("1 made for /zofra.aac"),
@@ -27,7 +27,7 @@ TEST_F(RadioPlayerPlay, setsTheVolumeBeforeItObservesAndPlays) {
                                            QStringLiteral("1 volume 0.5"), QStringLiteral("1 play")));
 }
 
-TEST_F(RadioPlayerPlay, saysThatItPlaysOnlyAfterTheStreamWasToldTo) {
+TEST_F(RadioPlayerPlayTest, saysThatItPlaysOnlyAfterTheStreamWasToldTo) {
     auto& player = start();
     bool told = false;
     player.onPlaybackStateChanged = [&](bool playing) {
@@ -40,7 +40,7 @@ TEST_F(RadioPlayerPlay, saysThatItPlaysOnlyAfterTheStreamWasToldTo) {
     EXPECT_TRUE(told);
 }
 
-TEST_F(RadioPlayerPlay, worksWithoutCallbacks) {
+TEST_F(RadioPlayerPlayTest, worksWithoutCallbacks) {
     RadioPlayer player({players, defaults, queue, nowPlaying, commands, wake, output, hosts});
     player.play();
     players.current()->setStatus(TimeControlStatus::playing);
@@ -51,7 +51,7 @@ TEST_F(RadioPlayerPlay, worksWithoutCallbacks) {
     EXPECT_FALSE(player.isPlaying);
 }
 
-TEST_F(RadioPlayerPlay, buffersUntilSoundFlows) {
+TEST_F(RadioPlayerPlayTest, buffersUntilSoundFlows) {
     auto& player = start();
     player.play();
     EXPECT_FALSE(player.isBuffering) << "a status change acts only on the main queue";
@@ -65,7 +65,7 @@ TEST_F(RadioPlayerPlay, buffersUntilSoundFlows) {
     EXPECT_THAT(states, ElementsAre(true, true));
 }
 
-TEST_F(RadioPlayerPlay, resumesAHeldPlayerAsItIs) {
+TEST_F(RadioPlayerPlayTest, resumesAHeldPlayerAsItIs) {
     auto& player = startPlaying();
     player.stop();
     player.play();
@@ -74,15 +74,15 @@ TEST_F(RadioPlayerPlay, resumesAHeldPlayerAsItIs) {
     EXPECT_EQ(players.made, 1);
 }
 
-TEST_F(RadioPlayerPlay, asksTheStreamAgainWhileItPlays) {
+TEST_F(RadioPlayerPlayTest, asksTheStreamAgainWhileItPlays) {
     startPlaying().play();
     EXPECT_THAT(players.calls, ElementsAre(QStringLiteral("1 volume 0.8"), QStringLiteral("1 play")));
     EXPECT_THAT(states, ElementsAre(true));
 }
 
-class RadioPlayerStatus : public RadioPlayerFixture {};
+class RadioPlayerStatusTest : public RadioPlayerTest {};
 
-TEST_F(RadioPlayerStatus, pausedWhilePlayingCountsAsBuffering) {
+TEST_F(RadioPlayerStatusTest, pausedWhilePlayingCountsAsBuffering) {
     auto& player = startPlaying();
     players.current()->setStatus(TimeControlStatus::paused);
     queue.drain();
@@ -91,7 +91,7 @@ TEST_F(RadioPlayerStatus, pausedWhilePlayingCountsAsBuffering) {
     EXPECT_THAT(states, IsEmpty());
 }
 
-TEST_F(RadioPlayerStatus, pausedWhileStoppedChangesNothing) {
+TEST_F(RadioPlayerStatusTest, pausedWhileStoppedChangesNothing) {
     auto& player = startPlaying();
     player.stop();
     players.current()->announceStatus();
@@ -101,7 +101,7 @@ TEST_F(RadioPlayerStatus, pausedWhileStoppedChangesNothing) {
     EXPECT_THAT(states, ElementsAre(false));
 }
 
-TEST_F(RadioPlayerStatus, waitingIsBufferingAlsoWhileStopped) {
+TEST_F(RadioPlayerStatusTest, waitingIsBufferingAlsoWhileStopped) {
     auto& player = startPlaying();
     player.stop();
     players.current()->setStatus(TimeControlStatus::waitingToPlayAtSpecifiedRate);
@@ -110,7 +110,7 @@ TEST_F(RadioPlayerStatus, waitingIsBufferingAlsoWhileStopped) {
     EXPECT_TRUE(player.isBuffering);
 }
 
-TEST_F(RadioPlayerStatus, playingMeansPlayingAlsoWhenNobodyAskedForIt) {
+TEST_F(RadioPlayerStatusTest, playingMeansPlayingAlsoWhenNobodyAskedForIt) {
     auto& player = startPlaying();
     player.stop();
     queue.drain();
@@ -122,7 +122,7 @@ TEST_F(RadioPlayerStatus, playingMeansPlayingAlsoWhenNobodyAskedForIt) {
     EXPECT_THAT(states, ElementsAre(true));
 }
 
-TEST_F(RadioPlayerStatus, isTheOneOfTheMomentItIsActedOn) {
+TEST_F(RadioPlayerStatusTest, isTheOneOfTheMomentItIsActedOn) {
     auto& player = startPlaying();
     players.current()->setStatus(TimeControlStatus::waitingToPlayAtSpecifiedRate);
     players.current()->setStatus(TimeControlStatus::playing);
@@ -133,7 +133,7 @@ TEST_F(RadioPlayerStatus, isTheOneOfTheMomentItIsActedOn) {
     EXPECT_THAT(states, ElementsAre(false));
 }
 
-TEST_F(RadioPlayerStatus, ofADroppedObservationDoesNothing) {
+TEST_F(RadioPlayerStatusTest, ofADroppedObservationDoesNothing) {
     auto& player = startPlaying();
     players.current()->setStatus(TimeControlStatus::waitingToPlayAtSpecifiedRate);
     player.setStation(RadioStation::joe);
@@ -146,7 +146,7 @@ TEST_F(RadioPlayerStatus, ofADroppedObservationDoesNothing) {
         << "told by the three observations of the new player alone";
 }
 
-TEST_F(RadioPlayerStatus, afterTheDropDoesNothing) {
+TEST_F(RadioPlayerStatusTest, afterTheDropDoesNothing) {
     auto& player = startPlaying();
     players.current()->setStatus(TimeControlStatus::waitingToPlayAtSpecifiedRate);
     player.drop();
@@ -155,7 +155,7 @@ TEST_F(RadioPlayerStatus, afterTheDropDoesNothing) {
     EXPECT_THAT(states, ElementsAre(false));
 }
 
-TEST_F(RadioPlayerStatus, afterTheEndOfTheRadioPlayerDoesNothing) {
+TEST_F(RadioPlayerStatusTest, afterTheEndOfTheRadioPlayerDoesNothing) {
     startPlaying();
     players.current()->setStatus(TimeControlStatus::waitingToPlayAtSpecifiedRate);
     players.item()->playbackStalled.notify();
@@ -169,9 +169,9 @@ TEST_F(RadioPlayerStatus, afterTheEndOfTheRadioPlayerDoesNothing) {
     EXPECT_EQ(players.made, 1);
 }
 
-class RadioPlayerPublishing : public RadioPlayerFixture {};
+class RadioPlayerPublishingTest : public RadioPlayerTest {};
 
-TEST_F(RadioPlayerPublishing, announcesAChangeBeforeItHappens) {
+TEST_F(RadioPlayerPublishingTest, announcesAChangeBeforeItHappens) {
     auto& player = start();
     std::vector<bool> seen;
     const auto token = player.observe([&] { seen.push_back(player.isPlaying); });
@@ -181,9 +181,9 @@ TEST_F(RadioPlayerPublishing, announcesAChangeBeforeItHappens) {
     EXPECT_THAT(seen, ElementsAre(false, true, false)) << "playing, then buffering";
 }
 
-class RadioPlayerStation : public RadioPlayerFixture {};
+class RadioPlayerStationTest : public RadioPlayerTest {};
 
-TEST_F(RadioPlayerStation, thatIsTheCurrentOneChangesNothing) {
+TEST_F(RadioPlayerStationTest, thatIsTheCurrentOneChangesNothing) {
     auto& player = startPlaying();
     player.setStation(RadioStation::zofra);
     EXPECT_THAT(stations, IsEmpty());
@@ -191,7 +191,7 @@ TEST_F(RadioPlayerStation, thatIsTheCurrentOneChangesNothing) {
     EXPECT_THAT(players.calls, IsEmpty());
 }
 
-TEST_F(RadioPlayerStation, whileStoppedIsKeptAndToldButOpensNothing) {
+TEST_F(RadioPlayerStationTest, whileStoppedIsKeptAndToldButOpensNothing) {
     auto& player = start();
     player.setStation(RadioStation::qmusic);
     EXPECT_EQ(player.currentStation.get(), RadioStation::qmusic);
@@ -203,7 +203,7 @@ TEST_F(RadioPlayerStation, whileStoppedIsKeptAndToldButOpensNothing) {
     EXPECT_THAT(players.urls(), ElementsAre(aac(RadioStation::qmusic)));
 }
 
-TEST_F(RadioPlayerStation, isKeptBeforeItIsTold) {
+TEST_F(RadioPlayerStationTest, isKeptBeforeItIsTold) {
     auto& player = start();
     QString kept;
     player.onStationChanged = [&](RadioStation station) {
@@ -215,7 +215,7 @@ TEST_F(RadioPlayerStation, isKeptBeforeItIsTold) {
     EXPECT_EQ(kept, QStringLiteral("joe"));
 }
 
-TEST_F(RadioPlayerStation, whilePlayingMovesToItsAacStream) {
+TEST_F(RadioPlayerStationTest, whilePlayingMovesToItsAacStream) {
     auto& player = startPlaying();
     player.setStation(RadioStation::qmusic);
     EXPECT_THAT(players.calls,
@@ -228,7 +228,7 @@ TEST_F(RadioPlayerStation, whilePlayingMovesToItsAacStream) {
     EXPECT_TRUE(player.isBuffering);
 }
 
-TEST_F(RadioPlayerStation, chosenWhileAPlayerIsHeldIsNotHeardAfterPlay) {
+TEST_F(RadioPlayerStationTest, chosenWhileAPlayerIsHeldIsNotHeardAfterPlay) {
     auto& player = startPlaying();
     player.stop();
     player.setStation(RadioStation::qmusic);
@@ -238,7 +238,7 @@ TEST_F(RadioPlayerStation, chosenWhileAPlayerIsHeldIsNotHeardAfterPlay) {
     EXPECT_EQ(player.currentStation.get(), RadioStation::qmusic);
 }
 
-TEST_F(RadioPlayerStation, toldToSomeoneWhoStopsOpensNothing) {
+TEST_F(RadioPlayerStationTest, toldToSomeoneWhoStopsOpensNothing) {
     auto& player = startPlaying();
     player.onStationChanged = [&](RadioStation) { player.stop(); };
     player.setStation(RadioStation::qmusic);
@@ -246,9 +246,9 @@ TEST_F(RadioPlayerStation, toldToSomeoneWhoStopsOpensNothing) {
     EXPECT_FALSE(player.isPlaying);
 }
 
-class RadioPlayerStop : public RadioPlayerFixture {};
+class RadioPlayerStopTest : public RadioPlayerTest {};
 
-TEST_F(RadioPlayerStop, pausesClearsBothFlagsAndTells) {
+TEST_F(RadioPlayerStopTest, pausesClearsBothFlagsAndTells) {
     auto& player = start();
     player.play();
     queue.drain();
@@ -267,19 +267,19 @@ TEST_F(RadioPlayerStop, pausesClearsBothFlagsAndTells) {
     EXPECT_NE(player.player, nullptr);
 }
 
-TEST_F(RadioPlayerStop, tellsAlsoWithoutAStream) {
+TEST_F(RadioPlayerStopTest, tellsAlsoWithoutAStream) {
     start().stop();
     EXPECT_THAT(states, ElementsAre(false));
 }
 
-TEST_F(RadioPlayerStop, stays) {
+TEST_F(RadioPlayerStopTest, stays) {
     auto& player = startPlaying();
     player.stop();
     queue.drain();
     EXPECT_FALSE(player.isBuffering) << "the status that the pause itself brings is not a lost sound";
 }
 
-TEST_F(RadioPlayerStop, dropAlsoLetsGoOfItemAndPlayer) {
+TEST_F(RadioPlayerStopTest, dropAlsoLetsGoOfItemAndPlayer) {
     auto& player = startPlaying();
     player.drop();
     EXPECT_THAT(players.calls, ElementsAre(QStringLiteral("1 pause"), QStringLiteral("1 item none"),
@@ -289,13 +289,13 @@ TEST_F(RadioPlayerStop, dropAlsoLetsGoOfItemAndPlayer) {
     EXPECT_THAT(states, ElementsAre(false));
 }
 
-TEST_F(RadioPlayerStop, dropWithoutAStreamIsAStop) {
+TEST_F(RadioPlayerStopTest, dropWithoutAStreamIsAStop) {
     start().drop();
     EXPECT_THAT(states, ElementsAre(false));
     EXPECT_THAT(players.calls, IsEmpty());
 }
 
-TEST_F(RadioPlayerStop, playAfterADropOpensTheAacStreamOfTheStationChosenMeanwhile) {
+TEST_F(RadioPlayerStopTest, playAfterADropOpensTheAacStreamOfTheStationChosenMeanwhile) {
     auto& player = startPlaying();
     player.drop();
     player.setStation(RadioStation::qmusic);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/playback/RadioPlayerFixture.h"
+#include "tests/playback/RadioPlayerTest.h"
 
 namespace zofra::test {
 namespace {
@@ -8,9 +8,9 @@ using namespace std::chrono_literals;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class RadioPlayerStall : public RadioPlayerFixture {};
+class RadioPlayerStallTest : public RadioPlayerTest {};
 
-TEST_F(RadioPlayerStall, buffersAndAsksForSoundAtOnce) {
+TEST_F(RadioPlayerStallTest, buffersAndAsksForSoundAtOnce) {
     auto& player = startPlaying();
     player.playerItem->playbackStalled.notify();
     EXPECT_FALSE(player.isBuffering) << "handled on the main queue, not in place";
@@ -21,7 +21,7 @@ TEST_F(RadioPlayerStall, buffersAndAsksForSoundAtOnce) {
     EXPECT_THAT(states, IsEmpty());
 }
 
-TEST_F(RadioPlayerStall, getsOneResumeEachTime) {
+TEST_F(RadioPlayerStallTest, getsOneResumeEachTime) {
     auto& player = startPlaying();
     for (int i = 0; i < 50; ++i)
         player.playerItem->playbackStalled.notify();
@@ -30,7 +30,7 @@ TEST_F(RadioPlayerStall, getsOneResumeEachTime) {
     EXPECT_EQ(players.made, 1);
 }
 
-TEST_F(RadioPlayerStall, whileStoppedIsIgnored) {
+TEST_F(RadioPlayerStallTest, whileStoppedIsIgnored) {
     auto& player = startPlaying();
     player.playerItem->playbackStalled.notify();
     player.stop();
@@ -42,7 +42,7 @@ TEST_F(RadioPlayerStall, whileStoppedIsIgnored) {
     EXPECT_THAT(players.calls, IsEmpty());
 }
 
-TEST_F(RadioPlayerStall, ofAnEarlierItemIsIgnored) {
+TEST_F(RadioPlayerStallTest, ofAnEarlierItemIsIgnored) {
     auto& player = startPlaying();
     const auto first = player.playerItem;
     first->playbackStalled.notify();
@@ -55,9 +55,9 @@ TEST_F(RadioPlayerStall, ofAnEarlierItemIsIgnored) {
     EXPECT_THAT(players.calls, IsEmpty());
 }
 
-class RadioPlayerFailure : public RadioPlayerFixture {};
+class RadioPlayerFailureTest : public RadioPlayerTest {};
 
-TEST_F(RadioPlayerFailure, movesToTheMp3StreamAndSaysSoInGerman) {
+TEST_F(RadioPlayerFailureTest, movesToTheMp3StreamAndSaysSoInGerman) {
     auto& player = startPlaying();
     player.playerItem->failedToPlayToEndTime.notify();
     EXPECT_THAT(output.lines, IsEmpty()) << "handled on the main queue, not in place";
@@ -73,7 +73,7 @@ TEST_F(RadioPlayerFailure, movesToTheMp3StreamAndSaysSoInGerman) {
     EXPECT_THAT(states, IsEmpty());
 }
 
-TEST_F(RadioPlayerFailure, namesTheStationAsItIsShown) {
+TEST_F(RadioPlayerFailureTest, namesTheStationAsItIsShown) {
     defaults.setString(QStringLiteral("zofra_selected_station"), QStringLiteral("zofra_class_x"));
     auto& player = startPlaying();
     player.playerItem->failedToPlayToEndTime.notify();
@@ -82,7 +82,7 @@ TEST_F(RadioPlayerFailure, namesTheStationAsItIsShown) {
                                   "AAC Stream fehlgeschlagen – wechsle zu MP3 Fallback (Zofra Class X)")));
 }
 
-TEST_F(RadioPlayerFailure, ofTheMp3StreamSetsItUpAnewEachTime) {
+TEST_F(RadioPlayerFailureTest, ofTheMp3StreamSetsItUpAnewEachTime) {
     auto& player = startPlaying();
     for (int i = 0; i < 3; ++i) {
         player.playerItem->failedToPlayToEndTime.notify();
@@ -94,7 +94,7 @@ TEST_F(RadioPlayerFailure, ofTheMp3StreamSetsItUpAnewEachTime) {
     EXPECT_EQ(players.alive.size(), 1U);
 }
 
-TEST_F(RadioPlayerFailure, whileStoppedIsIgnored) {
+TEST_F(RadioPlayerFailureTest, whileStoppedIsIgnored) {
     auto& player = startPlaying();
     player.stop();
     player.playerItem->failedToPlayToEndTime.notify();
@@ -104,7 +104,7 @@ TEST_F(RadioPlayerFailure, whileStoppedIsIgnored) {
     EXPECT_FALSE(player.isPlaying);
 }
 
-TEST_F(RadioPlayerFailure, toldBeforeAStopDoesNotBringTheSoundBack) {
+TEST_F(RadioPlayerFailureTest, toldBeforeAStopDoesNotBringTheSoundBack) {
     auto& player = startPlaying();
     player.playerItem->failedToPlayToEndTime.notify();
     player.stop();
@@ -113,7 +113,7 @@ TEST_F(RadioPlayerFailure, toldBeforeAStopDoesNotBringTheSoundBack) {
     EXPECT_EQ(players.made, 1);
 }
 
-TEST_F(RadioPlayerFailure, ofAnEarlierItemIsIgnored) {
+TEST_F(RadioPlayerFailureTest, ofAnEarlierItemIsIgnored) {
     auto& player = startPlaying();
     const auto first = player.playerItem;
     first->failedToPlayToEndTime.notify();
@@ -124,7 +124,7 @@ TEST_F(RadioPlayerFailure, ofAnEarlierItemIsIgnored) {
     EXPECT_THAT(players.urls(), ElementsAre(aac(RadioStation::zofra), aac(RadioStation::joe)));
 }
 
-TEST_F(RadioPlayerFailure, isForgottenByAStationChange) {
+TEST_F(RadioPlayerFailureTest, isForgottenByAStationChange) {
     auto& player = startPlaying();
     player.playerItem->failedToPlayToEndTime.notify();
     queue.drain();
@@ -134,7 +134,7 @@ TEST_F(RadioPlayerFailure, isForgottenByAStationChange) {
     EXPECT_EQ(player.playerItem->url, aac(RadioStation::zofra));
 }
 
-TEST_F(RadioPlayerFailure, isRememberedOverStopAndPlay) {
+TEST_F(RadioPlayerFailureTest, isRememberedOverStopAndPlay) {
     auto& player = startPlaying();
     player.playerItem->failedToPlayToEndTime.notify();
     queue.drain();
@@ -146,7 +146,7 @@ TEST_F(RadioPlayerFailure, isRememberedOverStopAndPlay) {
     EXPECT_EQ(player.playerItem->url, aac(RadioStation::zofra));
 }
 
-TEST_F(RadioPlayerFailure, ofAStationWithOneAddressOpensThatAgain) {
+TEST_F(RadioPlayerFailureTest, ofAStationWithOneAddressOpensThatAgain) {
     defaults.setString(QStringLiteral("zofra_selected_station"), QStringLiteral("radio_contact"));
     auto& player = startPlaying();
     player.playerItem->failedToPlayToEndTime.notify();
@@ -155,9 +155,9 @@ TEST_F(RadioPlayerFailure, ofAStationWithOneAddressOpensThatAgain) {
                 ElementsAre(aac(RadioStation::radioContact), aac(RadioStation::radioContact)));
 }
 
-class RadioPlayerWake : public RadioPlayerFixture {};
+class RadioPlayerWakeTest : public RadioPlayerTest {};
 
-TEST_F(RadioPlayerWake, restartsOnTheAacStreamTwoSecondsLater) {
+TEST_F(RadioPlayerWakeTest, restartsOnTheAacStreamTwoSecondsLater) {
     auto& player = startPlaying();
     player.playerItem->failedToPlayToEndTime.notify();
     queue.drain();
@@ -173,7 +173,7 @@ TEST_F(RadioPlayerWake, restartsOnTheAacStreamTwoSecondsLater) {
     EXPECT_THAT(states, IsEmpty());
 }
 
-TEST_F(RadioPlayerWake, whileStoppedDoesNothing) {
+TEST_F(RadioPlayerWakeTest, whileStoppedDoesNothing) {
     auto& player = startPlaying();
     player.stop();
     wake.didWake.notify();
@@ -182,7 +182,7 @@ TEST_F(RadioPlayerWake, whileStoppedDoesNothing) {
     EXPECT_EQ(players.made, 1);
 }
 
-TEST_F(RadioPlayerWake, doesNothingWhenStoppedInBetween) {
+TEST_F(RadioPlayerWakeTest, doesNothingWhenStoppedInBetween) {
     auto& player = startPlaying();
     wake.didWake.notify();
     queue.advance(1s);
@@ -192,7 +192,7 @@ TEST_F(RadioPlayerWake, doesNothingWhenStoppedInBetween) {
     EXPECT_FALSE(player.isPlaying);
 }
 
-TEST_F(RadioPlayerWake, restartsTheStationChosenInBetween) {
+TEST_F(RadioPlayerWakeTest, restartsTheStationChosenInBetween) {
     auto& player = startPlaying();
     wake.didWake.notify();
     player.setStation(RadioStation::qmusic);
@@ -201,7 +201,7 @@ TEST_F(RadioPlayerWake, restartsTheStationChosenInBetween) {
                 ElementsAre(aac(RadioStation::zofra), aac(RadioStation::qmusic), aac(RadioStation::qmusic)));
 }
 
-TEST_F(RadioPlayerWake, restartsWhenItIsPlayedAgainInBetween) {
+TEST_F(RadioPlayerWakeTest, restartsWhenItIsPlayedAgainInBetween) {
     auto& player = startPlaying();
     wake.didWake.notify();
     player.stop();
@@ -210,7 +210,7 @@ TEST_F(RadioPlayerWake, restartsWhenItIsPlayedAgainInBetween) {
     EXPECT_EQ(players.made, 2);
 }
 
-TEST_F(RadioPlayerWake, beforeAnythingWasPlayedDoesNothing) {
+TEST_F(RadioPlayerWakeTest, beforeAnythingWasPlayedDoesNothing) {
     start();
     wake.didWake.notify();
     queue.advance(1min);

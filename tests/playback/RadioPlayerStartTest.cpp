@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/playback/RadioPlayerFixture.h"
+#include "tests/playback/RadioPlayerTest.h"
 
 #include <limits>
 
@@ -9,9 +9,9 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class RadioPlayerStart : public RadioPlayerFixture {};
+class RadioPlayerStartTest : public RadioPlayerTest {};
 
-TEST_F(RadioPlayerStart, isSilentOnZofraAtFourFifthsWhenNothingIsStored) {
+TEST_F(RadioPlayerStartTest, isSilentOnZofraAtFourFifthsWhenNothingIsStored) {
     const auto& player = start();
     EXPECT_FALSE(player.isPlaying);
     EXPECT_FALSE(player.isBuffering);
@@ -22,13 +22,13 @@ TEST_F(RadioPlayerStart, isSilentOnZofraAtFourFifthsWhenNothingIsStored) {
     EXPECT_EQ(player.volumeDefaultsKey, QStringLiteral("zofra_radio_volume"));
 }
 
-TEST_F(RadioPlayerStart, hasNoCallbacksOfItsOwn) {
+TEST_F(RadioPlayerStartTest, hasNoCallbacksOfItsOwn) {
     const RadioPlayer player({players, defaults, queue, nowPlaying, commands, wake, output, hosts});
     EXPECT_FALSE(player.onPlaybackStateChanged);
     EXPECT_FALSE(player.onStationChanged);
 }
 
-TEST_F(RadioPlayerStart, opensNoStreamWritesNothingAndShowsNothing) {
+TEST_F(RadioPlayerStartTest, opensNoStreamWritesNothingAndShowsNothing) {
     start();
     queue.advance(std::chrono::hours(1));
     EXPECT_THAT(players.calls, IsEmpty());
@@ -39,43 +39,43 @@ TEST_F(RadioPlayerStart, opensNoStreamWritesNothingAndShowsNothing) {
     EXPECT_THAT(stations, IsEmpty());
 }
 
-TEST_F(RadioPlayerStart, readsTheStationThenTheVolumeThenTheStationAgain) {
+TEST_F(RadioPlayerStartTest, readsTheStationThenTheVolumeThenTheStationAgain) {
     start();
     EXPECT_THAT(defaults.reads,
                 ElementsAre(QStringLiteral("zofra_selected_station"), QStringLiteral("zofra_radio_volume"),
                             QStringLiteral("zofra_selected_station")));
 }
 
-TEST_F(RadioPlayerStart, takesOverTheStoredStation) {
+TEST_F(RadioPlayerStartTest, takesOverTheStoredStation) {
     defaults.setString(QStringLiteral("zofra_selected_station"), QStringLiteral("sud_radio_hainaut"));
     EXPECT_EQ(start().currentStation.get(), RadioStation::sudRadioHainaut);
 }
 
-TEST_F(RadioPlayerStart, takesOverAStoredVolume) {
+TEST_F(RadioPlayerStartTest, takesOverAStoredVolume) {
     defaults.setFloat(QStringLiteral("zofra_radio_volume"), 0.35F);
     EXPECT_FLOAT_EQ(start().volume, 0.35F);
 }
 
-TEST_F(RadioPlayerStart, comesBackAtFourFifthsAfterAStoredSilence) {
+TEST_F(RadioPlayerStartTest, comesBackAtFourFifthsAfterAStoredSilence) {
     defaults.setFloat(QStringLiteral("zofra_radio_volume"), 0.0F);
     EXPECT_FLOAT_EQ(start().volume, 0.8F);
 }
 
-TEST_F(RadioPlayerStart, doesNotTakeOverANegativeVolume) {
+TEST_F(RadioPlayerStartTest, doesNotTakeOverANegativeVolume) {
     defaults.setFloat(QStringLiteral("zofra_radio_volume"), -0.5F);
     EXPECT_FLOAT_EQ(start().volume, 0.8F);
 }
 
-TEST_F(RadioPlayerStart, enablesTheThreeRemoteCommands) {
+TEST_F(RadioPlayerStartTest, enablesTheThreeRemoteCommands) {
     start();
     EXPECT_TRUE(commands.togglePlayPause);
     EXPECT_TRUE(commands.play);
     EXPECT_TRUE(commands.pause);
 }
 
-class RadioPlayerVolume : public RadioPlayerFixture {};
+class RadioPlayerVolumeTest : public RadioPlayerTest {};
 
-TEST_F(RadioPlayerVolume, isKeptShownAndGivenToTheStream) {
+TEST_F(RadioPlayerVolumeTest, isKeptShownAndGivenToTheStream) {
     auto& player = startPlaying();
     player.applyVolume(0.5F);
     EXPECT_FLOAT_EQ(player.volume, 0.5F);
@@ -85,7 +85,7 @@ TEST_F(RadioPlayerVolume, isKeptShownAndGivenToTheStream) {
     EXPECT_THAT(states, IsEmpty());
 }
 
-TEST_F(RadioPlayerVolume, isKeptWithoutAStream) {
+TEST_F(RadioPlayerVolumeTest, isKeptWithoutAStream) {
     auto& player = start();
     player.applyVolume(0.25F);
     EXPECT_FLOAT_EQ(player.volume, 0.25F);
@@ -95,7 +95,7 @@ TEST_F(RadioPlayerVolume, isKeptWithoutAStream) {
     EXPECT_FLOAT_EQ(players.current()->volume.value_or(-1), 0.25F);
 }
 
-TEST_F(RadioPlayerVolume, staysBetweenSilenceAndFull) {
+TEST_F(RadioPlayerVolumeTest, staysBetweenSilenceAndFull) {
     auto& player = start();
     player.applyVolume(1.5F);
     EXPECT_EQ(player.volume.get(), 1.0F);
@@ -107,13 +107,13 @@ TEST_F(RadioPlayerVolume, staysBetweenSilenceAndFull) {
     EXPECT_EQ(player.volume.get(), 0.0F);
 }
 
-TEST_F(RadioPlayerVolume, becomesFullWhenItIsNoNumber) {
+TEST_F(RadioPlayerVolumeTest, becomesFullWhenItIsNoNumber) {
     auto& player = start();
     player.applyVolume(std::numeric_limits<float>::quiet_NaN());
     EXPECT_EQ(player.volume.get(), 1.0F);
 }
 
-TEST_F(RadioPlayerVolume, ofZeroIsKeptButComesBackAtFourFifths) {
+TEST_F(RadioPlayerVolumeTest, ofZeroIsKeptButComesBackAtFourFifths) {
     start().applyVolume(0.0F);
     EXPECT_EQ(defaults.floatValue(QStringLiteral("zofra_radio_volume")), 0.0F);
     EXPECT_FLOAT_EQ(start().volume, 0.8F);

@@ -8,7 +8,7 @@
 namespace zofra {
 namespace {
 
-TEST(SortedAddresses, AreAbsoluteTextsInPlainOrder) {
+TEST(SortedAddressesTest, AreAbsoluteTextsInPlainOrder) {
     EXPECT_EQ(
         sortedAddresses({QUrl(QStringLiteral("http://10.0.0.9:1400/x")),
                          QUrl(QStringLiteral("https://a/é b")),

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What is chosen last holds, whatever time the players take to answer what was chosen before.
-#include "tests/speakers/ManagerFixture.h"
+#include "tests/speakers/ManagerTest.h"
 
 #include <chrono>
 
@@ -21,7 +21,7 @@ QString member(const QString& uuid, int host, const QString& name) {
     return memberXml(uuid, test::descriptionUrl(host).toString(), name);
 }
 
-class PlaybackOrder : public test::ManagerFixture {
+class PlaybackOrderTest : public test::ManagerTest {
 protected:
     /// Two rooms of one player each, at 10.0.0.1 and .3, whose answers the test gives.
     void startWithTwoRooms() {
@@ -33,8 +33,8 @@ protected:
 
     /// Everyone answers, also what that leads to; then nothing is held any more.
     void answerAll(int status = 200) {
-        while (!session.open.empty())
-            session.answer(status, {});
+        while (!http.open.empty())
+            http.answer(status, {});
         queue.drain();
     }
     void findNow() {
@@ -46,7 +46,7 @@ protected:
         manager->discoverDevices(false);
         tasks.runAll();
         queue.drain();
-        session.requests.clear();
+        http.requests.clear();
     }
     QString uriOf(const HttpRequest& request) const {
         const auto start = request.body.indexOf("<CurrentURI>") + 12;
@@ -55,7 +55,7 @@ protected:
     QString uri(RadioStation station) const { return station.networkPlayerStreamURI(hosts); }
 };
 
-TEST_F(PlaybackOrder, HereBeforeTheFirstAnswerLeavesThePlayerUnplayed) {
+TEST_F(PlaybackOrderTest, HereBeforeTheFirstAnswerLeavesThePlayerUnplayed) {
     startWithTwoRooms();
     playRoom(c);
     EXPECT_EQ(requests(), QStringLiteral("SetAVTransportURI 10.0.0.3"));
@@ -66,10 +66,10 @@ TEST_F(PlaybackOrder, HereBeforeTheFirstAnswerLeavesThePlayerUnplayed) {
     EXPECT_FALSE(manager->isSonosPlaying);
 }
 
-TEST_F(PlaybackOrder, APlayThatIsOutIsFollowedByStop) {
+TEST_F(PlaybackOrderTest, APlayThatIsOutIsFollowedByStop) {
     startWithTwoRooms();
     playRoom(c);
-    session.answer(200, {});
+    http.answer(200, {});
     EXPECT_EQ(requests(), QStringLiteral("SetAVTransportURI 10.0.0.3, Play 10.0.0.3"));
     manager->stopAllSonos();
     EXPECT_EQ(requests(), QStringLiteral("Stop 10.0.0.1, Stop 10.0.0.3"));
@@ -81,10 +81,10 @@ TEST_F(PlaybackOrder, APlayThatIsOutIsFollowedByStop) {
     EXPECT_TRUE(states.isEmpty());
 }
 
-TEST_F(PlaybackOrder, AnotherRoomEndsAStartThatHasNotEnded) {
+TEST_F(PlaybackOrderTest, AnotherRoomEndsAStartThatHasNotEnded) {
     startWithTwoRooms();
     playRoom(c);
-    session.answer(200, {});
+    http.answer(200, {});
     playRoom(a);
     answerAll();
     EXPECT_EQ(requests(), QStringLiteral("SetAVTransportURI 10.0.0.3, Play 10.0.0.3, "
@@ -92,36 +92,36 @@ TEST_F(PlaybackOrder, AnotherRoomEndsAStartThatHasNotEnded) {
     EXPECT_EQ(states, QList<bool>{true}) << "the first start tells nothing";
 }
 
-TEST_F(PlaybackOrder, TheLastOfSeveralQuickStationsPlays) {
+TEST_F(PlaybackOrderTest, TheLastOfSeveralQuickStationsPlays) {
     startWithTwoRooms();
     playRoom(c);
     answerAll();
-    session.requests.clear();
+    http.requests.clear();
     for (const auto station : {RadioStation::joe, RadioStation::qmusic, RadioStation::insideRadio})
         manager->setStation(station);
-    EXPECT_EQ(session.requests.size(), 1U) << "the player has one at a time";
+    EXPECT_EQ(http.requests.size(), 1U) << "the player has one at a time";
     answerAll();
-    ASSERT_EQ(session.requests.size(), 3U);
-    EXPECT_EQ(uriOf(session.requests[0]), uri(RadioStation::joe));
-    EXPECT_EQ(uriOf(session.requests[1]), uri(RadioStation::insideRadio));
-    EXPECT_EQ(test::summary(session.requests[2]), QStringLiteral("Play 10.0.0.3"));
+    ASSERT_EQ(http.requests.size(), 3U);
+    EXPECT_EQ(uriOf(http.requests[0]), uri(RadioStation::joe));
+    EXPECT_EQ(uriOf(http.requests[1]), uri(RadioStation::insideRadio));
+    EXPECT_EQ(test::summary(http.requests[2]), QStringLiteral("Play 10.0.0.3"));
 }
 
-TEST_F(PlaybackOrder, AStationChosenDuringAStartIsTheOneThatPlays) {
+TEST_F(PlaybackOrderTest, AStationChosenDuringAStartIsTheOneThatPlays) {
     startWithTwoRooms();
     playRoom(c);
-    session.answer(200, {});
+    http.answer(200, {});
     manager->setStation(RadioStation::joe);
     answerAll();
-    ASSERT_EQ(session.requests.size(), 4U);
-    EXPECT_EQ(uriOf(session.requests[2]), uri(RadioStation::joe));
+    ASSERT_EQ(http.requests.size(), 4U);
+    EXPECT_EQ(uriOf(http.requests[2]), uri(RadioStation::joe));
     EXPECT_EQ(requests(), QStringLiteral("SetAVTransportURI 10.0.0.3, Play 10.0.0.3, "
                                          "SetAVTransportURI 10.0.0.3, Play 10.0.0.3"))
         << "taken over without a stop";
     EXPECT_EQ(states, QList<bool>{true});
 }
 
-TEST_F(PlaybackOrder, AStartWaitsForAStopThatIsOut) {
+TEST_F(PlaybackOrderTest, AStartWaitsForAStopThatIsOut) {
     startWithTwoRooms();
     manager->stopAllSonos();
     requests();
@@ -131,7 +131,7 @@ TEST_F(PlaybackOrder, AStartWaitsForAStopThatIsOut) {
     EXPECT_EQ(requests(), QStringLiteral("SetAVTransportURI 10.0.0.3, Play 10.0.0.3"));
 }
 
-TEST_F(PlaybackOrder, ClicksWithoutEndMakeAHandfulOfRequests) {
+TEST_F(PlaybackOrderTest, ClicksWithoutEndMakeAHandfulOfRequests) {
     startWithTwoRooms();
     for (int click = 0; click < 4096; ++click) {
         playRoom(c);
@@ -140,16 +140,16 @@ TEST_F(PlaybackOrder, ClicksWithoutEndMakeAHandfulOfRequests) {
         manager->togglePlayPause();
         manager->selectTarget(click % 3 == 0 ? here : everywhere);
     }
-    EXPECT_LE(session.requests.size(), 8U);
+    EXPECT_LE(http.requests.size(), 8U);
     manager->selectTarget(here);
     answerAll();
-    EXPECT_LE(session.requests.size(), 16U);
-    EXPECT_EQ(test::summary(session.requests.back()).section(u' ', 0, 0), QStringLiteral("SetVolume"));
-    EXPECT_TRUE(session.requests.back().body.contains("<DesiredVolume>95</DesiredVolume>"));
+    EXPECT_LE(http.requests.size(), 16U);
+    EXPECT_EQ(test::summary(http.requests.back()).section(u' ', 0, 0), QStringLiteral("SetVolume"));
+    EXPECT_TRUE(http.requests.back().body.contains("<DesiredVolume>95</DesiredVolume>"));
     EXPECT_FALSE(manager->isSonosPlaying);
 }
 
-TEST_F(PlaybackOrder, PausingAgainWhilePausingSendsNothing) {
+TEST_F(PlaybackOrderTest, PausingAgainWhilePausingSendsNothing) {
     startWithTwoRooms();
     playRoom(c);
     answerAll();
@@ -161,7 +161,7 @@ TEST_F(PlaybackOrder, PausingAgainWhilePausingSendsNothing) {
     EXPECT_FALSE(manager->isSonosPlaying);
 }
 
-TEST_F(PlaybackOrder, HereReachesACachedRoomBeforeTheFirstRunHasEnded) {
+TEST_F(PlaybackOrderTest, HereReachesACachedRoomBeforeTheFirstRunHasEnded) {
     defaults.values[QStringLiteral("cached_sonos_rooms")] =
         encodeRooms({{QStringLiteral("Attic"),
                       test::otherPlayer(a, QStringLiteral("Attic"), 1),
@@ -176,7 +176,7 @@ TEST_F(PlaybackOrder, HereReachesACachedRoomBeforeTheFirstRunHasEnded) {
     EXPECT_EQ(requests(), QString()) << "nothing is left to be stopped";
 }
 
-TEST_F(PlaybackOrder, HereReachesWhatWasStartedAndHasNotBeenFoundAgain) {
+TEST_F(PlaybackOrderTest, HereReachesWhatWasStartedAndHasNotBeenFoundAgain) {
     startWithTwoRooms();
     answerRequests();
     playRoom(c);
@@ -188,7 +188,7 @@ TEST_F(PlaybackOrder, HereReachesWhatWasStartedAndHasNotBeenFoundAgain) {
     EXPECT_EQ(requests(), QStringLiteral("Stop 10.0.0.1, Stop 10.0.0.3"));
 }
 
-TEST_F(PlaybackOrder, ARoomThatHasDisappearedCanStillBePaused) {
+TEST_F(PlaybackOrderTest, ARoomThatHasDisappearedCanStillBePaused) {
     startWithTwoRooms();
     answerRequests();
     playRoom(c);
@@ -203,9 +203,9 @@ TEST_F(PlaybackOrder, ARoomThatHasDisappearedCanStillBePaused) {
 }
 
 /// Two players of one room, of which the one with the larger id leads.
-class RegroupedRoom : public PlaybackOrder {
+class RegroupedRoomTest : public PlaybackOrderTest {
 protected:
-    RegroupedRoom() {
+    RegroupedRoomTest() {
         house.players = {{1, {a, lounge}}, {2, {b, lounge}}};
         house.groups = {groupXml(b, member(a, 1, lounge) + member(b, 2, lounge))};
         startWithHouse();
@@ -217,7 +217,7 @@ protected:
     const QString lounge = QStringLiteral("Lounge");
 };
 
-TEST_F(RegroupedRoom, StaysTheTarget) {
+TEST_F(RegroupedRoomTest, StaysTheTarget) {
     EXPECT_EQ(manager->activeTarget.get(), AudioOutputTarget::sonos(a));
     EXPECT_EQ(manager->activeTargetTitle(), lounge);
     manager->setStation(RadioStation::joe);
@@ -230,7 +230,7 @@ TEST_F(RegroupedRoom, StaysTheTarget) {
     EXPECT_FALSE(manager->isSonosPlaying);
 }
 
-TEST_F(RegroupedRoom, IsFollowedBeforeAnybodyIsTold) {
+TEST_F(RegroupedRoomTest, IsFollowedBeforeAnybodyIsTold) {
     house.groups = {groupXml(b, member(a, 1, lounge) + member(b, 2, lounge))};
     QList<AudioOutputTarget> seen;
     manager->onRoomsUpdated = [&](const QList<SonosRoom>&) { seen.append(manager->activeTarget); };
@@ -238,7 +238,7 @@ TEST_F(RegroupedRoom, IsFollowedBeforeAnybodyIsTold) {
     EXPECT_EQ(seen, QList<AudioOutputTarget>{AudioOutputTarget::sonos(b)});
 }
 
-TEST_F(RegroupedRoom, IsNotFollowedOnceItIsGone) {
+TEST_F(RegroupedRoomTest, IsNotFollowedOnceItIsGone) {
     house.players = {{3, {c, QStringLiteral("Cellar")}}};
     house.groups.clear();
     findNow();
@@ -247,9 +247,9 @@ TEST_F(RegroupedRoom, IsNotFollowedOnceItIsGone) {
 }
 
 /// "Everywhere" chosen while the first run goes on.
-class EarlyEverywhere : public PlaybackOrder {
+class EarlyEverywhereTest : public PlaybackOrderTest {
 protected:
-    EarlyEverywhere() {
+    EarlyEverywhereTest() {
         house.players = {{1, {a, QStringLiteral("Attic")}}};
         network.addInterface(QStringLiteral("eth0"), QStringLiteral("10.0.0.2"), QString());
         network.scripts[QStringLiteral("10.0.0.2")].datagrams = {
@@ -262,7 +262,7 @@ protected:
     /// The run ends; gives the orders that follow.
     QString endRun() {
         tasks.runAll();
-        session.requests.clear();
+        http.requests.clear();
         queue.drain();
         return requests();
     }
@@ -276,7 +276,7 @@ protected:
     }
 };
 
-TEST_F(EarlyEverywhere, PlaysWhenTheRunEnds) {
+TEST_F(EarlyEverywhereTest, PlaysWhenTheRunEnds) {
     EXPECT_EQ(endRun(), QStringLiteral("SetAVTransportURI 10.0.0.1, Play 10.0.0.1"));
     EXPECT_TRUE(manager->isSonosPlaying);
     EXPECT_EQ(states, QList<bool>{true});
@@ -284,7 +284,7 @@ TEST_F(EarlyEverywhere, PlaysWhenTheRunEnds) {
     EXPECT_TRUE(ownLines().isEmpty());
 }
 
-TEST_F(EarlyEverywhere, IsForgottenWhenSomethingElseIsChosen) {
+TEST_F(EarlyEverywhereTest, IsForgottenWhenSomethingElseIsChosen) {
     for (const auto& other : {here, AudioOutputTarget::sonos(a)}) {
         manager->selectTarget(everywhere);
         if (other == here)
@@ -296,7 +296,7 @@ TEST_F(EarlyEverywhere, IsForgottenWhenSomethingElseIsChosen) {
     }
 }
 
-TEST_F(EarlyEverywhere, IsGivenUpAfterThirtySecondsWithOneLine) {
+TEST_F(EarlyEverywhereTest, IsGivenUpAfterThirtySecondsWithOneLine) {
     queue.advance(29'999ms);
     EXPECT_TRUE(ownLines().isEmpty());
     queue.advance(1ms);
@@ -306,7 +306,7 @@ TEST_F(EarlyEverywhere, IsGivenUpAfterThirtySecondsWithOneLine) {
     EXPECT_EQ(ownLines().size(), 1);
 }
 
-TEST_F(PlaybackOrder, EverywhereWithoutASearchIsNotRepeated) {
+TEST_F(PlaybackOrderTest, EverywhereWithoutASearchIsNotRepeated) {
     start(false).selectTarget(everywhere);
     queue.advance(60s);
     house.players = {{1, {a, QStringLiteral("Attic")}}};
@@ -316,7 +316,7 @@ TEST_F(PlaybackOrder, EverywhereWithoutASearchIsNotRepeated) {
     EXPECT_EQ(states, QList<bool>{false});
 }
 
-TEST_F(PlaybackOrder, ALateFailureOfAPauseDoesNotMakeHerePlay) {
+TEST_F(PlaybackOrderTest, ALateFailureOfAPauseDoesNotMakeHerePlay) {
     startWithTwoRooms();
     playRoom(c);
     answerAll();
@@ -328,32 +328,32 @@ TEST_F(PlaybackOrder, ALateFailureOfAPauseDoesNotMakeHerePlay) {
     EXPECT_TRUE(states.isEmpty());
 }
 
-TEST_F(PlaybackOrder, ARoomThatFailsIsNotPlayingInWhateverOrderItsFailuresCome) {
+TEST_F(PlaybackOrderTest, ARoomThatFailsIsNotPlayingInWhateverOrderItsFailuresCome) {
     for (const bool startFailsFirst : {true, false}) {
         startWithTwoRooms();
         playRoom(c);
         answerAll();
         manager->setStation(startFailsFirst ? RadioStation::joe : RadioStation::qmusic);
         manager->togglePlayPause();
-        ASSERT_EQ(session.open.size(), 2U) << "a stream and a pause";
+        ASSERT_EQ(http.open.size(), 2U) << "a stream and a pause";
         if (!startFailsFirst)
-            std::swap(session.open[0], session.open[1]);
-        while (!session.open.empty())
-            session.fail({HttpError::Code::timedOut, 0, QString()});
+            std::swap(http.open[0], http.open[1]);
+        while (!http.open.empty())
+            http.fail({HttpError::Code::timedOut, 0, QString()});
         queue.drain();
         EXPECT_FALSE(manager->isSonosPlaying) << startFailsFirst;
-        EXPECT_TRUE(session.open.empty());
+        EXPECT_TRUE(http.open.empty());
         answerRequests();
     }
 }
 
-TEST_F(PlaybackOrder, AnOldStartThatSucceedsLateSaysNothingOfTheNewOne) {
+TEST_F(PlaybackOrderTest, AnOldStartThatSucceedsLateSaysNothingOfTheNewOne) {
     startWithTwoRooms();
     playRoom(c);
-    session.answer(200, {});
+    http.answer(200, {});
     playRoom(a);
-    std::swap(session.open[0], session.open[1]);
-    session.fail({HttpError::Code::timedOut, 0, QString()});
+    std::swap(http.open[0], http.open[1]);
+    http.fail({HttpError::Code::timedOut, 0, QString()});
     answerAll();
     EXPECT_FALSE(manager->isSonosPlaying);
     EXPECT_EQ(states, QList<bool>{false});

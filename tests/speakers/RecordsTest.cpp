@@ -24,7 +24,7 @@ SonosRoom roomOf(const QString& name, const QString& id) {
     return {name, speaker, {speaker}};
 }
 
-TEST(AudioOutputTarget, IsEqualByCaseAndRoom) {
+TEST(AudioOutputTargetTest, IsEqualByCaseAndRoom) {
     const auto a = QStringLiteral("A");
     EXPECT_EQ(AudioOutputTarget::localMac(), AudioOutputTarget::localMac());
     EXPECT_NE(AudioOutputTarget::localMac(), AudioOutputTarget::sonosEverywhere());
@@ -33,24 +33,24 @@ TEST(AudioOutputTarget, IsEqualByCaseAndRoom) {
     EXPECT_NE(AudioOutputTarget::sonos(QString()), AudioOutputTarget::localMac());
 }
 
-TEST(AudioOutputTarget, HashesByCaseAndRoom) {
+TEST(AudioOutputTargetTest, HashesByCaseAndRoom) {
     const auto a = QStringLiteral("A");
     EXPECT_EQ(qHash(AudioOutputTarget::sonos(a)), qHash(AudioOutputTarget::sonos(a)));
     EXPECT_NE(qHash(AudioOutputTarget::sonos(a)), qHash(AudioOutputTarget::sonos(QStringLiteral("B"))));
     EXPECT_NE(qHash(AudioOutputTarget::localMac()), qHash(AudioOutputTarget::sonosEverywhere()));
 }
 
-TEST(AudioOutputTarget, CasesStandInTheirOrder) {
+TEST(AudioOutputTargetTest, CasesStandInTheirOrder) {
     EXPECT_EQ(static_cast<int>(AudioOutputTarget::localMac().kind()), 0);
     EXPECT_EQ(static_cast<int>(AudioOutputTarget::sonos(QString()).kind()), 1);
     EXPECT_EQ(static_cast<int>(AudioOutputTarget::sonosEverywhere().kind()), 2);
 }
 
-TEST(SonosRoom, IsIdentifiedByItsCoordinator) {
+TEST(SonosRoomTest, IsIdentifiedByItsCoordinator) {
     EXPECT_EQ(roomOf(QStringLiteral("Kitchen"), QStringLiteral("A")).id(), QStringLiteral("A"));
 }
 
-TEST(SonosRoom, EveryFieldCounts) {
+TEST(SonosRoomTest, EveryFieldCounts) {
     const auto room = roomOf(QStringLiteral("Kitchen"), QStringLiteral("A"));
     auto other = room;
     EXPECT_EQ(other, room);
@@ -66,7 +66,7 @@ TEST(SonosRoom, EveryFieldCounts) {
     EXPECT_NE(qHash(other), qHash(room));
 }
 
-TEST(PlayerTopologyMember, EveryFieldCounts) {
+TEST(PlayerTopologyMemberTest, EveryFieldCounts) {
     const PlayerTopologyMember member{QStringLiteral("A"), std::nullopt, QStringLiteral("Kitchen"), true,
                                       QString()};
     auto other = member;
@@ -80,7 +80,7 @@ TEST(PlayerTopologyMember, EveryFieldCounts) {
     EXPECT_NE(other, member);
 }
 
-TEST(PlayerPlaybackGroup, LeaderAndFollowersCount) {
+TEST(PlayerPlaybackGroupTest, LeaderAndFollowersCount) {
     const PlayerPlaybackGroup group{otherPlayer(QStringLiteral("A"), QStringLiteral("Hall")), {}};
     auto other = group;
     EXPECT_EQ(other, group);
@@ -89,7 +89,7 @@ TEST(PlayerPlaybackGroup, LeaderAndFollowersCount) {
     EXPECT_NE(other, group);
 }
 
-TEST(RoomOrder, NamesThatDifferInCaseOnlyAreTheSame) {
+TEST(RoomOrderTest, NamesThatDifferInCaseOnlyAreTheSame) {
     const auto collator = roomNameCollator();
     const auto a = roomOf(QStringLiteral("kitchen"), QStringLiteral("A"));
     const auto b = roomOf(QStringLiteral("Kitchen"), QStringLiteral("B"));
@@ -97,7 +97,7 @@ TEST(RoomOrder, NamesThatDifferInCaseOnlyAreTheSame) {
     EXPECT_FALSE(comesBefore(b, a, collator));
 }
 
-TEST(RoomOrder, FollowsTheLanguage) {
+TEST(RoomOrderTest, FollowsTheLanguage) {
     const QLocale german(QLocale::German, QLocale::Germany);
     const auto collator = roomNameCollator(german);
     const auto upper = roomOf(QStringLiteral("Ärzte"), QStringLiteral("A"));
@@ -107,7 +107,7 @@ TEST(RoomOrder, FollowsTheLanguage) {
     EXPECT_TRUE(comesBefore(bath, zoo, collator));
 }
 
-TEST(RoomOrder, IsTotal) {
+TEST(RoomOrderTest, IsTotal) {
     QList<SonosRoom> rooms;
     int id = 0;
     for (const auto* name : {"Küche", "Kuche", "KÜCHE", "", " ",
@@ -125,7 +125,7 @@ TEST(RoomOrder, IsTotal) {
     }
 }
 
-TEST(PlayerLocked, CountsRightFromManyThreads) {
+TEST(PlayerLockedTest, CountsRightFromManyThreads) {
     PlayerLocked<int> counter(0);
     std::vector<std::thread> threads;
     for (int i = 0; i < 8; ++i)

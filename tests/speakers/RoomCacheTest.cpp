@@ -56,21 +56,21 @@ QByteArray withCoordinatorKey(const QString& key, const QJsonValue& value) {
     return QJsonDocument(QJsonArray{room}).toJson();
 }
 
-TEST(RoomCache, GivesBackWhatWasKept) {
+TEST(RoomCacheTest, GivesBackWhatWasKept) {
     const QList<SonosRoom> rooms{{kitchen, plain(), {plain(), full()}},
                                  {QStringLiteral("Küche"), full(), {}}};
     EXPECT_EQ(decodeRooms(encodeRooms(rooms)), rooms);
     EXPECT_EQ(decodeRooms(encodeRooms({})), QList<SonosRoom>());
 }
 
-TEST(RoomCache, AnAddressSurvivesItsOwnWriting) {
+TEST(RoomCacheTest, AnAddressSurvivesItsOwnWriting) {
     const auto rooms = decodeRooms(
         withCoordinatorKey(QStringLiteral("descriptionURL"), QStringLiteral("http://10.0.0.5/##")));
     ASSERT_TRUE(rooms);
     EXPECT_EQ(decodeRooms(encodeRooms(*rooms)), rooms);
 }
 
-TEST(RoomCache, HoldsALargeHouseholdAndNoInventedOne) {
+TEST(RoomCacheTest, HoldsALargeHouseholdAndNoInventedOne) {
     auto speaker = full();
     speaker.manufacturer = QString(100, u'm');
     QList<SonosRoom> rooms;
@@ -89,7 +89,7 @@ TEST(RoomCache, HoldsALargeHouseholdAndNoInventedOne) {
               maxCachedRooms);
 }
 
-TEST(RoomCache, AbsentFieldsAreLeftOut) {
+TEST(RoomCacheTest, AbsentFieldsAreLeftOut) {
     const auto coordinator =
         firstRoom(encodeRooms({{kitchen, plain(), {}}}))[QStringLiteral("coordinator")].toObject();
     auto keys = coordinator.keys();
@@ -99,7 +99,7 @@ TEST(RoomCache, AbsentFieldsAreLeftOut) {
                                  QStringLiteral("model"), QStringLiteral("roomName")}));
 }
 
-TEST(RoomCache, ARoomHasThreeKeys) {
+TEST(RoomCacheTest, ARoomHasThreeKeys) {
     const auto room = firstRoom(encodeRooms({{kitchen, full(), {plain()}}}));
     EXPECT_EQ(room.keys(), (QStringList{QStringLiteral("coordinator"), QStringLiteral("name"),
                                         QStringLiteral("speakers")}));
@@ -108,7 +108,7 @@ TEST(RoomCache, ARoomHasThreeKeys) {
               QStringLiteral("http://10.0.0.5:1400/xml/device%20description.xml?a=%26"));
 }
 
-TEST(RoomCache, EveryRequiredKeyIsRequired) {
+TEST(RoomCacheTest, EveryRequiredKeyIsRequired) {
     for (const auto* key : {"id", "ip", "roomName", "model", "isCoordinator", "isSub", "isVisible"}) {
         const auto name = QString::fromLatin1(key);
         EXPECT_FALSE(decodeRooms(withCoordinatorKey(name, QJsonValue(QJsonValue::Undefined)))) << key;
@@ -117,7 +117,7 @@ TEST(RoomCache, EveryRequiredKeyIsRequired) {
     }
 }
 
-TEST(RoomCache, OptionalKeysMayBeMissingButNotOfAnotherType) {
+TEST(RoomCacheTest, OptionalKeysMayBeMissingButNotOfAnotherType) {
     for (const auto* key : {"groupCoordinatorId", "manufacturer", "modelName", "descriptionURL",
                             "transportPath", "renderingPath", "topologyPath"}) {
         const auto name = QString::fromLatin1(key);
@@ -128,19 +128,19 @@ TEST(RoomCache, OptionalKeysMayBeMissingButNotOfAnotherType) {
     }
 }
 
-TEST(RoomCache, AnAddressMustBeAbsolute) {
+TEST(RoomCacheTest, AnAddressMustBeAbsolute) {
     EXPECT_FALSE(decodeRooms(withCoordinatorKey(QStringLiteral("descriptionURL"), QString())));
     EXPECT_FALSE(decodeRooms(withCoordinatorKey(QStringLiteral("descriptionURL"), QStringLiteral("/xml"))));
     EXPECT_FALSE(
         decodeRooms(withCoordinatorKey(QStringLiteral("descriptionURL"), QStringLiteral("http://[x/"))));
 }
 
-TEST(RoomCache, ASpeakerWithoutAnyUsableAddressIsRefused) {
+TEST(RoomCacheTest, ASpeakerWithoutAnyUsableAddressIsRefused) {
     EXPECT_FALSE(decodeRooms(withCoordinatorKey(QStringLiteral("ip"), QStringLiteral("not a host"))));
     EXPECT_FALSE(decodeRooms(withCoordinatorKey(QStringLiteral("ip"), QString())));
 }
 
-TEST(RoomCache, AnythingElseIsUnreadable) {
+TEST(RoomCacheTest, AnythingElseIsUnreadable) {
     for (const auto* text : {"", "null", "{}", "[", "[1]", "[null]", "[{}]", "\"x\"", "[{\"name\":\"K\"}]",
                              "[{\"name\":\"K\",\"coordinator\":{},\"speakers\":[]}]"})
         EXPECT_FALSE(decodeRooms(text)) << text;
@@ -155,7 +155,7 @@ TEST(RoomCache, AnythingElseIsUnreadable) {
     EXPECT_FALSE(decodeRooms(QJsonDocument(QJsonArray{room}).toJson()));
 }
 
-TEST(RoomCache, OneBadRoomSpoilsAll) {
+TEST(RoomCacheTest, OneBadRoomSpoilsAll) {
     auto array = QJsonDocument::fromJson(encodeRooms({{kitchen, plain(), {}}})).array();
     array.append(QJsonObject());
     EXPECT_FALSE(decodeRooms(QJsonDocument(array).toJson()));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // These run with real threads, and under ThreadSanitizer they show that the manager may end at any time.
-#include "tests/speakers/ManagerFixture.h"
+#include "tests/speakers/ManagerTest.h"
 #include "tests/support/ThreadedFakeHttpSession.h"
 
 #include <chrono>
@@ -40,27 +40,18 @@ private:
 };
 
 /// A world with a pool of threads and a session with a thread.
-class Concurrency : public ::testing::Test {
+class SonosConcurrencyTest : public ::testing::Test {
 protected:
-    struct World {
-        World(ThreadedFakeHttpSession::Answer answer, ThreadedFakeHttpSession::Start start, TaskPool& pool)
-            : tasks(pool)
+    struct ThreadedWorld : test::World {
+        ThreadedWorld(ThreadedFakeHttpSession::Answer answer, ThreadedFakeHttpSession::Start start,
+                      TaskPool& threads)
+            : pool(threads)
             , session(std::move(answer), start) {}
 
-        test::FakeDefaultsStore defaults;
-        test::ManualMainQueue queue;
-        TaskPool& tasks;
-        test::FakeLocalNetwork network;
-        test::RecordingSystemLog log;
-        ServiceHosts hosts;
+        TaskPool& pool;
         LanguageManager languages{defaults, {}};
-        test::FakeStreamPlayerFactory streamPlayers;
-        test::FakeNowPlayingInfoCenter nowPlaying;
-        test::FakeRemoteCommandCenter commands;
-        test::FakeWakeNotifier wake;
-        test::RecordingStandardOutput output;
-        RadioPlayer localPlayer{RadioPlayer::Environment{streamPlayers, defaults, queue, nowPlaying, commands,
-                                                         wake, output, hosts}};
+        RadioPlayer localPlayer{
+            RadioPlayer::Environment{players, defaults, queue, nowPlaying, commands, wake, output, hosts}};
         ThreadedFakeHttpSession session;
         std::unique_ptr<SonosManager> manager;
     };
@@ -74,11 +65,11 @@ protected:
     }
 
     void makeWorld(ThreadedFakeHttpSession::Start start) {
-        world = std::make_unique<World>(everyone, start, pool);
+        world = std::make_unique<ThreadedWorld>(everyone, start, pool);
     }
     SonosManager& startManager() {
         world->manager = std::make_unique<SonosManager>(
-            false, SonosManager::Environment{world->session, world->defaults, world->queue, world->tasks,
+            false, SonosManager::Environment{world->session, world->defaults, world->queue, world->pool,
                                              world->network, world->log, world->languages, world->localPlayer,
                                              world->hosts});
         return *world->manager;
@@ -92,13 +83,13 @@ protected:
     }
 
     test::FakeTaskPool pool{test::FakeTaskPool::Mode::threads};
-    std::unique_ptr<World> world;
+    std::unique_ptr<ThreadedWorld> world;
 };
 
 constexpr auto answering = ThreadedFakeHttpSession::Start::answering;
 constexpr auto held = ThreadedFakeHttpSession::Start::held;
 
-TEST_F(Concurrency, AllInterfacesAreSearchedAtTheSameTime) {
+TEST_F(SonosConcurrencyTest, AllInterfacesAreSearchedAtTheSameTime) {
     makeWorld(answering);
     Arrivals searching;
     bool allAtOnce = true;
@@ -123,7 +114,7 @@ TEST_F(Concurrency, AllInterfacesAreSearchedAtTheSameTime) {
     EXPECT_FALSE(world->manager->isScanning);
 }
 
-TEST_F(Concurrency, AtMostThirtyTwoProbesAreInFlight) {
+TEST_F(SonosConcurrencyTest, AtMostThirtyTwoProbesAreInFlight) {
     makeWorld(held);
     addInterface(localIp, QStringLiteral("10.0.0.255"));
     startManager().discoverDevices(true);
@@ -138,7 +129,7 @@ TEST_F(Concurrency, AtMostThirtyTwoProbesAreInFlight) {
     EXPECT_EQ(world->manager->rooms.get().size(), 254);
 }
 
-TEST_F(Concurrency, AtMostThirtyTwoDescriptionsAndTopologiesAreInFlight) {
+TEST_F(SonosConcurrencyTest, AtMostThirtyTwoDescriptionsAndTopologiesAreInFlight) {
     makeWorld(held);
     addInterface(localIp, QString());
     for (int host = 1; host <= 100; ++host)
@@ -157,7 +148,7 @@ TEST_F(Concurrency, AtMostThirtyTwoDescriptionsAndTopologiesAreInFlight) {
     EXPECT_EQ(world->manager->rooms.get().size(), 100);
 }
 
-TEST_F(Concurrency, TheManagerMayEndDuringTheSearch) {
+TEST_F(SonosConcurrencyTest, TheManagerMayEndDuringTheSearch) {
     makeWorld(answering);
     Arrivals searching;
     Arrivals ended;
@@ -179,7 +170,7 @@ TEST_F(Concurrency, TheManagerMayEndDuringTheSearch) {
     EXPECT_EQ(world->log.lines.size(), 4U) << "the sends, and nothing after the end";
 }
 
-TEST_F(Concurrency, TheManagerMayEndWhileProbesAreOut) {
+TEST_F(SonosConcurrencyTest, TheManagerMayEndWhileProbesAreOut) {
     makeWorld(held);
     addInterface(localIp, QStringLiteral("10.0.0.255"));
     startManager().discoverDevices(true);
@@ -191,7 +182,7 @@ TEST_F(Concurrency, TheManagerMayEndWhileProbesAreOut) {
     EXPECT_EQ(world->session.requests().size(), 32U) << "no further one is sent";
 }
 
-TEST_F(Concurrency, TheManagerMayEndWhileDescriptionsAreOut) {
+TEST_F(SonosConcurrencyTest, TheManagerMayEndWhileDescriptionsAreOut) {
     makeWorld(held);
     addInterface(localIp, QString());
     for (int host = 1; host <= 100; ++host)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/speakers/ManagerFixture.h"
+#include "tests/speakers/ManagerTest.h"
 
 #include <chrono>
 
@@ -17,7 +17,7 @@ SonosRoom roomOf(const SonosSpeaker& speaker) {
     return {speaker.roomName, speaker, {speaker}};
 }
 
-class Manager : public test::ManagerFixture {
+class SonosManagerTest : public test::ManagerTest {
 protected:
     /// A manager that shows these rooms, from the cache.
     SonosManager& startWithRooms(const QList<SonosRoom>& rooms) {
@@ -27,7 +27,7 @@ protected:
     void setLanguage(AppLanguage language) { languages.setLanguage(language); }
 };
 
-TEST_F(Manager, StartsEmptyHereAndSilent) {
+TEST_F(SonosManagerTest, StartsEmptyHereAndSilent) {
     RadioStation::setSavedStation(defaults, RadioStation::joe);
     start(false);
     EXPECT_TRUE(manager->rooms.get().isEmpty());
@@ -37,7 +37,7 @@ TEST_F(Manager, StartsEmptyHereAndSilent) {
     EXPECT_EQ(manager->cacheKey, cacheKey);
 }
 
-TEST_F(Manager, WithoutAutomaticDiscoveryIsInert) {
+TEST_F(SonosManagerTest, WithoutAutomaticDiscoveryIsInert) {
     defaults.values[cacheKey] = encodeRooms({roomOf(otherPlayer(QStringLiteral("A"), kitchen))});
     start(false);
     queue.advance(1h);
@@ -45,19 +45,19 @@ TEST_F(Manager, WithoutAutomaticDiscoveryIsInert) {
     EXPECT_TRUE(manager->rooms.get().isEmpty());
     EXPECT_EQ(defaults.reads, std::vector<QString>{QStringLiteral("zofra_selected_station")}) << "no cache";
     EXPECT_TRUE(defaults.writes.empty());
-    EXPECT_TRUE(session.requests.empty());
+    EXPECT_TRUE(http.requests.empty());
     EXPECT_TRUE(queue.startedTimers().empty());
     EXPECT_EQ(network.listings(), 0);
 }
 
-TEST_F(Manager, WithoutAutomaticDiscoveryStillSearchesWhenAskedButKeepsNothing) {
+TEST_F(SonosManagerTest, WithoutAutomaticDiscoveryStillSearchesWhenAskedButKeepsNothing) {
     house.players = {{1, {QStringLiteral("A"), kitchen}}};
     startWithHouse();
     EXPECT_EQ(manager->rooms.get().size(), 1);
     EXPECT_TRUE(defaults.writes.empty());
 }
 
-TEST_F(Manager, ShowsTheCachedRoomsAtOnceWithoutTellingAnyone) {
+TEST_F(SonosManagerTest, ShowsTheCachedRoomsAtOnceWithoutTellingAnyone) {
     const QList<SonosRoom> cached{roomOf(otherPlayer(QStringLiteral("A"), kitchen))};
     startWithRooms(cached);
     EXPECT_EQ(manager->rooms.get(), cached);
@@ -65,14 +65,14 @@ TEST_F(Manager, ShowsTheCachedRoomsAtOnceWithoutTellingAnyone) {
     EXPECT_TRUE(updates.isEmpty());
 }
 
-TEST_F(Manager, IgnoresAnUnreadableCache) {
+TEST_F(SonosManagerTest, IgnoresAnUnreadableCache) {
     defaults.values[cacheKey] = QByteArray("[{}]");
     start(true);
     EXPECT_TRUE(manager->rooms.get().isEmpty());
     EXPECT_TRUE(log.lines.empty());
 }
 
-TEST_F(Manager, SearchesAtStartWithASubnetScanAndThenEveryMinuteWithout) {
+TEST_F(SonosManagerTest, SearchesAtStartWithASubnetScanAndThenEveryMinuteWithout) {
     network.addInterface(QStringLiteral("eth0"), QStringLiteral("10.0.0.2"), QStringLiteral("10.0.0.255"));
     network.scripts[QStringLiteral("10.0.0.2")].datagrams = {
         test::ssdpAnswer(test::descriptionUrl(1).toString())};
@@ -83,19 +83,19 @@ TEST_F(Manager, SearchesAtStartWithASubnetScanAndThenEveryMinuteWithout) {
     tasks.runAll();
     queue.drain();
     EXPECT_FALSE(manager->isScanning);
-    EXPECT_EQ(session.requests.size(), 256U) << "254 probes, a description, a topology";
-    session.requests.clear();
+    EXPECT_EQ(http.requests.size(), 256U) << "254 probes, a description, a topology";
+    http.requests.clear();
     queue.advance(59'999ms);
     EXPECT_EQ(tasks.waiting(), 0U);
     queue.advance(1ms);
     EXPECT_EQ(tasks.waiting(), 1U);
     tasks.runAll();
-    EXPECT_EQ(session.requests.size(), 2U) << "the interface answered, so no scan";
+    EXPECT_EQ(http.requests.size(), 2U) << "the interface answered, so no scan";
     queue.advance(60s);
     EXPECT_EQ(tasks.waiting(), 1U) << "again and again";
 }
 
-TEST_F(Manager, ASecondSearchWhileOneRunsIsDropped) {
+TEST_F(SonosManagerTest, ASecondSearchWhileOneRunsIsDropped) {
     start(false);
     manager->discoverDevices(false);
     manager->discoverDevices(true);
@@ -111,7 +111,7 @@ TEST_F(Manager, ASecondSearchWhileOneRunsIsDropped) {
     EXPECT_EQ(tasks.waiting(), 1U);
 }
 
-TEST_F(Manager, TheTimersSearchDuringALongOneIsLost) {
+TEST_F(SonosManagerTest, TheTimersSearchDuringALongOneIsLost) {
     start(true);
     queue.advance(180s);
     EXPECT_EQ(tasks.waiting(), 1U);
@@ -120,7 +120,7 @@ TEST_F(Manager, TheTimersSearchDuringALongOneIsLost) {
     EXPECT_EQ(tasks.waiting(), 0U);
 }
 
-TEST_F(Manager, WhatIsFoundIsShownKeptAndTold) {
+TEST_F(SonosManagerTest, WhatIsFoundIsShownKeptAndTold) {
     network.addInterface(QStringLiteral("eth0"), QStringLiteral("10.0.0.2"), QString());
     network.scripts[QStringLiteral("10.0.0.2")].datagrams = {
         test::ssdpAnswer(test::descriptionUrl(1).toString())};
@@ -136,7 +136,7 @@ TEST_F(Manager, WhatIsFoundIsShownKeptAndTold) {
     EXPECT_EQ(decodeRooms(defaults.values[cacheKey].toByteArray()), manager->rooms.get());
 }
 
-TEST_F(Manager, RoomsAreSetThenKeptThenToldAndTheRunEndsAfterThat) {
+TEST_F(SonosManagerTest, RoomsAreSetThenKeptThenToldAndTheRunEndsAfterThat) {
     network.addInterface(QStringLiteral("eth0"), QStringLiteral("10.0.0.2"), QString());
     network.scripts[QStringLiteral("10.0.0.2")].datagrams = {
         test::ssdpAnswer(test::descriptionUrl(1).toString())};
@@ -155,7 +155,7 @@ TEST_F(Manager, RoomsAreSetThenKeptThenToldAndTheRunEndsAfterThat) {
     EXPECT_FALSE(manager->isScanning);
 }
 
-TEST_F(Manager, ARunThatFindsNothingLeavesRoomsAndCache) {
+TEST_F(SonosManagerTest, ARunThatFindsNothingLeavesRoomsAndCache) {
     const QList<SonosRoom> cached{roomOf(otherPlayer(QStringLiteral("A"), kitchen))};
     startWithRooms(cached);
     tasks.runAll();
@@ -166,7 +166,7 @@ TEST_F(Manager, ARunThatFindsNothingLeavesRoomsAndCache) {
     EXPECT_EQ(log.lines.back(), QStringLiteral("[Sonos] Keine erreichbaren Netzwerk-Player gefunden."));
 }
 
-TEST_F(Manager, ChangesAreAnnouncedBeforeTheyTakeEffect) {
+TEST_F(SonosManagerTest, ChangesAreAnnouncedBeforeTheyTakeEffect) {
     start(false);
     QList<bool> seen;
     const auto token = manager->observe([&] { seen.append(manager->isScanning); });
@@ -176,7 +176,7 @@ TEST_F(Manager, ChangesAreAnnouncedBeforeTheyTakeEffect) {
     EXPECT_EQ(seen, (QList<bool>{false, true}));
 }
 
-TEST_F(Manager, ADenialIsFlaggedAndToldOnceAndClearedByALaterSuccess) {
+TEST_F(SonosManagerTest, ADenialIsFlaggedAndToldOnceAndClearedByALaterSuccess) {
     network.addInterface(QStringLiteral("eth0"), QStringLiteral("10.0.0.2"), QString());
     network.scripts[QStringLiteral("10.0.0.2")].sendErrno = {{QStringLiteral("239.255.255.250"), EPERM}};
     start(false);
@@ -207,7 +207,7 @@ TEST_F(Manager, ADenialIsFlaggedAndToldOnceAndClearedByALaterSuccess) {
     EXPECT_EQ(updates[1].size(), 1);
 }
 
-TEST_F(Manager, HandlersMayBeMissing) {
+TEST_F(SonosManagerTest, HandlersMayBeMissing) {
     network.addInterface(QStringLiteral("eth0"), QStringLiteral("10.0.0.2"), QString());
     network.scripts[QStringLiteral("10.0.0.2")].datagrams = {
         test::ssdpAnswer(test::descriptionUrl(1).toString())};
@@ -224,7 +224,7 @@ TEST_F(Manager, HandlersMayBeMissing) {
     EXPECT_EQ(manager->rooms.get().size(), 1);
 }
 
-TEST_F(Manager, FindsARoomByItsId) {
+TEST_F(SonosManagerTest, FindsARoomByItsId) {
     startWithRooms({roomOf(otherPlayer(QStringLiteral("A"), kitchen)),
                     roomOf(otherPlayer(QStringLiteral("B"), kitchen))});
     EXPECT_EQ(manager->room(QStringLiteral("B"))->coordinator.id, QStringLiteral("B"));
@@ -232,7 +232,7 @@ TEST_F(Manager, FindsARoomByItsId) {
     EXPECT_FALSE(manager->room(QString()));
 }
 
-TEST_F(Manager, TheEmptyStateSaysWhy) {
+TEST_F(SonosManagerTest, TheEmptyStateSaysWhy) {
     start(false);
     const QList<QPair<AppLanguage, QStringList>> rows{
         {AppLanguage::en,
@@ -261,7 +261,7 @@ TEST_F(Manager, TheEmptyStateSaysWhy) {
     }
 }
 
-TEST_F(Manager, TheTitleOfHereAndEverywhereFollowsTheLanguage) {
+TEST_F(SonosManagerTest, TheTitleOfHereAndEverywhereFollowsTheLanguage) {
     start(false);
     const QList<std::tuple<AppLanguage, QString, QString>> rows{
         {AppLanguage::en, QStringLiteral("This Mac"), QStringLiteral("Everywhere (All Rooms)")},
@@ -277,7 +277,7 @@ TEST_F(Manager, TheTitleOfHereAndEverywhereFollowsTheLanguage) {
     }
 }
 
-TEST_F(Manager, ARoomIsTitledByItsName) {
+TEST_F(SonosManagerTest, ARoomIsTitledByItsName) {
     startWithRooms({roomOf(otherPlayer(QStringLiteral("A"), kitchen)),
                     roomOf(otherPlayer(QStringLiteral("B"), QStringLiteral("kitchen")))});
     EXPECT_EQ(titles(), (QStringList{kitchen, QStringLiteral("kitchen")})) << "case makes another name";
@@ -285,7 +285,7 @@ TEST_F(Manager, ARoomIsTitledByItsName) {
     EXPECT_EQ(manager->activeTargetTitle(), QStringLiteral("kitchen"));
 }
 
-TEST_F(Manager, NamesakesOfTwoBrandsAreToldApartByBrand) {
+TEST_F(SonosManagerTest, NamesakesOfTwoBrandsAreToldApartByBrand) {
     startWithRooms(
         {roomOf(otherPlayer(QStringLiteral("A"), kitchen)), roomOf(ownPlayer(QStringLiteral("B"), kitchen))});
     EXPECT_EQ(titles(), (QStringList{QStringLiteral("Kitchen (Sonos)"), QStringLiteral("Kitchen (Zofra)")}));
@@ -293,7 +293,7 @@ TEST_F(Manager, NamesakesOfTwoBrandsAreToldApartByBrand) {
     EXPECT_EQ(manager->activeTargetTitle(), QStringLiteral("Kitchen (Zofra)"));
 }
 
-TEST_F(Manager, TheBrandIsReadFromManufacturerOrModelNameInAnyCase) {
+TEST_F(SonosManagerTest, TheBrandIsReadFromManufacturerOrModelNameInAnyCase) {
     auto byMaker = otherPlayer(QStringLiteral("A"), kitchen, 1);
     byMaker.manufacturer = QStringLiteral("zofra pi player");
     auto byModel = otherPlayer(QStringLiteral("B"), kitchen, 2);
@@ -306,7 +306,7 @@ TEST_F(Manager, TheBrandIsReadFromManufacturerOrModelNameInAnyCase) {
                                      QStringLiteral("Kitchen (Zofra) – 10.0.0.3")}));
 }
 
-TEST_F(Manager, NamesakesOfOneBrandAreToldApartByMore) {
+TEST_F(SonosManagerTest, NamesakesOfOneBrandAreToldApartByMore) {
     startWithRooms({roomOf(otherPlayer(QStringLiteral("A"), kitchen, 1)),
                     roomOf(otherPlayer(QStringLiteral("B"), kitchen, 2)),
                     roomOf(ownPlayer(QStringLiteral("C"), kitchen, 3))});
@@ -315,14 +315,14 @@ TEST_F(Manager, NamesakesOfOneBrandAreToldApartByMore) {
                            QStringLiteral("Kitchen (Sonos) – 10.0.0.2"), QStringLiteral("Kitchen (Zofra)")}));
 }
 
-TEST_F(Manager, NamesakesAtOneAddressAreToldApartById) {
+TEST_F(SonosManagerTest, NamesakesAtOneAddressAreToldApartById) {
     startWithRooms({roomOf(otherPlayer(QStringLiteral("A"), kitchen, 1)),
                     roomOf(otherPlayer(QStringLiteral("B"), kitchen, 1))});
     EXPECT_EQ(titles(),
               (QStringList{QStringLiteral("Kitchen (Sonos) – A"), QStringLiteral("Kitchen (Sonos) – B")}));
 }
 
-TEST_F(Manager, ARoomThatIsGoneKeepsTheTitleItHadLast) {
+TEST_F(SonosManagerTest, ARoomThatIsGoneKeepsTheTitleItHadLast) {
     network.addInterface(QStringLiteral("eth0"), QStringLiteral("10.0.0.2"), QString());
     auto& datagrams = network.scripts[QStringLiteral("10.0.0.2")].datagrams;
     datagrams = {test::ssdpAnswer(test::descriptionUrl(9).toString())};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/speakers/ManagerFixture.h"
+#include "tests/speakers/ManagerTest.h"
 
 namespace zofra {
 namespace {
@@ -16,7 +16,7 @@ QString member(const QString& uuid, int host, const QString& name) {
     return memberXml(uuid, test::descriptionUrl(host).toString(), name);
 }
 
-class Playback : public test::ManagerFixture {
+class SonosPlaybackTest : public test::ManagerTest {
 protected:
     /// Three rooms of other makers' players at 10.0.0.1 to .3, A leading B, and an own player at .4.
     SonosManager& startWithFourRooms() {
@@ -36,25 +36,25 @@ protected:
         manager->selectTarget(AudioOutputTarget::sonosEverywhere());
         queue.drain();
         ASSERT_TRUE(manager->isSonosPlaying);
-        session.requests.clear();
+        http.requests.clear();
         states.clear();
     }
     void playRoom(const QString& id) {
         manager->selectTarget(AudioOutputTarget::sonos(id));
         queue.drain();
         ASSERT_TRUE(manager->isSonosPlaying);
-        session.requests.clear();
+        http.requests.clear();
         states.clear();
     }
 
     QByteArray uriOf(std::size_t request) const {
-        const auto& body = session.requests.at(request).body;
+        const auto& body = http.requests.at(request).body;
         const auto start = body.indexOf("<CurrentURI>") + 12;
         return body.mid(start, body.indexOf("</CurrentURI>") - start);
     }
 };
 
-TEST_F(Playback, InARoomGivesItsPlayerTheStream) {
+TEST_F(SonosPlaybackTest, InARoomGivesItsPlayerTheStream) {
     startWithFourRooms();
     manager->selectTarget(AudioOutputTarget::sonos(c));
     EXPECT_EQ(manager->activeTarget.get(), AudioOutputTarget::sonos(c));
@@ -67,7 +67,7 @@ TEST_F(Playback, InARoomGivesItsPlayerTheStream) {
     EXPECT_TRUE(log.lines.empty());
 }
 
-TEST_F(Playback, AGroupedPlayerLeavesItsGroupFirst) {
+TEST_F(SonosPlaybackTest, AGroupedPlayerLeavesItsGroupFirst) {
     startWithFourRooms();
     manager->selectTarget(AudioOutputTarget::sonos(b));
     EXPECT_EQ(requests(),
@@ -75,10 +75,10 @@ TEST_F(Playback, AGroupedPlayerLeavesItsGroupFirst) {
                              "Play 10.0.0.2"));
 }
 
-TEST_F(Playback, EverywhereOthersFollowTheFirstAndOwnPlayersPlayAlone) {
+TEST_F(SonosPlaybackTest, EverywhereOthersFollowTheFirstAndOwnPlayersPlayAlone) {
     startWithFourRooms();
     manager->selectTarget(AudioOutputTarget::sonosEverywhere());
-    ASSERT_EQ(session.requests.size(), 6U);
+    ASSERT_EQ(http.requests.size(), 6U);
     EXPECT_EQ(uriOf(2), "x-rincon:A");
     EXPECT_EQ(uriOf(3), "x-rincon:A");
     EXPECT_EQ(uriOf(4), RadioStation(RadioStation::zofra).networkPlayerStreamURI(hosts).toUtf8());
@@ -90,35 +90,35 @@ TEST_F(Playback, EverywhereOthersFollowTheFirstAndOwnPlayersPlayAlone) {
     EXPECT_EQ(states, QList<bool>{true});
 }
 
-TEST_F(Playback, TheGroupsStartAtOnceAndEachStepWaitsForTheOneBefore) {
+TEST_F(SonosPlaybackTest, TheGroupsStartAtOnceAndEachStepWaitsForTheOneBefore) {
     startWithFourRooms();
     holdRequests();
     manager->selectTarget(AudioOutputTarget::sonosEverywhere());
     EXPECT_EQ(requests(), QStringLiteral("SetAVTransportURI 10.0.0.1, SetAVTransportURI 10.0.0.4"));
-    session.answer(200, {});
+    http.answer(200, {});
     EXPECT_EQ(requests(), QStringLiteral("Play 10.0.0.1"));
-    session.answer(204, {});
+    http.answer(204, {});
     EXPECT_EQ(requests(), QStringLiteral("Play 10.0.0.4"));
-    session.answer(200, {});
+    http.answer(200, {});
     EXPECT_EQ(requests(), QStringLiteral("SetAVTransportURI 10.0.0.2, SetAVTransportURI 10.0.0.3"));
-    session.answer(200, {});
-    session.answer(200, {});
+    http.answer(200, {});
+    http.answer(200, {});
     queue.drain();
     EXPECT_TRUE(states.isEmpty()) << "one follower has not answered";
-    session.answer(500, {});
+    http.answer(500, {});
     queue.drain();
     EXPECT_EQ(states, QList<bool>{true}) << "followers do not count";
-    EXPECT_TRUE(session.open.empty());
+    EXPECT_TRUE(http.open.empty());
 }
 
-TEST_F(Playback, AGroupThatFailsAtAnyStepIsNotAskedFurther) {
+TEST_F(SonosPlaybackTest, AGroupThatFailsAtAnyStepIsNotAskedFurther) {
     for (int failing = 0; failing < 3; ++failing) {
         startWithFourRooms();
         holdRequests();
         manager->selectTarget(AudioOutputTarget::sonos(b));
         for (int step = 0; step <= failing; ++step)
-            session.answer(step == failing ? 500 : 200, {});
-        EXPECT_EQ(session.requests.size(), static_cast<std::size_t>(failing) + 1);
+            http.answer(step == failing ? 500 : 200, {});
+        EXPECT_EQ(http.requests.size(), static_cast<std::size_t>(failing) + 1);
         queue.drain();
         EXPECT_FALSE(manager->isSonosPlaying);
         EXPECT_EQ(states.takeLast(), false);
@@ -129,13 +129,13 @@ TEST_F(Playback, AGroupThatFailsAtAnyStepIsNotAskedFurther) {
     }
 }
 
-TEST_F(Playback, APartialStartIsLoggedAndCountsAsPlaying) {
+TEST_F(SonosPlaybackTest, APartialStartIsLoggedAndCountsAsPlaying) {
     house.players = {
         {1, {a, QStringLiteral("Attic")}},
         {4, {own, QStringLiteral("Office"), QStringLiteral("Zofra Pi Player")}},
         {5, {QStringLiteral("Own2"), QStringLiteral("Hall"), QStringLiteral("Zofra Pi Player")}}};
     startWithHouse();
-    session.automatic = [](const HttpRequest& request) {
+    http.automatic = [](const HttpRequest& request) {
         return test::answered(request.url.host().endsWith(u'4') ? 500 : 200);
     };
     manager->selectTarget(AudioOutputTarget::sonosEverywhere());
@@ -147,7 +147,7 @@ TEST_F(Playback, APartialStartIsLoggedAndCountsAsPlaying) {
                   QStringLiteral("[Sonos] Wiedergabe nur auf 2 von 3 Ausgabegruppen gestartet.")}));
 }
 
-TEST_F(Playback, TheStateIsToldBeforeAPartialStartIsLogged) {
+TEST_F(SonosPlaybackTest, TheStateIsToldBeforeAPartialStartIsLogged) {
     house.players = {{1, {a, QStringLiteral("Attic")}}};
     startWithHouse();
     house.controlStatus = 500;
@@ -161,7 +161,7 @@ TEST_F(Playback, TheStateIsToldBeforeAPartialStartIsLogged) {
               QStringLiteral("[Sonos] Wiedergabe nur auf 0 von 1 Ausgabegruppen gestartet."));
 }
 
-TEST_F(Playback, EverywhereWithoutPlayersStartsNothing) {
+TEST_F(SonosPlaybackTest, EverywhereWithoutPlayersStartsNothing) {
     start(false);
     manager->isSonosPlaying = true;
     manager->selectTarget(AudioOutputTarget::sonosEverywhere());
@@ -169,28 +169,28 @@ TEST_F(Playback, EverywhereWithoutPlayersStartsNothing) {
     queue.drain();
     EXPECT_FALSE(manager->isSonosPlaying);
     EXPECT_EQ(states, QList<bool>{false});
-    EXPECT_TRUE(session.requests.empty());
+    EXPECT_TRUE(http.requests.empty());
     EXPECT_TRUE(log.lines.empty()) << "none of none is all";
 }
 
-TEST_F(Playback, AnUnknownRoomDoesNothing) {
+TEST_F(SonosPlaybackTest, AnUnknownRoomDoesNothing) {
     startWithFourRooms();
     manager->playZofra(QStringLiteral("unknown"));
     queue.drain();
-    EXPECT_TRUE(session.requests.empty());
+    EXPECT_TRUE(http.requests.empty());
     EXPECT_TRUE(states.isEmpty());
     manager->selectTarget(AudioOutputTarget::sonos(QStringLiteral("unknown")));
     queue.drain();
-    EXPECT_TRUE(session.requests.empty());
+    EXPECT_TRUE(http.requests.empty());
     EXPECT_EQ(manager->activeTarget.get(), AudioOutputTarget::sonos(QStringLiteral("unknown")));
     manager->isSonosPlaying = true;
     manager->togglePlayPause();
     queue.drain();
-    EXPECT_TRUE(session.requests.empty());
+    EXPECT_TRUE(http.requests.empty());
     EXPECT_TRUE(manager->isSonosPlaying);
 }
 
-TEST_F(Playback, TheLocalPlayerIsSilencedBeforeThePlayersAreAsked) {
+TEST_F(SonosPlaybackTest, TheLocalPlayerIsSilencedBeforeThePlayersAreAsked) {
     startWithFourRooms();
     for (const auto& target : {AudioOutputTarget::sonos(c), AudioOutputTarget::sonosEverywhere()}) {
         localPlayer.play();
@@ -198,8 +198,8 @@ TEST_F(Playback, TheLocalPlayerIsSilencedBeforeThePlayersAreAsked) {
         QList<bool> told;
         localPlayer.onPlaybackStateChanged = [&](bool playing) { told.append(playing); };
         bool wasSilent = false;
-        session.automatic = [&](const HttpRequest&) {
-            wasSilent = !localPlayer.isPlaying && !streamPlayers.current()->wanted;
+        http.automatic = [&](const HttpRequest&) {
+            wasSilent = !localPlayer.isPlaying && !players.current()->wanted;
             return test::answered(200);
         };
         manager->selectTarget(target);
@@ -211,7 +211,7 @@ TEST_F(Playback, TheLocalPlayerIsSilencedBeforeThePlayersAreAsked) {
     }
 }
 
-TEST_F(Playback, ThisComputerStopsThePlayersAndStartsNothing) {
+TEST_F(SonosPlaybackTest, ThisComputerStopsThePlayersAndStartsNothing) {
     startWithFourRooms();
     playEverywhere();
     manager->selectTarget(AudioOutputTarget::localMac());
@@ -221,7 +221,7 @@ TEST_F(Playback, ThisComputerStopsThePlayersAndStartsNothing) {
     EXPECT_FALSE(localPlayer.isPlaying);
 }
 
-TEST_F(Playback, ThisComputerIsToldOfOnceThePlayersHaveBeenToldToStop) {
+TEST_F(SonosPlaybackTest, ThisComputerIsToldOfOnceThePlayersHaveBeenToldToStop) {
     startWithFourRooms();
     playEverywhere();
     QString askedWhenTold;
@@ -230,7 +230,7 @@ TEST_F(Playback, ThisComputerIsToldOfOnceThePlayersHaveBeenToldToStop) {
     EXPECT_EQ(askedWhenTold, QStringLiteral("Stop 10.0.0.1, Stop 10.0.0.2, Stop 10.0.0.3, Stop 10.0.0.4"));
 }
 
-TEST_F(Playback, StoppingAllReachesEveryControllablePlayerAndTellsNobody) {
+TEST_F(SonosPlaybackTest, StoppingAllReachesEveryControllablePlayerAndTellsNobody) {
     house.players = {{1, {a, QStringLiteral("Attic")}},
                      {2, {b, QStringLiteral("Attic"), QStringLiteral("Sonos Sub")}},
                      {3, {c, QStringLiteral("Attic")}}};
@@ -246,18 +246,18 @@ TEST_F(Playback, StoppingAllReachesEveryControllablePlayerAndTellsNobody) {
     EXPECT_TRUE(states.isEmpty());
 }
 
-TEST_F(Playback, AnotherStationIsOnlyRecordedWhileThePlayersAreStopped) {
+TEST_F(SonosPlaybackTest, AnotherStationIsOnlyRecordedWhileThePlayersAreStopped) {
     startWithFourRooms();
     manager->activeTarget = AudioOutputTarget::sonos(c);
     manager->setStation(RadioStation::joe);
     queue.drain();
-    EXPECT_TRUE(session.requests.empty());
+    EXPECT_TRUE(http.requests.empty());
     EXPECT_EQ(manager->currentStation.get(), RadioStation::joe);
     manager->togglePlayPause();
     EXPECT_EQ(uriOf(0), RadioStation(RadioStation::joe).networkPlayerStreamURI(hosts).toUtf8());
 }
 
-TEST_F(Playback, AnotherStationIsSentToARoomThatPlays) {
+TEST_F(SonosPlaybackTest, AnotherStationIsSentToARoomThatPlays) {
     startWithFourRooms();
     playRoom(c);
     manager->setStation(RadioStation::insideRadio);
@@ -267,32 +267,32 @@ TEST_F(Playback, AnotherStationIsSentToARoomThatPlays) {
     EXPECT_EQ(states, QList<bool>{true});
 }
 
-TEST_F(Playback, AnotherStationIsSentEverywhere) {
+TEST_F(SonosPlaybackTest, AnotherStationIsSentEverywhere) {
     startWithFourRooms();
     playEverywhere();
     manager->setStation(RadioStation::qmusic);
-    EXPECT_EQ(session.requests.size(), 6U);
+    EXPECT_EQ(http.requests.size(), 6U);
 }
 
-TEST_F(Playback, TheSameStationIsNotSentAgain) {
+TEST_F(SonosPlaybackTest, TheSameStationIsNotSentAgain) {
     startWithFourRooms();
     playRoom(c);
     int changes = 0;
     const auto token = manager->observe([&] { ++changes; });
     manager->setStation(RadioStation::zofra);
     EXPECT_EQ(changes, 0);
-    EXPECT_TRUE(session.requests.empty());
+    EXPECT_TRUE(http.requests.empty());
 }
 
-TEST_F(Playback, AnotherStationForThisComputerReachesNoPlayer) {
+TEST_F(SonosPlaybackTest, AnotherStationForThisComputerReachesNoPlayer) {
     startWithFourRooms();
     manager->isSonosPlaying = true;
     manager->setStation(RadioStation::qmusic);
-    EXPECT_TRUE(session.requests.empty());
+    EXPECT_TRUE(http.requests.empty());
     EXPECT_EQ(manager->currentStation.get(), RadioStation::qmusic);
 }
 
-TEST_F(Playback, TogglingARoomPlaysAndPauses) {
+TEST_F(SonosPlaybackTest, TogglingARoomPlaysAndPauses) {
     startWithFourRooms();
     manager->activeTarget = AudioOutputTarget::sonos(c);
     manager->togglePlayPause();
@@ -307,7 +307,7 @@ TEST_F(Playback, TogglingARoomPlaysAndPauses) {
     EXPECT_EQ(states, (QList<bool>{true, false}));
 }
 
-TEST_F(Playback, APauseThatFailsLeavesTheRoomPlaying) {
+TEST_F(SonosPlaybackTest, APauseThatFailsLeavesTheRoomPlaying) {
     startWithFourRooms();
     playRoom(c);
     house.controlStatus = 500;
@@ -317,7 +317,7 @@ TEST_F(Playback, APauseThatFailsLeavesTheRoomPlaying) {
     EXPECT_EQ(states, QList<bool>{true});
 }
 
-TEST_F(Playback, TogglingEverywherePlaysAndStops) {
+TEST_F(SonosPlaybackTest, TogglingEverywherePlaysAndStops) {
     startWithFourRooms();
     manager->activeTarget = AudioOutputTarget::sonosEverywhere();
     manager->togglePlayPause();
@@ -330,7 +330,7 @@ TEST_F(Playback, TogglingEverywherePlaysAndStops) {
     EXPECT_EQ(states, (QList<bool>{true, false}));
 }
 
-TEST_F(Playback, TogglingThisComputerTogglesTheLocalPlayer) {
+TEST_F(SonosPlaybackTest, TogglingThisComputerTogglesTheLocalPlayer) {
     startWithFourRooms();
     manager->togglePlayPause();
     EXPECT_TRUE(localPlayer.isPlaying);
@@ -340,14 +340,14 @@ TEST_F(Playback, TogglingThisComputerTogglesTheLocalPlayer) {
     EXPECT_FALSE(localPlayer.isPlaying);
     EXPECT_FALSE(localPlayer.isBuffering);
     EXPECT_EQ(told, QList<bool>{false});
-    EXPECT_TRUE(session.requests.empty());
+    EXPECT_TRUE(http.requests.empty());
     EXPECT_TRUE(states.isEmpty());
 }
 
 /// Two players of one room, of which the one with the larger id leads.
-class PausingASharedRoom : public Playback {
+class PausingASharedRoomTest : public SonosPlaybackTest {
 protected:
-    PausingASharedRoom() {
+    PausingASharedRoomTest() {
         const auto lounge = QStringLiteral("Lounge");
         house.players = {{1, {a, lounge}}, {2, {b, lounge}}, {3, {c, QStringLiteral("Cellar")}}};
         house.groups = {groupXml(b, member(a, 1, lounge) + member(b, 2, lounge)),
@@ -356,7 +356,7 @@ protected:
     }
 };
 
-TEST_F(PausingASharedRoom, ReachesTheCoordinatorAndTheLeaderOfTheLastPlay) {
+TEST_F(PausingASharedRoomTest, ReachesTheCoordinatorAndTheLeaderOfTheLastPlay) {
     manager->selectTarget(AudioOutputTarget::sonos(b));
     EXPECT_EQ(requests(),
               QStringLiteral("BecomeCoordinatorOfStandaloneGroup 10.0.0.1, SetAVTransportURI 10.0.0.1, "
@@ -368,31 +368,31 @@ TEST_F(PausingASharedRoom, ReachesTheCoordinatorAndTheLeaderOfTheLastPlay) {
     EXPECT_FALSE(manager->isSonosPlaying);
 }
 
-TEST_F(PausingASharedRoom, SucceedsWhenAnyOfThemPauses) {
+TEST_F(PausingASharedRoomTest, SucceedsWhenAnyOfThemPauses) {
     for (const auto& [first, second, playing] :
          {std::tuple(500, 200, false), {200, 500, false}, {500, 500, true}}) {
         answerRequests();
         playRoom(b);
         holdRequests();
         manager->togglePlayPause();
-        session.answer(first, {});
+        http.answer(first, {});
         queue.drain();
         EXPECT_TRUE(states.isEmpty()) << "the other one has not answered";
-        session.answer(second, {});
+        http.answer(second, {});
         queue.drain();
         EXPECT_EQ(states, QList<bool>{playing});
         EXPECT_EQ(manager->isSonosPlaying.get(), playing);
     }
 }
 
-TEST_F(PausingASharedRoom, DoesNotReachLeadersOfAnotherRoom) {
+TEST_F(PausingASharedRoomTest, DoesNotReachLeadersOfAnotherRoom) {
     playRoom(b);
     manager->activeTarget = AudioOutputTarget::sonos(c);
     manager->togglePlayPause();
     EXPECT_EQ(requests(), QStringLiteral("Pause 10.0.0.3"));
 }
 
-TEST_F(PausingASharedRoom, ReachesALeaderWhereItWasFoundLast) {
+TEST_F(PausingASharedRoomTest, ReachesALeaderWhereItWasFoundLast) {
     playRoom(b);
     house.players = {{7, {a, QStringLiteral("Lounge")}}, {2, {b, QStringLiteral("Lounge")}}};
     network.scripts[QStringLiteral("10.0.0.2")].datagrams.push_back(
@@ -400,62 +400,62 @@ TEST_F(PausingASharedRoom, ReachesALeaderWhereItWasFoundLast) {
     manager->discoverDevices(false);
     tasks.runAll();
     queue.drain();
-    session.requests.clear();
+    http.requests.clear();
     manager->togglePlayPause();
     EXPECT_EQ(requests(), QStringLiteral("Pause 10.0.0.2, Pause 10.0.0.7"));
 }
 
-TEST_F(Playback, TheVolumeOfARoomReachesAllItsPlayersClamped) {
+TEST_F(SonosPlaybackTest, TheVolumeOfARoomReachesAllItsPlayersClamped) {
     const auto lounge = QStringLiteral("Lounge");
     house.players = {{1, {a, lounge}}, {2, {b, lounge}}, {3, {c, QStringLiteral("Cellar")}}};
     house.groups = {groupXml(a, member(a, 1, lounge) + member(b, 2, lounge))};
     startWithHouse();
     manager->setVolume(150, *manager->room(a));
-    ASSERT_EQ(session.requests.size(), 2U);
-    for (const auto& request : session.requests)
+    ASSERT_EQ(http.requests.size(), 2U);
+    for (const auto& request : http.requests)
         EXPECT_TRUE(request.body.contains("<DesiredVolume>100</DesiredVolume>"));
     EXPECT_EQ(requests(), QStringLiteral("SetVolume 10.0.0.1, SetVolume 10.0.0.2"));
     queue.drain();
     EXPECT_TRUE(states.isEmpty());
 }
 
-TEST_F(Playback, TheVolumeEverywhereReachesEveryControllablePlayer) {
+TEST_F(SonosPlaybackTest, TheVolumeEverywhereReachesEveryControllablePlayer) {
     startWithFourRooms();
     manager->setVolumeEverywhere(-1);
-    ASSERT_EQ(session.requests.size(), 4U);
-    for (const auto& request : session.requests)
+    ASSERT_EQ(http.requests.size(), 4U);
+    for (const auto& request : http.requests)
         EXPECT_TRUE(request.body.contains("<DesiredVolume>0</DesiredVolume>"));
     EXPECT_EQ(
         requests(),
         QStringLiteral("SetVolume 10.0.0.1, SetVolume 10.0.0.2, SetVolume 10.0.0.3, SetVolume 10.0.0.4"));
 }
 
-TEST_F(Playback, ADenialDuringControlIsFlagged) {
+TEST_F(SonosPlaybackTest, ADenialDuringControlIsFlagged) {
     startWithFourRooms();
-    session.automatic = [](const HttpRequest&) { return test::failed(HttpError::Code::notConnected); };
+    http.automatic = [](const HttpRequest&) { return test::failed(HttpError::Code::notConnected); };
     manager->setVolumeEverywhere(10);
     queue.drain();
     EXPECT_TRUE(manager->localNetworkDenied);
     EXPECT_EQ(updates.size(), 1);
 }
 
-TEST_F(Playback, AManagerThatEndsMeanwhileIsNotTouchedAgain) {
+TEST_F(SonosPlaybackTest, AManagerThatEndsMeanwhileIsNotTouchedAgain) {
     startWithFourRooms();
     holdRequests();
     manager->selectTarget(AudioOutputTarget::sonosEverywhere());
     manager->setVolumeEverywhere(5);
-    session.answer(200, {});
+    http.answer(200, {});
     manager.reset();
-    const auto sent = session.requests.size();
-    while (!session.open.empty())
-        session.answer(500, {});
+    const auto sent = http.requests.size();
+    while (!http.open.empty())
+        http.answer(500, {});
     queue.drain();
-    EXPECT_EQ(session.requests.size(), sent) << "the chain ends";
+    EXPECT_EQ(http.requests.size(), sent) << "the chain ends";
     EXPECT_TRUE(log.lines.empty());
     EXPECT_TRUE(states.isEmpty());
 }
 
-TEST_F(Playback, AWorkItemThatComesAfterTheManagerDoesNothing) {
+TEST_F(SonosPlaybackTest, AWorkItemThatComesAfterTheManagerDoesNothing) {
     startWithFourRooms();
     manager->discoverDevices(true);
     manager.reset();
@@ -463,10 +463,10 @@ TEST_F(Playback, AWorkItemThatComesAfterTheManagerDoesNothing) {
     tasks.runAll();
     queue.drain();
     EXPECT_EQ(network.listings(), before);
-    EXPECT_TRUE(session.requests.empty());
+    EXPECT_TRUE(http.requests.empty());
 }
 
-TEST_F(Playback, TheTimerEndsWithTheManager) {
+TEST_F(SonosPlaybackTest, TheTimerEndsWithTheManager) {
     start(true);
     EXPECT_EQ(queue.pendingTimers(), 1U);
     manager.reset();

@@ -17,19 +17,19 @@ using test::otherPlayer;
 
 const QString fallback = QStringLiteral("/MediaRenderer/AVTransport/Control");
 
-TEST(SonosSpeaker, WithoutDescriptionURLIsDescribedAtTheUsualAddress) {
+TEST(SonosSpeakerTest, WithoutDescriptionURLIsDescribedAtTheUsualAddress) {
     const auto speaker = otherPlayer(QStringLiteral("A"), QStringLiteral("Kitchen"), 5);
     EXPECT_EQ(speaker.deviceDescriptionURL().toString(),
               QStringLiteral("http://10.0.0.5:1400/xml/device_description.xml"));
 }
 
-TEST(SonosSpeaker, WithDescriptionURLIsDescribedThere) {
+TEST(SonosSpeakerTest, WithDescriptionURLIsDescribedThere) {
     auto speaker = otherPlayer(QStringLiteral("A"), QStringLiteral("Kitchen"));
     speaker.descriptionURL = QUrl(QStringLiteral("https://10.9.9.9:1443/d.xml"));
     EXPECT_EQ(speaker.deviceDescriptionURL(), *speaker.descriptionURL);
 }
 
-TEST(SonosSpeaker, AnIPv6AddressIsAHost) {
+TEST(SonosSpeakerTest, AnIPv6AddressIsAHost) {
     auto speaker = otherPlayer(QStringLiteral("A"), QStringLiteral("Kitchen"));
     speaker.ip = QStringLiteral("fe80::1");
     EXPECT_EQ(speaker.deviceDescriptionURL().toString(),
@@ -48,26 +48,26 @@ QString endpointOf(const std::optional<QString>& path) {
     return speaker.endpoint(path, fallback).toString();
 }
 
-TEST(SonosSpeakerEndpoint, ResolvesAPathFromTheRoot) {
+TEST(SonosSpeakerEndpointTest, ResolvesAPathFromTheRoot) {
     EXPECT_EQ(endpointOf(QStringLiteral("/MediaRenderer/AVTransport/Control")),
               QStringLiteral("http://10.0.0.5:1400/MediaRenderer/AVTransport/Control"));
 }
 
-TEST(SonosSpeakerEndpoint, ResolvesAPathBesideTheDescription) {
+TEST(SonosSpeakerEndpointTest, ResolvesAPathBesideTheDescription) {
     EXPECT_EQ(endpointOf(QStringLiteral("control")), QStringLiteral("http://10.0.0.5:1400/xml/control"));
 }
 
-TEST(SonosSpeakerEndpoint, TakesAnAbsoluteHttpAddressAsItIs) {
+TEST(SonosSpeakerEndpointTest, TakesAnAbsoluteHttpAddressAsItIs) {
     EXPECT_EQ(endpointOf(QStringLiteral("https://10.0.0.9:1443/c")),
               QStringLiteral("https://10.0.0.9:1443/c"));
 }
 
-TEST(SonosSpeakerEndpoint, FallsBackWithoutAPath) {
+TEST(SonosSpeakerEndpointTest, FallsBackWithoutAPath) {
     EXPECT_EQ(endpointOf(std::nullopt),
               QStringLiteral("http://10.0.0.5:1400/MediaRenderer/AVTransport/Control"));
 }
 
-TEST(SonosSpeakerEndpoint, FallsBackOnAnotherScheme) {
+TEST(SonosSpeakerEndpointTest, FallsBackOnAnotherScheme) {
     const auto expected = QStringLiteral("http://10.0.0.5:1400/MediaRenderer/AVTransport/Control");
     EXPECT_EQ(endpointOf(QStringLiteral("ftp://10.0.0.5/c")), expected);
     EXPECT_EQ(endpointOf(QStringLiteral("HTTP://10.0.0.5/c")), expected) << "schemes compare with their case";
@@ -75,26 +75,26 @@ TEST(SonosSpeakerEndpoint, FallsBackOnAnotherScheme) {
     EXPECT_EQ(endpointOf(QStringLiteral("http:///c")), expected) << "no host";
 }
 
-TEST(SonosSpeakerEndpoint, FallsBackOnWhatIsNoReference) {
+TEST(SonosSpeakerEndpointTest, FallsBackOnWhatIsNoReference) {
     const auto expected = QStringLiteral("http://10.0.0.5:1400/MediaRenderer/AVTransport/Control");
     EXPECT_EQ(endpointOf(QStringLiteral("http://[::1/c")), expected);
     EXPECT_EQ(endpointOf(QString()), expected);
 }
 
-TEST(SonosSpeakerIsZofra, ByManufacturerInAnyCaseWhateverTheModel) {
+TEST(SonosSpeakerIsZofraTest, ByManufacturerInAnyCaseWhateverTheModel) {
     auto speaker = otherPlayer(QStringLiteral("A"), QStringLiteral("Kitchen"));
     speaker.model = QStringLiteral("Sonos");
     speaker.manufacturer = QStringLiteral("zOFRA zofra");
     EXPECT_TRUE(speaker.isZofra());
 }
 
-TEST(SonosSpeakerIsZofra, NotByTheBeginningOfTheManufacturer) {
+TEST(SonosSpeakerIsZofraTest, NotByTheBeginningOfTheManufacturer) {
     auto speaker = otherPlayer(QStringLiteral("A"), QStringLiteral("Kitchen"));
     speaker.manufacturer = QStringLiteral("Zofra Zofra Ltd");
     EXPECT_FALSE(speaker.isZofra());
 }
 
-TEST(SonosSpeakerIsZofra, ByModelNameOrModel) {
+TEST(SonosSpeakerIsZofraTest, ByModelNameOrModel) {
     auto speaker = otherPlayer(QStringLiteral("A"), QStringLiteral("Kitchen"));
     speaker.manufacturer = std::nullopt;
     speaker.modelName = QStringLiteral("ZOFRA PI PLAYER");
@@ -107,7 +107,7 @@ TEST(SonosSpeakerIsZofra, ByModelNameOrModel) {
     EXPECT_FALSE(speaker.isZofra()) << "that is a manufacturer, not a model";
 }
 
-TEST(SonosSpeaker, EveryFieldCountsForEqualityAndHash) {
+TEST(SonosSpeakerTest, EveryFieldCountsForEqualityAndHash) {
     SonosSpeaker whole;
     whole.id = whole.ip = whole.roomName = whole.model = QStringLiteral("x");
     whole.groupCoordinatorId = whole.manufacturer = whole.modelName = QStringLiteral("x");
@@ -138,7 +138,7 @@ TEST(SonosSpeaker, EveryFieldCountsForEqualityAndHash) {
     EXPECT_EQ(all.size(), 15);
 }
 
-TEST(SonosSpeaker, AnAbsentTextIsNotAnEmptyOne) {
+TEST(SonosSpeakerTest, AnAbsentTextIsNotAnEmptyOne) {
     auto a = otherPlayer(QStringLiteral("A"), QStringLiteral("Kitchen"));
     auto b = a;
     b.transportPath = QString();
@@ -146,7 +146,7 @@ TEST(SonosSpeaker, AnAbsentTextIsNotAnEmptyOne) {
     EXPECT_NE(qHash(a), qHash(b));
 }
 
-TEST(PlainOrder, IsByCodePointAndCase) {
+TEST(PlainOrderTest, IsByCodePointAndCase) {
     EXPECT_TRUE(plainlyBefore(u"A", u"a"));
     EXPECT_TRUE(plainlyBefore(u"Z", u"a"));
     EXPECT_FALSE(plainlyBefore(u"a", u"a"));
@@ -157,26 +157,26 @@ TEST(PlainOrder, IsByCodePointAndCase) {
     EXPECT_FALSE(plainlyBefore(u"\U0001F600", u"\uFF5E"));
 }
 
-TEST(SpeakerOrder, IsById) {
+TEST(SpeakerOrderTest, IsById) {
     const auto kitchen = QStringLiteral("Kitchen");
     EXPECT_TRUE(
         comesBefore(otherPlayer(QStringLiteral("B"), kitchen), otherPlayer(QStringLiteral("a"), kitchen)));
 }
 
-TEST(PlayerAddress, TakesHttpAndHttpsWithAHost) {
+TEST(PlayerAddressTest, TakesHttpAndHttpsWithAHost) {
     EXPECT_TRUE(playerAddress(QStringLiteral("http://10.0.0.5:1400/x")));
     EXPECT_TRUE(playerAddress(QStringLiteral("https://player.local/")));
     EXPECT_EQ(playerAddress(QStringLiteral("http://[fe80::1]:1400/x"))->host(), QStringLiteral("fe80::1"));
 }
 
-TEST(PlayerAddress, RefusesEverythingElse) {
+TEST(PlayerAddressTest, RefusesEverythingElse) {
     for (const auto* text : {"", "http:", "http://", "http:///x", "HTTP://10.0.0.5/", "Https://10.0.0.5/",
                              "ftp://h/", "10.0.0.5:1400/x", "//10.0.0.5/x", "http://a b/", "http://[::1/",
                              "http://10.0.0.5:99999/", "http://%00/", "javascript:alert(1)", "httpx://h/"})
         EXPECT_FALSE(playerAddress(QString::fromLatin1(text))) << text;
 }
 
-TEST(PlayerAddress, SurvivesStrangeHosts) {
+TEST(PlayerAddressTest, SurvivesStrangeHosts) {
     for (const auto* text : {"http://xn--/", "http://%66oo/", "http://[v1.x]/", "http://ex%C3%A4mple/",
                              "http://0x7f.1/", "http://[fe80::1%25eth0]/", "http://\xC3\xA4.example/"}) {
         const auto url = playerAddress(QString::fromUtf8(text));
@@ -184,7 +184,7 @@ TEST(PlayerAddress, SurvivesStrangeHosts) {
     }
 }
 
-TEST(PlayerAddress, SeesUserInfoEvenWhenEmpty) {
+TEST(PlayerAddressTest, SeesUserInfoEvenWhenEmpty) {
     EXPECT_TRUE(carriesUserInfo(QStringLiteral("http://me@h/")));
     EXPECT_TRUE(carriesUserInfo(QStringLiteral("http://me:secret@h/")));
     EXPECT_TRUE(carriesUserInfo(QStringLiteral("http://@h/")));

@@ -26,10 +26,10 @@ const QString a = QStringLiteral("A");
 const QString b = QStringLiteral("B");
 const QString kitchen = QStringLiteral("Kitchen");
 
-class Lookup : public testing::Test {
+class SpeakerLookupTest : public testing::Test {
 protected:
-    Lookup() {
-        background.session.automatic = [this](const HttpRequest& request) {
+    SpeakerLookupTest() {
+        background.http.automatic = [this](const HttpRequest& request) {
             const auto host = request.url.host().section(u'.', 3).toInt();
             if (request.method == "POST")
                 return topologies.contains(host) ? answered(200, topologies.value(host)) : answered(500);
@@ -47,7 +47,7 @@ protected:
 
     int requestsTo(int host, const QByteArray& method) const {
         return static_cast<int>(std::count_if(
-            background.session.requests.begin(), background.session.requests.end(), [&](const auto& r) {
+            background.http.requests.begin(), background.http.requests.end(), [&](const auto& r) {
                 return r.method == method && r.url.host() == descriptionUrl(host).host();
             }));
     }
@@ -62,7 +62,7 @@ protected:
     QMap<int, QString> topologies;
 };
 
-TEST_F(Lookup, WithoutTopologyTheDescriptionsHold) {
+TEST_F(SpeakerLookupTest, WithoutTopologyTheDescriptionsHold) {
     const auto speakers = look({2, 1});
     ASSERT_EQ(speakers.size(), 2);
     EXPECT_EQ(speakers[0].id, a);
@@ -72,7 +72,7 @@ TEST_F(Lookup, WithoutTopologyTheDescriptionsHold) {
     EXPECT_EQ(speakers[1].id, b);
 }
 
-TEST_F(Lookup, TopologyGivesNameVisibilityAndGroup) {
+TEST_F(SpeakerLookupTest, TopologyGivesNameVisibilityAndGroup) {
     topologies[1] = test::householdAnswer(
         {groupXml(b, member(a, 1, kitchen, QStringLiteral("Invisible='1'")) + member(b, 2, QString()))});
     const auto speakers = look({1, 2});
@@ -86,7 +86,7 @@ TEST_F(Lookup, TopologyGivesNameVisibilityAndGroup) {
     EXPECT_TRUE(speakers[1].isCoordinator);
 }
 
-TEST_F(Lookup, AGroupWithoutCoordinatorLeavesItsMembersLeading) {
+TEST_F(SpeakerLookupTest, AGroupWithoutCoordinatorLeavesItsMembersLeading) {
     topologies[1] = test::householdAnswer({groupXml(QString(), member(a, 1, kitchen))});
     const auto speakers = look({1});
     ASSERT_EQ(speakers.size(), 1);
@@ -94,14 +94,14 @@ TEST_F(Lookup, AGroupWithoutCoordinatorLeavesItsMembersLeading) {
     EXPECT_TRUE(speakers[0].isCoordinator);
 }
 
-TEST_F(Lookup, WhomNoAnswerNamesStaysAsDescribed) {
+TEST_F(SpeakerLookupTest, WhomNoAnswerNamesStaysAsDescribed) {
     topologies[1] = test::householdAnswer({groupXml(a, member(a, 1, kitchen))});
     const auto speakers = look({1, 2});
     EXPECT_EQ(speakers[0].roomName, kitchen);
     EXPECT_EQ(speakers[1].roomName, QStringLiteral("Described B"));
 }
 
-TEST_F(Lookup, EverySpeakerIsAskedOnceAndTheAnswersMerge) {
+TEST_F(SpeakerLookupTest, EverySpeakerIsAskedOnceAndTheAnswersMerge) {
     topologies[1] = test::householdAnswer(
         {groupXml(a, member(a, 1, QStringLiteral("From A")) +
                          member(b, 2, QStringLiteral("From A"), QStringLiteral("Invisible='1'")))});
@@ -114,32 +114,32 @@ TEST_F(Lookup, EverySpeakerIsAskedOnceAndTheAnswersMerge) {
     EXPECT_FALSE(speakers[1].isVisible) << "an invisible report is kept";
 }
 
-TEST_F(Lookup, OfTwoAnswersTheOneOfTheLaterIdWins) {
+TEST_F(SpeakerLookupTest, OfTwoAnswersTheOneOfTheLaterIdWins) {
     topologies[1] = test::householdAnswer({groupXml(a, member(a, 1, QStringLiteral("From A")))});
     topologies[2] = test::householdAnswer({groupXml(a, member(a, 1, QStringLiteral("From B")))});
     EXPECT_EQ(look({1, 2})[0].roomName, QStringLiteral("From B"));
     EXPECT_EQ(look({2, 1})[0].roomName, QStringLiteral("From B"));
 }
 
-TEST_F(Lookup, RequestsHaveTheirTimeoutsAndCaps) {
+TEST_F(SpeakerLookupTest, RequestsHaveTheirTimeoutsAndCaps) {
     topologies[1] = test::householdAnswer({});
     look({1});
-    ASSERT_EQ(background.session.requests.size(), 2U);
-    const auto& description = background.session.requests[0];
+    ASSERT_EQ(background.http.requests.size(), 2U);
+    const auto& description = background.http.requests[0];
     EXPECT_EQ(description.method, "GET");
     EXPECT_EQ(description.timeout, std::chrono::seconds(3));
     EXPECT_EQ(description.maxBodyBytes, 256U * 1024U);
-    const auto& topology = background.session.requests[1];
+    const auto& topology = background.http.requests[1];
     EXPECT_EQ(test::actionOf(topology), QStringLiteral("GetZoneGroupState"));
     EXPECT_EQ(topology.url.toString(), QStringLiteral("http://10.0.0.1:1400/ZoneGroupTopology/Control"));
     EXPECT_EQ(topology.timeout, std::chrono::seconds(5));
     EXPECT_EQ(topology.maxBodyBytes, 1024U * 1024U);
     EXPECT_EQ(topology.purpose, HttpRequest::Purpose::question);
-    for (const auto& request : background.session.requests)
+    for (const auto& request : background.http.requests)
         EXPECT_EQ(request.route, HttpRequest::Route::direct);
 }
 
-TEST_F(Lookup, AMemberNotYetReadIsReadNowButNotAsked) {
+TEST_F(SpeakerLookupTest, AMemberNotYetReadIsReadNowButNotAsked) {
     topologies[1] =
         test::householdAnswer({groupXml(a, member(a, 1, kitchen) + member(b, 2, QStringLiteral("Hall")))});
     topologies[2] = test::householdAnswer({groupXml(
@@ -153,28 +153,28 @@ TEST_F(Lookup, AMemberNotYetReadIsReadNowButNotAsked) {
     EXPECT_EQ(requestsTo(2, "POST"), 0) << "no further round";
 }
 
-TEST_F(Lookup, AMemberThatDoesNotAnswerIsNoSpeaker) {
+TEST_F(SpeakerLookupTest, AMemberThatDoesNotAnswerIsNoSpeaker) {
     topologies[1] = test::householdAnswer(
         {groupXml(a, member(a, 1, kitchen) + member(QStringLiteral("Z"), 77, kitchen))});
     EXPECT_EQ(look({1}).size(), 1);
     EXPECT_EQ(requestsTo(77, "GET"), 1);
 }
 
-TEST_F(Lookup, AnAddressThatFailedIsNotAskedAgain) {
+TEST_F(SpeakerLookupTest, AnAddressThatFailedIsNotAskedAgain) {
     topologies[1] = test::householdAnswer(
         {groupXml(a, member(a, 1, kitchen) + member(QStringLiteral("Z"), 77, kitchen))});
     look({1, 77});
     EXPECT_EQ(requestsTo(77, "GET"), 1);
 }
 
-TEST_F(Lookup, AMemberWithoutAnAddressIsLeftAlone) {
+TEST_F(SpeakerLookupTest, AMemberWithoutAnAddressIsLeftAlone) {
     topologies[1] = test::householdAnswer(
         {groupXml(a, QStringLiteral("<ZoneGroupMember><Satellite UUID='S'/></ZoneGroupMember>"))});
     EXPECT_EQ(look({1}).size(), 1);
-    EXPECT_EQ(background.session.requests.size(), 2U);
+    EXPECT_EQ(background.http.requests.size(), 2U);
 }
 
-TEST_F(Lookup, TwoMembersAtOneAddressAreKeyedById) {
+TEST_F(SpeakerLookupTest, TwoMembersAtOneAddressAreKeyedById) {
     topologies[1] = test::householdAnswer(
         {groupXml(a, member(a, 1, kitchen)), groupXml(b, member(b, 1, QStringLiteral("Hall")))});
     const auto speakers = look({1});
@@ -183,7 +183,7 @@ TEST_F(Lookup, TwoMembersAtOneAddressAreKeyedById) {
     EXPECT_EQ(requestsTo(1, "GET"), 1);
 }
 
-TEST_F(Lookup, OnePlayerAtTwoAddressesIsOneSpeakerTheSameOnEachRun) {
+TEST_F(SpeakerLookupTest, OnePlayerAtTwoAddressesIsOneSpeakerTheSameOnEachRun) {
     descriptions[2] = test::description(a, QStringLiteral("Again"));
     const auto first = look({1, 2});
     ASSERT_EQ(first.size(), 1);
@@ -192,12 +192,12 @@ TEST_F(Lookup, OnePlayerAtTwoAddressesIsOneSpeakerTheSameOnEachRun) {
     EXPECT_EQ(requestsTo(1, "POST"), 2) << "once per run";
 }
 
-TEST_F(Lookup, AddressesAreReadOnce) {
+TEST_F(SpeakerLookupTest, AddressesAreReadOnce) {
     look({1, 1, 1});
     EXPECT_EQ(requestsTo(1, "GET"), 1);
 }
 
-TEST_F(Lookup, SatellitesAreInvisibleSpeakersAndMakeNoRoom) {
+TEST_F(SpeakerLookupTest, SatellitesAreInvisibleSpeakersAndMakeNoRoom) {
     topologies[1] = test::householdAnswer({groupXml(
         a, QStringLiteral("<ZoneGroupMember UUID='A' ZoneName='Theatre' Location='%1'>"
                           "<Satellite UUID='B' ZoneName='Theatre' Location='%2'/></ZoneGroupMember>")
@@ -210,22 +210,22 @@ TEST_F(Lookup, SatellitesAreInvisibleSpeakersAndMakeNoRoom) {
     EXPECT_EQ(rooms[0].speakers.size(), 1);
 }
 
-TEST_F(Lookup, NoAddressesNoRequests) {
+TEST_F(SpeakerLookupTest, NoAddressesNoRequests) {
     EXPECT_TRUE(look({}).isEmpty());
-    EXPECT_TRUE(background.session.requests.empty());
+    EXPECT_TRUE(background.http.requests.empty());
 }
 
-TEST_F(Lookup, AReportOfThousandsOfAddressesIsCutOff) {
+TEST_F(SpeakerLookupTest, AReportOfThousandsOfAddressesIsCutOff) {
     QString members = member(a, 1, kitchen);
     for (int i = 0; i < 3000; ++i)
         members += memberXml(QStringLiteral("X%1").arg(i),
                              QStringLiteral("http://10.9.%1.%2/").arg(i / 100).arg(100 + i % 100), kitchen);
     topologies[1] = test::householdAnswer({groupXml(a, members)});
     EXPECT_EQ(look({1}).size(), 1);
-    EXPECT_EQ(background.session.requests.size(), 1025U) << "1024 descriptions and one topology";
+    EXPECT_EQ(background.http.requests.size(), 1025U) << "1024 descriptions and one topology";
 }
 
-TEST_F(Lookup, AHostThatInventsPlayersIsAskedForAFewOnly) {
+TEST_F(SpeakerLookupTest, AHostThatInventsPlayersIsAskedForAFewOnly) {
     QList<QUrl> addresses;
     for (int i = 0; i < 500; ++i)
         addresses.append(QUrl(QStringLiteral("http://10.0.0.66:1400/%1.xml").arg(i)));
@@ -236,7 +236,7 @@ TEST_F(Lookup, AHostThatInventsPlayersIsAskedForAFewOnly) {
     EXPECT_EQ(speakers[0].id, a);
 }
 
-TEST(ReadBudget, IsEachHostsOwn) {
+TEST(ReadBudgetTest, IsEachHostsOwn) {
     const QUrl greedy(QStringLiteral("http://10.0.0.66/"));
     const QString text(ReadBudget::perHost / 4, u'x');
     ReadBudget budget;
@@ -246,7 +246,7 @@ TEST(ReadBudget, IsEachHostsOwn) {
     EXPECT_TRUE(budget.take(descriptionUrl(1), text));
 }
 
-TEST(ReadBudget, LeavesShortAnswersAloneWhenLongOnesHaveUsedItUp) {
+TEST(ReadBudgetTest, LeavesShortAnswersAloneWhenLongOnesHaveUsedItUp) {
     const QString text(ReadBudget::perHost, u'x');
     ReadBudget budget;
     for (int host = 1; host <= 8; ++host)
@@ -256,7 +256,7 @@ TEST(ReadBudget, LeavesShortAnswersAloneWhenLongOnesHaveUsedItUp) {
     EXPECT_TRUE(budget.take(descriptionUrl(9), QString(ReadBudget::longAnswer, u'x')));
 }
 
-TEST_F(Lookup, EndlessReportsAreNotAllKept) {
+TEST_F(SpeakerLookupTest, EndlessReportsAreNotAllKept) {
     // Each report is nearly as large as one may be, so that eight of them are kept; each names the first
     // player anew.
     QString satellites;

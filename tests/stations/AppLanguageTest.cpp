@@ -8,7 +8,7 @@
 namespace zofra {
 namespace {
 
-TEST(AppLanguage, hasFourLanguagesInListOrder) {
+TEST(AppLanguageTest, hasFourLanguagesInListOrder) {
     QStringList rawValues;
     for (const auto language : allAppLanguages)
         rawValues += rawValue(language);
@@ -16,7 +16,7 @@ TEST(AppLanguage, hasFourLanguagesInListOrder) {
                                       QStringLiteral("de")}));
 }
 
-TEST(AppLanguage, isMadeFromExactlyItsRawValue) {
+TEST(AppLanguageTest, isMadeFromExactlyItsRawValue) {
     for (const auto language : allAppLanguages)
         EXPECT_EQ(appLanguageFromRawValue(rawValue(language)), language);
     for (const auto* text : {u"EN", u"De", u"", u"es", u"nl_BE", u" fr", u"en "})

@@ -30,7 +30,7 @@ QStringList lines(std::initializer_list<const char*> texts) {
     return result;
 }
 
-TEST(EndpointsFile, isReadLineByLine) {
+TEST(EndpointsFileTest, isReadLineByLine) {
     EXPECT_EQ(read("[streams]\nzofra_aac=a.test\n zofra_mp3 = b.test:80 \n\n[metadata]\non_air=c"),
               lines({"[streams]@1", "streams/zofra_aac=a.test@2", "streams/zofra_mp3=b.test:80@3",
                      "[metadata]@5", "metadata/on_air=c@6"}));
@@ -38,20 +38,20 @@ TEST(EndpointsFile, isReadLineByLine) {
     EXPECT_EQ(read("\n\n"), QStringList());
 }
 
-TEST(EndpointsFile, leavesCommentsOut) {
+TEST(EndpointsFileTest, leavesCommentsOut) {
     EXPECT_EQ(read("; all\n# of\n[a]   ; it\nk=v ; w\nl=x\t# y\nm=a;b\nn=a#b\n"),
               lines({"[a]@3", "a/k=v@4", "a/l=x@5", "a/m=a;b@6", "a/n=a#b@7"}));
 }
 
-TEST(EndpointsFile, mayComeFromAnotherEditor) {
+TEST(EndpointsFileTest, mayComeFromAnotherEditor) {
     EXPECT_EQ(read("\xEF\xBB\xBF[a]\r\nk=v\r\n"), lines({"[a]@1", "a/k=v@2"}));
 }
 
-TEST(EndpointsFile, takesNothingApartInValues) {
+TEST(EndpointsFileTest, takesNothingApartInValues) {
     EXPECT_EQ(read("[a]\nk=a,b%20=c \"d\"\n"), lines({"[a]@1", "a/k=a,b%20=c \"d\"@2"}));
 }
 
-TEST(EndpointsFile, isRefusedWhenItsFormIsWrong) {
+TEST(EndpointsFileTest, isRefusedWhenItsFormIsWrong) {
     EXPECT_EQ(read("k=v\n"), lines({"1: stands before the first section"}));
     EXPECT_EQ(read("[a\nk=v\n"), lines({"1: is a section without its closing bracket"}));
     EXPECT_EQ(read("[ ]\nk=v\n"), lines({"1: is a section without a name"}));
@@ -62,14 +62,14 @@ TEST(EndpointsFile, isRefusedWhenItsFormIsWrong) {
     EXPECT_EQ(read(QByteArray(maxFileBytes, '\n')), QStringList());
 }
 
-TEST(EndpointsFile, acceptsHosts) {
+TEST(EndpointsFileTest, acceptsHosts) {
     for (const auto* value : {"a", "streams.zofra.example", "localhost:8443", "127.0.0.1", "10.1.2.3:1",
                               "a.b:65535", "[::1]", "[fd00::1]:8443", "[2001:db8::1]",
                               "xn--bcher-kva.example", "a_b.example", "0.0.0.0", "n08a-eu.rcs.revma.com"})
         EXPECT_EQ(mistakeInHost(QString::fromUtf8(value)), std::nullopt) << value;
 }
 
-TEST(EndpointsFile, refusesWhatIsNoHost) {
+TEST(EndpointsFileTest, refusesWhatIsNoHost) {
     const std::vector<std::pair<const char*, const char*>> expected{
         {"", "is empty"},
         {"https://a.test", "must be host or host:port, without scheme or path"},

@@ -121,9 +121,9 @@ struct Texts {
     const char* paused;
 };
 
-class LanguageTexts : public testing::TestWithParam<Texts> {};
+class LanguageTextsTest : public testing::TestWithParam<Texts> {};
 
-TEST_P(LanguageTexts, areTheOnesOfTheirLanguage) {
+TEST_P(LanguageTextsTest, areTheOnesOfTheirLanguage) {
     test::FakeDefaultsStore defaults;
     defaults.values[key] = rawValue(GetParam().language);
     const LanguageManager manager(defaults, {});
@@ -141,7 +141,7 @@ TEST_P(LanguageTexts, areTheOnesOfTheirLanguage) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Each, LanguageTexts,
+    Each, LanguageTextsTest,
     testing::Values(Texts{AppLanguage::en, "Station (JOE)", "Now Playing: A", "Up Next: B",
                           "Audio Output (Bad)", "Volume (62 %)", "Station: JOE (Pop)", "Output: Bad",
                           "Status: Playing", "Status: Paused"},

@@ -64,7 +64,7 @@ ServiceHosts distinctHosts() {
     return hosts;
 }
 
-TEST(RadioStation, isOneOfNineInDeclaredOrder) {
+TEST(RadioStationTest, isOneOfNineInDeclaredOrder) {
     ASSERT_EQ(RadioStation::allCases.size(), 9U);
     EXPECT_EQ(RadioStation::allCases.front(), RadioStation::zofra);
     EXPECT_EQ(RadioStation::allCases.back(), RadioStation::sudRadioHainaut);
@@ -72,7 +72,7 @@ TEST(RadioStation, isOneOfNineInDeclaredOrder) {
         EXPECT_EQ(RadioStation(RadioStation::allCases.at(i)), RadioStation(catalogue().at(i).station));
 }
 
-TEST(RadioStation, carriesWhatTheCatalogueSays) {
+TEST(RadioStationTest, carriesWhatTheCatalogueSays) {
     for (const auto& expected : catalogue()) {
         const RadioStation station = expected.station;
         EXPECT_EQ(station.rawValue(), QString::fromUtf8(expected.rawValue));
@@ -83,7 +83,7 @@ TEST(RadioStation, carriesWhatTheCatalogueSays) {
     }
 }
 
-TEST(RadioStation, isFoundByExactlyItsRawValue) {
+TEST(RadioStationTest, isFoundByExactlyItsRawValue) {
     for (const auto& expected : catalogue())
         EXPECT_EQ(RadioStation::fromRawValue(QString::fromUtf8(expected.rawValue)),
                   RadioStation(expected.station));
@@ -92,7 +92,7 @@ TEST(RadioStation, isFoundByExactlyItsRawValue) {
             << QStringView(text).toString().toStdString();
 }
 
-TEST(RadioStation, streamsFromItsHostAndPath) {
+TEST(RadioStationTest, streamsFromItsHostAndPath) {
     const auto hosts = distinctHosts();
     for (const auto& expected : catalogue()) {
         const RadioStation station = expected.station;
@@ -106,7 +106,7 @@ TEST(RadioStation, streamsFromItsHostAndPath) {
     }
 }
 
-TEST(RadioStation, sendsSpeakersToTheFallbackHostExceptInsideRadio) {
+TEST(RadioStationTest, sendsSpeakersToTheFallbackHostExceptInsideRadio) {
     const auto hosts = distinctHosts();
     for (const auto& expected : catalogue()) {
         const RadioStation station = expected.station;
@@ -119,7 +119,7 @@ TEST(RadioStation, sendsSpeakersToTheFallbackHostExceptInsideRadio) {
     }
 }
 
-TEST(RadioStation, streamsTheSameTwiceWhereThereIsNoSecondStream) {
+TEST(RadioStationTest, streamsTheSameTwiceWhereThereIsNoSecondStream) {
     const ServiceHosts hosts;
     QStringList same;
     for (const RadioStation station : RadioStation::allCases) {
@@ -132,7 +132,7 @@ TEST(RadioStation, streamsTheSameTwiceWhereThereIsNoSecondStream) {
                                  QStringLiteral("sud_radio_hainaut")}));
 }
 
-TEST(RadioStation, keepsAPortAndABracketedAddress) {
+TEST(RadioStationTest, keepsAPortAndABracketedAddress) {
     QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("e.ini")));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
@@ -146,7 +146,7 @@ TEST(RadioStation, keepsAPortAndABracketedAddress) {
               QStringLiteral("x-rincon-mp3radio://[fd00::1]:8444/zofra.mp3"));
 }
 
-TEST(RadioStation, isEncodedAsItsRawValue) {
+TEST(RadioStationTest, isEncodedAsItsRawValue) {
     QJsonArray list;
     for (const RadioStation station : RadioStation::allCases) {
         list.append(station.toJson());
@@ -159,7 +159,7 @@ TEST(RadioStation, isEncodedAsItsRawValue) {
         EXPECT_EQ(RadioStation::fromJson(value), std::nullopt);
 }
 
-TEST(RadioStation, isHashedByRawValue) {
+TEST(RadioStationTest, isHashedByRawValue) {
     QSet<RadioStation> set;
     for (const RadioStation station : RadioStation::allCases) {
         set.insert(station);
@@ -169,24 +169,24 @@ TEST(RadioStation, isHashedByRawValue) {
     EXPECT_EQ(set.size(), 9);
 }
 
-class SavedStation : public testing::Test {
+class SavedStationTest : public testing::Test {
 protected:
     const QString key = QStringLiteral("zofra_selected_station");
     test::FakeDefaultsStore defaults;
 };
 
-TEST_F(SavedStation, isZofraAtFirst) {
+TEST_F(SavedStationTest, isZofraAtFirst) {
     EXPECT_EQ(RadioStation::savedStation(defaults), RadioStation::zofra);
 }
 
-TEST_F(SavedStation, isZofraForAnUnknownText) {
+TEST_F(SavedStationTest, isZofraForAnUnknownText) {
     for (const auto* text : {u"Zofra", u"JOE", u"", u"5", u"sud_radio"}) {
         defaults.values[key] = QStringView(text).toString();
         EXPECT_EQ(RadioStation::savedStation(defaults), RadioStation::zofra);
     }
 }
 
-TEST_F(SavedStation, isWrittenAsTextAndReadBack) {
+TEST_F(SavedStationTest, isWrittenAsTextAndReadBack) {
     RadioStation::setSavedStation(defaults, RadioStation::sudRadioHainaut);
     EXPECT_EQ(defaults.values[key], QVariant(QStringLiteral("sud_radio_hainaut")));
     EXPECT_EQ(RadioStation::savedStation(defaults), RadioStation::sudRadioHainaut);

@@ -26,13 +26,13 @@ bool isSetting(const QString& line) {
     return line.size() > 1 && line.startsWith(QLatin1Char('#')) && !line.at(1).isSpace();
 }
 
-TEST(SampleFile, ChangesNothingAsInstalled) {
+TEST(SampleFileTest, ChangesNothingAsInstalled) {
     for (const QString& line : sampleLines())
         EXPECT_TRUE(line.isEmpty() || line.startsWith(QLatin1Char('#')) || line.startsWith(QLatin1Char('[')))
             << line.toStdString();
 }
 
-TEST(SampleFile, ShowsEveryKeyWithTheValueThatIsBuiltIn) {
+TEST(SampleFileTest, ShowsEveryKeyWithTheValueThatIsBuiltIn) {
     QStringList keys;
     QString text;
     for (const QString& line : sampleLines()) {

@@ -13,9 +13,9 @@ struct Row {
     QString en, nl, fr, de;
 };
 
-class TextTable : public ::testing::TestWithParam<Row> {};
+class TextTableTest : public ::testing::TestWithParam<Row> {};
 
-TEST_P(TextTable, IsSaidInFourLanguages) {
+TEST_P(TextTableTest, IsSaidInFourLanguages) {
     const Row& row = GetParam();
     EXPECT_EQ(row.text.in(AppLanguage::en), row.en);
     EXPECT_EQ(row.text.in(AppLanguage::nl), row.nl);
@@ -24,7 +24,7 @@ TEST_P(TextTable, IsSaidInFourLanguages) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    All, TextTable,
+    All, TextTableTest,
     ::testing::Values(
         Row{"Station", texts::stationLabel, u"Station:"_qs, u"Zender:"_qs, u"Station :"_qs, u"Sender:"_qs},
         Row{"NowPlaying", texts::nowPlaying, u"Now Playing"_qs, u"Nu bezig"_qs, u"En cours"_qs,
@@ -60,20 +60,20 @@ INSTANTIATE_TEST_SUITE_P(
             u"Schreiben Sie uns"_qs}),
     [](const ::testing::TestParamInfo<Row>& tested) { return std::string(tested.param.what); });
 
-TEST(Text, NamesLanguagesInTheirOwnTongue) {
+TEST(TextTest, NamesLanguagesInTheirOwnTongue) {
     EXPECT_EQ(texts::languageName.in(AppLanguage::en), u"English"_qs);
     EXPECT_EQ(texts::languageName.in(AppLanguage::nl), u"Nederlands"_qs);
     EXPECT_EQ(texts::languageName.in(AppLanguage::fr), u"Fran\u00E7ais"_qs);
     EXPECT_EQ(texts::languageName.in(AppLanguage::de), u"Deutsch"_qs);
 }
 
-TEST(Text, ComposesVersionAndPercentage) {
+TEST(TextTest, ComposesVersionAndPercentage) {
     EXPECT_EQ(texts::version.in(AppLanguage::fr, u"1.0 (Build 1)"_qs), u"Version 1.0 (Build 1)"_qs);
     EXPECT_EQ(texts::volumePercent.in(AppLanguage::de, 0), u"0 %"_qs);
     EXPECT_EQ(texts::volumePercent.in(AppLanguage::de, 100), u"100 %"_qs);
 }
 
-TEST(Text, TakesAValueAsItIs) {
+TEST(TextTest, TakesAValueAsItIs) {
     EXPECT_EQ(texts::nowPlayingLine.in(AppLanguage::en, u"100 %1 %2"_qs), u"Now Playing: 100 %1 %2"_qs);
     EXPECT_EQ(texts::tooltipStation.in(AppLanguage::nl, u"%2 %1"_qs, u"%L1"_qs), u"Zender: %2 %1 (%L1)"_qs);
 }

@@ -23,6 +23,8 @@ public:
         {
             const std::scoped_lock lock(m_mutex);
             requests.push_back(request);
+            if (onRequest)
+                onRequest(request);
             if (!automatic) {
                 open.push_back({std::move(request), std::move(completion)});
                 return;
@@ -44,6 +46,8 @@ public:
     using Answer = std::function<HttpResult(const HttpRequest&)>;
     /// When set, answers in place, on the caller's thread.
     Answer automatic;
+    /// Sees each request before it is answered.
+    std::function<void(const HttpRequest&)> onRequest;
     std::vector<HttpRequest> requests;
     std::deque<Exchange> open;
 

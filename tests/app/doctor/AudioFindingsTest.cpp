@@ -23,7 +23,7 @@ AudioProbe probe(Outcome outcome) {
     return made;
 }
 
-TEST(DoctorAudio, NamesServerAndDevices) {
+TEST(AudioFindingsTest, NamesServerAndDevices) {
     auto opened = probe(Outcome::opened);
     opened.driver = u"pulse"_qs;
     opened.devices = {u"Built-in"_qs, u"HDMI"_qs};
@@ -36,7 +36,7 @@ TEST(DoctorAudio, NamesServerAndDevices) {
     EXPECT_EQ(judgeAudio({}, opened).text, u"ALSA, without a sound server"_qs);
 }
 
-TEST(DoctorAudio, TellsAMissingServerFromAMissingDevice) {
+TEST(AudioFindingsTest, TellsAMissingServerFromAMissingDevice) {
     auto none = probe(Outcome::noDevice);
     none.reason = u"initialization failed"_qs;
     const auto noServer = judgeAudio({SoundServer::State::absent, u"/run/x"_qs}, none);
@@ -47,7 +47,7 @@ TEST(DoctorAudio, TellsAMissingServerFromAMissingDevice) {
     EXPECT_NE(noDevice.cure, noServer.cure);
 }
 
-TEST(DoctorAudio, TellsAMissingEngineAndOneThatWaits) {
+TEST(AudioFindingsTest, TellsAMissingEngineAndOneThatWaits) {
     auto missing = probe(Outcome::noEngine);
     missing.reason = u"libmpv cannot be loaded: no such file"_qs;
     EXPECT_EQ(judgeAudio({}, missing).text, missing.reason);
@@ -55,7 +55,7 @@ TEST(DoctorAudio, TellsAMissingEngineAndOneThatWaits) {
     EXPECT_TRUE(judgeAudio({}, probe(Outcome::timedOut)).text.contains(u"in time"_qs));
 }
 
-TEST(DoctorAudio, ReadsTheEnginesListOfDevices) {
+TEST(AudioFindingsTest, ReadsTheEnginesListOfDevices) {
     const QByteArray list =
         R"([{"name":"auto","description":"Any"},{"name":"pulse/a","description":"Built-in"},
                                 {"name":"pulse","description":"none"},{"name":"alsa/b","description":"Card"},
@@ -68,7 +68,7 @@ TEST(DoctorAudio, ReadsTheEnginesListOfDevices) {
               32);
 }
 
-TEST(DoctorAudio, FindsTheServerWhereTheEnvironmentSays) {
+TEST(AudioFindingsTest, FindsTheServerWhereTheEnvironmentSays) {
     const QTemporaryDir folder;
     const QString path = folder.filePath(u"native"_qs);
     test::ScopedEnvironment environment;

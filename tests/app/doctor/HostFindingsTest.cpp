@@ -36,14 +36,14 @@ Finding stream(const HostProbe& probe, const QString& host = u"radio.test"_qs) {
     return judgeHost(target(HostTarget::Kind::stream, host), {probe});
 }
 
-TEST(DoctorHost, ThatAnswersIsFine) {
+TEST(HostFindingsTest, ThatAnswersIsFine) {
     const auto finding = stream(answered(200));
     EXPECT_EQ(finding.verdict, Verdict::ok);
     EXPECT_EQ(finding.text, u"radio.test: name, TLS, answer in 20 ms"_qs);
     EXPECT_EQ(finding.details.value(u"failed_at"_qs), QJsonValue());
 }
 
-TEST(DoctorHost, IsAsGoodAsItsWorstAnswerAndAsQuickAsItsSlowest) {
+TEST(HostFindingsTest, IsAsGoodAsItsWorstAnswerAndAsQuickAsItsSlowest) {
     auto slow = answered(200);
     slow.answerTime = 300ms;
     const auto all = target(HostTarget::Kind::stream);
@@ -52,7 +52,7 @@ TEST(DoctorHost, IsAsGoodAsItsWorstAnswerAndAsQuickAsItsSlowest) {
     EXPECT_EQ(judgeHost(all, {}).verdict, Verdict::skipped);
 }
 
-TEST(DoctorHost, NamesTheStepThatFails) {
+TEST(HostFindingsTest, NamesTheStepThatFails) {
     EXPECT_TRUE(stream(failed(Step::name)).text.contains(u"cannot be resolved"_qs));
     EXPECT_TRUE(stream(failed(Step::name)).cure.contains(u"resolv.conf"_qs));
     auto silent = failed(Step::name);
@@ -76,7 +76,7 @@ TEST(DoctorHost, NamesTheStepThatFails) {
         EXPECT_FALSE(stream(failed(step)).details.value(u"failed_at"_qs).toString().isEmpty());
 }
 
-TEST(DoctorHost, KnowsWhatIsWrongWithACertificate) {
+TEST(HostFindingsTest, KnowsWhatIsWrongWithACertificate) {
     const auto cureFor = [](const char* reason) {
         return stream(failed(Step::tls, QString::fromUtf8(reason))).cure;
     };
@@ -93,7 +93,7 @@ TEST(DoctorHost, KnowsWhatIsWrongWithACertificate) {
     EXPECT_TRUE(stream(hanging).text.contains(u"says nothing"_qs));
 }
 
-TEST(DoctorHost, KnowsAWrongAnswer) {
+TEST(HostFindingsTest, KnowsAWrongAnswer) {
     EXPECT_TRUE(stream(answered(404)).text.contains(u"404"_qs));
     EXPECT_TRUE(stream(answered(404)).cure.contains(u"joe_aac"_qs));
     EXPECT_TRUE(stream(answered(503)).text.contains(u"503"_qs));
@@ -102,7 +102,7 @@ TEST(DoctorHost, KnowsAWrongAnswer) {
     EXPECT_EQ(stream(answered(200, "x", {})).verdict, Verdict::ok) << "old servers name no type";
 }
 
-TEST(DoctorHost, ReadsWhatTheTextServicesSay) {
+TEST(HostFindingsTest, ReadsWhatTheTextServicesSay) {
     const auto onAir = target(HostTarget::Kind::onAir);
     const QByteArray good = R"({"responseStatus":"SUCCESS","results":{"12":[]}})";
     EXPECT_EQ(judgeHost(onAir, {answered(200, good, u"application/json"_qs)}).verdict, Verdict::ok);
@@ -113,7 +113,7 @@ TEST(DoctorHost, ReadsWhatTheTextServicesSay) {
     EXPECT_EQ(judgeHost(scraper, {answered(200, "\xFF\xFE", u"text/html"_qs)}).verdict, Verdict::problem);
 }
 
-TEST(DoctorHost, JudgesTheLiveFeedByItsSocket) {
+TEST(HostFindingsTest, JudgesTheLiveFeedByItsSocket) {
     const auto live = target(HostTarget::Kind::live);
     const auto refusedPlainHttp = answered(400);
     EXPECT_EQ(judgeLiveSocket(live, refusedPlainHttp, {true, {}}).verdict, Verdict::ok);

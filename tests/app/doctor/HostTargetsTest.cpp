@@ -10,7 +10,7 @@
 namespace zofra::doctor {
 namespace {
 
-TEST(DoctorHosts, AreEveryHostOnceAndEveryKey) {
+TEST(HostTargetsTest, AreEveryHostOnceAndEveryKey) {
     const auto targets = hostTargets(ServiceHosts());
     QStringList seen;
     QStringList keys;
@@ -32,7 +32,7 @@ TEST(DoctorHosts, AreEveryHostOnceAndEveryKey) {
     EXPECT_EQ(keys.size(), 21) << "eighteen streams and three services";
 }
 
-TEST(DoctorHosts, AskForEveryStream) {
+TEST(HostTargetsTest, AskForEveryStream) {
     QSet<QUrl> asked;
     for (const auto& target : hostTargets(ServiceHosts())) {
         if (target.kind == HostTarget::Kind::stream)
@@ -44,7 +44,7 @@ TEST(DoctorHosts, AskForEveryStream) {
     EXPECT_EQ(asked, streams);
 }
 
-TEST(DoctorHosts, TheOnAirServiceIsAskedForAStationItKnows) {
+TEST(HostTargetsTest, TheOnAirServiceIsAskedForAStationItKnows) {
     const auto targets = hostTargets(ServiceHosts());
     const auto onAir = std::find_if(targets.begin(), targets.end(), [](const auto& target) {
         return target.kind == HostTarget::Kind::onAir;

@@ -26,14 +26,14 @@ QString modeOf(const Finding& finding) {
     return finding.details.value(u"mode"_qs).toString();
 }
 
-TEST(DoctorSession, NamesWindowsAndDesktop) {
+TEST(TraySessionTest, NamesWindowsAndDesktop) {
     const auto finding = judgeSession(desktop(Windows::wayland, u"sway"_qs, {}));
     EXPECT_EQ(finding.verdict, Verdict::ok);
     EXPECT_EQ(finding.text, u"Wayland, sway"_qs);
     EXPECT_TRUE(judgeSession(desktop(Windows::x11, {}, {})).text.startsWith(u"X11, desktop unknown"_qs));
 }
 
-TEST(DoctorSession, IsAProblemWithoutADisplay) {
+TEST(TraySessionTest, IsAProblemWithoutADisplay) {
     DesktopFacts facts;
     EXPECT_EQ(judgeSession(facts).verdict, Verdict::problem);
     EXPECT_TRUE(judgeSession(facts).cure.contains(u"--headless"_qs));
@@ -45,7 +45,7 @@ TEST(DoctorSession, IsAProblemWithoutADisplay) {
     EXPECT_EQ(judgePanel(facts).verdict, Verdict::skipped);
 }
 
-TEST(DoctorPanel, SaysWhichModeAndWhy) {
+TEST(PanelFindingsTest, SaysWhichModeAndWhy) {
     const auto lxqt = judgePanel(desktop(Windows::x11, u"LXQt"_qs, u"lxqt-panel"_qs));
     EXPECT_EQ(modeOf(lxqt), u"direct"_qs);
     EXPECT_EQ(lxqt.text, u"lxqt-panel shows the button; mode direct, for it passes both clicks on"_qs);
@@ -57,7 +57,7 @@ TEST(DoctorPanel, SaysWhichModeAndWhy) {
     EXPECT_TRUE(waybar.text.contains(u"on Wayland"_qs));
 }
 
-TEST(DoctorPanel, RespectsTheSetting) {
+TEST(PanelFindingsTest, RespectsTheSetting) {
     auto facts = desktop(Windows::x11, u"XFCE"_qs, u"xfce4-panel"_qs);
     facts.session.setting = u"direct"_qs;
     EXPECT_EQ(modeOf(judgePanel(facts)), u"direct"_qs);
@@ -67,7 +67,7 @@ TEST(DoctorPanel, RespectsTheSetting) {
     EXPECT_FALSE(judgePanel(facts).text.contains(u"tray/mode"_qs));
 }
 
-TEST(DoctorPanel, TakesATrayOfTheOldKindOnX11Only) {
+TEST(PanelFindingsTest, TakesATrayOfTheOldKindOnX11Only) {
     auto facts = desktop(Windows::x11, {}, {});
     facts.hasOldTray = true;
     EXPECT_EQ(modeOf(judgePanel(facts)), u"xembed"_qs);
@@ -75,7 +75,7 @@ TEST(DoctorPanel, TakesATrayOfTheOldKindOnX11Only) {
     EXPECT_EQ(modeOf(judgePanel(facts)), u"window"_qs);
 }
 
-TEST(DoctorPanel, WithoutOneTellsHowToGetOne) {
+TEST(PanelFindingsTest, WithoutOneTellsHowToGetOne) {
     const auto none = judgePanel(desktop(Windows::x11, u"LXQt"_qs, {}));
     EXPECT_EQ(none.verdict, Verdict::problem);
     EXPECT_EQ(modeOf(none), u"window"_qs);

@@ -20,7 +20,7 @@ ProgramFacts running() {
     return facts;
 }
 
-TEST(DoctorBus, IsNeeded) {
+TEST(BusFindingsTest, IsNeeded) {
     ProgramFacts facts;
     EXPECT_EQ(judgeBus(facts).verdict, Verdict::problem);
     EXPECT_TRUE(judgeBus(facts).text.contains(u"DBUS_SESSION_BUS_ADDRESS"_qs));
@@ -31,14 +31,14 @@ TEST(DoctorBus, IsNeeded) {
     EXPECT_EQ(judgeBus(facts).verdict, Verdict::ok);
 }
 
-TEST(DoctorBus, KnowsThatARunningProgramIsAMediaPlayer) {
+TEST(BusFindingsTest, KnowsThatARunningProgramIsAMediaPlayer) {
     auto facts = running();
     EXPECT_EQ(judgeBus(facts).verdict, Verdict::ok);
     facts.hasMediaName = false;
     EXPECT_EQ(judgeBus(facts).verdict, Verdict::problem);
 }
 
-TEST(DoctorProgram, SaysWhatItDoes) {
+TEST(ProgramFindingsTest, SaysWhatItDoes) {
     EXPECT_EQ(judgeProgram(running()).text, u"running (process 4711): silent; mode direct"_qs);
     auto facts = running();
     facts.status->insert(u"playing"_qs, true);
@@ -50,7 +50,7 @@ TEST(DoctorProgram, SaysWhatItDoes) {
     EXPECT_EQ(judgeProgram(facts).verdict, Verdict::ok);
 }
 
-TEST(DoctorProgram, NoticesOneThatHangsIsOldOrDenied) {
+TEST(ProgramFindingsTest, NoticesOneThatHangsIsOldOrDenied) {
     auto facts = running();
     facts.status.reset();
     EXPECT_EQ(judgeProgram(facts).verdict, Verdict::problem);

@@ -17,7 +17,7 @@ Report reportOf(Findings findings) {
     return {QStringLiteral("1.0 (1)"), std::move(findings)};
 }
 
-TEST(DoctorReport, HasAnExitStatusForEachKindOfEnd) {
+TEST(ReportTest, HasAnExitStatusForEachKindOfEnd) {
     EXPECT_EQ(reportOf({}).exitStatus(), 0);
     EXPECT_EQ(reportOf({fine(panel, u"a"_qs), skipped(panel, u"b"_qs)}).exitStatus(), 0);
     EXPECT_EQ(reportOf({fine(panel, u"a"_qs), problem(panel, u"b"_qs, u"c"_qs)}).exitStatus(), 1);
@@ -27,7 +27,7 @@ TEST(DoctorReport, HasAnExitStatusForEachKindOfEnd) {
         2);
 }
 
-TEST(DoctorReport, IsOneObjectForPrograms) {
+TEST(ReportTest, IsOneObjectForPrograms) {
     const auto json =
         toJson(reportOf({fine(panel, u"it is there"_qs, {{u"mode"_qs, u"direct"_qs}}),
                          skipped(stream, u"not asked"_qs), problem(stream, u"gone"_qs, u"wait"_qs)}));
@@ -46,7 +46,7 @@ TEST(DoctorReport, IsOneObjectForPrograms) {
     EXPECT_EQ(checks.at(2).toObject().value(u"cure"_qs).toString(), u"wait"_qs);
 }
 
-TEST(DoctorReport, IsAScreenForPeople) {
+TEST(ReportTest, IsAScreenForPeople) {
     EXPECT_EQ(toText(reportOf({fine(panel, u"it is there"_qs), skipped(stream, u"not asked"_qs),
                                problem(u"audio"_qs, u"silent"_qs, u"start it."_qs)})),
               u"Zofra Zofra 1.0 (1)\n"
@@ -62,7 +62,7 @@ TEST(DoctorReport, IsAScreenForPeople) {
                     .endsWith(u"\n2 problems."_qs));
 }
 
-TEST(DoctorReport, TellsACureOnce) {
+TEST(ReportTest, TellsACureOnce) {
     EXPECT_EQ(
         toText(reportOf({problem(stream, u"one"_qs, u"wait."_qs), problem(stream, u"two"_qs, u"wait."_qs),
                          problem(panel, u"three"_qs, u"run."_qs), problem(stream, u"four"_qs, u"wait."_qs)}))
@@ -78,14 +78,14 @@ TEST(DoctorReport, TellsACureOnce) {
         "4 problems."_qs);
 }
 
-TEST(DoctorReport, SpeaksTheUsersLanguage) {
+TEST(ReportTest, SpeaksTheUsersLanguage) {
     const auto text = toText(reportOf({problem(panel, u"kapot"_qs, u"herstel het."_qs)}), AppLanguage::nl);
     EXPECT_TRUE(text.contains(u"\nPROBLEEM panel     kapot\n"_qs)) << text.toStdString();
     EXPECT_TRUE(text.contains(u"Te doen: herstel het.\n"_qs)) << text.toStdString();
     EXPECT_TRUE(text.endsWith(u"\n1 probleem."_qs)) << text.toStdString();
 }
 
-TEST(DoctorReport, FitsTheScreenWhateverWasFound) {
+TEST(ReportTest, FitsTheScreenWhateverWasFound) {
     const QString word(300, u'x');
     const QString sentence = QString(u"many small words "_qs).repeated(40);
     for (const int columns : {80, 40, 1}) {
@@ -99,7 +99,7 @@ TEST(DoctorReport, FitsTheScreenWhateverWasFound) {
     }
 }
 
-TEST(DoctorReport, LetsNothingSteerTheTerminal) {
+TEST(ReportTest, LetsNothingSteerTheTerminal) {
     const auto text = toText(reportOf({fine(panel, u"\x1b[31mred\nPROBLEM"_qs)}));
     EXPECT_FALSE(text.contains(u'\x1b'));
     EXPECT_EQ(text.count(u'\n'), 4);

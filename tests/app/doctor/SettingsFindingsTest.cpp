@@ -14,7 +14,7 @@
 namespace zofra::doctor {
 namespace {
 
-class DoctorSettings : public testing::Test {
+class SettingsFindingsTest : public testing::Test {
 protected:
     void put(const QByteArray& bytes) const {
         QDir().mkpath(QFileInfo(path).path());
@@ -28,7 +28,7 @@ protected:
     QString path = folder.filePath(QStringLiteral("config/zofrazofra/zofrazofra.ini"));
 };
 
-TEST_F(DoctorSettings, NeedNotBeThere) {
+TEST_F(SettingsFindingsTest, NeedNotBeThere) {
     const auto finding = judged();
     EXPECT_EQ(finding.verdict, Verdict::ok);
     EXPECT_TRUE(finding.text.contains(u"not there yet"_qs));
@@ -37,7 +37,7 @@ TEST_F(DoctorSettings, NeedNotBeThere) {
         << "looking leaves nothing behind";
 }
 
-TEST_F(DoctorSettings, AreFineWithAnythingThatTheProgramWrites) {
+TEST_F(SettingsFindingsTest, AreFineWithAnythingThatTheProgramWrites) {
     put("[General]\nzofra_radio_volume=0.35\nzofra_selected_station=joe\napp_language=nl\nmine=1\nnonsense\n"
         "[tray]\nmode=hostmenu\n");
     EXPECT_EQ(judged().verdict, Verdict::ok) << judged().text.toStdString();
@@ -45,7 +45,7 @@ TEST_F(DoctorSettings, AreFineWithAnythingThatTheProgramWrites) {
               QStringList{u"zofrazofra.ini"_qs});
 }
 
-TEST_F(DoctorSettings, NameEveryValueThatCountsForNothing) {
+TEST_F(SettingsFindingsTest, NameEveryValueThatCountsForNothing) {
     put("[General]\nzofra_radio_volume=7.5\nzofra_selected_station=JOE\napp_language=NL\n[tray]\nmode=x\n");
     const auto finding = judged();
     EXPECT_EQ(finding.verdict, Verdict::problem);
@@ -58,7 +58,7 @@ TEST_F(DoctorSettings, NameEveryValueThatCountsForNothing) {
     }
 }
 
-TEST_F(DoctorSettings, AreAProblemWhenTheyCannotBeReadOrWritten) {
+TEST_F(SettingsFindingsTest, AreAProblemWhenTheyCannotBeReadOrWritten) {
     put("[General]\n");
     ASSERT_EQ(::chmod(path.toUtf8().constData(), 0444), 0);
     EXPECT_TRUE(judged().text.contains(u"cannot be written: it is read-only"_qs));
@@ -68,7 +68,7 @@ TEST_F(DoctorSettings, AreAProblemWhenTheyCannotBeReadOrWritten) {
     EXPECT_TRUE(judged().text.contains(u"cannot be read: Is a directory"_qs));
 }
 
-TEST_F(DoctorSettings, AreAProblemOnAFullDisk) {
+TEST_F(SettingsFindingsTest, AreAProblemOnAFullDisk) {
     SettingsFacts facts;
     facts.path = path;
     facts.exists = true;
@@ -78,12 +78,12 @@ TEST_F(DoctorSettings, AreAProblemOnAFullDisk) {
     EXPECT_TRUE(judgeSettings(facts).cure.contains(u"make room"_qs));
 }
 
-TEST_F(DoctorSettings, AreAProblemWhenDamaged) {
+TEST_F(SettingsFindingsTest, AreAProblemWhenDamaged) {
     put(QByteArray("\0\1\2", 3));
     EXPECT_TRUE(judged().text.contains(u"damaged"_qs));
 }
 
-TEST(DoctorEndpoints, AreNamedOrWrong) {
+TEST(EndpointsFindingsTest, AreNamedOrWrong) {
     EXPECT_EQ(judgeEndpoints({}).text, u"no file: the built-in hosts"_qs);
     EXPECT_EQ(judgeEndpoints({{u"/etc/a"_qs, u"/b"_qs}, {}}).text, u"/etc/a, /b"_qs);
     const auto wrong = judgeEndpoints({{u"/b"_qs}, u"/b:3: joe_aac = x y: no host"_qs});

@@ -19,9 +19,9 @@ SonosSpeaker player(int host) {
     return speaker;
 }
 
-class DoctorSpeakers : public testing::Test {
+class SpeakerFindingsTest : public testing::Test {
 protected:
-    DoctorSpeakers() {
+    SpeakerFindingsTest() {
         facts.state = SpeakerFacts::State::done;
         facts.searches.push_back({{u"eth0"_qs, u"10.0.0.2"_qs, u"10.0.0.255"_qs},
                                   {{u"239.255.255.250"_qs, 0}, {u"10.0.0.255"_qs, 0}},
@@ -36,14 +36,14 @@ protected:
     SpeakerFacts facts;
 };
 
-TEST_F(DoctorSpeakers, WithoutAnyAreFine) {
+TEST_F(SpeakerFindingsTest, WithoutAnyAreFine) {
     EXPECT_EQ(network().text, u"eth0 10.0.0.2: searched, 0 answers"_qs);
     EXPECT_EQ(network().verdict, Verdict::ok);
     EXPECT_EQ(players().verdict, Verdict::ok);
     EXPECT_TRUE(players().text.startsWith(u"none found"_qs));
 }
 
-TEST_F(DoctorSpeakers, AreListedByRoomAndWay) {
+TEST_F(SpeakerFindingsTest, AreListedByRoomAndWay) {
     facts.searches.front().answers = {test::descriptionUrl(5)};
     facts.scanned = {test::descriptionUrl(6)};
     facts.rooms = NetworkPlayerProtocol::rooms({player(5), player(6), player(7)});
@@ -58,7 +58,7 @@ TEST_F(DoctorSpeakers, AreListedByRoomAndWay) {
         u"scan"_qs);
 }
 
-TEST_F(DoctorSpeakers, ThatAnswerOnlyWhenAskedOneByOneMeanThatMulticastIsBlocked) {
+TEST_F(SpeakerFindingsTest, ThatAnswerOnlyWhenAskedOneByOneMeanThatMulticastIsBlocked) {
     facts.scanned = {test::descriptionUrl(6)};
     facts.rooms = NetworkPlayerProtocol::rooms({player(6)});
     EXPECT_EQ(network().verdict, Verdict::problem);
@@ -67,7 +67,7 @@ TEST_F(DoctorSpeakers, ThatAnswerOnlyWhenAskedOneByOneMeanThatMulticastIsBlocked
     EXPECT_EQ(network().verdict, Verdict::ok) << "they are on another network";
 }
 
-TEST_F(DoctorSpeakers, KnowWhichPartOfTheSearchIsRefused) {
+TEST_F(SpeakerFindingsTest, KnowWhichPartOfTheSearchIsRefused) {
     send(EPERM, 0);
     EXPECT_TRUE(
         network().text.contains(u"multicast is blocked (Operation not permitted), broadcast is not"_qs));
@@ -78,7 +78,7 @@ TEST_F(DoctorSpeakers, KnowWhichPartOfTheSearchIsRefused) {
     EXPECT_EQ(network().verdict, Verdict::ok) << "the multicast one is enough";
 }
 
-TEST_F(DoctorSpeakers, AreDeniedWhenNoneMayBeAsked) {
+TEST_F(SpeakerFindingsTest, AreDeniedWhenNoneMayBeAsked) {
     facts.refusedRequests = 3;
     facts.lastRefusal = EACCES;
     EXPECT_EQ(players().verdict, Verdict::problem);
@@ -87,14 +87,14 @@ TEST_F(DoctorSpeakers, AreDeniedWhenNoneMayBeAsked) {
     EXPECT_EQ(players().verdict, Verdict::ok) << "one request that fails is not the whole network";
 }
 
-TEST_F(DoctorSpeakers, NeedANetwork) {
+TEST_F(SpeakerFindingsTest, NeedANetwork) {
     facts.searches.clear();
     EXPECT_EQ(network().verdict, Verdict::problem);
     facts.state = SpeakerFacts::State::searching;
     EXPECT_EQ(judgeSpeakers(facts).size(), 1U) << "not known yet";
 }
 
-TEST_F(DoctorSpeakers, ThatAreFoundSoFarAreTold) {
+TEST_F(SpeakerFindingsTest, ThatAreFoundSoFarAreTold) {
     facts.state = SpeakerFacts::State::searching;
     EXPECT_EQ(players().verdict, Verdict::ok);
     EXPECT_TRUE(players().text.contains(u"so far"_qs));
@@ -102,7 +102,7 @@ TEST_F(DoctorSpeakers, ThatAreFoundSoFarAreTold) {
     EXPECT_TRUE(players().text.startsWith(u"1 player"_qs));
 }
 
-TEST_F(DoctorSpeakers, AreNotLookedForUnlessWanted) {
+TEST_F(SpeakerFindingsTest, AreNotLookedForUnlessWanted) {
     facts.state = SpeakerFacts::State::notWanted;
     const auto findings = judgeSpeakers(facts);
     ASSERT_EQ(findings.size(), 1U);

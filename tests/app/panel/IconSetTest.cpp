@@ -46,7 +46,7 @@ Ink inkOf(const QImage& image) {
     return ink;
 }
 
-TEST(IconSet, HasEveryDrawing) {
+TEST(IconSetTest, HasEveryDrawing) {
     for (const QString& name : monochrome + coloured + trayIcons)
         EXPECT_TRUE(IconSet::contains(name)) << name.toStdString();
     EXPECT_FALSE(IconSet::contains(u"no.such.drawing"_qs));
@@ -82,7 +82,7 @@ double shareThatStandsOut(const QImage& picture, const QColor& bar) {
     return drawn == 0 ? 0.0 : static_cast<double>(standingOut) / drawn;
 }
 
-TEST(IconSet, TheTraysPicturesStandOutFromEveryBar) {
+TEST(IconSetTest, TheTraysPicturesStandOutFromEveryBar) {
     const IconSet icons;
     for (const QString& name : trayIcons) {
         for (const int size : {16, 22, 24, 32, 48}) {
@@ -93,7 +93,7 @@ TEST(IconSet, TheTraysPicturesStandOutFromEveryBar) {
     }
 }
 
-TEST(IconSet, TheTraysPicturesTellPlayingStoppedAndBufferingApart) {
+TEST(IconSetTest, TheTraysPicturesTellPlayingStoppedAndBufferingApart) {
     const IconSet icons;
     const auto differing = [&](const QString& a, const QString& b) {
         const QImage one = icons.image(a, 16, Qt::white);
@@ -110,7 +110,7 @@ TEST(IconSet, TheTraysPicturesTellPlayingStoppedAndBufferingApart) {
     EXPECT_GE(differing(trayIcons[0], trayIcons[2]), 8);
 }
 
-TEST(IconSet, DrawsEachOneSharplyAndWhollyAtEverySize) {
+TEST(IconSetTest, DrawsEachOneSharplyAndWhollyAtEverySize) {
     const IconSet icons;
     for (const QString& name : monochrome) {
         for (const int size : {16, 18, 22, 24, 32, 36, 44, 48}) {
@@ -124,7 +124,7 @@ TEST(IconSet, DrawsEachOneSharplyAndWhollyAtEverySize) {
     }
 }
 
-TEST(IconSet, TakesTheColourAskedFor) {
+TEST(IconSetTest, TakesTheColourAskedFor) {
     const IconSet icons;
     for (const QString& name : monochrome) {
         const QImage image = icons.image(name, 44, QColor(0x12, 0x34, 0x56));
@@ -141,20 +141,20 @@ TEST(IconSet, TakesTheColourAskedFor) {
     }
 }
 
-TEST(IconSet, LeavesColouredDrawingsAsTheyAre) {
+TEST(IconSetTest, LeavesColouredDrawingsAsTheyAre) {
     const IconSet icons;
     for (const QString& name : coloured)
         EXPECT_EQ(icons.image(name, 48, Qt::green), icons.image(name, 48, Qt::blue)) << name.toStdString();
 }
 
-TEST(IconSet, KeepsTheProportionsOfAFlag) {
+TEST(IconSetTest, KeepsTheProportionsOfAFlag) {
     const QImage image = IconSet().image(u"flag-nl"_qs, 24, Qt::black);
     EXPECT_EQ(qAlpha(image.pixel(12, 1)), 0);
     EXPECT_EQ(qAlpha(image.pixel(12, 12)), 255);
     EXPECT_EQ(qAlpha(image.pixel(12, 22)), 0);
 }
 
-TEST(IconSet, HasNothingForUnknownNamesAndSenselessSizes) {
+TEST(IconSetTest, HasNothingForUnknownNamesAndSenselessSizes) {
     const IconSet icons;
     EXPECT_TRUE(icons.image(u"no.such.drawing"_qs, 16, Qt::black).isNull());
     EXPECT_TRUE(icons.pixmap(u"no.such.drawing"_qs, 16, 1, Qt::black).isNull());
@@ -163,7 +163,7 @@ TEST(IconSet, HasNothingForUnknownNamesAndSenselessSizes) {
     EXPECT_TRUE(icons.icon(u"no.such.drawing"_qs, Qt::black).isNull());
 }
 
-TEST(IconSet, GivesPixmapsAtTheRatioOfTheDevice) {
+TEST(IconSetTest, GivesPixmapsAtTheRatioOfTheDevice) {
     const IconSet icons;
     const QPixmap pixmap = icons.pixmap(u"play.fill"_qs, 18, 1.5, Qt::black);
     EXPECT_EQ(pixmap.size(), QSize(27, 27));
@@ -172,7 +172,7 @@ TEST(IconSet, GivesPixmapsAtTheRatioOfTheDevice) {
     EXPECT_NE(icons.pixmap(u"play.fill"_qs, 18, 1.5, Qt::red).cacheKey(), pixmap.cacheKey());
 }
 
-TEST(IconSet, MakesIconsThatAreRenderedWhenDrawn) {
+TEST(IconSetTest, MakesIconsThatAreRenderedWhenDrawn) {
     QIcon icon;
     {
         const IconSet icons;

@@ -9,17 +9,7 @@
 #include "playback/RadioPlayer.h"
 #include "speakers/SonosManager.h"
 #include "stations/LanguageManager.h"
-#include "tests/support/FakeDefaultsStore.h"
-#include "tests/support/FakeHttpSession.h"
-#include "tests/support/FakeLocalNetwork.h"
-#include "tests/support/FakeMediaControls.h"
-#include "tests/support/FakeMetadataSocket.h"
-#include "tests/support/FakeStreamPlayer.h"
-#include "tests/support/FakeTaskPool.h"
-#include "tests/support/FakeWakeNotifier.h"
-#include "tests/support/ManualMainQueue.h"
-#include "tests/support/PrintQt.h"
-#include "tests/support/RecordingOutput.h"
+#include "tests/support/World.h"
 
 #include <QCoreApplication>
 #include <QUrl>
@@ -54,13 +44,6 @@ private:
     }
 };
 
-/// Remembers what was to be opened.
-class RecordingWorkspace final : public Workspace {
-public:
-    void open(const QUrl& url) override { opened.push_back(url); }
-    std::vector<QUrl> opened;
-};
-
 [[nodiscard]] inline SonosRoom makeRoom(const QString& id, const QString& name) {
     SonosSpeaker speaker;
     speaker.id = id;
@@ -82,16 +65,17 @@ public:
 }
 
 /// Everything the panel shows and moves, real, over fakes of what is outside of the program.
-class PanelWorld {
+class PanelWorld : public World {
 public:
     /// Whether the sources of what is on air have answered.
     enum class OnAir { known, loading };
 
     explicit PanelWorld(const QString& language = QStringLiteral("en"),
                         RadioStation station = RadioStation::qmusic, OnAir onAir = OnAir::known)
-        : stored(rememberStation(station))
+        : World(FakeTaskPool::Mode::inPlace)
+        , stored(rememberStation(station))
         , languages(defaults, {language})
-        , player({streams, defaults, queue, nowPlaying, commands, wake, output, hosts})
+        , player({players, defaults, queue, nowPlaying, commands, wake, output, hosts})
         , sonos(false, {http, defaults, queue, tasks, network, log, languages, player, hosts})
         , viewModel(station, http, queue.clock(), sockets.maker(), {queue, output, languages, hosts})
         , controls({viewModel, player, sonos, languages},
@@ -174,26 +158,12 @@ public:
         return paths;
     }
 
-    ManualMainQueue queue;
-    FakeDefaultsStore defaults;
-    FakeHttpSession http;
-    FakeTaskPool tasks{FakeTaskPool::Mode::inPlace};
-    FakeLocalNetwork network;
-    RecordingSystemLog log;
-    RecordingStandardOutput output;
-    FakeStreamPlayerFactory streams;
-    FakeNowPlayingInfoCenter nowPlaying;
-    FakeRemoteCommandCenter commands;
-    FakeWakeNotifier wake;
-    FakeSocketFactory sockets;
-    ServiceHosts hosts;
     bool stored;
     LanguageManager languages;
     RadioPlayer player;
     SonosManager sonos;
     RadioViewModel viewModel;
     FakeLoginItem loginItem;
-    RecordingWorkspace workspace;
     RadioControls controls;
     IconSet icons;
     AppearanceSource appearance;

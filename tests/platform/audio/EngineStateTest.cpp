@@ -12,7 +12,7 @@ constexpr auto waiting = TimeControlStatus::waitingToPlayAtSpecifiedRate;
 constexpr auto playing = TimeControlStatus::playing;
 
 /// The orders of events below were recorded from libmpv 0.35.1 playing from servers on the same computer.
-class State : public ::testing::Test {
+class EngineStateTest : public ::testing::Test {
 protected:
     EngineState::Outcome batch(std::initializer_list<EngineEvent> events) {
         for (const auto& event : events)
@@ -34,7 +34,7 @@ protected:
     EngineState state;
 };
 
-TEST_F(State, beginsPaused) {
+TEST_F(EngineStateTest, beginsPaused) {
     const auto outcome = state.conclude();
     EXPECT_EQ(outcome.status, paused);
     EXPECT_FALSE(outcome.stalled);
@@ -43,7 +43,7 @@ TEST_F(State, beginsPaused) {
     EXPECT_FALSE(state.isOpen());
 }
 
-TEST_F(State, waitsFromTheWishToTheSound) {
+TEST_F(EngineStateTest, waitsFromTheWishToTheSound) {
     EXPECT_EQ(want(EngineState::Sound::wanted).status, waiting);
     state.opening();
     EXPECT_TRUE(state.isOpen());
@@ -53,7 +53,7 @@ TEST_F(State, waitsFromTheWishToTheSound) {
     EXPECT_EQ(batch({EngineEvent::coreIdle(false)}).status, playing);
 }
 
-TEST_F(State, doesNotTakeTheSoundOfTheStreamBeforeForItsOwn) {
+TEST_F(EngineStateTest, doesNotTakeTheSoundOfTheStreamBeforeForItsOwn) {
     state.want(EngineState::Sound::wanted);
     state.opening();
     EXPECT_EQ(
@@ -63,7 +63,7 @@ TEST_F(State, doesNotTakeTheSoundOfTheStreamBeforeForItsOwn) {
     EXPECT_EQ(batch({EngineEvent::playbackRestarted()}).status, playing);
 }
 
-TEST_F(State, isPausedAtOnceWhateverTheEngineDoes) {
+TEST_F(EngineStateTest, isPausedAtOnceWhateverTheEngineDoes) {
     startPlaying();
     EXPECT_EQ(want(EngineState::Sound::notWanted).status, paused);
     EXPECT_EQ(batch({EngineEvent::coreIdle(true)}).status, paused);
@@ -71,7 +71,7 @@ TEST_F(State, isPausedAtOnceWhateverTheEngineDoes) {
     EXPECT_EQ(batch({EngineEvent::coreIdle(false)}).status, playing);
 }
 
-TEST_F(State, stallsOnceUntilTheDataIsBack) {
+TEST_F(EngineStateTest, stallsOnceUntilTheDataIsBack) {
     startPlaying();
     auto outcome = batch({EngineEvent::coreIdle(true), EngineEvent::pausedForCache(true)});
     EXPECT_EQ(outcome.status, waiting);
@@ -84,7 +84,7 @@ TEST_F(State, stallsOnceUntilTheDataIsBack) {
     EXPECT_TRUE(batch({EngineEvent::coreIdle(true), EngineEvent::pausedForCache(true)}).stalled);
 }
 
-TEST_F(State, stallsAlsoWhenTheTwoNewsComeApart) {
+TEST_F(EngineStateTest, stallsAlsoWhenTheTwoNewsComeApart) {
     startPlaying();
     EXPECT_FALSE(batch({EngineEvent::coreIdle(true)}).stalled);
     EXPECT_TRUE(batch({EngineEvent::pausedForCache(true)}).stalled);
@@ -92,7 +92,7 @@ TEST_F(State, stallsAlsoWhenTheTwoNewsComeApart) {
     EXPECT_FALSE(batch({EngineEvent::pausedForCache(false)}).stalled);
 }
 
-TEST_F(State, tellsNoStallTogetherWithPlaying) {
+TEST_F(EngineStateTest, tellsNoStallTogetherWithPlaying) {
     startPlaying();
     auto outcome = batch({EngineEvent::pausedForCache(true)});
     EXPECT_EQ(outcome.status, playing);
@@ -103,7 +103,7 @@ TEST_F(State, tellsNoStallTogetherWithPlaying) {
     EXPECT_TRUE(outcome.stalled);
 }
 
-TEST_F(State, doesNotStallOverAGapThatIsOverWhenLookedAt) {
+TEST_F(EngineStateTest, doesNotStallOverAGapThatIsOverWhenLookedAt) {
     startPlaying();
     const auto outcome = batch({EngineEvent::coreIdle(true), EngineEvent::pausedForCache(true),
                                 EngineEvent::coreIdle(false), EngineEvent::pausedForCache(false)});
@@ -111,20 +111,20 @@ TEST_F(State, doesNotStallOverAGapThatIsOverWhenLookedAt) {
     EXPECT_FALSE(outcome.stalled);
 }
 
-TEST_F(State, doesNotStallWhilePausedNorAfterwards) {
+TEST_F(EngineStateTest, doesNotStallWhilePausedNorAfterwards) {
     startPlaying();
     want(EngineState::Sound::notWanted);
     EXPECT_FALSE(batch({EngineEvent::coreIdle(true), EngineEvent::pausedForCache(true)}).stalled);
     EXPECT_FALSE(want(EngineState::Sound::wanted).stalled);
 }
 
-TEST_F(State, doesNotStallBeforeTheFirstSound) {
+TEST_F(EngineStateTest, doesNotStallBeforeTheFirstSound) {
     state.want(EngineState::Sound::wanted);
     state.opening();
     EXPECT_FALSE(batch({EngineEvent::pausedForCache(true), EngineEvent::fileLoaded()}).stalled);
 }
 
-TEST_F(State, failsOnceWhenTheStreamEnds) {
+TEST_F(EngineStateTest, failsOnceWhenTheStreamEnds) {
     startPlaying();
     EXPECT_EQ(batch({EngineEvent::coreIdle(true)}).status, waiting);
     auto outcome = batch({EngineEvent::ended(EndCause::stream)});
@@ -138,14 +138,14 @@ TEST_F(State, failsOnceWhenTheStreamEnds) {
     EXPECT_EQ(outcome.status, waiting);
 }
 
-TEST_F(State, failsWhenItCannotBeOpened) {
+TEST_F(EngineStateTest, failsWhenItCannotBeOpened) {
     state.want(EngineState::Sound::wanted);
     state.opening();
     EXPECT_FALSE(batch({EngineEvent::coreIdle(true), EngineEvent::pausedForCache(false)}).failed);
     EXPECT_TRUE(batch({EngineEvent::ended(EndCause::stream)}).failed);
 }
 
-TEST_F(State, failsDuringAStallWithoutASecondStall) {
+TEST_F(EngineStateTest, failsDuringAStallWithoutASecondStall) {
     startPlaying();
     batch({EngineEvent::coreIdle(true), EngineEvent::pausedForCache(true)});
     const auto outcome = batch({EngineEvent::ended(EndCause::stream), EngineEvent::pausedForCache(false)});
@@ -153,7 +153,7 @@ TEST_F(State, failsDuringAStallWithoutASecondStall) {
     EXPECT_FALSE(outcome.stalled);
 }
 
-TEST_F(State, endsWithoutFailingWhenNobodyWantsSound) {
+TEST_F(EngineStateTest, endsWithoutFailingWhenNobodyWantsSound) {
     startPlaying();
     want(EngineState::Sound::notWanted);
     const auto outcome = batch({EngineEvent::ended(EndCause::stream)});
@@ -163,12 +163,12 @@ TEST_F(State, endsWithoutFailingWhenNobodyWantsSound) {
     EXPECT_FALSE(want(EngineState::Sound::wanted).failed) << "nor later";
 }
 
-TEST_F(State, saysWhyItEnded) {
+TEST_F(EngineStateTest, saysWhyItEnded) {
     startPlaying();
     EXPECT_EQ(batch({EngineEvent::ended(EndCause::noAudioDevice)}).ended, EndCause::noAudioDevice);
 }
 
-TEST_F(State, closedOnPurposeIsNoFailure) {
+TEST_F(EngineStateTest, closedOnPurposeIsNoFailure) {
     startPlaying();
     state.closed();
     const auto outcome = state.conclude();
@@ -177,7 +177,7 @@ TEST_F(State, closedOnPurposeIsNoFailure) {
     EXPECT_EQ(outcome.status, waiting);
 }
 
-TEST_F(State, ignoresWhatComesWhenNothingIsOpen) {
+TEST_F(EngineStateTest, ignoresWhatComesWhenNothingIsOpen) {
     state.want(EngineState::Sound::wanted);
     const auto outcome = batch({EngineEvent::fileLoaded(), EngineEvent::playbackRestarted(),
                                 EngineEvent::coreIdle(false), EngineEvent::ended(EndCause::stream)});
@@ -185,7 +185,7 @@ TEST_F(State, ignoresWhatComesWhenNothingIsOpen) {
     EXPECT_FALSE(outcome.failed);
 }
 
-TEST_F(State, startsAfreshWithEachConnection) {
+TEST_F(EngineStateTest, startsAfreshWithEachConnection) {
     startPlaying();
     state.opening();
     EXPECT_EQ(batch({EngineEvent::coreIdle(false)}).status, waiting);

@@ -53,33 +53,33 @@ QByteArray passed(const QByteArray& bytes) {
 const QByteArray aac = adtsFrame(300) + adtsFrame(280) + adtsFrame(310);
 const QByteArray mp3 = mp3Frame().repeated(3);
 
-TEST(FrameFilter, passesWholeFrames) {
+TEST(FrameFilterTest, passesWholeFrames) {
     EXPECT_TRUE(passed(aac) == aac);
     EXPECT_TRUE(passed(mp3) == mp3);
 }
 
-TEST(FrameFilter, beginsBehindTheRestOfABrokenFrame) {
+TEST(FrameFilterTest, beginsBehindTheRestOfABrokenFrame) {
     EXPECT_TRUE(passed(adtsFrame(400).mid(123) + aac) == aac);
     EXPECT_TRUE(passed(mp3Frame().mid(100) + mp3) == mp3);
 }
 
-TEST(FrameFilter, isNotBaitedByWhatOnlyLooksLikeAHeader) {
+TEST(FrameFilterTest, isNotBaitedByWhatOnlyLooksLikeAHeader) {
     EXPECT_TRUE(passed(adtsFrame(100).first(20) + aac) == aac);
 }
 
-TEST(FrameFilter, needsThreeFramesOfOneKindToBegin) {
+TEST(FrameFilterTest, needsThreeFramesOfOneKindToBegin) {
     EXPECT_EQ(passed(adtsFrame(300) + adtsFrame(280)), QByteArray());
     EXPECT_EQ(passed(adtsFrame(300) + adtsFrame(280) + mp3Frame()), QByteArray());
     EXPECT_EQ(passed("\xFF"), QByteArray());
 }
 
-TEST(FrameFilter, takesTheThirdFrameByItsHeader) {
+TEST(FrameFilterTest, takesTheThirdFrameByItsHeader) {
     const auto two = adtsFrame(300) + adtsFrame(280);
     EXPECT_TRUE(passed(two + adtsFrame(310).first(6)) == two);
     EXPECT_EQ(passed(two + adtsFrame(310).first(5)), QByteArray());
 }
 
-TEST(FrameFilter, knowsTheLengthsOfEveryKindOfFrame) {
+TEST(FrameFilterTest, knowsTheLengthsOfEveryKindOfFrame) {
     const auto frames = [](const char* header, int size) {
         return (QByteArray::fromHex(header) + QByteArray(size - 4, '\0')).repeated(3);
     };
@@ -92,17 +92,17 @@ TEST(FrameFilter, knowsTheLengthsOfEveryKindOfFrame) {
         EXPECT_TRUE(passed(one) == one) << one.first(4).toHex().constData();
 }
 
-TEST(FrameFilter, leavesOutWhatStandsBetweenFrames) {
+TEST(FrameFilterTest, leavesOutWhatStandsBetweenFrames) {
     EXPECT_TRUE(passed(tag(20) + QByteArray(20, 'x') + aac) == aac);
     EXPECT_TRUE(passed(aac + tag(20) + QByteArray(20, 'x') + aac) == aac + aac);
     EXPECT_TRUE(passed(aac + tag(1U << 27U) + aac) == aac + aac) << "whatever length the tag claims";
 }
 
-TEST(FrameFilter, staysWithTheKindItBeganWith) {
+TEST(FrameFilterTest, staysWithTheKindItBeganWith) {
     EXPECT_TRUE(passed(aac + mp3 + aac) == aac + aac) << "a decoder made for one cannot read the other";
 }
 
-TEST(FrameFilter, givesTheSameForPiecesAsForTheWhole) {
+TEST(FrameFilterTest, givesTheSameForPiecesAsForTheWhole) {
     const auto bytes = adtsFrame(400).mid(5) + aac + "noise" + aac.repeated(20);
     FrameFilter filter;
     QByteArray all;
@@ -113,7 +113,7 @@ TEST(FrameFilter, givesTheSameForPiecesAsForTheWhole) {
     EXPECT_TRUE(all == passed(bytes));
 }
 
-TEST(FrameFilter, givesOutNoMoreThanIsAskedFor) {
+TEST(FrameFilterTest, givesOutNoMoreThanIsAskedFor) {
     FrameFilter filter;
     filter.put(aac);
     QByteArray piece(100, '\0');
@@ -124,7 +124,7 @@ TEST(FrameFilter, givesOutNoMoreThanIsAskedFor) {
     EXPECT_TRUE(filter.isEmpty());
 }
 
-TEST(FrameFilter, countsSoundAndWhatIsNone) {
+TEST(FrameFilterTest, countsSoundAndWhatIsNone) {
     FrameFilter filter;
     filter.put(aac);
     EXPECT_EQ(filter.sound(), 3 * 23'219us) << "1024 samples each";
@@ -136,7 +136,7 @@ TEST(FrameFilter, countsSoundAndWhatIsNone) {
     EXPECT_EQ(filter.bytesWithoutSound(), 0);
 }
 
-TEST(FrameFilter, keepsLittleOfWhatIsNoSound) {
+TEST(FrameFilterTest, keepsLittleOfWhatIsNoSound) {
     FrameFilter filter;
     for (int i = 0; i < 100; ++i)
         filter.put(QByteArray(10'000, char(0xFF)) + adtsFrame(8191).first(7));

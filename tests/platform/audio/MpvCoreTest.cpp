@@ -48,7 +48,7 @@ QString text(const EngineEvent& event) {
 }
 
 /// The core on a library that does nothing by itself.
-class Core : public ::testing::Test {
+class MpvCoreTest : public ::testing::Test {
 protected:
     void SetUp() override {
         void* library = ::dlopen(ZOFRA_FAKE_MPV, RTLD_NOW | RTLD_LOCAL);
@@ -196,7 +196,7 @@ protected:
         [this](const QString& reason) { reported << reason; });
 };
 
-TEST_F(Core, makesNoMpvBeforeItIsNeeded) {
+TEST_F(MpvCoreTest, makesNoMpvBeforeItIsNeeded) {
     core->setVolume(0.5F);
     core->setPaused(AudioCore::Pause::yes);
     core->stop();
@@ -204,7 +204,7 @@ TEST_F(Core, makesNoMpvBeforeItIsNeeded) {
     EXPECT_THAT(fake.instances, IsEmpty());
 }
 
-TEST_F(Core, makesOneWithItsOptionsAndOpensTheAddress) {
+TEST_F(MpvCoreTest, makesOneWithItsOptionsAndOpensTheAddress) {
     core->setVolume(0.125F);
     load("http://127.0.0.1:1/x.aac?y=1");
     EXPECT_THAT(takeCalls(),
@@ -215,7 +215,7 @@ TEST_F(Core, makesOneWithItsOptionsAndOpensTheAddress) {
     EXPECT_STREQ(std::setlocale(LC_NUMERIC, nullptr), "C");
 }
 
-TEST_F(Core, passesOnWhatBecameOfTheConnection) {
+TEST_F(MpvCoreTest, passesOnWhatBecameOfTheConnection) {
     startPlaying("http://127.0.0.1:1/x.aac", 1);
     coreIdle(1);
     pausedForCache(1);
@@ -229,7 +229,7 @@ TEST_F(Core, passesOnWhatBecameOfTheConnection) {
                 ElementsAre(QStringLiteral("idle dry"), QStringLiteral("busy wet"), QStringLiteral("ended")));
 }
 
-TEST_F(Core, tellsTogetherWhatCameTogether) {
+TEST_F(MpvCoreTest, tellsTogetherWhatCameTogether) {
     startPlaying("http://127.0.0.1:1/x.aac", 1);
     coreIdle(1);
     end(1, MPV_END_FILE_REASON_ERROR, MPV_ERROR_LOADING_FAILED);
@@ -238,14 +238,14 @@ TEST_F(Core, tellsTogetherWhatCameTogether) {
     EXPECT_THAT(told, ElementsAre(QStringLiteral("idle ended")));
 }
 
-TEST_F(Core, tellsAMissingDeviceFromABrokenStream) {
+TEST_F(MpvCoreTest, tellsAMissingDeviceFromABrokenStream) {
     startPlaying("http://127.0.0.1:1/x.aac", 1);
     end(1, MPV_END_FILE_REASON_ERROR, MPV_ERROR_AO_INIT_FAILED);
     ring();
     EXPECT_THAT(told, ElementsAre(QStringLiteral("no device")));
 }
 
-TEST_F(Core, takesAStreamThatTurnsOutToBeAListForFailed) {
+TEST_F(MpvCoreTest, takesAStreamThatTurnsOutToBeAListForFailed) {
     startPlaying("http://127.0.0.1:1/x.aac", 1);
     end(1, MPV_END_FILE_REASON_REDIRECT);
     start(2);
@@ -254,7 +254,7 @@ TEST_F(Core, takesAStreamThatTurnsOutToBeAListForFailed) {
     EXPECT_THAT(told, ElementsAre(QStringLiteral("ended")));
 }
 
-TEST_F(Core, isSilentAboutWhatItWasToldToStop) {
+TEST_F(MpvCoreTest, isSilentAboutWhatItWasToldToStop) {
     startPlaying("http://127.0.0.1:1/x.aac", 1);
     core->stop();
     EXPECT_THAT(takeCalls(), ElementsAre("stop"));
@@ -266,7 +266,7 @@ TEST_F(Core, isSilentAboutWhatItWasToldToStop) {
     EXPECT_THAT(told, IsEmpty());
 }
 
-TEST_F(Core, keepsTheNewsOfOneConnectionFromTheNext) {
+TEST_F(MpvCoreTest, keepsTheNewsOfOneConnectionFromTheNext) {
     startPlaying("http://127.0.0.1:1/1.aac", 1);
     load("http://127.0.0.1:1/2.aac");
     EXPECT_THAT(takeCalls(), ElementsAre("loadfile zofrahttp://127.0.0.1:1/2.aac"));
@@ -287,7 +287,7 @@ TEST_F(Core, keepsTheNewsOfOneConnectionFromTheNext) {
         << "with the values that are not told again";
 }
 
-TEST_F(Core, isNotConfusedByTheAnswerToAnEarlierCommand) {
+TEST_F(MpvCoreTest, isNotConfusedByTheAnswerToAnEarlierCommand) {
     load("http://127.0.0.1:1/1.aac");
     auto late = event(MPV_EVENT_COMMAND_REPLY, [](Event& e) -> void* { return &e.command; });
     late->event.reply_userdata = fake.instances.back()->lastCommandId;
@@ -300,7 +300,7 @@ TEST_F(Core, isNotConfusedByTheAnswerToAnEarlierCommand) {
     EXPECT_THAT(told, ElementsAre(QStringLiteral("idle wet")));
 }
 
-TEST_F(Core, understandsAnAnswerThatComesAfterTheStart) {
+TEST_F(MpvCoreTest, understandsAnAnswerThatComesAfterTheStart) {
     load("http://127.0.0.1:1/1.aac");
     start(1);
     reply(1);
@@ -311,14 +311,14 @@ TEST_F(Core, understandsAnAnswerThatComesAfterTheStart) {
     EXPECT_EQ(fake.instances.size(), 1U) << "it did start";
 }
 
-TEST_F(Core, failsWhenTheAddressIsNotTaken) {
+TEST_F(MpvCoreTest, failsWhenTheAddressIsNotTaken) {
     load("http://127.0.0.1:1/1.aac");
     reply(1, MPV_ERROR_COMMAND);
     ring();
     EXPECT_THAT(told, ElementsAre(QStringLiteral("no engine")));
 }
 
-TEST_F(Core, takesAnUnknownPropertyForSilence) {
+TEST_F(MpvCoreTest, takesAnUnknownPropertyForSilence) {
     startPlaying("http://127.0.0.1:1/x.aac", 1);
     coreIdle(-1);
     pausedForCache(-1);
@@ -326,7 +326,7 @@ TEST_F(Core, takesAnUnknownPropertyForSilence) {
     EXPECT_THAT(told, ElementsAre(QStringLiteral("idle wet")));
 }
 
-TEST_F(Core, replacesAnMpvThatHangs) {
+TEST_F(MpvCoreTest, replacesAnMpvThatHangs) {
     fake.holdsEnding = true;
     load("http://127.0.0.1:1/1.aac");
     reply(1);
@@ -347,7 +347,7 @@ TEST_F(Core, replacesAnMpvThatHangs) {
     EXPECT_EQ(fake.instances.size(), 2U);
 }
 
-TEST_F(Core, leavesNoMoreThanThreeHungOnesBehind) {
+TEST_F(MpvCoreTest, leavesNoMoreThanThreeHungOnesBehind) {
     fake.holdsEnding = true;
     load("http://127.0.0.1:1/1.aac");
     for (std::size_t made = 2; made <= 4; ++made) {
@@ -363,7 +363,7 @@ TEST_F(Core, leavesNoMoreThanThreeHungOnesBehind) {
     waitUntilMade(5);
 }
 
-TEST_F(Core, failsInOneLineWhileNoThreadIsToBeHadAndPlaysLater) {
+TEST_F(MpvCoreTest, failsInOneLineWhileNoThreadIsToBeHadAndPlaysLater) {
     *hasThreads = false;
     core->load(QUrl(QStringLiteral("http://127.0.0.1:1/1.aac")),
                [this](const std::vector<EngineEvent>& events) { told << text(events.front()); });
@@ -374,7 +374,7 @@ TEST_F(Core, failsInOneLineWhileNoThreadIsToBeHadAndPlaysLater) {
     load("http://127.0.0.1:1/1.aac");
 }
 
-TEST_F(Core, endsWhatIsOverOnceThreadsAreToBeHadAgain) {
+TEST_F(MpvCoreTest, endsWhatIsOverOnceThreadsAreToBeHadAgain) {
     startPlaying("http://127.0.0.1:1/x.aac", 1);
     *hasThreads = false;
     simple(MPV_EVENT_SHUTDOWN);
@@ -390,14 +390,14 @@ TEST_F(Core, endsWhatIsOverOnceThreadsAreToBeHadAgain) {
     });
 }
 
-TEST_F(Core, doesNotWaitForTheStartOfWhatItStopped) {
+TEST_F(MpvCoreTest, doesNotWaitForTheStartOfWhatItStopped) {
     load("http://127.0.0.1:1/1.aac");
     core->stop();
     queue.advance(1min);
     EXPECT_EQ(fake.instances.size(), 1U);
 }
 
-TEST_F(Core, makesAnotherWhenMpvEndsByItself) {
+TEST_F(MpvCoreTest, makesAnotherWhenMpvEndsByItself) {
     startPlaying("http://127.0.0.1:1/x.aac", 1);
     simple(MPV_EVENT_SHUTDOWN);
     ring();
@@ -407,14 +407,14 @@ TEST_F(Core, makesAnotherWhenMpvEndsByItself) {
                 ElementsAre("set volume 100", "set pause 0", "loadfile zofrahttp://127.0.0.1:1/x.aac"));
 }
 
-TEST_F(Core, makesAnotherWhenEventsWereLost) {
+TEST_F(MpvCoreTest, makesAnotherWhenEventsWereLost) {
     startPlaying("http://127.0.0.1:1/x.aac", 1);
     simple(MPV_EVENT_QUEUE_OVERFLOW);
     ring();
     EXPECT_THAT(told, ElementsAre(QStringLiteral("no engine")));
 }
 
-TEST_F(Core, keepsPauseAndVolumeForTheMpvThatIsStillBeingMade) {
+TEST_F(MpvCoreTest, keepsPauseAndVolumeForTheMpvThatIsStillBeingMade) {
     core->load(QUrl(QStringLiteral("http://127.0.0.1:1/x.aac")), [](const auto&) {});
     core->setVolume(0.0F);
     core->setPaused(AudioCore::Pause::yes);
@@ -423,7 +423,7 @@ TEST_F(Core, keepsPauseAndVolumeForTheMpvThatIsStillBeingMade) {
                 ElementsAre("set volume 0", "set pause 1", "loadfile zofrahttp://127.0.0.1:1/x.aac"));
 }
 
-TEST_F(Core, opensOnlyTheLatestAddressOnceTheMpvIsMade) {
+TEST_F(MpvCoreTest, opensOnlyTheLatestAddressOnceTheMpvIsMade) {
     core->load(QUrl(QStringLiteral("http://127.0.0.1:1/1.aac")), [](const auto&) { FAIL(); });
     load("http://127.0.0.1:1/2.aac");
     EXPECT_THAT(takeCalls(),
@@ -431,7 +431,7 @@ TEST_F(Core, opensOnlyTheLatestAddressOnceTheMpvIsMade) {
     EXPECT_EQ(fake.instances.size(), 1U);
 }
 
-TEST_F(Core, opensNothingWhenStoppedBeforeTheMpvIsMade) {
+TEST_F(MpvCoreTest, opensNothingWhenStoppedBeforeTheMpvIsMade) {
     core->load(QUrl(QStringLiteral("http://127.0.0.1:1/1.aac")), [](const auto&) { FAIL(); });
     queue.drain();
     core->stop();
@@ -443,7 +443,7 @@ TEST_F(Core, opensNothingWhenStoppedBeforeTheMpvIsMade) {
     EXPECT_THAT(takeCalls(), ElementsAre("set volume 100", "set pause 0"));
 }
 
-TEST_F(Core, tellsMpvOnceATurnHoweverOftenTheListenerChangesHisMind) {
+TEST_F(MpvCoreTest, tellsMpvOnceATurnHoweverOftenTheListenerChangesHisMind) {
     startPlaying("http://127.0.0.1:1/x.aac", 1);
     for (int i = 0; i < 1000; ++i) {
         core->stop();
@@ -457,7 +457,7 @@ TEST_F(Core, tellsMpvOnceATurnHoweverOftenTheListenerChangesHisMind) {
                                          "loadfile zofrahttp://127.0.0.1:1/999.aac"));
 }
 
-TEST_F(Core, endsTheMpvThatIsMadeTooLate) {
+TEST_F(MpvCoreTest, endsTheMpvThatIsMadeTooLate) {
     core->load(QUrl(QStringLiteral("http://127.0.0.1:1/1.aac")), [](const auto&) { FAIL(); });
     queue.drain();
     core.reset();
@@ -468,7 +468,7 @@ TEST_F(Core, endsTheMpvThatIsMadeTooLate) {
     });
 }
 
-TEST_F(Core, tellsNothingAfterItsEnd) {
+TEST_F(MpvCoreTest, tellsNothingAfterItsEnd) {
     startPlaying("http://127.0.0.1:1/x.aac", 1);
     end(1, MPV_END_FILE_REASON_EOF);
     {
@@ -481,7 +481,7 @@ TEST_F(Core, tellsNothingAfterItsEnd) {
     EXPECT_THAT(told, IsEmpty());
 }
 
-TEST_F(Core, postsOnceHoweverOftenItIsRung) {
+TEST_F(MpvCoreTest, postsOnceHoweverOftenItIsRung) {
     startPlaying("http://127.0.0.1:1/x.aac", 1);
     {
         const std::scoped_lock lock(fake.mutex);
@@ -491,13 +491,13 @@ TEST_F(Core, postsOnceHoweverOftenItIsRung) {
     EXPECT_EQ(queue.pendingWork(), 1U);
 }
 
-TEST_F(Core, neverWaitsForEventsOnTheMainThread) {
+TEST_F(MpvCoreTest, neverWaitsForEventsOnTheMainThread) {
     startPlaying("http://127.0.0.1:1/x.aac", 1);
     ring();
     EXPECT_THAT(takeCalls(), IsEmpty());
 }
 
-TEST_F(Core, fetchesAFloodInPieces) {
+TEST_F(MpvCoreTest, fetchesAFloodInPieces) {
     startPlaying("http://127.0.0.1:1/x.aac", 1);
     for (int i = 0; i < 2500; ++i)
         coreIdle(i % 2);
@@ -507,7 +507,7 @@ TEST_F(Core, fetchesAFloodInPieces) {
     EXPECT_EQ(told[2].count(u' '), 499);
 }
 
-class CoreThatCannotBeMade : public Core {
+class MpvCoreShortageTest : public MpvCoreTest {
 protected:
     void expectReport(const char* reason) {
         core->load(QUrl(QStringLiteral("http://127.0.0.1:1/1.aac")),
@@ -521,35 +521,35 @@ protected:
     }
 };
 
-TEST_F(CoreThatCannotBeMade, becauseAnOptionThatMattersIsNotTaken) {
+TEST_F(MpvCoreShortageTest, becauseAnOptionThatMattersIsNotTaken) {
     fake.refusedOption = "tls-verify";
     expectReport("libmpv does not take the option tls-verify: option not found");
     EXPECT_TRUE(fake.instances.front()->isEnded);
 }
 
-TEST_F(CoreThatCannotBeMade, butAnOptionThatOnlyHelpsMayBeMissing) {
+TEST_F(MpvCoreShortageTest, butAnOptionThatOnlyHelpsMayBeMissing) {
     fake.refusedOption = "pulse-buffer";
     load("http://127.0.0.1:1/1.aac");
     EXPECT_THAT(reported, IsEmpty());
 }
 
-TEST_F(CoreThatCannotBeMade, becauseItTakesNoStreamsOfOurs) {
+TEST_F(MpvCoreShortageTest, becauseItTakesNoStreamsOfOurs) {
     fake.addProtocolResult = MPV_ERROR_GENERIC;
     expectReport("libmpv does not take our streams: something else");
     EXPECT_TRUE(fake.instances.front()->isEnded);
 }
 
-TEST_F(CoreThatCannotBeMade, becauseItDoesNotStart) {
+TEST_F(MpvCoreShortageTest, becauseItDoesNotStart) {
     fake.initializeResult = MPV_ERROR_GENERIC;
     expectReport("libmpv cannot be started: something else");
 }
 
-TEST_F(CoreThatCannotBeMade, becauseThereIsNoMemory) {
+TEST_F(MpvCoreShortageTest, becauseThereIsNoMemory) {
     fake.failsToCreate = true;
     expectReport("libmpv cannot be started");
 }
 
-TEST_F(CoreThatCannotBeMade, becauseItsInterfaceIsAnother) {
+TEST_F(MpvCoreShortageTest, becauseItsInterfaceIsAnother) {
     fake.apiVersion = 9UL << 16U;
     expectReport("libmpv cannot be used: its interface has version 9");
 }

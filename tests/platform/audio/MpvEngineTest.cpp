@@ -36,7 +36,7 @@ LastingSurroundings& surroundings() {
 }
 
 /// The real engine on streams from this computer.
-class MpvEngine : public ::testing::Test {
+class MpvEngineTest : public ::testing::Test {
 protected:
     void SetUp() override {
         if (!::dlopen("libmpv.so.2", RTLD_LAZY | RTLD_LOCAL))
@@ -80,7 +80,7 @@ protected:
     int failures = 0;
 };
 
-TEST_F(MpvEngine, isMissedInOneLineWhenTheLibraryIsMissing) {
+TEST_F(MpvEngineTest, isMissedInOneLineWhenTheLibraryIsMissing) {
     MpvStreamPlayerFactory::Configuration configuration;
     configuration.libraryFile = "libzofra-no-such-library.so";
     factory =
@@ -95,7 +95,7 @@ TEST_F(MpvEngine, isMissedInOneLineWhenTheLibraryIsMissing) {
         QStringLiteral("libmpv cannot be loaded: libzofra-no-such")));
 }
 
-TEST_F(MpvEngine, isRefusedWhenTheLibraryIsAnother) {
+TEST_F(MpvEngineTest, isRefusedWhenTheLibraryIsAnother) {
     MpvStreamPlayerFactory::Configuration configuration;
     configuration.libraryFile = "libm.so.6";
     factory =
@@ -106,7 +106,7 @@ TEST_F(MpvEngine, isRefusedWhenTheLibraryIsAnother) {
                 ElementsAre(QStringLiteral("libmpv cannot be used: it has no mpv_client_api_version")));
 }
 
-TEST_F(MpvEngine, failsOnARefusedPort) {
+TEST_F(MpvEngineTest, failsOnARefusedPort) {
     LoopbackServer server("audio/mpeg", silentMp3(), Then::repeatForever);
     const auto url = server.url();
     server.stop();
@@ -121,7 +121,7 @@ TEST_F(MpvEngine, failsOnARefusedPort) {
         << "that a station is off the air is not the engine's to say";
 }
 
-TEST_F(MpvEngine, failsOnAPage) {
+TEST_F(MpvEngineTest, failsOnAPage) {
     LoopbackServer server("text/html", "<!DOCTYPE html><html><body>" + QByteArray("<p>no</p>").repeated(2000),
                           Then::close);
     play(server.url());
@@ -129,7 +129,7 @@ TEST_F(MpvEngine, failsOnAPage) {
     EXPECT_EQ(server.requests(), 1);
 }
 
-TEST_F(MpvEngine, followsNoListToAnotherAddress) {
+TEST_F(MpvEngineTest, followsNoListToAnotherAddress) {
     ASSERT_TRUE(hasSoundServer() || !PrivateSoundServer::isAvailable());
     LoopbackServer elsewhere("audio/mpeg", silentMp3(), Then::repeatForever);
     const auto url = elsewhere.url().toEncoded();
@@ -149,14 +149,14 @@ TEST_F(MpvEngine, followsNoListToAnotherAddress) {
     }
 }
 
-TEST_F(MpvEngine, saysInOneLineThatThereIsNoAudioDevice) {
+TEST_F(MpvEngineTest, saysInOneLineThatThereIsNoAudioDevice) {
     LoopbackServer server("audio/mpeg", silentMp3(), Then::repeatForever);
     play(server.url());
     ASSERT_TRUE(spinUntil([this] { return failures > 0; }));
     EXPECT_THAT(surroundings().log.lines, ElementsAre(QStringLiteral("There is no audio device to play on")));
 }
 
-TEST_F(MpvEngine, playsAndFailsOnceWhenTheStationGoesOffTheAir) {
+TEST_F(MpvEngineTest, playsAndFailsOnceWhenTheStationGoesOffTheAir) {
     if (!hasSoundServer())
         GTEST_SKIP() << "skipped: pulseaudio is not installed";
     LoopbackServer server("audio/mpeg", silentMp3(), Then::close); // A second, then the end.
@@ -170,7 +170,7 @@ TEST_F(MpvEngine, playsAndFailsOnceWhenTheStationGoesOffTheAir) {
     EXPECT_THAT(surroundings().log.lines, IsEmpty());
 }
 
-TEST_F(MpvEngine, pausesAndGoesOn) {
+TEST_F(MpvEngineTest, pausesAndGoesOn) {
     if (!hasSoundServer())
         GTEST_SKIP() << "skipped: pulseaudio is not installed";
     LoopbackServer server("audio/mpeg", silentMp3(), Then::repeatForever);
@@ -186,7 +186,7 @@ TEST_F(MpvEngine, pausesAndGoesOn) {
     EXPECT_EQ(stalls, 0);
 }
 
-TEST_F(MpvEngine, playsOneStationAfterTheOtherWithoutMixingTheirNews) {
+TEST_F(MpvEngineTest, playsOneStationAfterTheOtherWithoutMixingTheirNews) {
     if (!hasSoundServer())
         GTEST_SKIP() << "skipped: pulseaudio is not installed";
     LoopbackServer good("audio/mpeg", silentMp3(), Then::repeatForever);
@@ -201,7 +201,7 @@ TEST_F(MpvEngine, playsOneStationAfterTheOtherWithoutMixingTheirNews) {
     EXPECT_EQ(good.requests(), 10);
 }
 
-TEST_F(MpvEngine, playsTheLastOfHundredsOfStationsThatWereChosenAtOnce) {
+TEST_F(MpvEngineTest, playsTheLastOfHundredsOfStationsThatWereChosenAtOnce) {
     if (!hasSoundServer())
         GTEST_SKIP() << "skipped: pulseaudio is not installed";
     LoopbackServer server("audio/mpeg", silentMp3(), Then::repeatForever);
@@ -229,7 +229,7 @@ QByteArray brokenMp3() {
     return bytes;
 }
 
-TEST_F(MpvEngine, writesNothingToStandardErrorWhateverAStreamHolds) {
+TEST_F(MpvEngineTest, writesNothingToStandardErrorWhateverAStreamHolds) {
     if (!hasSoundServer())
         GTEST_SKIP() << "skipped: pulseaudio is not installed";
     LoopbackServer good("audio/mpeg", silentMp3(), Then::repeatForever);
@@ -255,7 +255,7 @@ TEST_F(MpvEngine, writesNothingToStandardErrorWhateverAStreamHolds) {
     EXPECT_EQ(written, "");
 }
 
-TEST_F(MpvEngine, failsWhenTheSoundServerDiesAndPlaysOnTheNext) {
+TEST_F(MpvEngineTest, failsWhenTheSoundServerDiesAndPlaysOnTheNext) {
     if (!hasSoundServer())
         GTEST_SKIP() << "skipped: pulseaudio is not installed";
     LoopbackServer server("audio/mpeg", silentMp3(), Then::repeatForever);

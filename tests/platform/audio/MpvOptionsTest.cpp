@@ -23,19 +23,19 @@ std::map<std::string, MpvOption> byName() {
     return result;
 }
 
-TEST(MpvVolume, isCubic) {
+TEST(MpvVolumeTest, isCubic) {
     EXPECT_DOUBLE_EQ(mpvVolume(1.0F), 100.0);
     EXPECT_DOUBLE_EQ(mpvVolume(0.0F), 0.0);
     EXPECT_DOUBLE_EQ(mpvVolume(0.125F), 50.0);
     EXPECT_NEAR(std::pow(mpvVolume(0.5F) / 100.0, 3), 0.5, 1e-9) << "half is half the amplitude";
 }
 
-TEST(MpvVolume, staysOnItsScale) {
+TEST(MpvVolumeTest, staysOnItsScale) {
     EXPECT_DOUBLE_EQ(mpvVolume(7.0F), 100.0);
     EXPECT_DOUBLE_EQ(mpvVolume(-1.0F), 0.0);
 }
 
-TEST(MpvOptions, insistOnWhatKeepsTheListenerSafe) {
+TEST(MpvOptionsTest, insistOnWhatKeepsTheListenerSafe) {
     const auto options = byName();
     const std::map<std::string, QByteArray> expected{
         {"tls-verify", "yes"},

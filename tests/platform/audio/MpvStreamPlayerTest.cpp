@@ -20,7 +20,7 @@ constexpr auto paused = TimeControlStatus::paused;
 constexpr auto waiting = TimeControlStatus::waitingToPlayAtSpecifiedRate;
 constexpr auto playing = TimeControlStatus::playing;
 
-class StreamPlayerTest : public ::testing::Test {
+class MpvStreamPlayerTest : public ::testing::Test {
 protected:
     /// A player with its records. Its number of stalls and failures counts its own item only.
     struct Listener {
@@ -61,7 +61,7 @@ protected:
         queue, log, [this] { return queue.elapsed(); }, [] { return 0.5; }, cores.maker());
 };
 
-TEST_F(StreamPlayerTest, opensNothingBeforePlay) {
+TEST_F(MpvStreamPlayerTest, opensNothingBeforePlay) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->setVolume(0.5F);
     queue.advance(1h);
@@ -69,7 +69,7 @@ TEST_F(StreamPlayerTest, opensNothingBeforePlay) {
     EXPECT_THAT(radio->statuses, ElementsAre(paused)) << "told at once, and nothing since";
 }
 
-TEST_F(StreamPlayerTest, setsVolumeBeforeItOpens) {
+TEST_F(MpvStreamPlayerTest, setsVolumeBeforeItOpens) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->setVolume(0.5F);
     radio->player->play();
@@ -81,7 +81,7 @@ TEST_F(StreamPlayerTest, setsVolumeBeforeItOpens) {
     EXPECT_THAT(radio->statuses, ElementsAre(paused, waiting, playing));
 }
 
-TEST_F(StreamPlayerTest, failsWhenWhatComesNeverBecomesSound) {
+TEST_F(MpvStreamPlayerTest, failsWhenWhatComesNeverBecomesSound) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     queue.advance(14'999ms);
@@ -91,7 +91,7 @@ TEST_F(StreamPlayerTest, failsWhenWhatComesNeverBecomesSound) {
     EXPECT_EQ(radio->failures, 1);
 }
 
-TEST_F(StreamPlayerTest, aStreamThatSoundsIsNotTakenForOneThatNeverWill) {
+TEST_F(MpvStreamPlayerTest, aStreamThatSoundsIsNotTakenForOneThatNeverWill) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     cores.last().tellPlaying();
@@ -100,7 +100,7 @@ TEST_F(StreamPlayerTest, aStreamThatSoundsIsNotTakenForOneThatNeverWill) {
     EXPECT_EQ(radio->player->timeControlStatus(), playing);
 }
 
-TEST_F(StreamPlayerTest, givesUpAStreamThatIsMoreSilentThanNot) {
+TEST_F(MpvStreamPlayerTest, givesUpAStreamThatIsMoreSilentThanNot) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     cores.last().tellPlaying();
@@ -118,7 +118,7 @@ TEST_F(StreamPlayerTest, givesUpAStreamThatIsMoreSilentThanNot) {
     EXPECT_EQ(waited, 20s) << "15 s, and what the sound in between made up for";
 }
 
-TEST_F(StreamPlayerTest, keepsAStreamThatIsSilentNowAndThen) {
+TEST_F(MpvStreamPlayerTest, keepsAStreamThatIsSilentNowAndThen) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     cores.last().tellPlaying();
@@ -131,7 +131,7 @@ TEST_F(StreamPlayerTest, keepsAStreamThatIsSilentNowAndThen) {
     EXPECT_EQ(radio->failures, 0);
 }
 
-TEST_F(StreamPlayerTest, soundMakesUpForNoMoreSilenceThanOneMayLast) {
+TEST_F(MpvStreamPlayerTest, soundMakesUpForNoMoreSilenceThanOneMayLast) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     cores.last().tellPlaying();
@@ -143,7 +143,7 @@ TEST_F(StreamPlayerTest, soundMakesUpForNoMoreSilenceThanOneMayLast) {
     EXPECT_EQ(radio->failures, 1);
 }
 
-TEST_F(StreamPlayerTest, doesNotCountTheSilenceOfAPause) {
+TEST_F(MpvStreamPlayerTest, doesNotCountTheSilenceOfAPause) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     cores.last().tellPlaying();
@@ -158,7 +158,7 @@ TEST_F(StreamPlayerTest, doesNotCountTheSilenceOfAPause) {
     EXPECT_EQ(radio->failures, 1);
 }
 
-TEST_F(StreamPlayerTest, changesTheVolumeWhileItPlays) {
+TEST_F(MpvStreamPlayerTest, changesTheVolumeWhileItPlays) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     cores.last().tellPlaying();
@@ -167,7 +167,7 @@ TEST_F(StreamPlayerTest, changesTheVolumeWhileItPlays) {
     EXPECT_THAT(cores.calls, ElementsAre(QStringLiteral("1 volume 0.25")));
 }
 
-TEST_F(StreamPlayerTest, askedAgainGoesOnAsItIs) {
+TEST_F(MpvStreamPlayerTest, askedAgainGoesOnAsItIs) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     cores.last().tellPlaying();
@@ -177,7 +177,7 @@ TEST_F(StreamPlayerTest, askedAgainGoesOnAsItIs) {
     EXPECT_EQ(radio->player->timeControlStatus(), playing);
 }
 
-TEST_F(StreamPlayerTest, aShortPauseGoesOnWithTheSameConnection) {
+TEST_F(MpvStreamPlayerTest, aShortPauseGoesOnWithTheSameConnection) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     cores.last().tellPlaying();
@@ -190,7 +190,7 @@ TEST_F(StreamPlayerTest, aShortPauseGoesOnWithTheSameConnection) {
     EXPECT_THAT(cores.calls, ElementsAre(QStringLiteral("1 hold"), QStringLiteral("1 release")));
 }
 
-TEST_F(StreamPlayerTest, aLongPauseDropsTheConnectionAndTheNextPlayOpensItAgain) {
+TEST_F(MpvStreamPlayerTest, aLongPauseDropsTheConnectionAndTheNextPlayOpensItAgain) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     cores.last().tellPlaying();
@@ -210,7 +210,7 @@ TEST_F(StreamPlayerTest, aLongPauseDropsTheConnectionAndTheNextPlayOpensItAgain)
     EXPECT_EQ(radio->failures, 0);
 }
 
-TEST_F(StreamPlayerTest, aPauseWhileOpeningStaysAPause) {
+TEST_F(MpvStreamPlayerTest, aPauseWhileOpeningStaysAPause) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     radio->player->pause();
@@ -219,7 +219,7 @@ TEST_F(StreamPlayerTest, aPauseWhileOpeningStaysAPause) {
     EXPECT_THAT(radio->statuses, ElementsAre(paused, waiting, paused));
 }
 
-TEST_F(StreamPlayerTest, tellsAStallOnce) {
+TEST_F(MpvStreamPlayerTest, tellsAStallOnce) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     cores.last().tellPlaying();
@@ -235,7 +235,7 @@ TEST_F(StreamPlayerTest, tellsAStallOnce) {
     EXPECT_EQ(radio->failures, 0);
 }
 
-TEST_F(StreamPlayerTest, tellsAFailureOnceAndStaysWaiting) {
+TEST_F(MpvStreamPlayerTest, tellsAFailureOnceAndStaysWaiting) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     cores.last().tellPlaying();
@@ -246,7 +246,7 @@ TEST_F(StreamPlayerTest, tellsAFailureOnceAndStaysWaiting) {
     EXPECT_THAT(log.lines, IsEmpty());
 }
 
-TEST_F(StreamPlayerTest, doesNotTellAFailureToWhoHasPaused) {
+TEST_F(MpvStreamPlayerTest, doesNotTellAFailureToWhoHasPaused) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     radio->player->pause();
@@ -259,7 +259,7 @@ TEST_F(StreamPlayerTest, doesNotTellAFailureToWhoHasPaused) {
     EXPECT_TRUE(cores.last().isOpen());
 }
 
-TEST_F(StreamPlayerTest, doesNotTellAFailureToWhoPausesOnTheWay) {
+TEST_F(MpvStreamPlayerTest, doesNotTellAFailureToWhoPausesOnTheWay) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     cores.last().tellPlaying();
@@ -271,7 +271,7 @@ TEST_F(StreamPlayerTest, doesNotTellAFailureToWhoPausesOnTheWay) {
     EXPECT_EQ(radio->failures, 0);
 }
 
-TEST_F(StreamPlayerTest, opensAgainWhenAskedAfterAFailure) {
+TEST_F(MpvStreamPlayerTest, opensAgainWhenAskedAfterAFailure) {
     const auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     cores.last().tellEnded();
@@ -287,7 +287,7 @@ TEST_F(StreamPlayerTest, opensAgainWhenAskedAfterAFailure) {
     EXPECT_EQ(radio->failures, 2);
 }
 
-TEST_F(StreamPlayerTest, isSilentAtItsEndAndTellsNothingMore) {
+TEST_F(MpvStreamPlayerTest, isSilentAtItsEndAndTellsNothingMore) {
     auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     cores.last().tellPlaying();
@@ -300,7 +300,7 @@ TEST_F(StreamPlayerTest, isSilentAtItsEndAndTellsNothingMore) {
     EXPECT_THAT(radio->statuses, ElementsAre(paused, waiting, playing));
 }
 
-TEST_F(StreamPlayerTest, mayBeEndedByWhomItTells) {
+TEST_F(MpvStreamPlayerTest, mayBeEndedByWhomItTells) {
     for (const bool atStatus : {true, false}) {
         auto radio = listen("https://a.example/x.aac");
         radio->player->play();
@@ -319,7 +319,7 @@ TEST_F(StreamPlayerTest, mayBeEndedByWhomItTells) {
     }
 }
 
-TEST_F(StreamPlayerTest, withoutAnItemOpensNothing) {
+TEST_F(MpvStreamPlayerTest, withoutAnItemOpensNothing) {
     auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     cores.last().tellPlaying();
@@ -333,7 +333,7 @@ TEST_F(StreamPlayerTest, withoutAnItemOpensNothing) {
     EXPECT_EQ(radio->failures, 0);
 }
 
-TEST_F(StreamPlayerTest, opensAnotherItemInPlaceOfTheFirst) {
+TEST_F(MpvStreamPlayerTest, opensAnotherItemInPlaceOfTheFirst) {
     auto radio = listen("https://a.example/x.aac");
     radio->player->play();
     cores.last().tellPlaying();
@@ -347,9 +347,9 @@ TEST_F(StreamPlayerTest, opensAnotherItemInPlaceOfTheFirst) {
     EXPECT_EQ(radio->failures, 0) << "that was not its item";
 }
 
-class SharedEngine : public StreamPlayerTest {};
+class SharedEngineTest : public MpvStreamPlayerTest {};
 
-TEST_F(SharedEngine, usesOneCoreForOnePlayerAfterTheOther) {
+TEST_F(SharedEngineTest, usesOneCoreForOnePlayerAfterTheOther) {
     auto radio = listen("https://a.example/0.aac");
     radio->player->play();
     for (int i = 0; i < 200; ++i) {
@@ -361,7 +361,7 @@ TEST_F(SharedEngine, usesOneCoreForOnePlayerAfterTheOther) {
     EXPECT_EQ(cores.made, 1);
 }
 
-TEST_F(SharedEngine, givesEachOfTwoPlayersItsOwnEvents) {
+TEST_F(SharedEngineTest, givesEachOfTwoPlayersItsOwnEvents) {
     const auto first = listen("https://a.example/1.aac");
     const auto second = listen("https://a.example/2.aac");
     first->player->play();
@@ -375,7 +375,7 @@ TEST_F(SharedEngine, givesEachOfTwoPlayersItsOwnEvents) {
     EXPECT_EQ(second->failures, 1);
 }
 
-TEST_F(SharedEngine, keepsNoMoreThanOneSpareCore) {
+TEST_F(SharedEngineTest, keepsNoMoreThanOneSpareCore) {
     auto first = listen("https://a.example/1.aac");
     auto second = listen("https://a.example/2.aac");
     first->player->play();
@@ -385,7 +385,7 @@ TEST_F(SharedEngine, keepsNoMoreThanOneSpareCore) {
     EXPECT_EQ(cores.alive.size(), 1U);
 }
 
-TEST_F(SharedEngine, pacesNewPlayersOnAnAddressThatFails) {
+TEST_F(SharedEngineTest, pacesNewPlayersOnAnAddressThatFails) {
     auto radio = listen("https://a.example/x.mp3");
     radio->player->play();
     int opened = 1;
@@ -404,7 +404,7 @@ TEST_F(SharedEngine, pacesNewPlayersOnAnAddressThatFails) {
     EXPECT_EQ(cores.made, 1);
 }
 
-TEST_F(SharedEngine, doesNotMakeAnotherAddressWait) {
+TEST_F(SharedEngineTest, doesNotMakeAnotherAddressWait) {
     auto radio = listen("https://a.example/x.mp3");
     radio->player->play();
     for (int i = 0; i < 2; ++i)
@@ -416,7 +416,7 @@ TEST_F(SharedEngine, doesNotMakeAnotherAddressWait) {
     EXPECT_TRUE(cores.last().isOpen());
 }
 
-TEST_F(SharedEngine, stopsWaitingWhenPausedOrEnded) {
+TEST_F(SharedEngineTest, stopsWaitingWhenPausedOrEnded) {
     auto radio = listen("https://a.example/x.mp3");
     radio->player->play();
     radio = failAndReplace(std::move(radio));
@@ -433,7 +433,7 @@ TEST_F(SharedEngine, stopsWaitingWhenPausedOrEnded) {
     EXPECT_EQ(queue.pendingTimers(), 0U);
 }
 
-TEST_F(SharedEngine, triesAtOnceWhenTheNetworkHasChanged) {
+TEST_F(SharedEngineTest, triesAtOnceWhenTheNetworkHasChanged) {
     auto radio = listen("https://a.example/x.mp3");
     radio->player->play();
     for (int i = 0; i < 6; ++i)
@@ -449,7 +449,7 @@ TEST_F(SharedEngine, triesAtOnceWhenTheNetworkHasChanged) {
     EXPECT_FALSE(cores.last().isOpen()) << "one try, then waiting goes on";
 }
 
-TEST_F(SharedEngine, beginsPacingAnewAfterThirtySecondsOfSoundInAll) {
+TEST_F(SharedEngineTest, beginsPacingAnewAfterThirtySecondsOfSoundInAll) {
     auto radio = listen("https://a.example/x.mp3");
     radio->player->play();
     for (int i = 0; i < 4; ++i) {
@@ -466,7 +466,7 @@ TEST_F(SharedEngine, beginsPacingAnewAfterThirtySecondsOfSoundInAll) {
     EXPECT_TRUE(cores.last().isOpen()) << "a good stream that broke is tried at once";
 }
 
-TEST_F(SharedEngine, goesOnPacingWhenThereWasLittleSound) {
+TEST_F(SharedEngineTest, goesOnPacingWhenThereWasLittleSound) {
     auto radio = listen("https://a.example/x.mp3");
     radio->player->play();
     for (int i = 0; i < 3; ++i) {
@@ -485,7 +485,7 @@ TEST_F(SharedEngine, goesOnPacingWhenThereWasLittleSound) {
     EXPECT_TRUE(cores.last().isOpen());
 }
 
-TEST_F(SharedEngine, reportsAMissingDeviceOnceUntilThereIsSoundAgain) {
+TEST_F(SharedEngineTest, reportsAMissingDeviceOnceUntilThereIsSoundAgain) {
     auto radio = listen("https://a.example/x.mp3");
     radio->player->play();
     for (int i = 0; i < 5; ++i) {
@@ -507,14 +507,14 @@ TEST_F(SharedEngine, reportsAMissingDeviceOnceUntilThereIsSoundAgain) {
     EXPECT_EQ(log.lines.size(), 2U);
 }
 
-TEST_F(SharedEngine, reportsEachReasonOnce) {
+TEST_F(SharedEngineTest, reportsEachReasonOnce) {
     engine->report(QStringLiteral("a"));
     engine->report(QStringLiteral("b"));
     engine->report(QStringLiteral("a"));
     EXPECT_THAT(log.lines, ElementsAre(QStringLiteral("a"), QStringLiteral("b")));
 }
 
-TEST_F(SharedEngine, outlivesTheFactoryAsLongAsAPlayerNeedsIt) {
+TEST_F(SharedEngineTest, outlivesTheFactoryAsLongAsAPlayerNeedsIt) {
     auto radio = listen("https://a.example/x.aac");
     engine.reset();
     radio->player->play();

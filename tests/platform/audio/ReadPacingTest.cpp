@@ -27,14 +27,14 @@ struct Reader {
     }
 };
 
-TEST(ReadPacing, letsAStationBeginAtFullSpeed) {
+TEST(ReadPacingTest, letsAStationBeginAtFullSpeed) {
     Reader reader;
     EXPECT_EQ(reader.read(1400, 100ms, 300ms), 0s) << "connecting";
     for (int i = 0; i < 20; ++i)
         EXPECT_EQ(reader.read(16'384, 1s, 1ms), 0s);
 }
 
-TEST(ReadPacing, takesAFloodNoFasterThanFourTimesTheHighestBitRate) {
+TEST(ReadPacingTest, takesAFloodNoFasterThanFourTimesTheHighestBitRate) {
     Reader reader;
     const auto began = reader.now;
     qsizetype bytes = 0;
@@ -44,14 +44,14 @@ TEST(ReadPacing, takesAFloodNoFasterThanFourTimesTheHighestBitRate) {
     EXPECT_NEAR(static_cast<double>(bytes - 524'288) / seconds, 160'000, 2000);
 }
 
-TEST(ReadPacing, readsEachPieceAtOnceWhileLittleIsInHand) {
+TEST(ReadPacingTest, readsEachPieceAtOnceWhileLittleIsInHand) {
     Reader reader;
     reader.read(20'000, 1200ms, 50ms);
     for (int i = 0; i < 50; ++i)
         EXPECT_EQ(reader.read(320, 20ms, 20ms), 0s);
 }
 
-TEST(ReadPacing, restsBetweenReadsWhileSecondsAreInHand) {
+TEST(ReadPacingTest, restsBetweenReadsWhileSecondsAreInHand) {
     Reader reader;
     reader.read(64'000, 4s, 50ms);
     EXPECT_EQ(reader.read(8'000, 500ms, 1ms), 1s);
@@ -60,7 +60,7 @@ TEST(ReadPacing, restsBetweenReadsWhileSecondsAreInHand) {
     EXPECT_EQ(reader.read(320, 20ms, 20ms), 1s);
 }
 
-TEST(ReadPacing, hurriesAgainWhenThePlayerHasUsedUpWhatWasInHand) {
+TEST(ReadPacingTest, hurriesAgainWhenThePlayerHasUsedUpWhatWasInHand) {
     Reader reader;
     reader.read(64'000, 4s, 50ms);
     reader.now += 3s; // Nobody asked for more meanwhile.

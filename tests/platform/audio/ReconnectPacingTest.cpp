@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-class Pacing : public ::testing::Test {
+class ReconnectPacingTest : public ::testing::Test {
 protected:
     /// Fails and answers the wait that follows, after having waited.
     std::chrono::milliseconds failAndWait() {
@@ -29,35 +29,35 @@ protected:
     const QUrl other{QStringLiteral("https://a.example/x.mp3")};
 };
 
-TEST_F(Pacing, anUnknownAddressMayBeOpened) {
+TEST_F(ReconnectPacingTest, anUnknownAddressMayBeOpened) {
     EXPECT_EQ(pacing.waitBefore(address), 0ms);
 }
 
-TEST_F(Pacing, isAtOnceFirstThenDoublesUpToTenSeconds) {
+TEST_F(ReconnectPacingTest, isAtOnceFirstThenDoublesUpToTenSeconds) {
     for (const auto expected : {0ms, 250ms, 500ms, 1000ms, 2000ms, 4000ms, 8000ms, 10000ms, 10000ms, 10000ms})
         EXPECT_EQ(failAndWait(), expected);
 }
 
-TEST_F(Pacing, staysAtTenSecondsHoweverLongItGoesOn) {
+TEST_F(ReconnectPacingTest, staysAtTenSecondsHoweverLongItGoesOn) {
     for (int i = 0; i < 10'000; ++i)
         failAndWait();
     EXPECT_EQ(failAndWait(), 10000ms);
 }
 
-TEST_F(Pacing, isAQuarterLessAtTheLowest) {
+TEST_F(ReconnectPacingTest, isAQuarterLessAtTheLowest) {
     fraction = 0.0;
     for (const auto expected : {0ms, 187ms, 375ms, 750ms, 1500ms, 3000ms, 6000ms, 7500ms, 7500ms})
         EXPECT_EQ(failAndWait(), expected);
 }
 
-TEST_F(Pacing, isAQuarterMoreAtTheHighestButNeverAboveTenSeconds) {
+TEST_F(ReconnectPacingTest, isAQuarterMoreAtTheHighestButNeverAboveTenSeconds) {
     fraction = 0.9999999;
     for (const auto expected : {0ms, 312ms, 624ms, 1249ms, 2499ms, 4999ms, 9999ms})
         EXPECT_EQ(failAndWait(), expected);
     EXPECT_EQ(failAndWait(), 7501ms) << "12.5 s folded back";
 }
 
-TEST_F(Pacing, spreadsTheLongestWaitOverAQuarter) {
+TEST_F(ReconnectPacingTest, spreadsTheLongestWaitOverAQuarter) {
     for (int i = 0; i < 10; ++i)
         failAndWait();
     std::set<std::chrono::milliseconds> waits;
@@ -71,7 +71,7 @@ TEST_F(Pacing, spreadsTheLongestWaitOverAQuarter) {
     EXPECT_GT(waits.size(), 45U);
 }
 
-TEST_F(Pacing, outlastsARandomSourceThatMisbehaves) {
+TEST_F(ReconnectPacingTest, outlastsARandomSourceThatMisbehaves) {
     fraction = 1e300;
     failAndWait();
     EXPECT_EQ(failAndWait(), 312ms);
@@ -79,7 +79,7 @@ TEST_F(Pacing, outlastsARandomSourceThatMisbehaves) {
     EXPECT_EQ(failAndWait(), 375ms);
 }
 
-TEST_F(Pacing, countsDownWhileTimePasses) {
+TEST_F(ReconnectPacingTest, countsDownWhileTimePasses) {
     failAndWait();
     failAndWait();
     pacing.failed(address, 0ms);
@@ -89,7 +89,7 @@ TEST_F(Pacing, countsDownWhileTimePasses) {
     EXPECT_EQ(pacing.waitBefore(address), 0ms);
 }
 
-TEST_F(Pacing, isKeptForEachAddress) {
+TEST_F(ReconnectPacingTest, isKeptForEachAddress) {
     failAndWait();
     pacing.failed(address, 0ms);
     EXPECT_EQ(pacing.waitBefore(address), 250ms);
@@ -98,7 +98,7 @@ TEST_F(Pacing, isKeptForEachAddress) {
     EXPECT_EQ(pacing.waitBefore(other), 0ms) << "its own first failure";
 }
 
-TEST_F(Pacing, beginsAnewAfterThirtySecondsOfSound) {
+TEST_F(ReconnectPacingTest, beginsAnewAfterThirtySecondsOfSound) {
     for (int i = 0; i < 6; ++i)
         failAndWait();
     pacing.failed(address, 30s);
@@ -106,14 +106,14 @@ TEST_F(Pacing, beginsAnewAfterThirtySecondsOfSound) {
     EXPECT_EQ(failAndWait(), 250ms);
 }
 
-TEST_F(Pacing, goesOnAfterLessThanThirtySecondsOfSound) {
+TEST_F(ReconnectPacingTest, goesOnAfterLessThanThirtySecondsOfSound) {
     failAndWait();
     failAndWait();
     pacing.failed(address, 29'999ms);
     EXPECT_EQ(pacing.waitBefore(address), 500ms);
 }
 
-TEST_F(Pacing, beginsAnewWhenAProvenStreamWasClosed) {
+TEST_F(ReconnectPacingTest, beginsAnewWhenAProvenStreamWasClosed) {
     failAndWait();
     failAndWait();
     pacing.closed(address, 29'999ms);
@@ -122,7 +122,7 @@ TEST_F(Pacing, beginsAnewWhenAProvenStreamWasClosed) {
     EXPECT_EQ(failAndWait(), 0ms);
 }
 
-TEST_F(Pacing, triesEveryAddressAtOnceWhenAskedTo) {
+TEST_F(ReconnectPacingTest, triesEveryAddressAtOnceWhenAskedTo) {
     for (int i = 0; i < 5; ++i)
         failAndWait();
     pacing.failed(address, 0ms);
@@ -132,7 +132,7 @@ TEST_F(Pacing, triesEveryAddressAtOnceWhenAskedTo) {
     EXPECT_EQ(failAndWait(), 8s) << "one try, no new beginning";
 }
 
-TEST_F(Pacing, remembersTheLatestAddressesOnly) {
+TEST_F(ReconnectPacingTest, remembersTheLatestAddressesOnly) {
     failAndWait();
     failAndWait();
     for (int i = 0; i < 1000; ++i) {

@@ -30,7 +30,7 @@ qsizetype heaps() {
     return count;
 }
 
-TEST(Allocator, ThreadsShareTheHeapThatIsThere) {
+TEST(AllocatorTest, ThreadsShareTheHeapThatIsThere) {
     tuneAllocator();
     const qsizetype before = heaps();
     ASSERT_GE(before, 1);
@@ -50,7 +50,7 @@ TEST(Allocator, ThreadsShareTheHeapThatIsThere) {
     EXPECT_EQ(heaps(), before);
 }
 
-TEST(Allocator, LargeBlocksGoBackToTheSystem) {
+TEST(AllocatorTest, LargeBlocksGoBackToTheSystem) {
     tuneAllocator();
     const std::size_t before = ::mallinfo2().hblks;
     // The first of these would by itself raise the size from which blocks are mapped.

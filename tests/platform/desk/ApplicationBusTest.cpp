@@ -167,7 +167,7 @@ TEST_F(ApplicationBusTest, doesNotWaitForEverForABusThatHangs) {
     ASSERT_EQ(kill(daemon->processId(), SIGCONT), 0);
 }
 
-TEST(Activation, comesFromTheEnvironment) {
+TEST(ActivationTest, comesFromTheEnvironment) {
     test::ScopedEnvironment environment;
     environment.set("DESKTOP_STARTUP_ID", "a");
     environment.set("XDG_ACTIVATION_TOKEN", "b");

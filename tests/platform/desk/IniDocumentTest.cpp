@@ -20,7 +20,7 @@ QByteArray written(const QByteArray& file, const QByteArray& key, const QByteArr
     return document.bytes();
 }
 
-TEST(IniDocument, readsPlainKeysOfTheGeneralSection) {
+TEST(IniDocumentTest, readsPlainKeysOfTheGeneralSection) {
     EXPECT_EQ(read("[General]\na=1\nb = 2 \n", "a"), "1");
     EXPECT_EQ(read("[General]\na=1\nb = 2 \n", "b"), "2");
     EXPECT_EQ(read("a=1\n", "a"), "1") << "before the first section";
@@ -32,18 +32,18 @@ TEST(IniDocument, readsPlainKeysOfTheGeneralSection) {
     EXPECT_EQ(read("[General]\nA=1\n", "a"), "(absent)") << "case counts";
 }
 
-TEST(IniDocument, readsKeysWithASection) {
+TEST(IniDocumentTest, readsKeysWithASection) {
     EXPECT_EQ(read("[tray]\nmode=direct\n", "tray/mode"), "direct");
     EXPECT_EQ(read("[General]\ntray/mode=direct\n", "tray/mode"), "direct") << "written as one would say it";
     EXPECT_EQ(read("[tray]\nmode=direct\n", "mode"), "(absent)");
 }
 
-TEST(IniDocument, letsTheLastOfTwoCount) {
+TEST(IniDocumentTest, letsTheLastOfTwoCount) {
     EXPECT_EQ(read("[General]\na=1\na=2\n[x]\n[General]\na=3\n", "a"), "3");
     EXPECT_EQ(written("[General]\na=1\na=2\n", "a", "9"), "[General]\na=1\na=9\n");
 }
 
-TEST(IniDocument, readsWhatOtherEditorsLeave) {
+TEST(IniDocumentTest, readsWhatOtherEditorsLeave) {
     EXPECT_EQ(read("\xEF\xBB\xBF[General]\r\na=1\r\n", "a"), "1");
     EXPECT_EQ(read("\xEF\xBB\xBF"
                    "a=1",
@@ -52,7 +52,7 @@ TEST(IniDocument, readsWhatOtherEditorsLeave) {
     EXPECT_EQ(read("[General]\n\ta\t=\t1\t\n", "a"), "1");
 }
 
-TEST(IniDocument, readsQuotesAndComments) {
+TEST(IniDocumentTest, readsQuotesAndComments) {
     EXPECT_EQ(decodedIniValue("\"0.35\""), "0.35");
     EXPECT_EQ(decodedIniValue(" \" a ; b \"  ; note"), " a ; b ");
     EXPECT_EQ(decodedIniValue(R"("a\"b\\c\n\r\t\x41")"), "a\"b\\c\n\r\tA");
@@ -67,7 +67,7 @@ TEST(IniDocument, readsQuotesAndComments) {
     EXPECT_EQ(decodedIniValue("100%, 50%"), "100%, 50%");
 }
 
-TEST(IniDocument, takesBadQuotesAsTheyStand) {
+TEST(IniDocumentTest, takesBadQuotesAsTheyStand) {
     EXPECT_EQ(decodedIniValue("\"open"), "\"open");
     EXPECT_EQ(decodedIniValue("\"a\" b"), "\"a\" b");
     EXPECT_EQ(decodedIniValue("\"a\\q\""), "\"a\\q\"");
@@ -76,7 +76,7 @@ TEST(IniDocument, takesBadQuotesAsTheyStand) {
     EXPECT_EQ(decodedIniValue("\""), "\"");
 }
 
-TEST(IniDocument, writesPlainWherePlainReadsBack) {
+TEST(IniDocumentTest, writesPlainWherePlainReadsBack) {
     EXPECT_EQ(encodedIniValue("qmusic"), "qmusic");
     EXPECT_EQ(encodedIniValue("0.35"), "0.35");
     EXPECT_EQ(encodedIniValue("Vari\xC3\xA9t\xC3\xA9 & Pop"), "Vari\xC3\xA9t\xC3\xA9 & Pop");
@@ -86,7 +86,7 @@ TEST(IniDocument, writesPlainWherePlainReadsBack) {
     EXPECT_EQ(encodedIniValue("a \"b\" c"), "a \"b\" c");
 }
 
-TEST(IniDocument, quotesEverythingElseOnOneLine) {
+TEST(IniDocumentTest, quotesEverythingElseOnOneLine) {
     EXPECT_EQ(encodedIniValue(" a"), "\" a\"");
     EXPECT_EQ(encodedIniValue("a ; b"), "\"a ; b\"");
     EXPECT_EQ(encodedIniValue(";a"), "\";a\"");
@@ -97,7 +97,7 @@ TEST(IniDocument, quotesEverythingElseOnOneLine) {
     EXPECT_EQ(encodedIniValue("[\n1]"), R"("[\n1]")");
 }
 
-TEST(IniDocument, readsBackEveryByteAndPair) {
+TEST(IniDocumentTest, readsBackEveryByteAndPair) {
     for (int first = 0; first < 256; ++first) {
         for (const int second : {0, 9, 10, 13, 32, 34, 35, 59, 91, 92, 93, 61, 123, 128, 255, 65}) {
             const auto value = QByteArray(1, static_cast<char>(first)) + static_cast<char>(second);
@@ -109,12 +109,12 @@ TEST(IniDocument, readsBackEveryByteAndPair) {
     }
 }
 
-TEST(IniDocument, startsAnEmptyFileWithTheGeneralSection) {
+TEST(IniDocumentTest, startsAnEmptyFileWithTheGeneralSection) {
     EXPECT_EQ(written("", "zofra_selected_station", "qmusic"), "[General]\nzofra_selected_station=qmusic\n");
     EXPECT_EQ(written("", "tray/mode", "auto"), "[tray]\nmode=auto\n");
 }
 
-TEST(IniDocument, changesNothingButTheValue) {
+TEST(IniDocumentTest, changesNothingButTheValue) {
     const QByteArray file =
         "; my radio\n\n[General]\n# loud\n  volume = 0.5   ; at night\nfoo=bar\n\n[Other]\nx=1\nnonsense\n";
     EXPECT_EQ(
@@ -128,7 +128,7 @@ TEST(IniDocument, changesNothingButTheValue) {
     EXPECT_EQ(written("[General]\nv=1 ; note\n", "v", "a ; b"), "[General]\nv=\"a ; b\" ; note\n");
 }
 
-TEST(IniDocument, keepsLineEndsAndByteOrderMark) {
+TEST(IniDocumentTest, keepsLineEndsAndByteOrderMark) {
     EXPECT_EQ(written("\xEF\xBB\xBF[General]\r\na=1\r\n", "b", "2"),
               "\xEF\xBB\xBF[General]\r\na=1\r\nb=2\r\n");
     EXPECT_EQ(written("\xEF\xBB\xBF[General]\r\na=1\r\n", "a", "2"), "\xEF\xBB\xBF[General]\r\na=2\r\n");
@@ -137,14 +137,14 @@ TEST(IniDocument, keepsLineEndsAndByteOrderMark) {
     EXPECT_EQ(written("[tray]\nmode=x", "b", "2"), "[tray]\nmode=x\n[General]\nb=2\n");
 }
 
-TEST(IniDocument, keepsWhatMakesNoSense) {
+TEST(IniDocumentTest, keepsWhatMakesNoSense) {
     const QByteArray garbage("\x00\xFF=\n[half\n[]\n[x]y\n\r\r\n====\n\x01", 27);
     EXPECT_EQ(IniDocument(garbage).bytes(), garbage);
     EXPECT_TRUE(written(garbage, "a", "1").startsWith(garbage + "\n"));
     EXPECT_EQ(written(garbage, "a", "1").mid(garbage.size() + 1), "[General]\na=1\n");
 }
 
-TEST(IniDocument, addsToTheLastOfTwoSections) {
+TEST(IniDocumentTest, addsToTheLastOfTwoSections) {
     EXPECT_EQ(written("[General]\na=1\n[x]\ny=1\n[General]\nb=1\n\n", "c", "2"),
               "[General]\na=1\n[x]\ny=1\n[General]\nb=1\nc=2\n\n");
     EXPECT_EQ(written("[General]\n\n\n", "c", "2"), "[General]\nc=2\n\n\n");

@@ -54,7 +54,7 @@ private:
     bool m_isOwn;
 };
 
-TEST(NetworkChange, tellsWhenAnInterfaceComesAndGoes) {
+TEST(NetworkChangeTest, tellsWhenAnInterfaceComesAndGoes) {
     const test::TestApplication application;
     const OwnNetwork network;
     if (!network.isOwn())
@@ -77,7 +77,7 @@ TEST(NetworkChange, tellsWhenAnInterfaceComesAndGoes) {
     EXPECT_EQ(told, 2);
 }
 
-TEST(NetworkChange, doesNotTellWhatChangesBackAtOnce) {
+TEST(NetworkChangeTest, doesNotTellWhatChangesBackAtOnce) {
     const test::TestApplication application;
     const OwnNetwork network;
     if (!network.isOwn())
@@ -93,7 +93,7 @@ TEST(NetworkChange, doesNotTellWhatChangesBackAtOnce) {
     EXPECT_EQ(told, 0);
 }
 
-TEST(NetworkChange, seesInterfacesInItsSnapshot) {
+TEST(NetworkChangeTest, seesInterfacesInItsSnapshot) {
     const OwnNetwork network;
     if (!network.isOwn())
         GTEST_SKIP() << "skipped: no right to make a network namespace";

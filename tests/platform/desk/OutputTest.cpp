@@ -57,7 +57,7 @@ private:
     int m_socket = -1;
 };
 
-TEST(SyslogLog, writesOneHarmlessLine) {
+TEST(SyslogLogTest, writesOneHarmlessLine) {
     const LogDaemon daemon;
     SyslogLog log(daemon.path());
     log.log(QString::fromUtf8("[Sonos] Küche\nforged %s"));
@@ -65,7 +65,7 @@ TEST(SyslogLog, writesOneHarmlessLine) {
     EXPECT_EQ(daemon.take(), QByteArray());
 }
 
-TEST(SyslogLog, cutsALongLine) {
+TEST(SyslogLogTest, cutsALongLine) {
     const LogDaemon daemon;
     SyslogLog log(daemon.path());
     log.log(QString(1'000'000, u'a'));
@@ -74,7 +74,7 @@ TEST(SyslogLog, cutsALongLine) {
     EXPECT_EQ(QString::fromUtf8(daemon.take()).size(), SyslogLog::maxLineLength);
 }
 
-TEST(SyslogLog, waitsForNoDaemonAndSaysWhatItLeftOut) {
+TEST(SyslogLogTest, waitsForNoDaemonAndSaysWhatItLeftOut) {
     const LogDaemon daemon;
     SyslogLog log(daemon.path());
     // More than any queue of the kernel holds, and less than the burst that is allowed.
@@ -93,7 +93,7 @@ TEST(SyslogLog, waitsForNoDaemonAndSaysWhatItLeftOut) {
     EXPECT_EQ(daemon.take(), "after");
 }
 
-TEST(SyslogLog, findsADaemonThatWasStartedAnew) {
+TEST(SyslogLogTest, findsADaemonThatWasStartedAnew) {
     LogDaemon daemon;
     SyslogLog log(daemon.path());
     log.log(QStringLiteral("one"));
@@ -106,14 +106,14 @@ TEST(SyslogLog, findsADaemonThatWasStartedAnew) {
     EXPECT_EQ(daemon.take(), "three");
 }
 
-TEST(SyslogLog, needsNoLogToBeThere) {
+TEST(SyslogLogTest, needsNoLogToBeThere) {
     SyslogLog log("/nowhere/log");
     log.log(QStringLiteral("a test of zofrazofra"));
     SyslogLog tooLong(QByteArray(500, '/'));
     tooLong.log(QStringLiteral("a test of zofrazofra"));
 }
 
-TEST(LineLimit, letsABurstPassAndThenSoManyASecond) {
+TEST(LineLimitTest, letsABurstPassAndThenSoManyASecond) {
     LineLimit limit;
     const auto start = LineLimit::Clock::now() + std::chrono::hours(1);
     int passed = 0;
@@ -158,7 +158,7 @@ private:
     std::array<int, 2> m_ends{-1, -1};
 };
 
-TEST(StandardOutputWriter, writesEachLineAtOnce) {
+TEST(StandardOutputWriterTest, writesEachLineAtOnce) {
     const Pipe pipe;
     StandardOutputWriter output(pipe.writer());
     output.writeLine(QString::fromUtf8("Zofra: Küche"));
@@ -169,7 +169,7 @@ TEST(StandardOutputWriter, writesEachLineAtOnce) {
     EXPECT_EQ(pipe.read(), QByteArray("\n"));
 }
 
-TEST(StandardOutputWriter, doesNotWaitForAReader) {
+TEST(StandardOutputWriterTest, doesNotWaitForAReader) {
     const Pipe pipe;
     StandardOutputWriter output(pipe.writer());
     const QString line(999, u'x');
@@ -191,7 +191,7 @@ TEST(StandardOutputWriter, doesNotWaitForAReader) {
     EXPECT_EQ(all.count(QByteArray(999, 'x') + "\n"), 200) << "nothing was lost and nothing torn";
 }
 
-TEST(StandardOutputWriter, saysHowManyLinesItHadToDrop) {
+TEST(StandardOutputWriterTest, saysHowManyLinesItHadToDrop) {
     const Pipe pipe;
     StandardOutputWriter output(pipe.writer());
     const QString line(999, u'x');
@@ -221,24 +221,24 @@ TEST(StandardOutputWriter, saysHowManyLinesItHadToDrop) {
     std::_Exit(0);
 }
 
-TEST(StandardOutputWriter, outlivesItsReader) {
+TEST(StandardOutputWriterTest, outlivesItsReader) {
     Pipe pipe;
     pipe.closeReader();
     EXPECT_EXIT(writeTwice(pipe.writer()), testing::ExitedWithCode(0), "^$");
 }
 
-TEST(StandardOutputWriter, outlivesAClosedStream) {
+TEST(StandardOutputWriterTest, outlivesAClosedStream) {
     EXPECT_EXIT(writeTwice(-1), testing::ExitedWithCode(0), "^$");
 }
 
-TEST(StandardOutputWriter, outlivesAFullDisk) {
+TEST(StandardOutputWriterTest, outlivesAFullDisk) {
     const int full = open("/dev/full", O_WRONLY | O_CLOEXEC);
     ASSERT_GE(full, 0);
     EXPECT_EXIT(writeTwice(full), testing::ExitedWithCode(0), "^$");
     close(full);
 }
 
-TEST(StandardStreams, makeNobodyWaitWhoWritesToThem) {
+TEST(StandardStreamsTest, makeNobodyWaitWhoWritesToThem) {
     const Pipe pipe;
     // The writer's end waits, as a shell's does.
     ASSERT_EQ(fcntl(pipe.writer(), F_SETFL, 0), 0);
@@ -260,7 +260,7 @@ TEST(StandardStreams, makeNobodyWaitWhoWritesToThem) {
     EXPECT_EQ(fcntl(pipe.writer(), F_GETFL) & O_NONBLOCK, 0) << "the others wait as before";
 }
 
-TEST(StandardStreams, areThereEvenWhenTheProgramIsStartedWithoutThem) {
+TEST(StandardStreamsTest, areThereEvenWhenTheProgramIsStartedWithoutThem) {
     const auto child = fork();
     ASSERT_GE(child, 0);
     if (child == 0) {

@@ -19,7 +19,7 @@ using namespace std::chrono_literals;
 using std::chrono::steady_clock;
 using test::spinUntil;
 
-TEST(QtMainQueue, runsLaterAndInOrder) {
+TEST(QtMainQueueTest, runsLaterAndInOrder) {
     const test::TestApplication application;
     QtMainQueue queue;
     std::vector<int> order;
@@ -33,7 +33,7 @@ TEST(QtMainQueue, runsLaterAndInOrder) {
     EXPECT_EQ(order, (std::vector{1, 2, 3}));
 }
 
-TEST(QtMainQueue, bringsWorkOfManyThreadsToTheMainThread) {
+TEST(QtMainQueueTest, bringsWorkOfManyThreadsToTheMainThread) {
     const test::TestApplication application;
     QtMainQueue queue;
     std::vector<std::vector<int>> seen(4);
@@ -56,7 +56,7 @@ TEST(QtMainQueue, bringsWorkOfManyThreadsToTheMainThread) {
         EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end()));
 }
 
-TEST(QtMainQueue, keepsRunningInsideANestedEventLoop) {
+TEST(QtMainQueueTest, keepsRunningInsideANestedEventLoop) {
     const test::TestApplication application;
     QtMainQueue queue;
     std::vector<int> order;
@@ -77,7 +77,7 @@ TEST(QtMainQueue, keepsRunningInsideANestedEventLoop) {
     EXPECT_EQ(order, (std::vector{1, 2, 3, 4}));
 }
 
-TEST(QtMainQueue, runsDelayedWorkNeverEarly) {
+TEST(QtMainQueueTest, runsDelayedWorkNeverEarly) {
     const test::TestApplication application;
     QtMainQueue queue;
     const auto start = steady_clock::now();
@@ -98,7 +98,7 @@ TEST(QtMainQueue, runsDelayedWorkNeverEarly) {
     EXPECT_TRUE(early.empty());
 }
 
-TEST(QtMainQueue, repeatsATimerUntilItIsDestroyed) {
+TEST(QtMainQueueTest, repeatsATimerUntilItIsDestroyed) {
     const test::TestApplication application;
     QtMainQueue queue;
     int ticks = 0;
@@ -111,7 +111,7 @@ TEST(QtMainQueue, repeatsATimerUntilItIsDestroyed) {
     EXPECT_EQ(ticks, 3);
 }
 
-TEST(QtMainQueue, firesASingleTimerOnce) {
+TEST(QtMainQueueTest, firesASingleTimerOnce) {
     const test::TestApplication application;
     QtMainQueue queue;
     int ticks = 0;
@@ -122,7 +122,7 @@ TEST(QtMainQueue, firesASingleTimerOnce) {
     EXPECT_EQ(ticks, 1);
 }
 
-TEST(QtMainQueue, letsATimersHandlerDestroyTheTimer) {
+TEST(QtMainQueueTest, letsATimersHandlerDestroyTheTimer) {
     const test::TestApplication application;
     QtMainQueue queue;
     int ticks = 0;
@@ -139,7 +139,7 @@ TEST(QtMainQueue, letsATimersHandlerDestroyTheTimer) {
     EXPECT_EQ(ticks, 7);
 }
 
-TEST(QtMainQueue, outlivesTheApplication) {
+TEST(QtMainQueueTest, outlivesTheApplication) {
     std::optional<QtMainQueue> queue;
     std::unique_ptr<Timer> timer;
     int ran = 0;
@@ -157,7 +157,7 @@ TEST(QtMainQueue, outlivesTheApplication) {
     EXPECT_EQ(ran, 0);
 }
 
-TEST(QtMainQueue, dropsItsWorkWhenItEnds) {
+TEST(QtMainQueueTest, dropsItsWorkWhenItEnds) {
     const test::TestApplication application;
     int ran = 0;
     auto held = std::make_shared<int>(0);

@@ -16,7 +16,7 @@ namespace {
 using namespace std::chrono_literals;
 constexpr auto limit = 20s;
 
-TEST(ThreadTaskPool, runsTasksOnOtherThreadsSideBySide) {
+TEST(ThreadTaskPoolTest, runsTasksOnOtherThreadsSideBySide) {
     test::ManualMainQueue mainQueue;
     ThreadTaskPool pool(mainQueue);
     // Each waits for all the others.
@@ -36,7 +36,7 @@ TEST(ThreadTaskPool, runsTasksOnOtherThreadsSideBySide) {
     }
 }
 
-TEST(ThreadTaskPool, hasAThreadForTasksThatTasksWaitFor) {
+TEST(ThreadTaskPoolTest, hasAThreadForTasksThatTasksWaitFor) {
     test::ManualMainQueue mainQueue;
     ThreadTaskPool pool(mainQueue);
     std::promise<void> done;
@@ -49,7 +49,7 @@ TEST(ThreadTaskPool, hasAThreadForTasksThatTasksWaitFor) {
     EXPECT_EQ(done.get_future().wait_for(limit), std::future_status::ready);
 }
 
-TEST(ThreadTaskPool, triesAgainWhenThereIsNoThreadToBeHad) {
+TEST(ThreadTaskPoolTest, triesAgainWhenThereIsNoThreadToBeHad) {
     test::ManualMainQueue mainQueue;
     int refusals = 3;
     ThreadTaskPool pool(mainQueue, [&](const ThreadTaskPool::Work& work) {

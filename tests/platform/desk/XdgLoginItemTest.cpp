@@ -115,7 +115,7 @@ TEST_F(XdgLoginItemTest, startsAProgramWithAnyPath) {
     EXPECT_TRUE(XdgLoginItem(path).isEnabled());
 }
 
-TEST(DesktopEntry, quotesForExec) {
+TEST(DesktopEntryTest, quotesForExec) {
     const std::vector<std::pair<const char*, const char*>> expected{
         {"/usr/bin/zofrazofra", "/usr/bin/zofrazofra"},
         {"/opt/my radio/z", R"("/opt/my radio/z")"},
@@ -134,7 +134,7 @@ TEST(DesktopEntry, quotesForExec) {
             << argument;
 }
 
-TEST(DesktopEntry, escapesStringsAndReadsThemBack) {
+TEST(DesktopEntryTest, escapesStringsAndReadsThemBack) {
     for (const auto* text : {" a", "a ", " ", "\va\f", "a\\b", "a\nb\tc\rd", "plain", "a\\s"}) {
         const auto file =
             "[Desktop Entry]\nK=" + desktopentry::escapedString(QString::fromLatin1(text)).toUtf8();

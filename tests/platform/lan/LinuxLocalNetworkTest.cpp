@@ -91,7 +91,7 @@ std::vector<InterfaceAddress> entriesOf(const QString& name, int family) {
     if (!test::inNamespaces(far, work))                                                                      \
     GTEST_SKIP() << "skipped: no network namespaces here"
 
-TEST(LinuxLocalNetwork, ListsInterfacesWithFlagsAndAddresses) {
+TEST(LinuxLocalNetworkTest, ListsInterfacesWithFlagsAndAddresses) {
     IN_NAMESPACES([] {},
                   [] {
                       const auto near = entriesOf(QStringLiteral("near"), AF_INET);
@@ -112,7 +112,7 @@ TEST(LinuxLocalNetwork, ListsInterfacesWithFlagsAndAddresses) {
                   });
 }
 
-TEST(LinuxLocalNetwork, ListsEveryAddressOfAnInterface) {
+TEST(LinuxLocalNetworkTest, ListsEveryAddressOfAnInterface) {
     IN_NAMESPACES([] {},
                   [] {
                       ASSERT_TRUE(ip("address add 10.78.0.1/24 dev near"));
@@ -125,7 +125,7 @@ TEST(LinuxLocalNetwork, ListsEveryAddressOfAnInterface) {
                   });
 }
 
-TEST(LinuxLocalNetwork, ADownInterfaceIsNotRunning) {
+TEST(LinuxLocalNetworkTest, ADownInterfaceIsNotRunning) {
     IN_NAMESPACES([] {},
                   [] {
                       ASSERT_TRUE(ip("link set near down"));
@@ -135,7 +135,7 @@ TEST(LinuxLocalNetwork, ADownInterfaceIsNotRunning) {
                   });
 }
 
-TEST(LinuxLocalNetwork, SearchesByMulticastWithoutARouteAndHearsAnswers) {
+TEST(LinuxLocalNetworkTest, SearchesByMulticastWithoutARouteAndHearsAnswers) {
     std::unique_ptr<FarSocket> far;
     IN_NAMESPACES([&] { far = std::make_unique<FarSocket>(); },
                   [&] {
@@ -151,7 +151,7 @@ TEST(LinuxLocalNetwork, SearchesByMulticastWithoutARouteAndHearsAnswers) {
                   });
 }
 
-TEST(LinuxLocalNetwork, SearchesByBroadcast) {
+TEST(LinuxLocalNetworkTest, SearchesByBroadcast) {
     std::unique_ptr<FarSocket> far;
     IN_NAMESPACES([&] { far = std::make_unique<FarSocket>(); },
                   [&] {
@@ -162,7 +162,7 @@ TEST(LinuxLocalNetwork, SearchesByBroadcast) {
                   });
 }
 
-TEST(LinuxLocalNetwork, MulticastLeavesThroughTheSocketsInterface) {
+TEST(LinuxLocalNetworkTest, MulticastLeavesThroughTheSocketsInterface) {
     std::unique_ptr<FarSocket> far;
     IN_NAMESPACES([&] { far = std::make_unique<FarSocket>(); },
                   [&] {
@@ -178,7 +178,7 @@ TEST(LinuxLocalNetwork, MulticastLeavesThroughTheSocketsInterface) {
                   });
 }
 
-TEST(LinuxLocalNetwork, CutsADatagramAt4096Bytes) {
+TEST(LinuxLocalNetworkTest, CutsADatagramAt4096Bytes) {
     std::unique_ptr<FarSocket> far;
     IN_NAMESPACES([&] { far = std::make_unique<FarSocket>(); },
                   [&] {
@@ -191,7 +191,7 @@ TEST(LinuxLocalNetwork, CutsADatagramAt4096Bytes) {
                   });
 }
 
-TEST(LinuxLocalNetwork, WaitsAQuarterOfASecondForADatagram) {
+TEST(LinuxLocalNetworkTest, WaitsAQuarterOfASecondForADatagram) {
     IN_NAMESPACES([] {},
                   [] {
                       const auto socket = LinuxLocalNetwork().openSearchSocket(nearIp);
@@ -202,7 +202,7 @@ TEST(LinuxLocalNetwork, WaitsAQuarterOfASecondForADatagram) {
                   });
 }
 
-TEST(LinuxLocalNetwork, WaitsNoLongerThanToTheDeadline) {
+TEST(LinuxLocalNetworkTest, WaitsNoLongerThanToTheDeadline) {
     std::unique_ptr<FarSocket> far;
     IN_NAMESPACES([&] { far = std::make_unique<FarSocket>(); },
                   [&] {
@@ -227,7 +227,7 @@ TEST(LinuxLocalNetwork, WaitsNoLongerThanToTheDeadline) {
                   });
 }
 
-TEST(LinuxLocalNetwork, SaysWhyASendFailed) {
+TEST(LinuxLocalNetworkTest, SaysWhyASendFailed) {
     IN_NAMESPACES([] {},
                   [] {
                       const auto socket = LinuxLocalNetwork().openSearchSocket(nearIp);
@@ -241,7 +241,7 @@ TEST(LinuxLocalNetwork, SaysWhyASendFailed) {
                   });
 }
 
-TEST(LinuxLocalNetwork, APacketFilterThatDropsIsSeenAsRefusal) {
+TEST(LinuxLocalNetworkTest, APacketFilterThatDropsIsSeenAsRefusal) {
     bool hasFilter = true;
     IN_NAMESPACES([] {},
                   [&] {
@@ -257,14 +257,14 @@ TEST(LinuxLocalNetwork, APacketFilterThatDropsIsSeenAsRefusal) {
         GTEST_SKIP() << "skipped: no packet filter here";
 }
 
-TEST(LinuxLocalNetwork, OpensNoSocketOnAnAddressThatIsNotOurs) {
+TEST(LinuxLocalNetworkTest, OpensNoSocketOnAnAddressThatIsNotOurs) {
     LinuxLocalNetwork network;
     EXPECT_FALSE(network.openSearchSocket(QStringLiteral("192.0.2.1")));
     EXPECT_FALSE(network.openSearchSocket(QStringLiteral("fe80::1")));
     EXPECT_FALSE(network.openSearchSocket(QString()));
 }
 
-TEST(LinuxLocalNetwork, ASocketIsClosedWithItsOwner) {
+TEST(LinuxLocalNetworkTest, ASocketIsClosedWithItsOwner) {
     const auto descriptors = [] {
         return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries).size();
     };

@@ -42,7 +42,7 @@ qsizetype openDescriptors() {
     return QDir(u"/proc/self/fd"_qs).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System).size();
 }
 
-TEST(CurlLifetime, StartsNoThreadBeforeTheFirstRequest) {
+TEST(CurlLifetimeTest, StartsNoThreadBeforeTheFirstRequest) {
     ASSERT_TRUE(eventually([] { return !threadNames().contains("zofra-http"); }));
     CurlHttpSession session;
     EXPECT_FALSE(threadNames().contains("zofra-http"));
@@ -51,7 +51,7 @@ TEST(CurlLifetime, StartsNoThreadBeforeTheFirstRequest) {
     EXPECT_TRUE(threadNames().contains("zofra-http"));
 }
 
-TEST(CurlLifetime, EndsItsThreadAndConnectionsInTheBackground) {
+TEST(CurlLifetimeTest, EndsItsThreadAndConnectionsInTheBackground) {
     LoopbackServer server(silent());
     std::atomic<int> completions = 0;
     {
@@ -65,7 +65,7 @@ TEST(CurlLifetime, EndsItsThreadAndConnectionsInTheBackground) {
     EXPECT_EQ(completions, 0) << "requests given up are not completed";
 }
 
-TEST(CurlLifetime, LetsGoOfCompletionsThatAreNotCalled) {
+TEST(CurlLifetimeTest, LetsGoOfCompletionsThatAreNotCalled) {
     LoopbackServer server(silent());
     const auto token = std::make_shared<int>(0);
     {
@@ -76,7 +76,7 @@ TEST(CurlLifetime, LetsGoOfCompletionsThatAreNotCalled) {
     EXPECT_TRUE(eventually([&token] { return token.use_count() == 1; }));
 }
 
-TEST(CurlLifetime, MayEndRightAfterARequest) {
+TEST(CurlLifetimeTest, MayEndRightAfterARequest) {
     LoopbackServer server(serving([](const QByteArray&) { return response(200, {}); }));
     for (int i = 0; i < 50; ++i) {
         auto alive = std::make_unique<std::atomic<bool>>(true);
@@ -94,7 +94,7 @@ TEST(CurlLifetime, MayEndRightAfterARequest) {
     EXPECT_TRUE(eventually([] { return !threadNames().contains("zofra-http"); }));
 }
 
-TEST(CurlLifetime, MayEndInACompletion) {
+TEST(CurlLifetimeTest, MayEndInACompletion) {
     LoopbackServer server(serving([](const QByteArray&) { return response(200, {}); }));
     auto session = std::make_unique<CurlHttpSession>();
     std::atomic<int> completions = 0;
@@ -114,7 +114,7 @@ TEST(CurlLifetime, MayEndInACompletion) {
     EXPECT_EQ(completions, 1);
 }
 
-TEST(CurlLifetime, ACompletionMayStartTheNextRequest) {
+TEST(CurlLifetimeTest, ACompletionMayStartTheNextRequest) {
     LoopbackServer server(serving([](const QByteArray&) { return response(200, {}); }));
     CurlHttpSession session;
     std::promise<int> done;
@@ -130,7 +130,7 @@ TEST(CurlLifetime, ACompletionMayStartTheNextRequest) {
     EXPECT_EQ(done.get_future().wait_for(20s), std::future_status::ready);
 }
 
-TEST(CurlLifetime, ManyRequestsLeaveNothingBehind) {
+TEST(CurlLifetimeTest, ManyRequestsLeaveNothingBehind) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.readUntil("\r\n\r\n");
         connection.write(response(200, QByteArray(2000, 'x'), "Connection: close\r\n"));
@@ -148,7 +148,7 @@ TEST(CurlLifetime, ManyRequestsLeaveNothingBehind) {
         << openDescriptors() << " > " << before;
 }
 
-TEST(CurlCrowd, EveryOneOf254ParallelProbesIsAnswered) {
+TEST(CurlCrowdTest, EveryOneOf254ParallelProbesIsAnswered) {
     std::atomic<bool> go = false;
     LoopbackServer server([&go](ServerConnection& connection) {
         connection.readUntil("\r\n\r\n");
@@ -170,7 +170,7 @@ TEST(CurlCrowd, EveryOneOf254ParallelProbesIsAnswered) {
     EXPECT_LE(server.mostOpen(), 64);
 }
 
-TEST(CurlCrowd, WaitingForATurnDoesNotUseUpTheTimeout) {
+TEST(CurlCrowdTest, WaitingForATurnDoesNotUseUpTheTimeout) {
     LoopbackServer server(silent());
     LoopbackServer good(serving([](const QByteArray&) { return response(200, "x"); }));
     CurlHttpSession session;
@@ -186,7 +186,7 @@ TEST(CurlCrowd, WaitingForATurnDoesNotUseUpTheTimeout) {
         EXPECT_EQ(codeOf(result.get()), HttpError::Code::timedOut);
 }
 
-class WithProxy : public testing::Test {
+class CurlProxyTest : public testing::Test {
 protected:
     void SetUp() override { qputenv("http_proxy", proxy.url(u""_qs).toUtf8()); }
     void TearDown() override { qunsetenv("http_proxy"); }
@@ -197,7 +197,7 @@ protected:
     })};
 };
 
-TEST_F(WithProxy, LocalHostsAreAskedDirectly) {
+TEST_F(CurlProxyTest, LocalHostsAreAskedDirectly) {
     LoopbackServer server(serving([](const QByteArray&) { return response(200, "direct"); }));
     CurlHttpSession session;
     EXPECT_EQ(fetch(session, server.url(u"/"_qs)).response->body, "direct");
@@ -205,13 +205,13 @@ TEST_F(WithProxy, LocalHostsAreAskedDirectly) {
     EXPECT_EQ(proxied, 0);
 }
 
-TEST_F(WithProxy, OthersAreAskedThroughIt) {
+TEST_F(CurlProxyTest, OthersAreAskedThroughIt) {
     CurlHttpSession session;
     EXPECT_EQ(fetch(session, u"http://radio.example/x"_qs).response->body,
               "GET http://radio.example/x HTTP/1.1");
 }
 
-TEST_F(WithProxy, ACrowdOfDeadLocalHostsDoesNotKeepOthersWaiting) {
+TEST_F(CurlProxyTest, ACrowdOfDeadLocalHostsDoesNotKeepOthersWaiting) {
     LoopbackServer dead(silent());
     CurlHttpSession session;
     std::atomic<int> completions = 0;
@@ -222,12 +222,12 @@ TEST_F(WithProxy, ACrowdOfDeadLocalHostsDoesNotKeepOthersWaiting) {
     EXPECT_EQ(completions, 0);
 }
 
-class Hosts : public testing::TestWithParam<std::pair<const char*, bool>> {};
-TEST_P(Hosts, AreLocalOrNot) {
+class CurlHostsTest : public testing::TestWithParam<std::pair<const char*, bool>> {};
+TEST_P(CurlHostsTest, AreLocalOrNot) {
     EXPECT_EQ(isLocalHost(QString::fromLatin1(GetParam().first)), GetParam().second);
 }
 INSTANTIATE_TEST_SUITE_P(
-    Names, Hosts,
+    Names, CurlHostsTest,
     testing::Values(std::pair("127.0.0.1", true), std::pair("127.9.9.9", true), std::pair("10.0.0.1", true),
                     std::pair("172.16.0.1", true), std::pair("172.31.255.255", true),
                     std::pair("192.168.1.20", true), std::pair("169.254.3.4", true), std::pair("::1", true),

@@ -23,7 +23,7 @@ std::pair<std::chrono::milliseconds, HttpResult> timed(HttpSession& session, Htt
             std::move(result)};
 }
 
-TEST(CurlBodyCap, LetsABodyOfExactlyThatSizePass) {
+TEST(CurlBodyCapTest, LetsABodyOfExactlyThatSizePass) {
     LoopbackServer server(serving([](const QByteArray&) { return response(200, QByteArray(1000, 'x')); }));
     CurlHttpSession session;
     EXPECT_EQ(fetch(session, capped(server, 1000)).response->body.size(), 1000);
@@ -31,7 +31,7 @@ TEST(CurlBodyCap, LetsABodyOfExactlyThatSizePass) {
     EXPECT_EQ(codeOf(fetch(session, capped(server, 0))), Code::tooLarge);
 }
 
-TEST(CurlBodyCap, RefusesADeclaredLengthWithoutReadingOn) {
+TEST(CurlBodyCapTest, RefusesADeclaredLengthWithoutReadingOn) {
     for (const auto* length : {"1000001", "9223372036854775807", "99999999999999999999999"}) {
         LoopbackServer server([length](ServerConnection& connection) {
             connection.readUntil("\r\n\r\n");
@@ -43,7 +43,7 @@ TEST(CurlBodyCap, RefusesADeclaredLengthWithoutReadingOn) {
     }
 }
 
-TEST(CurlBodyCap, StopsAnEndlessBodyWhileReading) {
+TEST(CurlBodyCapTest, StopsAnEndlessBodyWhileReading) {
     for (const QByteArray& head : {QByteArray("HTTP/1.1 200 OK\r\n\r\n"),
                                    QByteArray("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n")}) {
         LoopbackServer server([&head](ServerConnection& connection) {
@@ -59,7 +59,7 @@ TEST(CurlBodyCap, StopsAnEndlessBodyWhileReading) {
     }
 }
 
-TEST(CurlHeaderCap, StopsEndlessHeaders) {
+TEST(CurlHeaderCapTest, StopsEndlessHeaders) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.readUntil("\r\n\r\n");
         connection.write("HTTP/1.1 200 OK\r\n");
@@ -71,7 +71,7 @@ TEST(CurlHeaderCap, StopsEndlessHeaders) {
     EXPECT_EQ(codeOf(fetch(session, server.url(u"/"_qs))), Code::tooLarge);
 }
 
-TEST(CurlHeaderCap, StopsEndlessInterimAnswers) {
+TEST(CurlHeaderCapTest, StopsEndlessInterimAnswers) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.readUntil("\r\n\r\n");
         while (!connection.isStopping() && connection.write("HTTP/1.1 103 Early\r\nX: y\r\n\r\n")) {
@@ -81,7 +81,7 @@ TEST(CurlHeaderCap, StopsEndlessInterimAnswers) {
     EXPECT_EQ(codeOf(fetch(session, server.url(u"/"_qs))), Code::tooLarge);
 }
 
-TEST(CurlTimeout, EndsARequestThatIsNeverAnswered) {
+TEST(CurlTimeoutTest, EndsARequestThatIsNeverAnswered) {
     LoopbackServer server([](ServerConnection& connection) { connection.waitForPeerToClose(); });
     CurlHttpSession session;
     auto request = requestFor(server.url(u"/"_qs));
@@ -92,7 +92,7 @@ TEST(CurlTimeout, EndsARequestThatIsNeverAnswered) {
     EXPECT_LT(time, 5s);
 }
 
-TEST(CurlTimeout, CountsTheWholeRequestNotTheLastByte) {
+TEST(CurlTimeoutTest, CountsTheWholeRequestNotTheLastByte) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.readUntil("\r\n\r\n");
         connection.write("HTTP/1.1 200 OK\r\nContent-Length: 100000\r\n\r\n");
@@ -107,7 +107,7 @@ TEST(CurlTimeout, CountsTheWholeRequestNotTheLastByte) {
     EXPECT_LT(time, 5s);
 }
 
-TEST(CurlTimeout, CountsRedirectsIn) {
+TEST(CurlTimeoutTest, CountsRedirectsIn) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.readUntil("\r\n\r\n");
         connection.pause(150ms);
@@ -119,7 +119,7 @@ TEST(CurlTimeout, CountsRedirectsIn) {
     EXPECT_EQ(codeOf(fetch(session, request)), Code::timedOut);
 }
 
-TEST(CurlTimeout, EndsATlsHandshakeThatIsNeverAnswered) {
+TEST(CurlTimeoutTest, EndsATlsHandshakeThatIsNeverAnswered) {
     LoopbackServer server([](ServerConnection& connection) { connection.waitForPeerToClose(); });
     CurlHttpSession session;
     auto request = requestFor(server.url(u"/"_qs, u"https"_qs));
@@ -127,7 +127,7 @@ TEST(CurlTimeout, EndsATlsHandshakeThatIsNeverAnswered) {
     EXPECT_EQ(codeOf(fetch(session, request)), Code::timedOut);
 }
 
-TEST(CurlTimeout, ZeroIsNotForEver) {
+TEST(CurlTimeoutTest, ZeroIsNotForEver) {
     LoopbackServer server([](ServerConnection& connection) { connection.waitForPeerToClose(); });
     CurlHttpSession session;
     auto request = requestFor(server.url(u"/"_qs));
@@ -135,7 +135,7 @@ TEST(CurlTimeout, ZeroIsNotForEver) {
     EXPECT_EQ(codeOf(fetch(session, request)), Code::timedOut);
 }
 
-TEST(CurlFailure, ARefusedPortSaysSo) {
+TEST(CurlFailureTest, ARefusedPortSaysSo) {
     std::uint16_t port = 0;
     {
         LoopbackServer server([](ServerConnection&) {});
@@ -149,7 +149,7 @@ TEST(CurlFailure, ARefusedPortSaysSo) {
     EXPECT_FALSE(result.error->localizedDescription.isEmpty());
 }
 
-TEST(CurlFailure, AnUnknownNameSaysSo) {
+TEST(CurlFailureTest, AnUnknownNameSaysSo) {
     CurlHttpSession session;
     const auto result = fetch(session, u"http://nowhere.invalid/"_qs);
     ASSERT_TRUE(result.error);
@@ -167,9 +167,9 @@ void PrintTo(const Talk& talk, std::ostream* out) {
     *out << talk.name;
 }
 
-class StrangeServer : public testing::TestWithParam<Talk> {};
+class StrangeServerTest : public testing::TestWithParam<Talk> {};
 
-TEST_P(StrangeServer, IsAnErrorOfOneLine) {
+TEST_P(StrangeServerTest, IsAnErrorOfOneLine) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.readUntil("\r\n\r\n");
         connection.write(GetParam().bytes);
@@ -185,7 +185,7 @@ TEST_P(StrangeServer, IsAnErrorOfOneLine) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Answers, StrangeServer,
+    Answers, StrangeServerTest,
     testing::Values(
         Talk{"silence", {}, Code::connectionLost}, Talk{"garbage", QByteArray(500, '\x80'), Code::other},
         Talk{"no headers", "<html>old times</html>", Code::other},

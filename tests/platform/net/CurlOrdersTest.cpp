@@ -29,7 +29,7 @@ LoopbackServer::Handler answering(const QByteArray& answer) {
     };
 }
 
-TEST(CurlOrders, FollowNoRedirect) {
+TEST(CurlOrdersTest, FollowNoRedirect) {
     std::atomic<int> reached = 0;
     LoopbackServer elsewhere(serving([&reached](const QByteArray&) {
         ++reached;
@@ -43,7 +43,7 @@ TEST(CurlOrders, FollowNoRedirect) {
     EXPECT_EQ(reached, 0);
 }
 
-TEST(CurlOrders, CountByTheirStatusWhateverTheBody) {
+TEST(CurlOrdersTest, CountByTheirStatusWhateverTheBody) {
     const QByteArray bodyBeyondTheCap(5000, 'x');
     for (const auto& answer : {response(200, "done"), response(200, bodyBeyondTheCap),
                                QByteArray("HTTP/1.1 200 X\r\nContent-Length: 100\r\n\r\ncut"),
@@ -59,7 +59,7 @@ TEST(CurlOrders, CountByTheirStatusWhateverTheBody) {
     }
 }
 
-TEST(CurlOrders, FailWithoutAnAnswer) {
+TEST(CurlOrdersTest, FailWithoutAnAnswer) {
     for (const QByteArray answer : {"", "HTTP/1.1 100 X\r\n\r\n", "garbage\r\n\r\n"}) {
         LoopbackServer server(answering(answer));
         CurlHttpSession session;
@@ -67,7 +67,7 @@ TEST(CurlOrders, FailWithoutAnAnswer) {
     }
 }
 
-TEST(CurlOrders, ABodyThatNeverEndsCostsNoMoreThanTheTimeout) {
+TEST(CurlOrdersTest, ABodyThatNeverEndsCostsNoMoreThanTheTimeout) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.readUntil("\r\n\r\n");
         connection.write("HTTP/1.1 200 X\r\nContent-Length: 100\r\n\r\n");
@@ -79,7 +79,7 @@ TEST(CurlOrders, ABodyThatNeverEndsCostsNoMoreThanTheTimeout) {
     EXPECT_TRUE(fetch(session, request).response);
 }
 
-TEST(InNamespace, DISABLED_DirectRequestsAskNoProxy) {
+TEST(NamespaceTest, DISABLED_DirectRequestsAskNoProxy) {
     std::atomic<int> proxied = 0;
     LoopbackServer proxy(serving([&proxied](const QByteArray&) {
         ++proxied;
@@ -98,12 +98,12 @@ TEST(InNamespace, DISABLED_DirectRequestsAskNoProxy) {
     EXPECT_EQ(proxied, 1);
 }
 
-TEST(CurlOrders, DirectRequestsAskNoProxy) {
+TEST(CurlOrdersTest, DirectRequestsAskNoProxy) {
     runInNamespace(u"DirectRequestsAskNoProxy"_qs,
                    u"ip link set lo up && ip addr add 100.64.0.1/32 dev lo"_qs);
 }
 
-TEST(CurlOrders, ACancelledRequestEndsAtOnceWaitingOrNot) {
+TEST(CurlOrdersTest, ACancelledRequestEndsAtOnceWaitingOrNot) {
     LoopbackServer server([](ServerConnection& connection) { connection.waitForPeerToClose(); });
     LoopbackServer good(serving([](const QByteArray&) { return response(200, "x"); }));
     CurlHttpSession session;
@@ -120,7 +120,7 @@ TEST(CurlOrders, ACancelledRequestEndsAtOnceWaitingOrNot) {
     EXPECT_TRUE(fetch(session, good.url(u"/"_qs)).response);
 }
 
-TEST(CurlOrders, CancellingWhatHasEndedDoesNothing) {
+TEST(CurlOrdersTest, CancellingWhatHasEndedDoesNothing) {
     LoopbackServer server(serving([](const QByteArray&) { return response(200, "x"); }));
     CurlHttpSession session;
     std::stop_source stop;

@@ -62,7 +62,7 @@ private:
     pthread_attr_t m_before{};
 };
 
-class CurlRecovery : public testing::Test {
+class CurlRecoveryTest : public testing::Test {
 protected:
     /// What a request comes to; its answer may need the event loop.
     HttpResult outcome() {
@@ -77,7 +77,7 @@ protected:
     CurlHttpSession session;
 };
 
-TEST_F(CurlRecovery, ComesBackOnceThereAreDescriptors) {
+TEST_F(CurlRecoveryTest, ComesBackOnceThereAreDescriptors) {
     {
         const NoDescriptors shortage;
         EXPECT_TRUE(outcome().error);
@@ -86,7 +86,7 @@ TEST_F(CurlRecovery, ComesBackOnceThereAreDescriptors) {
     EXPECT_TRUE(outcome().response);
 }
 
-TEST_F(CurlRecovery, ComesBackOnceThereAreThreads) {
+TEST_F(CurlRecoveryTest, ComesBackOnceThereAreThreads) {
     {
         const NoThreads shortage;
         EXPECT_TRUE(outcome().error);
@@ -95,7 +95,7 @@ TEST_F(CurlRecovery, ComesBackOnceThereAreThreads) {
     EXPECT_TRUE(outcome().response);
 }
 
-TEST_F(CurlRecovery, ASocketThatWaitedForAThreadOpensWithIt) {
+TEST_F(CurlRecoveryTest, ASocketThatWaitedForAThreadOpensWithIt) {
     LoopbackServer live([](ServerConnection& connection) {
         connection.write(upgradeAnswer(connection) + serverFrame(1, "o"));
         connection.waitForPeerToClose();
@@ -109,7 +109,7 @@ TEST_F(CurlRecovery, ASocketThatWaitedForAThreadOpensWithIt) {
     EXPECT_TRUE(listener.waitForMessages(1));
 }
 
-TEST_F(CurlRecovery, KeptConnectionsAreNotUsedAfterAChangeOfNetwork) {
+TEST_F(CurlRecoveryTest, KeptConnectionsAreNotUsedAfterAChangeOfNetwork) {
     EXPECT_TRUE(outcome().response);
     EXPECT_TRUE(outcome().response);
     EXPECT_EQ(server.accepted(), 1) << "kept";

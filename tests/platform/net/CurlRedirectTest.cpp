@@ -13,7 +13,7 @@ LoopbackServer::Handler countdown() {
     });
 }
 
-TEST(CurlRedirect, FollowsFive) {
+TEST(CurlRedirectTest, FollowsFive) {
     LoopbackServer server(countdown());
     CurlHttpSession session;
     const auto result = fetch(session, server.url(u"/5"_qs));
@@ -22,7 +22,7 @@ TEST(CurlRedirect, FollowsFive) {
     EXPECT_EQ(result.response->body, "goal");
 }
 
-TEST(CurlRedirect, DoesNotFollowSix) {
+TEST(CurlRedirectTest, DoesNotFollowSix) {
     LoopbackServer server(countdown());
     CurlHttpSession session;
     const auto result = fetch(session, server.url(u"/6"_qs));
@@ -30,15 +30,15 @@ TEST(CurlRedirect, DoesNotFollowSix) {
     EXPECT_EQ(codeOf(result), HttpError::Code::tooManyRedirects);
 }
 
-TEST(CurlRedirect, EndsALoop) {
+TEST(CurlRedirectTest, EndsALoop) {
     LoopbackServer server(serving([](const QByteArray&) { return redirect(u"/again"_qs); }));
     CurlHttpSession session;
     EXPECT_EQ(codeOf(fetch(session, server.url(u"/"_qs))), HttpError::Code::tooManyRedirects);
 }
 
-class ForeignRedirect : public testing::TestWithParam<const char*> {};
+class ForeignRedirectTest : public testing::TestWithParam<const char*> {};
 
-TEST_P(ForeignRedirect, IsNotFollowed) {
+TEST_P(ForeignRedirectTest, IsNotFollowed) {
     LoopbackServer server(
         serving([](const QByteArray&) { return redirect(QString::fromLatin1(GetParam())); }));
     CurlHttpSession session;
@@ -48,12 +48,12 @@ TEST_P(ForeignRedirect, IsNotFollowed) {
         << result.error->localizedDescription.toStdString();
 }
 
-INSTANTIATE_TEST_SUITE_P(Schemes, ForeignRedirect,
+INSTANTIATE_TEST_SUITE_P(Schemes, ForeignRedirectTest,
                          testing::Values("file:///etc/passwd", "ftp://127.0.0.1/", "gopher://127.0.0.1:1/",
                                          "dict://127.0.0.1:1/", "ldap://127.0.0.1/", "smb://127.0.0.1/x",
                                          "tftp://127.0.0.1/x"));
 
-class SecureRedirect : public testing::Test {
+class SecureRedirectTest : public testing::Test {
 protected:
     TestAuthority authority;
     TlsIdentity identity = authority.identityFor(u"IP:127.0.0.1"_qs);
@@ -69,21 +69,21 @@ protected:
     QString upGoal;
 };
 
-TEST_F(SecureRedirect, GoesFromHttpToHttps) {
+TEST_F(SecureRedirectTest, GoesFromHttpToHttps) {
     upGoal = secure.url(u"/goal"_qs, u"https"_qs);
     const auto result = fetch(session, plain.url(u"/up"_qs));
     ASSERT_TRUE(result.response) << result.error->localizedDescription.toStdString();
     EXPECT_EQ(result.response->body, "secure");
 }
 
-TEST_F(SecureRedirect, NeverGoesFromHttpsToHttp) {
+TEST_F(SecureRedirectTest, NeverGoesFromHttpsToHttp) {
     const auto result = fetch(session, secure.url(u"/down"_qs, u"https"_qs));
     EXPECT_FALSE(result.response);
     EXPECT_EQ(codeOf(result), HttpError::Code::unsupportedUrl);
     EXPECT_EQ(plain.accepted(), 0);
 }
 
-TEST_F(SecureRedirect, NeverGoesDownAgainAfterGoingUp) {
+TEST_F(SecureRedirectTest, NeverGoesDownAgainAfterGoingUp) {
     upGoal = secure.url(u"/down"_qs, u"https"_qs);
     const auto result = fetch(session, plain.url(u"/up"_qs));
     EXPECT_FALSE(result.response);

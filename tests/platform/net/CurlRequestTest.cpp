@@ -50,7 +50,7 @@ private:
     }};
 };
 
-TEST(CurlRequest, GivesStatusAndBody) {
+TEST(CurlRequestTest, GivesStatusAndBody) {
     LoopbackServer server(serving([](const QByteArray& head) {
         return head.startsWith("GET /there ") ? response(200, QByteArray("a\0b\xFF", 4))
                                               : response(404, "not here");
@@ -67,7 +67,7 @@ TEST(CurlRequest, GivesStatusAndBody) {
     EXPECT_EQ(elsewhere.response->body, "not here");
 }
 
-TEST(CurlRequest, CompletesOnTheSessionsOwnThread) {
+TEST(CurlRequestTest, CompletesOnTheSessionsOwnThread) {
     EchoServer server;
     CurlHttpSession session;
     std::promise<QByteArray> name;
@@ -81,7 +81,7 @@ TEST(CurlRequest, CompletesOnTheSessionsOwnThread) {
     EXPECT_EQ(future.get(), "zofra-http");
 }
 
-TEST(CurlRequest, SpellsHeaderNamesAsGiven) {
+TEST(CurlRequestTest, SpellsHeaderNamesAsGiven) {
     EchoServer server;
     CurlHttpSession session;
     auto request = requestFor(server.url(u"/x"_qs));
@@ -93,7 +93,7 @@ TEST(CurlRequest, SpellsHeaderNamesAsGiven) {
     EXPECT_TRUE(server.head().startsWith("GET /x HTTP/1.1\r\n"));
 }
 
-TEST(CurlRequest, AddsNothingOfItsOwnAccordThatWouldMatter) {
+TEST(CurlRequestTest, AddsNothingOfItsOwnAccordThatWouldMatter) {
     EchoServer server;
     CurlHttpSession session;
     ASSERT_TRUE(fetch(session, server.url(u"/"_qs)).response);
@@ -102,7 +102,7 @@ TEST(CurlRequest, AddsNothingOfItsOwnAccordThatWouldMatter) {
         EXPECT_FALSE(server.mentions(QByteArray("\r\n") + header + ':')) << header;
 }
 
-TEST(CurlRequest, AsksForAFreshAnswerWhenCachesAreToBeIgnored) {
+TEST(CurlRequestTest, AsksForAFreshAnswerWhenCachesAreToBeIgnored) {
     EchoServer server;
     CurlHttpSession session;
     auto request = requestFor(server.url(u"/"_qs));
@@ -116,7 +116,7 @@ TEST(CurlRequest, AsksForAFreshAnswerWhenCachesAreToBeIgnored) {
     EXPECT_FALSE(server.hasHeaderLine("Cache-Control: no-cache")) << "the caller's own word stands";
 }
 
-TEST(CurlRequest, PostsTheBodyAtOnce) {
+TEST(CurlRequestTest, PostsTheBodyAtOnce) {
     EchoServer server;
     CurlHttpSession session;
     auto request = requestFor(server.url(u"/control"_qs));
@@ -130,7 +130,7 @@ TEST(CurlRequest, PostsTheBodyAtOnce) {
     EXPECT_EQ(server.body(), request.body);
 }
 
-TEST(CurlRequest, PostsWithoutABody) {
+TEST(CurlRequestTest, PostsWithoutABody) {
     EchoServer server;
     CurlHttpSession session;
     auto request = requestFor(server.url(u"/"_qs));
@@ -141,7 +141,7 @@ TEST(CurlRequest, PostsWithoutABody) {
     EXPECT_FALSE(server.mentions("content-type"));
 }
 
-TEST(CurlRequest, SendsOtherMethods) {
+TEST(CurlRequestTest, SendsOtherMethods) {
     EchoServer server;
     CurlHttpSession session;
     auto request = requestFor(server.url(u"/"_qs));
@@ -157,7 +157,7 @@ TEST(CurlRequest, SendsOtherMethods) {
     EXPECT_EQ(server.body(), "body");
 }
 
-TEST(CurlRequest, SendsTheAddressAsItIs) {
+TEST(CurlRequestTest, SendsTheAddressAsItIs) {
     EchoServer server;
     CurlHttpSession session;
     ASSERT_TRUE(fetch(session, server.url(u"/a%20b/c?rpIds=5067&x=%C3%A9#part"_qs)).response);
@@ -165,7 +165,7 @@ TEST(CurlRequest, SendsTheAddressAsItIs) {
         << server.head().toStdString();
 }
 
-TEST(CurlRequest, DoesNotDecompress) {
+TEST(CurlRequestTest, DoesNotDecompress) {
     LoopbackServer server(serving(
         [](const QByteArray&) { return response(200, "\x1f\x8b packed", "Content-Encoding: gzip\r\n"); }));
     CurlHttpSession session;
@@ -174,7 +174,7 @@ TEST(CurlRequest, DoesNotDecompress) {
     EXPECT_EQ(result.response->body, "\x1f\x8b packed");
 }
 
-TEST(CurlRequest, KeepsNoCookies) {
+TEST(CurlRequestTest, KeepsNoCookies) {
     std::atomic<int> cookies = 0;
     LoopbackServer server(serving([&cookies](const QByteArray& head) {
         cookies += head.toLower().contains("cookie") ? 1 : 0;
@@ -186,7 +186,7 @@ TEST(CurlRequest, KeepsNoCookies) {
     EXPECT_EQ(cookies, 0);
 }
 
-TEST(CurlRequest, ReadsAnAnswerInChunks) {
+TEST(CurlRequestTest, ReadsAnAnswerInChunks) {
     LoopbackServer server(serving([](const QByteArray&) {
         return QByteArray(
             "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n2\r\nde\r\n0\r\n\r\n");
@@ -195,7 +195,7 @@ TEST(CurlRequest, ReadsAnAnswerInChunks) {
     EXPECT_EQ(fetch(session, server.url(u"/"_qs)).response->body, "abcde");
 }
 
-TEST(CurlRequest, ReadsAnAnswerThatEndsWithTheConnection) {
+TEST(CurlRequestTest, ReadsAnAnswerThatEndsWithTheConnection) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.readUntil("\r\n\r\n");
         connection.write("HTTP/1.0 200 OK\r\n\r\nuntil the end");
@@ -204,7 +204,7 @@ TEST(CurlRequest, ReadsAnAnswerThatEndsWithTheConnection) {
     EXPECT_EQ(fetch(session, server.url(u"/"_qs)).response->body, "until the end");
 }
 
-TEST(CurlRequest, ComesFromAnyThread) {
+TEST(CurlRequestTest, ComesFromAnyThread) {
     LoopbackServer server(serving([](const QByteArray& head) { return response(200, head.mid(5, 5)); }));
     CurlHttpSession session;
     std::atomic<int> right = 0;
@@ -230,9 +230,9 @@ struct BadRequest {
     HttpError::Code code;
 };
 
-class MalformedRequest : public testing::TestWithParam<BadRequest> {};
+class MalformedRequestTest : public testing::TestWithParam<BadRequest> {};
 
-TEST_P(MalformedRequest, IsRefusedOnTheSessionsThread) {
+TEST_P(MalformedRequestTest, IsRefusedOnTheSessionsThread) {
     CurlHttpSession session;
     auto request = requestFor(GetParam().url);
     request.method = GetParam().method;
@@ -245,7 +245,7 @@ TEST_P(MalformedRequest, IsRefusedOnTheSessionsThread) {
 
 using Code = HttpError::Code;
 INSTANTIATE_TEST_SUITE_P(
-    Requests, MalformedRequest,
+    Requests, MalformedRequestTest,
     testing::Values(BadRequest{{}, "GET", {"A", "b"}, Code::unsupportedUrl},
                     BadRequest{u"file:///etc/passwd"_qs, "GET", {"A", "b"}, Code::unsupportedUrl},
                     BadRequest{u"ftp://127.0.0.1/x"_qs, "GET", {"A", "b"}, Code::unsupportedUrl},

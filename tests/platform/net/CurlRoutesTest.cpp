@@ -21,20 +21,20 @@ void expectFailure(const QString& url, Code code, int systemErrno) {
     EXPECT_EQ(result.error->systemErrno, systemErrno) << result.error->localizedDescription.toStdString();
 }
 
-TEST(InNamespace, DISABLED_NoRouteAtAll) {
+TEST(NamespaceTest, DISABLED_NoRouteAtAll) {
     expectFailure(u"http://192.168.77.5:1400/x"_qs, Code::notConnected, ENETUNREACH);
     expectFailure(u"http://127.0.0.1:1400/x"_qs, Code::notConnected, ENETUNREACH);
 }
-TEST(InNamespace, DISABLED_ProhibitedRoute) {
+TEST(NamespaceTest, DISABLED_ProhibitedRoute) {
     expectFailure(u"http://192.168.77.5:1400/x"_qs, Code::notConnected, EACCES);
 }
-TEST(InNamespace, DISABLED_UnreachableHost) {
+TEST(NamespaceTest, DISABLED_UnreachableHost) {
     expectFailure(u"http://192.168.77.5:1400/x"_qs, Code::cannotConnect, EHOSTUNREACH);
 }
-TEST(InNamespace, DISABLED_RejectedByTheFirewall) {
+TEST(NamespaceTest, DISABLED_RejectedByTheFirewall) {
     expectFailure(u"http://127.0.0.1:1400/x"_qs, Code::cannotConnect, ECONNREFUSED);
 }
-TEST(InNamespace, DISABLED_SilentNameServer) {
+TEST(NamespaceTest, DISABLED_SilentNameServer) {
     // The name server swallows every question; the request for the address must not wait for it, nor must the
     // end.
     CurlHttpSession session;
@@ -49,20 +49,20 @@ TEST(InNamespace, DISABLED_SilentNameServer) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, 2s) << "the session went on at once";
 }
 
-TEST(CurlRoutes, NoRouteAtAllMeansNotConnected) {
+TEST(CurlRoutesTest, NoRouteAtAllMeansNotConnected) {
     runInNamespace(u"NoRouteAtAll"_qs, u"true"_qs);
 }
-TEST(CurlRoutes, AProhibitedRouteMeansNotConnected) {
+TEST(CurlRoutesTest, AProhibitedRouteMeansNotConnected) {
     runInNamespace(u"ProhibitedRoute"_qs, u"ip link set lo up && ip route add prohibit 192.168.77.0/24"_qs);
 }
-TEST(CurlRoutes, AnUnreachableHostMeansCannotConnect) {
+TEST(CurlRoutesTest, AnUnreachableHostMeansCannotConnect) {
     runInNamespace(u"UnreachableHost"_qs,
                    u"ip link set lo up && ip route add unreachable 192.168.77.0/24"_qs);
 }
-TEST(CurlRoutes, ARefusalMeansCannotConnect) {
+TEST(CurlRoutesTest, ARefusalMeansCannotConnect) {
     runInNamespace(u"RejectedByTheFirewall"_qs, u"ip link set lo up"_qs);
 }
-TEST(CurlRoutes, ASilentNameServerHoldsUpNobody) {
+TEST(CurlRoutesTest, ASilentNameServerHoldsUpNobody) {
     QTemporaryFile resolver;
     ASSERT_TRUE(resolver.open());
     resolver.write("nameserver 192.0.2.53\n");

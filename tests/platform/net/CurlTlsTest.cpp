@@ -10,7 +10,7 @@ namespace {
 
 using Code = HttpError::Code;
 
-class CurlTls : public testing::Test {
+class CurlTlsTest : public testing::Test {
 protected:
     static LoopbackServer::Handler hello() {
         return serving([](const QByteArray&) { return response(200, "hello"); });
@@ -18,7 +18,7 @@ protected:
     TestAuthority authority;
 };
 
-TEST_F(CurlTls, TrustsTheExtraAuthority) {
+TEST_F(CurlTlsTest, TrustsTheExtraAuthority) {
     LoopbackServer server(hello(), authority.identityFor(u"IP:127.0.0.1"_qs));
     CurlHttpSession session(authority.certificateFile());
     const auto result = fetch(session, server.url(u"/"_qs, u"https"_qs));
@@ -26,7 +26,7 @@ TEST_F(CurlTls, TrustsTheExtraAuthority) {
     EXPECT_EQ(result.response->body, "hello");
 }
 
-TEST_F(CurlTls, RefusesAnUnknownAuthority) {
+TEST_F(CurlTlsTest, RefusesAnUnknownAuthority) {
     LoopbackServer server(hello(), authority.identityFor(u"IP:127.0.0.1"_qs));
     TestAuthority other;
     for (const auto& extra : {std::optional<QString>(), std::optional(other.certificateFile())}) {
@@ -35,13 +35,13 @@ TEST_F(CurlTls, RefusesAnUnknownAuthority) {
     }
 }
 
-TEST_F(CurlTls, RefusesACertificateForAnotherName) {
+TEST_F(CurlTlsTest, RefusesACertificateForAnotherName) {
     LoopbackServer server(hello(), authority.identityFor(u"DNS:other.example,IP:127.0.0.2"_qs));
     CurlHttpSession session(authority.certificateFile());
     EXPECT_EQ(codeOf(fetch(session, server.url(u"/"_qs, u"https"_qs))), Code::secureConnectionFailed);
 }
 
-TEST_F(CurlTls, SaysWhenTheExtraAuthorityCannotBeRead) {
+TEST_F(CurlTlsTest, SaysWhenTheExtraAuthorityCannotBeRead) {
     LoopbackServer server(hello(), authority.identityFor(u"IP:127.0.0.1"_qs));
     CurlHttpSession session(u"/nowhere/ca.pem"_qs);
     const auto result = fetch(session, server.url(u"/"_qs, u"https"_qs));
@@ -50,13 +50,13 @@ TEST_F(CurlTls, SaysWhenTheExtraAuthorityCannotBeRead) {
         << result.error->localizedDescription.toStdString();
 }
 
-TEST_F(CurlTls, PlainHttpNeedsNoAuthority) {
+TEST_F(CurlTlsTest, PlainHttpNeedsNoAuthority) {
     LoopbackServer server(hello());
     CurlHttpSession session(u"/nowhere/ca.pem"_qs);
     EXPECT_TRUE(fetch(session, server.url(u"/"_qs)).response);
 }
 
-TEST_F(CurlTls, RefusesAServerThatDoesNotSpeakTls) {
+TEST_F(CurlTlsTest, RefusesAServerThatDoesNotSpeakTls) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.read(1);
         connection.write("HTTP/1.1 400 Bad Request\r\n\r\n");
@@ -65,7 +65,7 @@ TEST_F(CurlTls, RefusesAServerThatDoesNotSpeakTls) {
     EXPECT_EQ(codeOf(fetch(session, server.url(u"/"_qs, u"https"_qs))), Code::secureConnectionFailed);
 }
 
-TEST(TrustedAuthorities, TakesTheSystemsDirectoryWhereThereIsOne) {
+TEST(TrustedAuthoritiesTest, TakesTheSystemsDirectoryWhereThereIsOne) {
     const auto found = TrustedAuthorities::find(std::nullopt);
     if (!found.directory)
         GTEST_SKIP() << "skipped: no directory of authorities on this system";

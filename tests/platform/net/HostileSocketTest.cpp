@@ -30,7 +30,7 @@ qint64 residentKilobytes() {
     return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').at(1).toLongLong() * 4 : 0;
 }
 
-TEST(HostileSocket, TakesFramesThatComeWithTheUpgradeAnswer) {
+TEST(HostileSocketTest, TakesFramesThatComeWithTheUpgradeAnswer) {
     LoopbackServer server(sendingOnceOpen(serverFrame(1, "o") + serverFrame(1, "h")));
     Listener listener(plainSocket(server));
     listener.resumeAndListen();
@@ -39,7 +39,7 @@ TEST(HostileSocket, TakesFramesThatComeWithTheUpgradeAnswer) {
     EXPECT_EQ(listener.text(1), u"h"_qs);
 }
 
-TEST(HostileSocket, TakesFramesThatDrip) {
+TEST(HostileSocketTest, TakesFramesThatDrip) {
     LoopbackServer server([](ServerConnection& connection) {
         const auto bytes = upgradeAnswer(connection) + serverFrame(1, "dripping") + serverFrame(9, "p");
         for (const char byte : bytes) {
@@ -54,7 +54,7 @@ TEST(HostileSocket, TakesFramesThatDrip) {
     EXPECT_EQ(listener.text(0), u"dripping"_qs);
 }
 
-TEST(HostileSocket, TakesAMessageOfExactlyTheCapAndNoMore) {
+TEST(HostileSocketTest, TakesAMessageOfExactlyTheCapAndNoMore) {
     for (const int size : {5000, 5001}) {
         LoopbackServer server(sendingOnceOpen(serverFrame(1, QByteArray(size, 'x'))));
         Listener listener(plainSocket(server, {.messageBytes = 5000}));
@@ -64,9 +64,9 @@ TEST(HostileSocket, TakesAMessageOfExactlyTheCapAndNoMore) {
     }
 }
 
-class ForbiddenBytes : public testing::TestWithParam<std::pair<QByteArray, const char*>> {};
+class ForbiddenBytesTest : public testing::TestWithParam<std::pair<QByteArray, const char*>> {};
 
-TEST_P(ForbiddenBytes, EndTheSocketWithOneLine) {
+TEST_P(ForbiddenBytesTest, EndTheSocketWithOneLine) {
     LoopbackServer server(sendingOnceOpen(serverFrame(1, "o") + GetParam().first));
     Listener listener(plainSocket(server));
     listener.resumeAndListen();
@@ -77,7 +77,7 @@ TEST_P(ForbiddenBytes, EndTheSocketWithOneLine) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Frames, ForbiddenBytes,
+    Frames, ForbiddenBytesTest,
     testing::Values(
         std::pair(QByteArray("\x81\x7F\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF", 10), "a message is too long"),
         std::pair(QByteArray("\x81\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", 10), "a length is malformed"),
@@ -86,7 +86,7 @@ INSTANTIATE_TEST_SUITE_P(
         std::pair(QByteArray(10, static_cast<char>(0xFF)), "reserved bits are set"),
         std::pair(serverFrame(0, "x"), "the parts of a message do not fit together")));
 
-TEST(HostileSocket, APingFloodEndsItAndCostsLittle) {
+TEST(HostileSocketTest, APingFloodEndsItAndCostsLittle) {
     LoopbackServer server(floodingWith(serverFrame(9, QByteArray(125, 'x')).repeated(5000)));
     Listener listener(plainSocket(server));
     const auto before = residentKilobytes();
@@ -96,7 +96,7 @@ TEST(HostileSocket, APingFloodEndsItAndCostsLittle) {
     EXPECT_LT(residentKilobytes() - before, 20'000);
 }
 
-TEST(HostileSocket, AFloodOfEmptyPartsEndsIt) {
+TEST(HostileSocketTest, AFloodOfEmptyPartsEndsIt) {
     LoopbackServer server(floodingWith(serverFrame(0, {}, Part::notLast).repeated(10000)));
     Listener listener(plainSocket(server));
     listener.resumeAndListen();
@@ -113,7 +113,7 @@ TEST(HostileSocket, AFloodOfEmptyPartsEndsIt) {
     EXPECT_EQ(*second.error, u"The server sends frames without end."_qs);
 }
 
-TEST(HostileSocket, MessagesThatNobodyReadsEndItAtTheCap) {
+TEST(HostileSocketTest, MessagesThatNobodyReadsEndItAtTheCap) {
     LoopbackServer server(sendingOnceOpen(serverFrame(1, "x").repeated(20)));
     Listener listener(plainSocket(server, {.waitingMessages = 10}));
     listener.socket->resume();
@@ -124,7 +124,7 @@ TEST(HostileSocket, MessagesThatNobodyReadsEndItAtTheCap) {
     EXPECT_EQ(*listener.error, u"The server sends messages faster than they are read."_qs);
 }
 
-TEST(HostileSocket, LargeMessagesThatNobodyReadsEndItAtTheCap) {
+TEST(HostileSocketTest, LargeMessagesThatNobodyReadsEndItAtTheCap) {
     LoopbackServer server(sendingOnceOpen(serverFrame(2, QByteArray(1000, 'x')).repeated(20)));
     Listener listener(plainSocket(server, {.waitingBytes = 10'000}));
     listener.socket->resume();
@@ -134,7 +134,7 @@ TEST(HostileSocket, LargeMessagesThatNobodyReadsEndItAtTheCap) {
     EXPECT_EQ(listener.messages.size(), 10U);
 }
 
-TEST(HostileSocket, AFloodOfMessagesIsReadAtABoundedRate) {
+TEST(HostileSocketTest, AFloodOfMessagesIsReadAtABoundedRate) {
     LoopbackServer server(floodingWith(serverFrame(1, "h").repeated(20000)));
     Listener listener(plainSocket(server, {.messages = {100, 50}}));
     QElapsedTimer clock;
@@ -145,7 +145,7 @@ TEST(HostileSocket, AFloodOfMessagesIsReadAtABoundedRate) {
     EXPECT_EQ(listener.error, std::nullopt) << "the rest waits in the network";
 }
 
-TEST(HostileSocket, LongMessagesAreReadAtABoundedRate) {
+TEST(HostileSocketTest, LongMessagesAreReadAtABoundedRate) {
     LoopbackServer server(floodingWith(serverFrame(1, QByteArray(100'000, 'x'))));
     Listener listener(plainSocket(server, {.bytes = {1'000'000, 300'000}}));
     QElapsedTimer clock;
@@ -156,7 +156,7 @@ TEST(HostileSocket, LongMessagesAreReadAtABoundedRate) {
     EXPECT_EQ(listener.error, std::nullopt);
 }
 
-TEST(HostileSocket, APeerThatTakesNothingMakesSendingFail) {
+TEST(HostileSocketTest, APeerThatTakesNothingMakesSendingFail) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.write(upgradeAnswer(connection) + serverFrame(1, "o"));
         while (!connection.isStopping())
@@ -173,7 +173,7 @@ TEST(HostileSocket, APeerThatTakesNothingMakesSendingFail) {
               50);
 }
 
-TEST(HostileSocket, SendingBeforeItIsOpenFails) {
+TEST(HostileSocketTest, SendingBeforeItIsOpenFails) {
     LoopbackServer server([](ServerConnection& connection) { connection.waitForPeerToClose(); });
     Listener listener(plainSocket(server));
     listener.send(u"x"_qs);
@@ -182,9 +182,9 @@ TEST(HostileSocket, SendingBeforeItIsOpenFails) {
     EXPECT_EQ(listener.sent[0]->localizedDescription, u"The connection is not open."_qs);
 }
 
-class RefusedUpgrade : public testing::TestWithParam<std::pair<QByteArray, const char*>> {};
+class RefusedUpgradeTest : public testing::TestWithParam<std::pair<QByteArray, const char*>> {};
 
-TEST_P(RefusedUpgrade, SaysWhy) {
+TEST_P(RefusedUpgradeTest, SaysWhy) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.readUntil("\r\n\r\n");
         connection.write(GetParam().first);
@@ -197,7 +197,7 @@ TEST_P(RefusedUpgrade, SaysWhy) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Answers, RefusedUpgrade,
+    Answers, RefusedUpgradeTest,
     testing::Values(std::pair(QByteArray("HTTP/1.1 502 Bad Gateway\r\n\r\n"),
                               "The server answered with status 502 instead of opening a web socket."),
                     std::pair(QByteArray("HTTP/1.1 301 X\r\nLocation: ws://127.0.0.1/\r\n\r\n"),
@@ -208,7 +208,7 @@ INSTANTIATE_TEST_SUITE_P(
                               "The server's answer does not open a web socket."),
                     std::pair(QByteArray(100'000, 'x'), "The server's answer is too long.")));
 
-TEST(HostileSocket, ASilentServerIsLeftInTime) {
+TEST(HostileSocketTest, ASilentServerIsLeftInTime) {
     for (const auto& scheme : {u"ws"_qs, u"wss"_qs}) {
         LoopbackServer server([](ServerConnection& connection) { connection.waitForPeerToClose(); });
         Listener listener(
@@ -219,14 +219,14 @@ TEST(HostileSocket, ASilentServerIsLeftInTime) {
     }
 }
 
-TEST(HostileSocket, AServerThatHangsUpDuringTheHandshakeIsAnError) {
+TEST(HostileSocketTest, AServerThatHangsUpDuringTheHandshakeIsAnError) {
     LoopbackServer server([](ServerConnection& connection) { connection.readUntil("\r\n\r\n"); });
     Listener listener(plainSocket(server));
     listener.resumeAndListen();
     EXPECT_TRUE(listener.waitForError());
 }
 
-TEST(HostileSocket, ARefusedPortIsAnError) {
+TEST(HostileSocketTest, ARefusedPortIsAnError) {
     QUrl url;
     {
         LoopbackServer server([](ServerConnection&) {});
@@ -238,7 +238,7 @@ TEST(HostileSocket, ARefusedPortIsAnError) {
     EXPECT_FALSE(listener.error->isEmpty());
 }
 
-TEST(HostileSocket, AnAddressOfAnotherKindIsAnError) {
+TEST(HostileSocketTest, AnAddressOfAnotherKindIsAnError) {
     for (const auto& url : {u"https://127.0.0.1/"_qs, u"file:///x"_qs, QString()}) {
         Listener listener{TestSocket(QUrl(url))};
         listener.resumeAndListen();
@@ -247,7 +247,7 @@ TEST(HostileSocket, AnAddressOfAnotherKindIsAnError) {
     }
 }
 
-TEST(HostileSocket, MayEndAtAnyMoment) {
+TEST(HostileSocketTest, MayEndAtAnyMoment) {
     LoopbackServer server(sendingOnceOpen(serverFrame(1, "o")));
     for (int i = 0; i < 60; ++i) {
         Listener listener(plainSocket(server));
@@ -260,7 +260,7 @@ TEST(HostileSocket, MayEndAtAnyMoment) {
     runFor(50ms);
 }
 
-TEST(HostileSocket, CancelBeforeResumeMeansNoConnection) {
+TEST(HostileSocketTest, CancelBeforeResumeMeansNoConnection) {
     LoopbackServer server(sendingOnceOpen({}));
     Listener listener(plainSocket(server));
     listener.socket->cancel(SocketCloseCode::normalClosure, std::nullopt);

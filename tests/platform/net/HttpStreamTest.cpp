@@ -197,7 +197,7 @@ TEST(HttpStreamTest, doesNotFollowSixRedirects) {
     EXPECT_EQ(whole.end, -1);
 }
 
-class SecureStream : public testing::Test {
+class SecureStreamTest : public testing::Test {
 protected:
     TestAuthority authority;
     TlsIdentity identity = authority.identityFor(u"IP:127.0.0.1"_qs);
@@ -217,7 +217,7 @@ protected:
     QString url(const QString& path) { return secure.url(path, u"https"_qs); }
 };
 
-TEST_F(SecureStream, isVerifiedAgainstTheAuthorities) {
+TEST_F(SecureStreamTest, isVerifiedAgainstTheAuthorities) {
     EXPECT_EQ(readWhole(url(u"/"_qs), authority.certificateFile()).bytes, "secure");
     const TestAuthority another;
     for (const auto& others : {std::optional(another.certificateFile()), std::optional<QString>()}) {
@@ -227,25 +227,25 @@ TEST_F(SecureStream, isVerifiedAgainstTheAuthorities) {
     }
 }
 
-TEST_F(SecureStream, isVerifiedByItsName) {
+TEST_F(SecureStreamTest, isVerifiedByItsName) {
     const auto whole =
         readWhole(url(u"/"_qs).replace(u"127.0.0.1"_qs, u"localhost"_qs), authority.certificateFile());
     EXPECT_EQ(whole.bytes, "");
     EXPECT_EQ(whole.end, -1);
 }
 
-TEST_F(SecureStream, followsARedirectToAnotherSecureAddress) {
+TEST_F(SecureStreamTest, followsARedirectToAnotherSecureAddress) {
     EXPECT_EQ(readWhole(url(u"/aside"_qs), authority.certificateFile()).bytes, "other");
 }
 
-TEST_F(SecureStream, neverFollowsARedirectToAnInsecureAddress) {
+TEST_F(SecureStreamTest, neverFollowsARedirectToAnInsecureAddress) {
     const auto whole = readWhole(url(u"/down"_qs), authority.certificateFile());
     EXPECT_EQ(whole.bytes, "");
     EXPECT_EQ(whole.end, -1);
     EXPECT_EQ(plain.accepted(), 0);
 }
 
-TEST_F(SecureStream, goesUpToASecureAddressButNeverDownAgain) {
+TEST_F(SecureStreamTest, goesUpToASecureAddressButNeverDownAgain) {
     upGoal = url(u"/"_qs);
     EXPECT_EQ(readWhole(plain.url(u"/up"_qs), authority.certificateFile()).bytes, "secure");
     upGoal = url(u"/down"_qs);

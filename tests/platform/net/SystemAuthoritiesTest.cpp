@@ -30,7 +30,7 @@ struct Servers {
     }
 };
 
-TEST(InNamespace, DISABLED_HttpTrustsBoth) {
+TEST(NamespaceTest, DISABLED_HttpTrustsBoth) {
     Servers servers(serving([](const QByteArray&) { return response(200, "x"); }));
     const auto trusts = [](CurlHttpSession& session, const LoopbackServer& server) {
         return fetch(session, server.url(u"/"_qs, u"https"_qs)).response.has_value();
@@ -43,7 +43,7 @@ TEST(InNamespace, DISABLED_HttpTrustsBoth) {
     EXPECT_TRUE(trusts(withExtra, servers.ofExtra));
 }
 
-TEST(InNamespace, DISABLED_SocketTrustsBoth) {
+TEST(NamespaceTest, DISABLED_SocketTrustsBoth) {
     Servers servers([](ServerConnection& connection) {
         connection.write(upgradeAnswer(connection) + serverFrame(1, "o"));
         connection.waitForPeerToClose();
@@ -59,9 +59,9 @@ TEST(InNamespace, DISABLED_SocketTrustsBoth) {
     EXPECT_TRUE(trusts(servers.extra.certificateFile(), servers.ofExtra));
 }
 
-class SystemAuthorities : public testing::TestWithParam<const char*> {};
+class SystemAuthoritiesTest : public testing::TestWithParam<const char*> {};
 
-TEST_P(SystemAuthorities, StillCountBesideAnExtraOne) {
+TEST_P(SystemAuthoritiesTest, StillCountBesideAnExtraOne) {
     if (!QFile::exists(QString::fromLatin1(systemFolder)))
         GTEST_SKIP() << "skipped: " << systemFolder << " is missing";
     const QTemporaryDir folder;
@@ -69,7 +69,7 @@ TEST_P(SystemAuthorities, StillCountBesideAnExtraOne) {
                                                         u' ' + QString::fromLatin1(systemFolder));
 }
 
-INSTANTIATE_TEST_SUITE_P(Users, SystemAuthorities, testing::Values("HttpTrustsBoth", "SocketTrustsBoth"));
+INSTANTIATE_TEST_SUITE_P(Users, SystemAuthoritiesTest, testing::Values("HttpTrustsBoth", "SocketTrustsBoth"));
 
 } // namespace
 } // namespace zofra::test

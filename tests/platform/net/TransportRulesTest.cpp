@@ -35,7 +35,7 @@ bool opens(const QUrl& url, const std::optional<QString>& extraAuthorityFile = s
     return listener.waitForMessages(1);
 }
 
-TEST(TransportRules, ASocketGoesThroughTheProxyByConnect) {
+TEST(TransportRulesTest, ASocketGoesThroughTheProxyByConnect) {
     std::vector<QByteArray> heads;
     LoopbackServer proxy(proxying(heads, "HTTP/1.1 200 Connected\r\n\r\n"));
     ScopedEnvironment environment;
@@ -46,14 +46,14 @@ TEST(TransportRules, ASocketGoesThroughTheProxyByConnect) {
     EXPECT_TRUE(heads[0].contains("Proxy-Authorization: Basic " + QByteArray("ann:secret").toBase64()));
 }
 
-TEST(TransportRules, ASocketToAHostWithoutProxyIsDirect) {
+TEST(TransportRulesTest, ASocketToAHostWithoutProxyIsDirect) {
     LoopbackServer server(&openSocket);
     ScopedEnvironment environment;
     environment.set("http_proxy", "http://127.0.0.1:1");
     EXPECT_TRUE(opens(QUrl(server.url(u"/x"_qs, u"ws"_qs))));
 }
 
-TEST(TransportRules, AProxyThatRefusesEndsTheSocketAtOnce) {
+TEST(TransportRulesTest, AProxyThatRefusesEndsTheSocketAtOnce) {
     std::vector<QByteArray> heads;
     LoopbackServer proxy(proxying(heads, "HTTP/1.1 407 Who are you?\r\nContent-Length: 0\r\n\r\n"));
     ScopedEnvironment environment;
@@ -64,7 +64,7 @@ TEST(TransportRules, AProxyThatRefusesEndsTheSocketAtOnce) {
     EXPECT_TRUE(listener.error->contains(u"407"_qs)) << listener.error->toStdString();
 }
 
-TEST(TransportRules, AnExtraAuthorityMayBeAnIntermediateOne) {
+TEST(TransportRulesTest, AnExtraAuthorityMayBeAnIntermediateOne) {
     TestAuthority root;
     TestAuthority intermediate(root);
     const auto identity = intermediate.identityFor(u"IP:127.0.0.1"_qs);
@@ -75,7 +75,7 @@ TEST(TransportRules, AnExtraAuthorityMayBeAnIntermediateOne) {
     EXPECT_TRUE(opens(QUrl(live.url(u"/"_qs, u"wss"_qs)), intermediate.certificateFile()));
 }
 
-TEST(TransportRules, AnExtraAuthorityThatCannotBeReadIsToldOnceForAll) {
+TEST(TransportRulesTest, AnExtraAuthorityThatCannotBeReadIsToldOnceForAll) {
     TestAuthority authority;
     LoopbackServer server(serving([](const QByteArray&) { return response(200, "x"); }),
                           authority.identityFor(u"IP:127.0.0.1"_qs));
@@ -120,7 +120,7 @@ private:
     QString m_port;
 };
 
-TEST(TransportRules, AServerThatIsMetAgainNeedsNoSecondFullHandshake) {
+TEST(TransportRulesTest, AServerThatIsMetAgainNeedsNoSecondFullHandshake) {
     TestAuthority authority;
     const SessionServer server(authority.identityFor(u"IP:127.0.0.1"_qs));
     CurlHttpSession session(authority.certificateFile());
@@ -139,7 +139,7 @@ TEST(TransportRules, AServerThatIsMetAgainNeedsNoSecondFullHandshake) {
     EXPECT_TRUE(page.first(std::max<qsizetype>(0, size)).contains("\nReused, TLS"));
 }
 
-TEST(InNamespace, DISABLED_SilentAddressesFirst) {
+TEST(NamespaceTest, DISABLED_SilentAddressesFirst) {
     LoopbackServer server(serving([](const QByteArray&) { return response(200, "x"); }));
     LoopbackServer live(&openSocket);
     const auto port = [](const LoopbackServer& one) { return QString::number(one.port()); };
@@ -156,7 +156,7 @@ TEST(InNamespace, DISABLED_SilentAddressesFirst) {
     EXPECT_LT(requestTime, 500);
 }
 
-TEST(TransportRules, ANameWhoseFirstAddressesAreSilentIsReachedInHalfASecond) {
+TEST(TransportRulesTest, ANameWhoseFirstAddressesAreSilentIsReachedInHalfASecond) {
     QTemporaryFile hosts;
     ASSERT_TRUE(hosts.open());
     hosts.write("2001:db8::2 radio.example\n2001:db8::3 radio.example\n127.0.0.1 radio.example\n");

@@ -63,7 +63,7 @@ std::uint16_t violationIn(const QByteArray& bytes) {
                                                                     : std::uint16_t{0};
 }
 
-TEST(WebSocketReader, ReadsTextsOfEveryLengthForm) {
+TEST(WebSocketReaderTest, ReadsTextsOfEveryLengthForm) {
     for (const qsizetype length : {0, 1, 125, 126, 127, 999, 1000}) {
         const auto events = eventsIn(serverFrame(1, QByteArray(length, 'x')));
         ASSERT_EQ(events.size(), 1U) << length;
@@ -76,7 +76,7 @@ TEST(WebSocketReader, ReadsTextsOfEveryLengthForm) {
     EXPECT_EQ(events[0].text.size(), 1024 * 1024);
 }
 
-TEST(WebSocketReader, ReadsSeveralFrames) {
+TEST(WebSocketReaderTest, ReadsSeveralFrames) {
     const auto events = eventsIn(serverFrame(1, "o") + serverFrame(2, QByteArray("\0\xFF", 2)) +
                                  serverFrame(9, "p") + serverFrame(10, "q") + serverFrame(1, "h"));
     ASSERT_EQ(events.size(), 5U);
@@ -89,7 +89,7 @@ TEST(WebSocketReader, ReadsSeveralFrames) {
     EXPECT_EQ(events[4].text, u"h"_qs);
 }
 
-TEST(WebSocketReader, PutsPartsTogetherAroundControlFrames) {
+TEST(WebSocketReaderTest, PutsPartsTogetherAroundControlFrames) {
     const auto events = eventsIn(serverFrame(1, "D\xC3", Part::notLast) + serverFrame(9, "p") +
                                  serverFrame(0, "\xA9j", Part::notLast) + serverFrame(0, "\xC3\xA0"));
     ASSERT_EQ(events.size(), 4U);
@@ -100,13 +100,13 @@ TEST(WebSocketReader, PutsPartsTogetherAroundControlFrames) {
     EXPECT_EQ(events[3].text, u"Déjà"_qs);
 }
 
-TEST(WebSocketReader, KeepsAByteOrderMark) {
+TEST(WebSocketReaderTest, KeepsAByteOrderMark) {
     const auto events = eventsIn(serverFrame(1, "\xEF\xBB\xBFo"));
     ASSERT_EQ(events.size(), 1U);
     EXPECT_EQ(events[0].text, u"\uFEFFo"_qs);
 }
 
-TEST(WebSocketReader, ReadsAClose) {
+TEST(WebSocketReaderTest, ReadsAClose) {
     auto events = eventsIn(serverFrame(8, "\x0B\xB8Go away!"));
     ASSERT_EQ(events.size(), 1U);
     EXPECT_EQ(events[0].kind, Kind::close);
@@ -117,12 +117,12 @@ TEST(WebSocketReader, ReadsAClose) {
     EXPECT_EQ(events[0].closeCode, 1005);
 }
 
-TEST(WebSocketReader, SwallowsWhatFollowsAClose) {
+TEST(WebSocketReaderTest, SwallowsWhatFollowsAClose) {
     EXPECT_EQ(eventsIn(serverFrame(8, {}) + serverFrame(1, "late")).size(), 1U);
     EXPECT_EQ(eventsIn(serverFrame(3, {}) + serverFrame(1, "late")).size(), 1U);
 }
 
-TEST(WebSocketReader, RefusesWhatTheProtocolForbids) {
+TEST(WebSocketReaderTest, RefusesWhatTheProtocolForbids) {
     EXPECT_EQ(violationIn(QByteArray("\xC1\x00", 2)), 1002) << "first reserved bit";
     EXPECT_EQ(violationIn(QByteArray("\x91\x00", 2)), 1002) << "last reserved bit";
     EXPECT_EQ(violationIn(QByteArray("\x81\x81\0\0\0\0o", 7)), 1002) << "masked";
@@ -145,13 +145,13 @@ TEST(WebSocketReader, RefusesWhatTheProtocolForbids) {
         << "65535 in the longest form";
 }
 
-TEST(WebSocketReader, RefusesTextThatIsNoUtf8) {
+TEST(WebSocketReaderTest, RefusesTextThatIsNoUtf8) {
     EXPECT_EQ(violationIn(serverFrame(1, "\xFF")), 1007);
     EXPECT_EQ(violationIn(serverFrame(1, "a\xC3")), 1007);
     EXPECT_EQ(violationIn(serverFrame(1, "\xED\xA0\x80")), 1007);
 }
 
-TEST(WebSocketReader, RefusesMessagesBeyondTheCap) {
+TEST(WebSocketReaderTest, RefusesMessagesBeyondTheCap) {
     EXPECT_EQ(violationIn(serverFrame(1, QByteArray(1001, 'x'))), 1009);
     EXPECT_EQ(violationIn(serverFrame(1, QByteArray(600, 'x'), Part::notLast) +
                           serverFrame(0, QByteArray(401, 'x'))),
@@ -163,14 +163,14 @@ TEST(WebSocketReader, RefusesMessagesBeyondTheCap) {
         Kind::text);
 }
 
-TEST(WebSocketReader, RefusesADeclaredLengthBeforeAnyOfIt) {
+TEST(WebSocketReaderTest, RefusesADeclaredLengthBeforeAnyOfIt) {
     EXPECT_EQ(violationIn(QByteArray("\x81\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", 10)), 1002) << "top bit";
     EXPECT_EQ(violationIn(QByteArray("\x81\x7F\x80\0\0\0\0\0\0\0", 10)), 1002) << "top bit alone";
     EXPECT_EQ(violationIn(QByteArray("\x81\x7F\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF", 10)), 1009);
     EXPECT_EQ(violationIn(QByteArray("\x81\x7F\0\0\0\x01\0\0\0\0", 10)), 1009);
 }
 
-TEST(WebSocketFrame, IsFinalAndMasked) {
+TEST(WebSocketFrameTest, IsFinalAndMasked) {
     // The masked "Hello" of RFC 6455, section 5.7.
     EXPECT_EQ(webSocketFrame(WebSocketOpcode::text, "Hello", 0x37fa213d),
               QByteArray("\x81\x85\x37\xfa\x21\x3d\x7f\x9f\x4d\x51\x58", 11));
@@ -181,14 +181,14 @@ TEST(WebSocketFrame, IsFinalAndMasked) {
               QByteArray("\x82\xff\0\0\0\0\0\x01\0\0", 10));
 }
 
-TEST(WebSocketClosePayload, HoldsTheCodeAndAsMuchReasonAsFits) {
+TEST(WebSocketClosePayloadTest, HoldsTheCodeAndAsMuchReasonAsFits) {
     EXPECT_EQ(webSocketClosePayload(1000, {}), "\x03\xE8");
     EXPECT_EQ(webSocketClosePayload(1000, "bye"), "\x03\xE8"
                                                   "bye");
     EXPECT_EQ(webSocketClosePayload(1000, QByteArray(500, 'x')).size(), 125);
 }
 
-class Handshake : public testing::Test {
+class WebSocketHandshakeTest : public testing::Test {
 protected:
     // Nonce and answer of RFC 6455, section 1.3.
     WebSocketHandshake handshake{QUrl(u"wss://live.example/api/123/abc/websocket"_qs), "the sample nonce"};
@@ -209,7 +209,7 @@ protected:
     }
 };
 
-TEST_F(Handshake, AsksAsTheProtocolWants) {
+TEST_F(WebSocketHandshakeTest, AsksAsTheProtocolWants) {
     EXPECT_EQ(handshake.request(),
               "GET /api/123/abc/websocket HTTP/1.1\r\nHost: live.example\r\nUpgrade: websocket\r\n"
               "Connection: Upgrade\r\nSec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n"
@@ -225,18 +225,18 @@ TEST_F(Handshake, AsksAsTheProtocolWants) {
                     .startsWith("GET /?b=c%20d HTTP/1.1\r\n"));
 }
 
-TEST_F(Handshake, OpensAndHandsOverWhatFollows) {
+TEST_F(WebSocketHandshakeTest, OpensAndHandsOverWhatFollows) {
     EXPECT_EQ(outcome(accepted() + serverFrame(1, "o")), "open: " + serverFrame(1, "o"));
 }
 
-TEST_F(Handshake, TakesTheAnswerInPieces) {
+TEST_F(WebSocketHandshakeTest, TakesTheAnswerInPieces) {
     const auto answer = accepted();
     for (qsizetype i = 0; i + 1 < answer.size(); ++i)
         ASSERT_EQ(outcome(answer.sliced(i, 1)), "waiting") << i;
     EXPECT_EQ(outcome("\nrest"), "open: rest");
 }
 
-TEST_F(Handshake, WaitsBeyondInterimAnswers) {
+TEST_F(WebSocketHandshakeTest, WaitsBeyondInterimAnswers) {
     const QByteArray interim = "HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 103 Early Hints\r\nLink: x\r\n\r\n";
     EXPECT_EQ(outcome(interim), "waiting");
     EXPECT_EQ(outcome(accepted() + "rest"), "open: rest");
@@ -245,7 +245,7 @@ TEST_F(Handshake, WaitsBeyondInterimAnswers) {
         << "without end";
 }
 
-TEST_F(Handshake, JudgesTheSameHoweverALongAnswerComes) {
+TEST_F(WebSocketHandshakeTest, JudgesTheSameHoweverALongAnswerComes) {
     for (const int size : {16'383, 16'384, 16'385}) {
         const auto head = accepted();
         const auto answer = accepted("A: " + QByteArray(size - head.size() - 1, 'x') + "\r\n");
@@ -261,13 +261,13 @@ TEST_F(Handshake, JudgesTheSameHoweverALongAnswerComes) {
     }
 }
 
-TEST_F(Handshake, DoesNotMindSpellingAndCompany) {
+TEST_F(WebSocketHandshakeTest, DoesNotMindSpellingAndCompany) {
     EXPECT_EQ(outcome("HTTP/1.1 101\r\nserver: x\r\nUPGRADE:WebSocket\r\nconnection: keep-alive, upgrade\r\n"
                       "sec-websocket-accept:  s3pPLMBiTxaQ9kYGzzhZRbK+xOo= \r\n\r\n"),
               "open: ");
 }
 
-TEST_F(Handshake, RefusesEverythingElse) {
+TEST_F(WebSocketHandshakeTest, RefusesEverythingElse) {
     const std::vector<QByteArray> answers{
         "HTTP/1.1 200 OK\r\n\r\n",
         "HTTP/1.1 1010 X\r\nUpgrade: websocket\r\n\r\n",

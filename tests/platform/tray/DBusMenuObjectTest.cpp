@@ -2,7 +2,7 @@
 #include "platform/linux/tray/DBusMenuObject.h"
 
 #include "platform/linux/DBusSignal.h"
-#include "tests/platform/tray/TrayFixture.h"
+#include "tests/platform/tray/TrayBusTest.h"
 
 #include <algorithm>
 #include <chrono>
@@ -11,10 +11,10 @@
 namespace zofra::test {
 namespace {
 
-class DBusMenuObjectTest : public BusFixture {
+class DBusMenuObjectTest : public TrayBusTest {
 protected:
     void SetUp() override {
-        BusFixture::SetUp();
+        TrayBusTest::SetUp();
         if (IsSkipped())
             return;
         server = std::make_unique<PrivateBus::Peer>(*bus, QStringLiteral("server%1").arg(++s_peers));
@@ -47,7 +47,7 @@ protected:
         layoutUpdated.reset();
         object.reset();
         server.reset();
-        BusFixture::TearDown();
+        TrayBusTest::TearDown();
     }
 
     Menu menu() {

@@ -40,7 +40,7 @@ DBusMenuTree tree() {
     return DBusMenuTree([](const QString& name) { return u"theme-"_qs + name; });
 }
 
-TEST(DBusMenuTree, TheRootIsZeroAndHasASubmenu) {
+TEST(DBusMenuTreeTest, TheRootIsZeroAndHasASubmenu) {
     const DBusMenuTree empty = tree();
     const auto root = empty.layout(0, -1, {});
     ASSERT_TRUE(root);
@@ -50,7 +50,7 @@ TEST(DBusMenuTree, TheRootIsZeroAndHasASubmenu) {
     EXPECT_EQ(empty.item(0), nullptr) << "the root is no item to be chosen";
 }
 
-TEST(DBusMenuTree, ItemsAreNumberedAndFound) {
+TEST(DBusMenuTreeTest, ItemsAreNumberedAndFound) {
     DBusMenuTree menu = tree();
     EXPECT_EQ(menu.replace(sample()).layouts, QList<int>{0});
     EXPECT_EQ(menu.ids(), (QList<int>{0, 1, 2, 3, 4, 5}));
@@ -60,7 +60,7 @@ TEST(DBusMenuTree, ItemsAreNumberedAndFound) {
     EXPECT_FALSE(menu.contains(6));
 }
 
-TEST(DBusMenuTree, WhatCanBeChosenAndSaysSomethingElseIsAnotherItem) {
+TEST(DBusMenuTreeTest, WhatCanBeChosenAndSaysSomethingElseIsAnotherItem) {
     DBusMenuTree menu = tree();
     std::ignore = menu.replace(sample());
     Menu other = sample();
@@ -74,7 +74,7 @@ TEST(DBusMenuTree, WhatCanBeChosenAndSaysSomethingElseIsAnotherItem) {
     EXPECT_EQ(menu.ids(), QList<int>{0});
 }
 
-TEST(DBusMenuTree, TheSameTextForSomethingElseIsAnotherItem) {
+TEST(DBusMenuTreeTest, TheSameTextForSomethingElseIsAnotherItem) {
     DBusMenuTree menu = tree();
     Menu first = sample();
     first.front().identity = u"RINCON_1"_qs;
@@ -88,7 +88,7 @@ TEST(DBusMenuTree, TheSameTextForSomethingElseIsAnotherItem) {
     EXPECT_EQ(menu.ids().at(1), 7);
 }
 
-TEST(DBusMenuTree, ALineThatChangesItsTextIsTheSameItem) {
+TEST(DBusMenuTreeTest, ALineThatChangesItsTextIsTheSameItem) {
     DBusMenuTree menu = tree();
     std::ignore = menu.replace({line(u"Song A"_qs, u"music.note"_qs)});
     const Changes changes = menu.replace({line(u"Song B"_qs, u"music.note"_qs)});
@@ -99,7 +99,7 @@ TEST(DBusMenuTree, ALineThatChangesItsTextIsTheSameItem) {
     EXPECT_TRUE(changes.removed.isEmpty());
 }
 
-TEST(DBusMenuTree, AMenuBelowKeepsItsNumberWhateverItsTitle) {
+TEST(DBusMenuTreeTest, AMenuBelowKeepsItsNumberWhateverItsTitle) {
     DBusMenuTree menu = tree();
     std::ignore = menu.replace(sample());
     Menu other = sample();
@@ -112,7 +112,7 @@ TEST(DBusMenuTree, AMenuBelowKeepsItsNumberWhateverItsTitle) {
     EXPECT_EQ(menu.ids(), (QList<int>{0, 1, 2, 3, 4}));
 }
 
-TEST(DBusMenuTree, AMarkIsTold) {
+TEST(DBusMenuTreeTest, AMarkIsTold) {
     DBusMenuTree menu = tree();
     Menu first = sample();
     first.front().state = MenuItem::CheckState::on;
@@ -129,7 +129,7 @@ TEST(DBusMenuTree, AMarkIsTold) {
     EXPECT_EQ(changes.removed.at(0).names, QStringList{u"enabled"_qs});
 }
 
-TEST(DBusMenuTree, AnotherOrderIsAnotherLayout) {
+TEST(DBusMenuTreeTest, AnotherOrderIsAnotherLayout) {
     DBusMenuTree menu = tree();
     std::ignore = menu.replace({item(u"A"_qs), item(u"B"_qs), item(u"C"_qs)});
     EXPECT_EQ(menu.replace({item(u"B"_qs), item(u"A"_qs), item(u"C"_qs)}).layouts, QList<int>{0});
@@ -139,7 +139,7 @@ TEST(DBusMenuTree, AnotherOrderIsAnotherLayout) {
     EXPECT_EQ(menu.ids(), (QList<int>{0, 2, 3, 4}));
 }
 
-TEST(DBusMenuTree, WhatStaysLearnsWhatItNowStandsFor) {
+TEST(DBusMenuTreeTest, WhatStaysLearnsWhatItNowStandsFor) {
     DBusMenuTree menu = tree();
     Menu first = sample();
     first.front().representedObject = 1;
@@ -152,7 +152,7 @@ TEST(DBusMenuTree, WhatStaysLearnsWhatItNowStandsFor) {
     EXPECT_EQ(std::any_cast<int>(menu.item(1)->representedObject), 2);
 }
 
-TEST(DBusMenuTree, PropertiesAreThoseOfTheProtocolWithoutItsDefaults) {
+TEST(DBusMenuTreeTest, PropertiesAreThoseOfTheProtocolWithoutItsDefaults) {
     DBusMenuTree menu = tree();
     MenuItem rich = item(u"A _b_"_qs);
     rich.isEnabled = false;
@@ -180,7 +180,7 @@ TEST(DBusMenuTree, PropertiesAreThoseOfTheProtocolWithoutItsDefaults) {
     EXPECT_EQ(menu.properties(99, {}), std::nullopt);
 }
 
-TEST(DBusMenuTree, LayoutHasTheDepthAndThePropertiesAskedFor) {
+TEST(DBusMenuTreeTest, LayoutHasTheDepthAndThePropertiesAskedFor) {
     DBusMenuTree menu = tree();
     std::ignore = menu.replace(sample());
     EXPECT_TRUE(menu.layout(0, 0, {})->children.isEmpty());

@@ -2,7 +2,7 @@
 #include "platform/linux/tray/StatusNotifierObject.h"
 
 #include "platform/linux/DBusSignal.h"
-#include "tests/platform/tray/TrayFixture.h"
+#include "tests/platform/tray/TrayBusTest.h"
 
 #include <QDBusObjectPath>
 
@@ -11,10 +11,10 @@ namespace {
 
 using Mode = StatusItemMode;
 
-class StatusNotifierObjectTest : public BusFixture {
+class StatusNotifierObjectTest : public TrayBusTest {
 protected:
     void SetUp() override {
-        BusFixture::SetUp();
+        TrayBusTest::SetUp();
         if (IsSkipped())
             return;
         server = std::make_unique<PrivateBus::Peer>(*bus, QStringLiteral("server%1").arg(++s_peers));
@@ -49,7 +49,7 @@ protected:
         recorders.clear();
         object.reset();
         server.reset();
-        BusFixture::TearDown();
+        TrayBusTest::TearDown();
     }
 
     static StatusNotifierContent content() {

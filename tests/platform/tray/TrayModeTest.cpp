@@ -16,7 +16,7 @@ TraySession session(Windows windows, const QString& program, const QString& desk
     return {windows, desktop, program, setting};
 }
 
-TEST(TrayMode, DirectOnX11WithPanelsThatPassBothClicksOn) {
+TEST(TrayModeTest, DirectOnX11WithPanelsThatPassBothClicksOn) {
     EXPECT_EQ(trayMode(session(Windows::x11, u"lxqt-panel"_qs)), Mode::direct);
     EXPECT_EQ(trayMode(session(Windows::x11, u"plasmashell"_qs)), Mode::direct);
     EXPECT_EQ(trayMode(session(Windows::x11, u"kded5"_qs, u"KDE"_qs)), Mode::direct);
@@ -25,7 +25,7 @@ TEST(TrayMode, DirectOnX11WithPanelsThatPassBothClicksOn) {
     EXPECT_EQ(trayMode(session(Windows::x11, u"xapp-sn-watcher"_qs, u"X-Cinnamon"_qs)), Mode::direct);
 }
 
-TEST(TrayMode, HostmenuForEveryOtherPanel) {
+TEST(TrayModeTest, HostmenuForEveryOtherPanel) {
     for (const QString& program : {u"xfce4-panel"_qs, u"gnome-shell"_qs, u"waybar"_qs, u"python3"_qs,
                                    u"ayatana-indicator-application-service"_qs})
         EXPECT_EQ(trayMode(session(Windows::x11, program, u"LXQt"_qs)), Mode::hostmenu)
@@ -34,34 +34,34 @@ TEST(TrayMode, HostmenuForEveryOtherPanel) {
         << "Plasma's watcher under another panel";
 }
 
-TEST(TrayMode, HostmenuOnEveryWaylandSession) {
+TEST(TrayModeTest, HostmenuOnEveryWaylandSession) {
     for (const QString& program : {u"lxqt-panel"_qs, u"plasmashell"_qs, u"kded6"_qs, QString()})
         EXPECT_EQ(trayMode(session(Windows::wayland, program, u"KDE"_qs)), Mode::hostmenu);
     EXPECT_EQ(trayMode(session(Windows::other, u"plasmashell"_qs, u"KDE"_qs)), Mode::hostmenu);
 }
 
-TEST(TrayMode, TheDesktopDecidesWhereTheProgramCannotBeKnown) {
+TEST(TrayModeTest, TheDesktopDecidesWhereTheProgramCannotBeKnown) {
     EXPECT_EQ(trayMode(session(Windows::x11, {}, u"KDE"_qs)), Mode::direct);
     EXPECT_EQ(trayMode(session(Windows::x11, {}, u"LXQt"_qs)), Mode::direct);
     EXPECT_EQ(trayMode(session(Windows::x11, {}, u"ubuntu:GNOME"_qs)), Mode::hostmenu);
     EXPECT_EQ(trayMode(session(Windows::x11, {}, {})), Mode::hostmenu);
 }
 
-TEST(TrayMode, TheSettingOverrules) {
+TEST(TrayModeTest, TheSettingOverrules) {
     EXPECT_EQ(trayMode(session(Windows::x11, u"xfce4-panel"_qs, {}, u"direct"_qs)), Mode::direct);
     EXPECT_EQ(trayMode(session(Windows::x11, u"lxqt-panel"_qs, {}, u"hostmenu"_qs)), Mode::hostmenu);
     EXPECT_EQ(trayMode(session(Windows::x11, u"lxqt-panel"_qs, {}, u"auto"_qs)), Mode::direct);
     EXPECT_EQ(trayMode(session(Windows::x11, u"lxqt-panel"_qs, {}, u"Nonsense"_qs)), Mode::direct);
 }
 
-TEST(TrayMode, SomePanelsReadToolTipsAsMarkup) {
+TEST(TrayModeTest, SomePanelsReadToolTipsAsMarkup) {
     for (const QString& program : {u"waybar"_qs, u"notification-ar"_qs})
         EXPECT_EQ(trayToolTipText(session(Windows::x11, program)), StatusNotifierObject::ToolTipText::markup);
     EXPECT_EQ(trayToolTipText(session(Windows::wayland, u"plasmashell"_qs)),
               StatusNotifierObject::ToolTipText::plain);
 }
 
-TEST(TrayMode, OnlyPanelsThatColourIconsThemselvesGetOnesWithoutColours) {
+TEST(TrayModeTest, OnlyPanelsThatColourIconsThemselvesGetOnesWithoutColours) {
     for (const QString& program : {u"lxqt-panel"_qs, u"notification-ar"_qs})
         EXPECT_EQ(trayIconKind(session(Windows::x11, program)), TrayIconKind::pixmaps)
             << "they show nothing for an unknown name";
@@ -75,7 +75,7 @@ TEST(TrayMode, OnlyPanelsThatColourIconsThemselvesGetOnesWithoutColours) {
     EXPECT_EQ(trayIconKind(session(Windows::wayland, u"kded5"_qs, u"KDE"_qs)), TrayIconKind::symbolic);
 }
 
-TEST(TrayMode, SomePanelsTellOfAWheelTurnedTowardsTheUserByAPositiveNumber) {
+TEST(TrayModeTest, SomePanelsTellOfAWheelTurnedTowardsTheUserByAPositiveNumber) {
     for (const QString& program :
          {u"ayatana-indicat"_qs, u"gnome-shell"_qs, u"waybar"_qs, u"xapp-sn-watcher"_qs})
         EXPECT_FALSE(trayWheel(session(Windows::x11, program)).isPositiveUp) << program.toStdString();
@@ -83,7 +83,7 @@ TEST(TrayMode, SomePanelsTellOfAWheelTurnedTowardsTheUserByAPositiveNumber) {
         EXPECT_TRUE(trayWheel(session(Windows::x11, program)).isPositiveUp) << program.toStdString();
 }
 
-TEST(TrayMode, TheSessionIsReadFromTheEnvironment) {
+TEST(TrayModeTest, TheSessionIsReadFromTheEnvironment) {
     test::ScopedEnvironment environment;
     environment.unset("WAYLAND_DISPLAY");
     environment.unset("XDG_SESSION_TYPE");

@@ -2,7 +2,7 @@
 #include "platform/linux/tray/TrayStatusItem.h"
 
 #include "platform/linux/QtMainQueue.h"
-#include "tests/platform/tray/TrayFixture.h"
+#include "tests/platform/tray/TrayBusTest.h"
 
 #include <QDBusObjectPath>
 
@@ -59,17 +59,17 @@ private:
     static inline int s_count = 0;
 };
 
-class TrayStatusItemTest : public BusFixture {
+class TrayStatusItemTest : public TrayBusTest {
 protected:
     void SetUp() override {
-        BusFixture::SetUp();
+        TrayBusTest::SetUp();
         if (!IsSkipped())
             session = std::make_unique<SessionBus>(SessionBus::Kind::session, queue);
     }
     void TearDown() override {
         item.reset();
         session.reset();
-        BusFixture::TearDown();
+        TrayBusTest::TearDown();
     }
     void make(const QString& setting = {}) {
         TraySession traySession;
@@ -210,7 +210,7 @@ TEST_F(TrayStatusItemTest, WheelMiddleClickAndTokenArePassedOn) {
     EXPECT_EQ(tokens, std::vector<QByteArray>{"token-1"});
 }
 
-TEST(PlaceOfClick, IsWhereThePanelSaysUnlessThePointerIsElsewhere) {
+TEST(PlaceOfClickTest, IsWhereThePanelSaysUnlessThePointerIsElsewhere) {
     EXPECT_EQ(placeOfClick({1000, 10}, {990, 20}), QPoint(1000, 10)) << "the item's corner, say";
     EXPECT_EQ(placeOfClick({1500, 15}, {1000, 10}), QPoint(1000, 10)) << "in the pixels of a finer screen";
     EXPECT_EQ(placeOfClick({3, 4}, {1000, 10}), QPoint(1000, 10)) << "from a corner of the panel's";

@@ -7,7 +7,7 @@
 namespace zofra {
 namespace {
 
-TEST(WheelSteps, CountsNotchesHoweverThePanelReportsThem) {
+TEST(WheelStepsTest, CountsNotchesHoweverThePanelReportsThem) {
     WheelSteps wheel;
     EXPECT_EQ(wheel.add(1), 1);
     EXPECT_EQ(wheel.add(-1), -1);
@@ -16,7 +16,7 @@ TEST(WheelSteps, CountsNotchesHoweverThePanelReportsThem) {
     EXPECT_EQ(wheel.add(0), 0);
 }
 
-TEST(WheelSteps, GathersSmallAnglesToWholeSteps) {
+TEST(WheelStepsTest, GathersSmallAnglesToWholeSteps) {
     WheelSteps wheel;
     int steps = 0;
     for (int i = 0; i < 16; ++i)
@@ -26,13 +26,13 @@ TEST(WheelSteps, GathersSmallAnglesToWholeSteps) {
     EXPECT_EQ(wheel.add(-1), -1) << "one notch by a small number";
 }
 
-TEST(WheelSteps, BoundsWhatAPeerMaySend) {
+TEST(WheelStepsTest, BoundsWhatAPeerMaySend) {
     WheelSteps wheel;
     EXPECT_EQ(wheel.add(std::numeric_limits<int>::max()), 20);
     EXPECT_EQ(wheel.add(std::numeric_limits<int>::min()), -20);
 }
 
-TEST(WheelSteps, OneNotchIsOneStepHoweverAPanelTellsIt) {
+TEST(WheelStepsTest, OneNotchIsOneStepHoweverAPanelTellsIt) {
     WheelSteps inverted;
     inverted.setPanel({false, 1});
     EXPECT_EQ(inverted.add(1), -1);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/tray/WidgetMenu.h"
 
-#include "tests/platform/tray/TrayFixture.h"
+#include "tests/platform/tray/TrayBusTest.h"
 
 #include <QAction>
 #include <QApplication>
@@ -210,7 +210,7 @@ TEST_F(WidgetMenuTest, OpeningCostsLessThanAFrame) {
     EXPECT_LT(costs[10], 16.0) << "milliseconds of work";
 }
 
-TEST(MenuCorner, IsBelowTheAnchorOrAboveItAndAlwaysInside) {
+TEST(MenuCornerTest, IsBelowTheAnchorOrAboveItAndAlwaysInside) {
     const QRect free(0, 30, 1000, 700);
     const QSize size(200, 300);
     EXPECT_EQ(menuCorner({500, 10}, size, free), QPoint(500, 30)) << "a panel at the top";

@@ -3,12 +3,7 @@
 
 #include "metadata/RadioViewModel.h"
 #include "tests/metadata/Frames.h"
-#include "tests/support/FakeDefaultsStore.h"
-#include "tests/support/FakeHttpSession.h"
-#include "tests/support/FakeMetadataSocket.h"
-#include "tests/support/ManualMainQueue.h"
-#include "tests/support/PrintQt.h"
-#include "tests/support/RecordingOutput.h"
+#include "tests/support/World.h"
 
 #include <QUrlQuery>
 
@@ -70,7 +65,7 @@ inline void PrintTo(const Update& update, std::ostream* out) {
 }
 
 /// A model whose socket, services and time are the test's.
-class ModelHarness : public testing::Test {
+class ModelTest : public testing::Test, protected World {
 protected:
     using Probe = RadioViewModelProbe;
 
@@ -154,13 +149,7 @@ protected:
     }
     static QByteArray scraped(const QString& title) { return "{\"title\":\"" + title.toUtf8() + "\"}"; }
 
-    ManualMainQueue queue;
-    FakeHttpSession http;
-    FakeSocketFactory sockets;
-    RecordingStandardOutput output;
-    FakeDefaultsStore defaults;
     LanguageManager languages{defaults, {}};
-    ServiceHosts hosts;
     std::vector<Update> updates;
     std::unique_ptr<RadioViewModel> model;
 };

@@ -54,7 +54,7 @@ public:
     std::unique_ptr<QWebSocket> peer; // last, because it still tells of its end
 };
 
-class MetadataSocket : public testing::Test {
+class CurlMetadataSocketTest : public testing::Test {
 protected:
     [[nodiscard]] Listener open() {
         Listener listener(TestSocket(server.url(), authority.certificateFile()));
@@ -66,7 +66,7 @@ protected:
     TlsWebSocketServer server{authority, u"IP:127.0.0.1"_qs};
 };
 
-TEST_F(MetadataSocket, DoesNotConnectBeforeResume) {
+TEST_F(CurlMetadataSocketTest, DoesNotConnectBeforeResume) {
     Listener listener(TestSocket(server.url(), authority.certificateFile()));
     listener.listen();
     runFor(50ms);
@@ -76,7 +76,7 @@ TEST_F(MetadataSocket, DoesNotConnectBeforeResume) {
     EXPECT_EQ(server.peer->requestUrl().path(), u"/api/1/2/websocket"_qs);
 }
 
-TEST_F(MetadataSocket, ReceivesTextsAndBytesInOrder) {
+TEST_F(CurlMetadataSocketTest, ReceivesTextsAndBytesInOrder) {
     auto listener = open();
     listener.listen();
     server.peer->sendTextMessage(u"o"_qs);
@@ -88,7 +88,7 @@ TEST_F(MetadataSocket, ReceivesTextsAndBytesInOrder) {
     EXPECT_EQ(listener.text(2), u"Déjà 日 😀"_qs);
 }
 
-TEST_F(MetadataSocket, KeepsMessagesUntilTheyAreAskedFor) {
+TEST_F(CurlMetadataSocketTest, KeepsMessagesUntilTheyAreAskedFor) {
     auto listener = open();
     server.peer->sendTextMessage(u"one"_qs);
     server.peer->sendTextMessage(u"two"_qs);
@@ -99,7 +99,7 @@ TEST_F(MetadataSocket, KeepsMessagesUntilTheyAreAskedFor) {
     EXPECT_EQ(listener.text(1), u"two"_qs);
 }
 
-TEST_F(MetadataSocket, ReceivesAMebibyteThroughItsSmallBuffer) {
+TEST_F(CurlMetadataSocketTest, ReceivesAMebibyteThroughItsSmallBuffer) {
     auto listener = open();
     listener.listen();
     const QString large(1024 * 1024, u'x');
@@ -110,7 +110,7 @@ TEST_F(MetadataSocket, ReceivesAMebibyteThroughItsSmallBuffer) {
         EXPECT_TRUE(listener.text(i) == large);
 }
 
-TEST_F(MetadataSocket, ReceivesAMessageInManyParts) {
+TEST_F(CurlMetadataSocketTest, ReceivesAMessageInManyParts) {
     auto listener = open();
     listener.listen();
     server.peer->setOutgoingFrameSize(1000);
@@ -119,7 +119,7 @@ TEST_F(MetadataSocket, ReceivesAMessageInManyParts) {
     EXPECT_EQ(listener.text(0), QString(300'000, u'é'));
 }
 
-TEST_F(MetadataSocket, SendsTextsAndBytes) {
+TEST_F(CurlMetadataSocketTest, SendsTextsAndBytes) {
     auto listener = open();
     listener.listen();
     const QString large(200'000, u'é');
@@ -137,14 +137,14 @@ TEST_F(MetadataSocket, SendsTextsAndBytes) {
         EXPECT_FALSE(result);
 }
 
-TEST_F(MetadataSocket, AnswersPings) {
+TEST_F(CurlMetadataSocketTest, AnswersPings) {
     auto listener = open();
     listener.listen();
     server.peer->ping("are you there?");
     EXPECT_TRUE(waitUntil([this] { return server.pongs == 1; }));
 }
 
-TEST_F(MetadataSocket, ClosesWithCodeAndReason) {
+TEST_F(CurlMetadataSocketTest, ClosesWithCodeAndReason) {
     auto listener = open();
     listener.listen();
     server.peer->sendTextMessage(u"o"_qs);
@@ -156,7 +156,7 @@ TEST_F(MetadataSocket, ClosesWithCodeAndReason) {
     EXPECT_TRUE(listener.waitForError());
 }
 
-TEST_F(MetadataSocket, TheCloseReachesTheServerAlsoWhenTheSocketEndsAtOnce) {
+TEST_F(CurlMetadataSocketTest, TheCloseReachesTheServerAlsoWhenTheSocketEndsAtOnce) {
     auto listener = open();
     listener.listen();
     server.peer->sendTextMessage(u"o"_qs);
@@ -171,7 +171,7 @@ TEST_F(MetadataSocket, TheCloseReachesTheServerAlsoWhenTheSocketEndsAtOnce) {
     EXPECT_EQ(listener.messages.size(), 1U);
 }
 
-TEST_F(MetadataSocket, EndingItClosesItAndCallsNobody) {
+TEST_F(CurlMetadataSocketTest, EndingItClosesItAndCallsNobody) {
     auto listener = open();
     listener.listen();
     server.peer->sendTextMessage(u"o"_qs);
@@ -185,7 +185,7 @@ TEST_F(MetadataSocket, EndingItClosesItAndCallsNobody) {
     EXPECT_EQ(listener.error, std::nullopt);
 }
 
-TEST_F(MetadataSocket, TellsWhenTheServerCloses) {
+TEST_F(CurlMetadataSocketTest, TellsWhenTheServerCloses) {
     auto listener = open();
     listener.listen();
     server.peer->sendTextMessage(u"last words"_qs);
@@ -195,7 +195,7 @@ TEST_F(MetadataSocket, TellsWhenTheServerCloses) {
     EXPECT_EQ(listener.error, u"The server has closed the connection (1001) restarting soon"_qs);
 }
 
-TEST_F(MetadataSocket, TellsWhenTheServerBreaksOff) {
+TEST_F(CurlMetadataSocketTest, TellsWhenTheServerBreaksOff) {
     auto listener = open();
     listener.listen();
     server.peer->sendTextMessage(u"o"_qs);
@@ -205,7 +205,7 @@ TEST_F(MetadataSocket, TellsWhenTheServerBreaksOff) {
     EXPECT_FALSE(listener.error->isEmpty());
 }
 
-TEST_F(MetadataSocket, AHandlerMayEndTheSocket) {
+TEST_F(CurlMetadataSocketTest, AHandlerMayEndTheSocket) {
     auto listener = open();
     std::atomic<bool> called = false;
     listener.socket->receive([&](const std::variant<SocketMessage, SocketError>&) {
@@ -218,7 +218,7 @@ TEST_F(MetadataSocket, AHandlerMayEndTheSocket) {
     EXPECT_TRUE(called);
 }
 
-TEST_F(MetadataSocket, ASecondReceiveFails) {
+TEST_F(CurlMetadataSocketTest, ASecondReceiveFails) {
     auto listener = open();
     listener.listen();
     std::promise<QString> error;
@@ -230,7 +230,7 @@ TEST_F(MetadataSocket, ASecondReceiveFails) {
     EXPECT_TRUE(listener.waitForMessages(1)) << "the first one still stands";
 }
 
-TEST_F(MetadataSocket, RefusesAnUnknownAuthority) {
+TEST_F(CurlMetadataSocketTest, RefusesAnUnknownAuthority) {
     TestAuthority other;
     for (const auto& extra : {std::optional<QString>(), std::optional(other.certificateFile())}) {
         Listener listener(TestSocket(server.url(), extra));
@@ -242,7 +242,7 @@ TEST_F(MetadataSocket, RefusesAnUnknownAuthority) {
     }
 }
 
-TEST_F(MetadataSocket, RefusesACertificateForAnotherName) {
+TEST_F(CurlMetadataSocketTest, RefusesACertificateForAnotherName) {
     TlsWebSocketServer elsewhere(authority, u"DNS:other.example"_qs);
     Listener listener(TestSocket(elsewhere.url(), authority.certificateFile()));
     listener.resumeAndListen();
@@ -250,7 +250,7 @@ TEST_F(MetadataSocket, RefusesACertificateForAnotherName) {
     EXPECT_EQ(elsewhere.peer, nullptr);
 }
 
-TEST_F(MetadataSocket, SaysWhenTheExtraAuthorityCannotBeRead) {
+TEST_F(CurlMetadataSocketTest, SaysWhenTheExtraAuthorityCannotBeRead) {
     Listener listener(TestSocket(server.url(), u"/nowhere/ca.pem"_qs));
     listener.resumeAndListen();
     ASSERT_TRUE(listener.waitForError());

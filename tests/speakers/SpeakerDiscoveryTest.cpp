@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "speakers/DescriptionRequest.h"
 #include "speakers/SpeakerDiscovery.h"
+
+#include "speakers/DescriptionRequest.h"
 #include "tests/speakers/Background.h"
 #include "tests/speakers/Samples.h"
 #include "tests/support/PrintQt.h"
@@ -26,10 +27,10 @@ QByteArray playerAnswer(int host) {
     return test::ssdpAnswer(descriptionUrl(host).toString());
 }
 
-class Discovery : public testing::Test {
+class SpeakerDiscoveryTest : public testing::Test {
 protected:
-    Discovery() {
-        background.session.automatic = [this](const HttpRequest& request) { return respond(request); };
+    SpeakerDiscoveryTest() {
+        background.http.automatic = [this](const HttpRequest& request) { return respond(request); };
     }
 
     /// Players at the hosts of `players`; nobody anywhere else, and no topology.
@@ -46,7 +47,7 @@ protected:
     void run(bool forceSubnetScan = false) {
         const auto before = background.found.size();
         SpeakerDiscovery(background.state).runDiscovery(forceSubnetScan);
-        background.mainQueue.drain();
+        background.queue.drain();
         if (background.found.size() > before)
             results.append(background.state->allSpeakers.value());
     }
@@ -56,7 +57,7 @@ protected:
     /// Hosts of the probes, which are known by their timeout.
     QList<int> probed() const {
         QList<int> hosts;
-        for (const auto& request : background.session.requests) {
+        for (const auto& request : background.http.requests) {
             if (request.timeout == std::chrono::milliseconds(1500))
                 hosts.append(request.url.host().section(u'.', 3).toInt());
         }
@@ -79,7 +80,7 @@ InterfaceAddress entry(unsigned int flags, std::optional<int> family = AF_INET) 
     return {eth0, family, flags, localIp, broadcast};
 }
 
-TEST(ActiveInterfaces, AreUpAndRunningAndNeitherLoopbackNorPointToPoint) {
+TEST(ActiveInterfacesTest, AreUpAndRunningAndNeitherLoopbackNorPointToPoint) {
     constexpr unsigned int good = IFF_UP | IFF_RUNNING;
     EXPECT_EQ(activeIPv4Interfaces({entry(good)}).size(), 1);
     EXPECT_EQ(activeIPv4Interfaces({entry(good | IFF_MULTICAST | IFF_PROMISC)}).size(), 1)
@@ -92,7 +93,7 @@ TEST(ActiveInterfaces, AreUpAndRunningAndNeitherLoopbackNorPointToPoint) {
     EXPECT_TRUE(activeIPv4Interfaces({}).isEmpty());
 }
 
-TEST(ActiveInterfaces, HaveABroadcastAddressOnlyWithTheFlag) {
+TEST(ActiveInterfacesTest, HaveABroadcastAddressOnlyWithTheFlag) {
     constexpr unsigned int good = IFF_UP | IFF_RUNNING;
     EXPECT_EQ(activeIPv4Interfaces({entry(good | IFF_BROADCAST)}),
               (QList<InterfaceInfo>{{eth0, localIp, broadcast}}));
@@ -102,7 +103,7 @@ TEST(ActiveInterfaces, HaveABroadcastAddressOnlyWithTheFlag) {
     EXPECT_FALSE(activeIPv4Interfaces({none}).first().broadcast);
 }
 
-TEST(ActiveInterfaces, AreOneRecordPerAddressInTheSystemsOrderWhateverTheName) {
+TEST(ActiveInterfacesTest, AreOneRecordPerAddressInTheSystemsOrderWhateverTheName) {
     constexpr unsigned int good = IFF_UP | IFF_RUNNING;
     auto second = entry(good);
     second.ip = QStringLiteral("10.0.1.2");
@@ -115,7 +116,7 @@ TEST(ActiveInterfaces, AreOneRecordPerAddressInTheSystemsOrderWhateverTheName) {
     EXPECT_EQ(interfaces[2].name, QStringLiteral("docker0"));
 }
 
-TEST(InterfaceInfo, ReachesTheAddressesOfItsNetwork) {
+TEST(InterfaceInfoTest, ReachesTheAddressesOfItsNetwork) {
     InterfaceInfo interface { eth0, QStringLiteral("10.1.2.3"), std::nullopt, 22 };
     for (const auto* host : {"10.1.0.0", "10.1.3.255", "10.1.2.3"})
         EXPECT_TRUE(interface.reaches(QLatin1String(host))) << host;
@@ -128,7 +129,7 @@ TEST(InterfaceInfo, ReachesTheAddressesOfItsNetwork) {
     EXPECT_TRUE(interface.reaches(QStringLiteral("192.0.2.1")));
 }
 
-TEST_F(Discovery, SendsTheSearchToMulticastAndBroadcast) {
+TEST_F(SpeakerDiscoveryTest, SendsTheSearchToMulticastAndBroadcast) {
     background.network.addInterface(eth0, localIp, broadcast);
     run();
     const auto sent = background.network.sent();
@@ -147,7 +148,7 @@ TEST_F(Discovery, SendsTheSearchToMulticastAndBroadcast) {
     EXPECT_EQ(background.network.openSockets(), 0);
 }
 
-TEST_F(Discovery, LogsAttemptsAnswersAndAddresses) {
+TEST_F(SpeakerDiscoveryTest, LogsAttemptsAnswersAndAddresses) {
     background.network.addInterface(eth0, localIp, broadcast);
     background.network.scripts[localIp].datagrams = {playerAnswer(9), playerAnswer(10), "nonsense"};
     players = {9, 10};
@@ -162,7 +163,7 @@ TEST_F(Discovery, LogsAttemptsAnswersAndAddresses) {
     EXPECT_EQ(idsFound(), (QStringList{QStringLiteral("10"), QStringLiteral("9")}));
 }
 
-TEST_F(Discovery, WithoutABroadcastAddressSendsOnceAndNeverScans) {
+TEST_F(SpeakerDiscoveryTest, WithoutABroadcastAddressSendsOnceAndNeverScans) {
     background.network.addInterface(eth0, localIp, QString());
     run(true);
     ASSERT_EQ(background.network.sent().size(), 1U);
@@ -172,13 +173,13 @@ TEST_F(Discovery, WithoutABroadcastAddressSendsOnceAndNeverScans) {
     EXPECT_TRUE(probed().isEmpty());
 }
 
-TEST_F(Discovery, TheReceiveWindowIsTwoAndAHalfSeconds) {
+TEST_F(SpeakerDiscoveryTest, TheReceiveWindowIsTwoAndAHalfSeconds) {
     background.network.addInterface(eth0, localIp, broadcast);
     run();
     EXPECT_EQ(background.network.receives(), 10) << "of a quarter of a second each";
 }
 
-TEST_F(Discovery, TheReceiveWindowIsNotOvershotByAReceiveThatBeginsLate) {
+TEST_F(SpeakerDiscoveryTest, TheReceiveWindowIsNotOvershotByAReceiveThatBeginsLate) {
     background.network.addInterface(eth0, localIp, broadcast);
     background.network.scripts[localIp].quietTime = std::chrono::milliseconds(240);
     run();
@@ -186,7 +187,7 @@ TEST_F(Discovery, TheReceiveWindowIsNotOvershotByAReceiveThatBeginsLate) {
     EXPECT_EQ(background.network.waited(), std::chrono::milliseconds(2500));
 }
 
-TEST_F(Discovery, AllSendsBlockedIsADenialAndNothingIsReceived) {
+TEST_F(SpeakerDiscoveryTest, AllSendsBlockedIsADenialAndNothingIsReceived) {
     background.network.addInterface(eth0, localIp, broadcast);
     background.network.scripts[localIp].sendErrno = {{multicast, EHOSTUNREACH}, {broadcast, EHOSTUNREACH}};
     run();
@@ -199,7 +200,7 @@ TEST_F(Discovery, AllSendsBlockedIsADenialAndNothingIsReceived) {
     EXPECT_EQ(background.denials, QList<bool>{true});
 }
 
-TEST_F(Discovery, TheLastBlockingErrnoIsKept) {
+TEST_F(SpeakerDiscoveryTest, TheLastBlockingErrnoIsKept) {
     background.network.addInterface(eth0, localIp, broadcast);
     background.network.scripts[localIp].sendErrno = {{multicast, EPERM}, {broadcast, EACCES}};
     run();
@@ -208,7 +209,7 @@ TEST_F(Discovery, TheLastBlockingErrnoIsKept) {
         QStringLiteral("[Sonos] eth0: 2 Sendeversuche, 2 davon blockiert (letzter errno %1)").arg(EACCES));
 }
 
-TEST_F(Discovery, OneSendThatIsNotBlockedIsNoDenial) {
+TEST_F(SpeakerDiscoveryTest, OneSendThatIsNotBlockedIsNoDenial) {
     background.network.addInterface(eth0, localIp, broadcast);
     background.network.scripts[localIp].sendErrno = {{multicast, EPERM}};
     run();
@@ -219,7 +220,7 @@ TEST_F(Discovery, OneSendThatIsNotBlockedIsNoDenial) {
     EXPECT_TRUE(background.denials.isEmpty());
 }
 
-TEST_F(Discovery, OtherSendFailuresAreAttemptsButNotBlocked) {
+TEST_F(SpeakerDiscoveryTest, OtherSendFailuresAreAttemptsButNotBlocked) {
     background.network.addInterface(eth0, localIp, broadcast);
     background.network.scripts[localIp].sendErrno = {{multicast, ENETUNREACH}, {broadcast, ENOBUFS}};
     run();
@@ -229,7 +230,7 @@ TEST_F(Discovery, OtherSendFailuresAreAttemptsButNotBlocked) {
     EXPECT_TRUE(background.denials.isEmpty());
 }
 
-TEST_F(Discovery, ASocketThatCannotBeMadeMakesASilentInterface) {
+TEST_F(SpeakerDiscoveryTest, ASocketThatCannotBeMadeMakesASilentInterface) {
     background.network.addInterface(eth0, localIp, broadcast);
     background.network.scripts[localIp].opens = false;
     players = {7};
@@ -239,23 +240,23 @@ TEST_F(Discovery, ASocketThatCannotBeMadeMakesASilentInterface) {
     EXPECT_EQ(idsFound(), QStringList{QStringLiteral("7")});
 }
 
-TEST_F(Discovery, InterfacesNamesAreData) {
+TEST_F(SpeakerDiscoveryTest, InterfacesNamesAreData) {
     background.network.addInterface(QStringLiteral("%1%2"), localIp, QString());
     run();
     EXPECT_EQ(logged()[0],
               QStringLiteral("[Sonos] %1%2: 1 Sendeversuche, 0 davon blockiert (letzter errno 0)"));
 }
 
-TEST_F(Discovery, AnswersWithOneAddressMerge) {
+TEST_F(SpeakerDiscoveryTest, AnswersWithOneAddressMerge) {
     background.network.addInterface(eth0, localIp, broadcast);
     background.network.scripts[localIp].datagrams = {playerAnswer(9), playerAnswer(9), playerAnswer(9)};
     players = {9};
     run();
     EXPECT_EQ(logged()[1], QStringLiteral("[Sonos] eth0: 1 SSDP-Antworten"));
-    EXPECT_EQ(background.session.requests.size(), 2U) << "a description and a topology";
+    EXPECT_EQ(background.http.requests.size(), 2U) << "a description and a topology";
 }
 
-TEST_F(Discovery, AnswersMayBeNoText) {
+TEST_F(SpeakerDiscoveryTest, AnswersMayBeNoText) {
     background.network.addInterface(eth0, localIp, broadcast);
     background.network.scripts[localIp].datagrams = {QByteArray(4096, '\xFF'), QByteArray(), playerAnswer(9)};
     players = {9};
@@ -263,7 +264,7 @@ TEST_F(Discovery, AnswersMayBeNoText) {
     EXPECT_EQ(logged()[1], QStringLiteral("[Sonos] eth0: 1 SSDP-Antworten"));
 }
 
-TEST_F(Discovery, ASilentInterfaceIsScannedFrom1To254) {
+TEST_F(SpeakerDiscoveryTest, ASilentInterfaceIsScannedFrom1To254) {
     background.network.addInterface(eth0, QStringLiteral("10.0.0.77"), broadcast);
     players = {1, 77, 254};
     run();
@@ -274,10 +275,10 @@ TEST_F(Discovery, ASilentInterfaceIsScannedFrom1To254) {
     EXPECT_EQ(idsFound(), (QStringList{QStringLiteral("1"), QStringLiteral("254"), QStringLiteral("77")}));
 }
 
-TEST_F(Discovery, AProbeIsAPlainGetOfTheDescription) {
+TEST_F(SpeakerDiscoveryTest, AProbeIsAPlainGetOfTheDescription) {
     background.network.addInterface(eth0, localIp, broadcast);
     run();
-    const auto& probe = background.session.requests.front();
+    const auto& probe = background.http.requests.front();
     EXPECT_EQ(probe.method, "GET");
     EXPECT_EQ(probe.url, descriptionUrl(1));
     EXPECT_EQ(probe.timeout, std::chrono::milliseconds(1500));
@@ -287,9 +288,9 @@ TEST_F(Discovery, AProbeIsAPlainGetOfTheDescription) {
     EXPECT_TRUE(probe.headers.empty());
 }
 
-TEST_F(Discovery, AProbeNeedsStatus200AndAPlayer) {
+TEST_F(SpeakerDiscoveryTest, AProbeNeedsStatus200AndAPlayer) {
     background.network.addInterface(eth0, localIp, broadcast);
-    background.session.automatic = [](const HttpRequest& request) {
+    background.http.automatic = [](const HttpRequest& request) {
         const auto host = request.url.host().section(u'.', 3).toInt();
         const auto text = test::description(QString::number(host), QStringLiteral("Room"));
         switch (host) {
@@ -309,16 +310,16 @@ TEST_F(Discovery, AProbeNeedsStatus200AndAPlayer) {
     EXPECT_EQ(idsFound(), QStringList{QStringLiteral("3")});
     // Nobody else is asked for a description once more.
     std::vector<QString> askedAgain;
-    for (const auto& request : background.session.requests) {
+    for (const auto& request : background.http.requests) {
         if (request.method == "GET" && request.timeout == std::chrono::milliseconds(3000))
             askedAgain.push_back(request.url.host());
     }
     EXPECT_EQ(askedAgain, std::vector<QString>{QStringLiteral("10.0.0.3")});
 }
 
-TEST_F(Discovery, ProbesDoNotTestForDenial) {
+TEST_F(SpeakerDiscoveryTest, ProbesDoNotTestForDenial) {
     background.network.addInterface(eth0, localIp, broadcast);
-    background.session.automatic = [](const HttpRequest&) {
+    background.http.automatic = [](const HttpRequest&) {
         return test::failed(HttpError::Code::notConnected);
     };
     run();
@@ -326,7 +327,7 @@ TEST_F(Discovery, ProbesDoNotTestForDenial) {
     EXPECT_TRUE(background.denials.isEmpty());
 }
 
-TEST_F(Discovery, AnInterfaceThatGotAnAnswerIsScannedOnlyWhenForced) {
+TEST_F(SpeakerDiscoveryTest, AnInterfaceThatGotAnAnswerIsScannedOnlyWhenForced) {
     background.network.addInterface(eth0, localIp, broadcast);
     background.network.scripts[localIp].datagrams = {playerAnswer(9)};
     players = {9, 11};
@@ -339,18 +340,18 @@ TEST_F(Discovery, AnInterfaceThatGotAnAnswerIsScannedOnlyWhenForced) {
     EXPECT_EQ(idsFound(), (QStringList{QStringLiteral("11"), QStringLiteral("9")}));
 }
 
-TEST_F(Discovery, OnlySilentInterfacesAreScanned) {
+TEST_F(SpeakerDiscoveryTest, OnlySilentInterfacesAreScanned) {
     background.network.addInterface(eth0, localIp, broadcast);
     background.network.addInterface(QStringLiteral("wlan0"), QStringLiteral("10.0.1.2"),
                                     QStringLiteral("10.0.1.255"));
     background.network.scripts[localIp].datagrams = {playerAnswer(9)};
     run();
-    ASSERT_FALSE(background.session.requests.empty());
-    EXPECT_EQ(background.session.requests.front().url.host(), QStringLiteral("10.0.1.1"));
+    ASSERT_FALSE(background.http.requests.empty());
+    EXPECT_EQ(background.http.requests.front().url.host(), QStringLiteral("10.0.1.1"));
     EXPECT_EQ(probed().size(), 254);
 }
 
-TEST_F(Discovery, EachInterfaceIsSearchedByItself) {
+TEST_F(SpeakerDiscoveryTest, EachInterfaceIsSearchedByItself) {
     background.network.addInterface(eth0, localIp, broadcast);
     background.network.addInterface(QStringLiteral("wlan0"), QStringLiteral("10.0.1.2"), QString());
     background.network.scripts[localIp].datagrams = {playerAnswer(9)};
@@ -362,7 +363,7 @@ TEST_F(Discovery, EachInterfaceIsSearchedByItself) {
     EXPECT_EQ(idsFound(), (QStringList{QStringLiteral("10"), QStringLiteral("9")}));
 }
 
-TEST_F(Discovery, AnAddressThatIsNotOfFourPartsIsNotScanned) {
+TEST_F(SpeakerDiscoveryTest, AnAddressThatIsNotOfFourPartsIsNotScanned) {
     for (const auto* ip : {"10.0.0", "10.0.0.0.1", "fe80::1", ""}) {
         const auto text = QString::fromLatin1(ip);
         background.network.addresses.clear();
@@ -372,18 +373,18 @@ TEST_F(Discovery, AnAddressThatIsNotOfFourPartsIsNotScanned) {
     }
 }
 
-TEST_F(Discovery, WithoutAnyInterfaceOnlyKnownSpeakersAreReadAgain) {
+TEST_F(SpeakerDiscoveryTest, WithoutAnyInterfaceOnlyKnownSpeakersAreReadAgain) {
     auto known = test::otherPlayer(QStringLiteral("8"), QStringLiteral("Old"), 8);
     background.state->allSpeakers.set({known});
     players = {8};
     run(true);
     EXPECT_EQ(logged(), std::vector<QString>{QStringLiteral("[Sonos] SSDP-Beschreibungen: []")});
-    EXPECT_EQ(background.session.requests.front().url, descriptionUrl(8)) << "made from its address";
+    EXPECT_EQ(background.http.requests.front().url, descriptionUrl(8)) << "made from its address";
     ASSERT_EQ(idsFound(), QStringList{QStringLiteral("8")});
     EXPECT_EQ(results[0][0].roomName, QStringLiteral("Room 8"));
 }
 
-TEST_F(Discovery, KnownSpeakersAreReadAgainWhereTheyWereFound) {
+TEST_F(SpeakerDiscoveryTest, KnownSpeakersAreReadAgainWhereTheyWereFound) {
     auto known = test::otherPlayer(QStringLiteral("8"), QStringLiteral("Old"), 8);
     known.descriptionURL = QUrl(QStringLiteral("http://10.0.0.8:1401/d.xml"));
     background.state->allSpeakers.set({known});
@@ -392,11 +393,11 @@ TEST_F(Discovery, KnownSpeakersAreReadAgainWhereTheyWereFound) {
     players = {8, 9};
     run();
     EXPECT_EQ(idsFound(), (QStringList{QStringLiteral("8"), QStringLiteral("9")}));
-    EXPECT_TRUE(std::any_of(background.session.requests.begin(), background.session.requests.end(),
+    EXPECT_TRUE(std::any_of(background.http.requests.begin(), background.http.requests.end(),
                             [&](const auto& r) { return r.url == *known.descriptionURL; }));
 }
 
-TEST_F(Discovery, NothingFoundSaysSoAndHandsNothingOn) {
+TEST_F(SpeakerDiscoveryTest, NothingFoundSaysSoAndHandsNothingOn) {
     background.network.addInterface(eth0, localIp, QString());
     background.network.scripts[localIp].datagrams = {playerAnswer(9)};
     run();
@@ -405,7 +406,7 @@ TEST_F(Discovery, NothingFoundSaysSoAndHandsNothingOn) {
     EXPECT_TRUE(background.denials.isEmpty()) << "the denial flag is left as it was";
 }
 
-TEST_F(Discovery, ASuccessfulRunClearsTheDenial) {
+TEST_F(SpeakerDiscoveryTest, ASuccessfulRunClearsTheDenial) {
     background.network.addInterface(eth0, localIp, QString());
     background.network.scripts[localIp].datagrams = {playerAnswer(9)};
     players = {9};
@@ -414,17 +415,17 @@ TEST_F(Discovery, ASuccessfulRunClearsTheDenial) {
     EXPECT_EQ(results.size(), 1);
 }
 
-TEST_F(Discovery, ADescriptionThatTheSystemRefusesIsADenial) {
+TEST_F(SpeakerDiscoveryTest, ADescriptionThatTheSystemRefusesIsADenial) {
     background.network.addInterface(eth0, localIp, QString());
     background.network.scripts[localIp].datagrams = {playerAnswer(9)};
-    background.session.automatic = [](const HttpRequest&) {
+    background.http.automatic = [](const HttpRequest&) {
         return test::failed(HttpError::Code::notConnected);
     };
     run();
     EXPECT_EQ(background.denials, QList<bool>{true});
 }
 
-TEST_F(Discovery, AFloodOfInventedAddressesIsCutOff) {
+TEST_F(SpeakerDiscoveryTest, AFloodOfInventedAddressesIsCutOff) {
     background.network.addInterface(eth0, localIp, QString());
     background.network.addInterface(QStringLiteral("wlan0"), QStringLiteral("10.0.1.2"), QString());
     auto known = test::otherPlayer(QStringLiteral("8"), QStringLiteral("Old"), 8);
@@ -437,17 +438,17 @@ TEST_F(Discovery, AFloodOfInventedAddressesIsCutOff) {
     }
     players = {8};
     run();
-    EXPECT_EQ(background.session.requests.size(), 1025U) << "1024 descriptions, one topology";
+    EXPECT_EQ(background.http.requests.size(), 1025U) << "1024 descriptions, one topology";
     EXPECT_EQ(idsFound(), QStringList{QStringLiteral("8")}) << "who was known is not crowded out";
 }
 
-TEST_F(Discovery, EndsQuietlyWithTheManager) {
+TEST_F(SpeakerDiscoveryTest, EndsQuietlyWithTheManager) {
     background.network.addInterface(eth0, localIp, broadcast);
     background.network.scripts[localIp].datagrams = {playerAnswer(9)};
     background.state->end();
     run(true);
     EXPECT_TRUE(logged().empty());
-    EXPECT_TRUE(background.session.requests.empty());
+    EXPECT_TRUE(background.http.requests.empty());
     EXPECT_TRUE(results.isEmpty());
 }
 

@@ -27,7 +27,7 @@ QString service(const QString& type, const QString& control) {
         .arg(type, control);
 }
 
-TEST(Description, GivesAVisibleCoordinatorOfItsOwn) {
+TEST(PlayerDescriptionTest, GivesAVisibleCoordinatorOfItsOwn) {
     const auto speaker =
         readPlayer(QStringLiteral("<roomName> Kitchen\n</roomName><modelName> Sonos One </modelName>"
                                   "<manufacturer> Sonos, Inc. </manufacturer>"));
@@ -43,7 +43,7 @@ TEST(Description, GivesAVisibleCoordinatorOfItsOwn) {
     EXPECT_TRUE(expected.isCoordinator && expected.isVisible && !expected.isSub);
 }
 
-TEST(Description, OfAnythingElseIsNothing) {
+TEST(PlayerDescriptionTest, OfAnythingElseIsNothing) {
     const auto url = test::descriptionUrl(5);
     const QString udn = QStringLiteral("<UDN>uuid:A</UDN>");
     EXPECT_FALSE(NetworkPlayerProtocol::speaker(QString(), url));
@@ -62,18 +62,18 @@ TEST(Description, OfAnythingElseIsNothing) {
         url));
 }
 
-TEST(Description, TheTypeIsTrimmed) {
+TEST(PlayerDescriptionTest, TheTypeIsTrimmed) {
     EXPECT_TRUE(read(QStringLiteral("<deviceType>\n urn:schemas-upnp-org:device:ZonePlayer:1\t</deviceType>"
                                     "<UDN> uuid:A </UDN>")));
 }
 
-TEST(Description, TheDeviceIsTheRootsOwnChild) {
+TEST(PlayerDescriptionTest, TheDeviceIsTheRootsOwnChild) {
     EXPECT_FALSE(NetworkPlayerProtocol::speaker(QStringLiteral("<root><x><device>") + typeElement +
                                                     QStringLiteral("<UDN>uuid:A</UDN></device></x></root>"),
                                                 test::descriptionUrl(5)));
 }
 
-TEST(Description, TheUdnNeedsItsPrefixAndOneCharacter) {
+TEST(PlayerDescriptionTest, TheUdnNeedsItsPrefixAndOneCharacter) {
     EXPECT_FALSE(read(typeElement)) << "none";
     EXPECT_FALSE(read(typeElement + QStringLiteral("<UDN>uuid:</UDN>"))) << "too short";
     EXPECT_FALSE(read(typeElement + QStringLiteral("<UDN>UUID:A</UDN>"))) << "wrong case";
@@ -81,7 +81,7 @@ TEST(Description, TheUdnNeedsItsPrefixAndOneCharacter) {
     EXPECT_EQ(readPlayer(QString())->id, QStringLiteral("A"));
 }
 
-TEST(Description, TheModelHasFallbacks) {
+TEST(PlayerDescriptionTest, TheModelHasFallbacks) {
     EXPECT_EQ(readPlayer(QString())->model, QStringLiteral("Sonos"));
     EXPECT_EQ(readPlayer(QString())->modelName, QStringLiteral("Sonos"));
     const auto described = QStringLiteral("<modelDescription> Described </modelDescription>");
@@ -92,7 +92,7 @@ TEST(Description, TheModelHasFallbacks) {
         << "present but empty";
 }
 
-TEST(Description, TheRoomNameHasFallbacks) {
+TEST(PlayerDescriptionTest, TheRoomNameHasFallbacks) {
     EXPECT_EQ(readPlayer(QString())->roomName, QStringLiteral("Sonos"));
     const auto friendly = QStringLiteral("<friendlyName> Friend </friendlyName>");
     EXPECT_EQ(readPlayer(friendly)->roomName, QStringLiteral("Friend"));
@@ -101,12 +101,12 @@ TEST(Description, TheRoomNameHasFallbacks) {
     EXPECT_EQ(readPlayer(friendly + QStringLiteral("<roomName> </roomName>"))->roomName, QString());
 }
 
-TEST(Description, TheManufacturerMayBeAbsent) {
+TEST(PlayerDescriptionTest, TheManufacturerMayBeAbsent) {
     EXPECT_FALSE(readPlayer(QString())->manufacturer);
     EXPECT_EQ(readPlayer(QStringLiteral("<manufacturer/>"))->manufacturer, QString());
 }
 
-TEST(Description, ServicesOfEmbeddedDevicesCount) {
+TEST(PlayerDescriptionTest, ServicesOfEmbeddedDevicesCount) {
     const auto speaker = readPlayer(QStringLiteral("<serviceList>") +
                                     service(QStringLiteral("ZoneGroupTopology:1"), QStringLiteral(" /zgt ")) +
                                     QStringLiteral("</serviceList><deviceList><device><serviceList>") +
@@ -118,14 +118,14 @@ TEST(Description, ServicesOfEmbeddedDevicesCount) {
     EXPECT_EQ(speaker->topologyPath, QStringLiteral("/zgt"));
 }
 
-TEST(Description, ALaterServiceOfTheSameTypeReplacesAnEarlierOne) {
+TEST(PlayerDescriptionTest, ALaterServiceOfTheSameTypeReplacesAnEarlierOne) {
     const auto speaker = readPlayer(service(QStringLiteral("AVTransport:1"), QStringLiteral("/a")) +
                                     service(QStringLiteral("AVTransport:1"), QStringLiteral("/b")) +
                                     service(QStringLiteral("AVTransport:2"), QStringLiteral("/c")));
     EXPECT_EQ(speaker->transportPath, QStringLiteral("/b"));
 }
 
-TEST(Description, ServicesLackingTypeOrControlAreSkipped) {
+TEST(PlayerDescriptionTest, ServicesLackingTypeOrControlAreSkipped) {
     const auto speaker = readPlayer(QStringLiteral(
         "<service><controlURL>/x</controlURL></service>"
         "<service><serviceType>urn:schemas-upnp-org:service:AVTransport:1</serviceType></service>"));
@@ -138,7 +138,7 @@ bool isSub(const QString& model, const QString& manufacturer = QStringLiteral("S
         ->isSub;
 }
 
-TEST(Description, SubAsAWordMakesASub) {
+TEST(PlayerDescriptionTest, SubAsAWordMakesASub) {
     EXPECT_TRUE(isSub(QStringLiteral("Sonos Sub Mini")));
     EXPECT_TRUE(isSub(QStringLiteral("SUB")));
     EXPECT_TRUE(isSub(QStringLiteral("Sonos-sub")));
@@ -148,12 +148,12 @@ TEST(Description, SubAsAWordMakesASub) {
     EXPECT_FALSE(isSub(QStringLiteral("Sonos One")));
 }
 
-TEST(Description, OwnPlayersAreNeverSubs) {
+TEST(PlayerDescriptionTest, OwnPlayersAreNeverSubs) {
     EXPECT_FALSE(isSub(QStringLiteral("Sub"), QStringLiteral("Zofra Zofra")));
     EXPECT_FALSE(isSub(QStringLiteral("Zofra Pi Player")));
 }
 
-TEST(Description, TextsTooLongToBeKeptAreRefused) {
+TEST(PlayerDescriptionTest, TextsTooLongToBeKeptAreRefused) {
     const QString longest(1024, u'x');
     for (const auto* element : {"roomName", "modelName", "manufacturer"}) {
         const auto text = QStringLiteral("<%1>%2</%1>");
@@ -172,9 +172,9 @@ struct Captured {
     const char* model;
 };
 
-class CapturedDescription : public testing::TestWithParam<Captured> {};
+class CapturedDescriptionTest : public testing::TestWithParam<Captured> {};
 
-TEST_P(CapturedDescription, IsThePlayerOfItsFirstLevel) {
+TEST_P(CapturedDescriptionTest, IsThePlayerOfItsFirstLevel) {
     const auto text =
         test::capture(QStringLiteral("device_description/") + QString::fromLatin1(GetParam().file));
     if (!text)
@@ -189,7 +189,7 @@ TEST_P(CapturedDescription, IsThePlayerOfItsFirstLevel) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    All, CapturedDescription,
+    All, CapturedDescriptionTest,
     testing::Values(Captured{"bridge_fw28.xml", "RINCON_00CAFE901CDE01400", "BRIDGE", "Sonos BRIDGE"},
                     Captured{"minimal_player.xml", "RINCON_TEST123456", "Test Room", "Sonos One"},
                     Captured{"one_fw85.xml", "RINCON_00CAFE6C7A0401400", "Bedroom", "Sonos One"},
@@ -199,7 +199,7 @@ INSTANTIATE_TEST_SUITE_P(
                              "Sonos Playbar"},
                     Captured{"playbar_fw85.xml", "RINCON_00CAFE7847DB01400", "TV Room", "Sonos Playbar"}));
 
-TEST(CapturedDescriptions, HaveTheirControlAddresses) {
+TEST(CapturedDescriptionsTest, HaveTheirControlAddresses) {
     const auto text = test::capture(QStringLiteral("device_description/play3_fw28.xml"));
     if (!text)
         GTEST_SKIP() << "skipped: no captures";
@@ -210,7 +210,7 @@ TEST(CapturedDescriptions, HaveTheirControlAddresses) {
     EXPECT_EQ(speaker->topologyPath, QStringLiteral("/ZoneGroupTopology/Control"));
 }
 
-TEST(CapturedDescriptions, ARouterIsNoPlayer) {
+TEST(CapturedDescriptionsTest, ARouterIsNoPlayer) {
     const auto text = test::capture(QStringLiteral("device_description/router_not_a_player.xml"));
     if (!text)
         GTEST_SKIP() << "skipped: no captures";

@@ -41,25 +41,25 @@ std::optional<Shown> shown(const QByteArray& frame, RadioStation station) {
     return Shown{track->formattedCurrent(), track->next ? track->next->formatted() : u"(no next)"_qs};
 }
 
-TEST(LiveSocketFixture, Accents) {
+TEST(CapturedFrameTest, Accents) {
     READ_OR_SKIP(frame, "live_socket/play_accents.txt");
     EXPECT_EQ(shown(*frame, RadioStation::qmusic),
               (Shown{u"BEYONCÉ – Déjà vu"_qs, u"NIELS DESTADSBADER – D'Er Alleen Voor"_qs}));
     EXPECT_EQ(shown(*frame, RadioStation::joe), std::nullopt);
 }
 
-TEST(LiveSocketFixture, EscapesInThreeLayers) {
+TEST(CapturedFrameTest, EscapesInThreeLayers) {
     READ_OR_SKIP(frame, "live_socket/play_escapes.txt");
     EXPECT_EQ(shown(*frame, RadioStation::qmusic),
               (Shown{u"AC/DC – AC/DC \"Live\" \\ Thunder & <b>"_qs, QString()}));
 }
 
-TEST(LiveSocketFixture, WithoutNext) {
+TEST(CapturedFrameTest, WithoutNext) {
     READ_OR_SKIP(frame, "live_socket/play_without_next.txt");
     EXPECT_EQ(shown(*frame, RadioStation::joe), (Shown{u"QUEEN – Don't Stop Me Now"_qs, u"(no next)"_qs}));
 }
 
-TEST(LiveSocketFixture, TwoMessages) {
+TEST(CapturedFrameTest, TwoMessages) {
     READ_OR_SKIP(frame, "live_socket/two_messages.txt");
     EXPECT_EQ(shown(*frame, RadioStation::joe), (Shown{u"SIGUR RÓS – 日本 😀"_qs, u"(no next)"_qs}));
     EXPECT_EQ(shown(*frame, RadioStation::qmusic),
@@ -67,7 +67,7 @@ TEST(LiveSocketFixture, TwoMessages) {
     EXPECT_EQ(shown(*frame, RadioStation::zofra), std::nullopt);
 }
 
-TEST(LiveSocketFixture, Closes) {
+TEST(CapturedFrameTest, Closes) {
     for (const auto* name : {"live_socket/close_go_away.txt", "live_socket/close_no_heartbeat.txt"}) {
         READ_OR_SKIP(frame, name);
         EXPECT_EQ(sockJSFrameKind(QString::fromUtf8(*frame)), SockJSFrameKind::close) << name;
@@ -82,9 +82,9 @@ struct OnAirCase {
     const char16_t* text;
 };
 
-class OnAirFixture : public testing::TestWithParam<OnAirCase> {};
+class CapturedOnAirTest : public testing::TestWithParam<OnAirCase> {};
 
-TEST_P(OnAirFixture, Shows) {
+TEST_P(CapturedOnAirTest, Shows) {
     READ_OR_SKIP(body, GetParam().file);
     const auto items = onAirItems(*body, QString::fromLatin1(GetParam().rpId));
     const auto text = items ? onAirText(*items, GetParam().now).value_or(u"(no text)"_qs) : u"(failure)"_qs;
@@ -94,7 +94,7 @@ TEST_P(OnAirFixture, Shows) {
 constexpr double whileOnAir = 1763670700;
 constexpr const char16_t* dejaVu = u"Beyoncé – Déjà Vu";
 INSTANTIATE_TEST_SUITE_P(
-    Files, OnAirFixture,
+    Files, CapturedOnAirTest,
     testing::Values(OnAirCase{"onair/01-song-string-times.json", "6", whileOnAir, dejaVu},
                     OnAirCase{"onair/01-song-string-times.json", "1", whileOnAir, u"(failure)"},
                     OnAirCase{"onair/02-song-number-times.json", "6", whileOnAir, dejaVu},
@@ -113,9 +113,9 @@ struct ScraperCase {
     const char16_t* text;
 };
 
-class ScraperFixture : public testing::TestWithParam<ScraperCase> {};
+class CapturedPageTest : public testing::TestWithParam<ScraperCase> {};
 
-TEST_P(ScraperFixture, Shows) {
+TEST_P(CapturedPageTest, Shows) {
     READ_OR_SKIP(body, GetParam().file);
     const auto page = ScraperPage::fromBody(*body);
     ASSERT_TRUE(page);
@@ -123,7 +123,7 @@ TEST_P(ScraperFixture, Shows) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Files, ScraperFixture,
+    Files, CapturedPageTest,
     testing::Values(ScraperCase{"scraper/02-title-only.json", u"Queen - Don't Stop Me Now"},
                     ScraperCase{"scraper/03-u00e9-and-slash.json", uR"(Beyonc\u00e9 - D\u00e9j\u00e0 vu)"},
                     ScraperCase{"scraper/04-u0026.json", uR"(Simon \u0026 Garfunkel - Mrs. Robinson)"},

@@ -44,27 +44,27 @@ QString describe(const QList<SonosRoom>& rooms) {
     return texts.join(QStringLiteral(" | "));
 }
 
-TEST(PlaybackGroups, OtherPlayersFollowTheFirstAndOwnOnesPlayAlone) {
+TEST(PlaybackGroupsTest, OtherPlayersFollowTheFirstAndOwnOnesPlayAlone) {
     EXPECT_EQ(describe(NetworkPlayerProtocol::playbackGroups(
                   {otherPlayer(QStringLiteral("B"), kitchen), ownPlayer(QStringLiteral("own"), kitchen),
                    otherPlayer(QStringLiteral("A"), kitchen), otherPlayer(QStringLiteral("C"), kitchen)})),
               QStringLiteral("A<B+C | own"));
 }
 
-TEST(PlaybackGroups, OwnPlayersComeSortedAfterTheOthersWhateverTheirIds) {
+TEST(PlaybackGroupsTest, OwnPlayersComeSortedAfterTheOthersWhateverTheirIds) {
     EXPECT_EQ(describe(NetworkPlayerProtocol::playbackGroups({ownPlayer(QStringLiteral("2"), kitchen),
                                                               otherPlayer(QStringLiteral("9"), kitchen),
                                                               ownPlayer(QStringLiteral("1"), kitchen)})),
               QStringLiteral("9 | 1 | 2"));
 }
 
-TEST(PlaybackGroups, OfOwnPlayersOnlyHaveNoOtherGroup) {
+TEST(PlaybackGroupsTest, OfOwnPlayersOnlyHaveNoOtherGroup) {
     EXPECT_EQ(describe(NetworkPlayerProtocol::playbackGroups(
                   {ownPlayer(QStringLiteral("2"), kitchen), ownPlayer(QStringLiteral("1"), kitchen)})),
               QStringLiteral("1 | 2"));
 }
 
-TEST(PlaybackGroups, SubsAndInvisiblePlayersAreLeftOut) {
+TEST(PlaybackGroupsTest, SubsAndInvisiblePlayersAreLeftOut) {
     auto sub = otherPlayer(QStringLiteral("A"), kitchen);
     sub.isSub = true;
     auto hidden = otherPlayer(QStringLiteral("B"), kitchen);
@@ -78,14 +78,14 @@ TEST(PlaybackGroups, SubsAndInvisiblePlayersAreLeftOut) {
     EXPECT_TRUE(NetworkPlayerProtocol::playbackGroups({}).isEmpty());
 }
 
-TEST(Rooms, OneGroupWithOneNameIsOneRoom) {
+TEST(RoomsTest, OneGroupWithOneNameIsOneRoom) {
     EXPECT_EQ(
         describe(NetworkPlayerProtocol::rooms({grouped(QStringLiteral("X"), kitchen, QStringLiteral("X")),
                                                grouped(QStringLiteral("A"), kitchen, QStringLiteral("X"))})),
         QStringLiteral("Kitchen:X=A+X"));
 }
 
-TEST(Rooms, TwoGroupsWithOneNameAreTwoRoomsByCoordinator) {
+TEST(RoomsTest, TwoGroupsWithOneNameAreTwoRoomsByCoordinator) {
     EXPECT_EQ(
         describe(NetworkPlayerProtocol::rooms({grouped(QStringLiteral("Y"), kitchen, QStringLiteral("Y")),
                                                grouped(QStringLiteral("X"), kitchen, QStringLiteral("X")),
@@ -93,7 +93,7 @@ TEST(Rooms, TwoGroupsWithOneNameAreTwoRoomsByCoordinator) {
         QStringLiteral("Kitchen:X=A+X | Kitchen:Y=Y"));
 }
 
-TEST(Rooms, OneGroupWithTwoNamesIsTwoRooms) {
+TEST(RoomsTest, OneGroupWithTwoNamesIsTwoRooms) {
     const auto hall = QStringLiteral("Hall");
     EXPECT_EQ(
         describe(NetworkPlayerProtocol::rooms({grouped(QStringLiteral("X"), kitchen, QStringLiteral("X")),
@@ -101,13 +101,13 @@ TEST(Rooms, OneGroupWithTwoNamesIsTwoRooms) {
         QStringLiteral("Hall:A=A | Kitchen:X=X"));
 }
 
-TEST(Rooms, PlayersWithoutAGroupAreByThemselves) {
+TEST(RoomsTest, PlayersWithoutAGroupAreByThemselves) {
     EXPECT_EQ(describe(NetworkPlayerProtocol::rooms(
                   {otherPlayer(QStringLiteral("B"), kitchen), otherPlayer(QStringLiteral("A"), kitchen)})),
               QStringLiteral("Kitchen:A=A | Kitchen:B=B"));
 }
 
-TEST(Rooms, OwnPlayersAreEachARoom) {
+TEST(RoomsTest, OwnPlayersAreEachARoom) {
     auto first = ownPlayer(QStringLiteral("1"), kitchen);
     auto second = ownPlayer(QStringLiteral("2"), kitchen);
     first.groupCoordinatorId = second.groupCoordinatorId = QStringLiteral("1");
@@ -115,14 +115,14 @@ TEST(Rooms, OwnPlayersAreEachARoom) {
               QStringLiteral("Kitchen:1=1 | Kitchen:2=2"));
 }
 
-TEST(Rooms, WithoutACoordinatorTheFirstLeads) {
+TEST(RoomsTest, WithoutACoordinatorTheFirstLeads) {
     EXPECT_EQ(
         describe(NetworkPlayerProtocol::rooms({grouped(QStringLiteral("B"), kitchen, QStringLiteral("X")),
                                                grouped(QStringLiteral("A"), kitchen, QStringLiteral("X"))})),
         QStringLiteral("Kitchen:A=A+B"));
 }
 
-TEST(Rooms, OfSeveralCoordinatorsTheFirstLeads) {
+TEST(RoomsTest, OfSeveralCoordinatorsTheFirstLeads) {
     auto a = grouped(QStringLiteral("A"), kitchen, QStringLiteral("X"));
     auto b = grouped(QStringLiteral("B"), kitchen, QStringLiteral("X"));
     auto c = grouped(QStringLiteral("C"), kitchen, QStringLiteral("X"));
@@ -130,7 +130,7 @@ TEST(Rooms, OfSeveralCoordinatorsTheFirstLeads) {
     EXPECT_EQ(describe(NetworkPlayerProtocol::rooms({c, b, a})), QStringLiteral("Kitchen:B=A+B+C"));
 }
 
-TEST(Rooms, SubsAndInvisiblePlayersAreLeftOut) {
+TEST(RoomsTest, SubsAndInvisiblePlayersAreLeftOut) {
     auto sub = otherPlayer(QStringLiteral("A"), kitchen);
     sub.isSub = true;
     auto hidden = otherPlayer(QStringLiteral("B"), kitchen);
@@ -139,7 +139,7 @@ TEST(Rooms, SubsAndInvisiblePlayersAreLeftOut) {
     EXPECT_TRUE(NetworkPlayerProtocol::rooms({}).isEmpty());
 }
 
-TEST(Rooms, ComeInTheSameOrderWhateverTheInput) {
+TEST(RoomsTest, ComeInTheSameOrderWhateverTheInput) {
     QList<SonosSpeaker> speakers;
     for (const auto* name : {"bad", "Ärzte", "kitchen", "Kitchen", "KITCHEN", "Zoo", "1"})
         speakers.append(otherPlayer(QString::number(speakers.size()), QString::fromUtf8(name)));

@@ -2,13 +2,7 @@
 #pragma once
 
 #include "playback/RadioPlayer.h"
-#include "tests/support/FakeDefaultsStore.h"
-#include "tests/support/FakeMediaControls.h"
-#include "tests/support/FakeStreamPlayer.h"
-#include "tests/support/FakeWakeNotifier.h"
-#include "tests/support/ManualMainQueue.h"
-#include "tests/support/PrintQt.h"
-#include "tests/support/RecordingOutput.h"
+#include "tests/support/World.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,7 +12,7 @@
 namespace zofra::test {
 
 /// A radio player among fakes, with a record of its callbacks.
-class RadioPlayerFixture : public ::testing::Test {
+class RadioPlayerTest : public ::testing::Test, protected World {
 protected:
     /// Makes the player; what is to be stored beforehand is in `defaults` by then.
     RadioPlayer& start() {
@@ -41,14 +35,6 @@ protected:
     [[nodiscard]] QUrl aac(RadioStation station) const { return station.streamAAC(hosts); }
     [[nodiscard]] QUrl mp3(RadioStation station) const { return station.streamMP3(hosts); }
 
-    ServiceHosts hosts;
-    FakeStreamPlayerFactory players;
-    FakeDefaultsStore defaults;
-    ManualMainQueue queue;
-    FakeNowPlayingInfoCenter nowPlaying;
-    FakeRemoteCommandCenter commands;
-    FakeWakeNotifier wake;
-    RecordingStandardOutput output;
     std::vector<bool> states;
     std::vector<QString> stations;
     std::unique_ptr<RadioPlayer> radio;

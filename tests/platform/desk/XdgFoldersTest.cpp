@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/PreferredLanguages.h"
 #include "platform/linux/XdgFolders.h"
+
+#include "platform/linux/PreferredLanguages.h"
 #include "tests/support/PrintQt.h"
 #include "tests/support/ScopedEnvironment.h"
 
@@ -20,7 +21,7 @@ QStringList list(std::initializer_list<const char*> texts) {
     return result;
 }
 
-TEST(Xdg, findsTheUsersConfiguration) {
+TEST(XdgFoldersTest, findsTheUsersConfiguration) {
     test::ScopedEnvironment environment;
     environment.set("HOME", "/home/jef");
     environment.unset("XDG_CONFIG_HOME");
@@ -31,7 +32,7 @@ TEST(Xdg, findsTheUsersConfiguration) {
     EXPECT_EQ(xdg::configHome(), QStringLiteral("/home/jef/.config"));
 }
 
-TEST(Xdg, findsTheSystemsConfiguration) {
+TEST(XdgFoldersTest, findsTheSystemsConfiguration) {
     test::ScopedEnvironment environment;
     environment.unset("XDG_CONFIG_DIRS");
     EXPECT_EQ(xdg::configDirs(), list({"/etc/xdg"}));
@@ -43,7 +44,7 @@ TEST(Xdg, findsTheSystemsConfiguration) {
     EXPECT_EQ(xdg::configDirs(), list({"/etc/xdg"}));
 }
 
-TEST(Xdg, findsProgramsInThePathOnly) {
+TEST(XdgFoldersTest, findsProgramsInThePathOnly) {
     test::ScopedEnvironment environment;
     QTemporaryDir folder;
     const auto program = folder.filePath(QStringLiteral("tool"));
@@ -60,7 +61,7 @@ TEST(Xdg, findsProgramsInThePathOnly) {
     QDir::setCurrent(QStringLiteral("/"));
 }
 
-TEST(PreferredLanguages, areTheSystems) {
+TEST(PreferredLanguagesTest, areTheSystems) {
     test::ScopedEnvironment environment;
     for (const auto* name : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"})
         environment.unset(name);

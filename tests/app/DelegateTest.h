@@ -2,18 +2,7 @@
 #pragma once
 
 #include "app/AppDelegate.h"
-#include "tests/support/FakeDefaultsStore.h"
-#include "tests/support/FakeLocalNetwork.h"
-#include "tests/support/FakeMediaControls.h"
-#include "tests/support/FakeMetadataSocket.h"
-#include "tests/support/FakeStatusItem.h"
-#include "tests/support/FakeStreamPlayer.h"
-#include "tests/support/FakeTaskPool.h"
-#include "tests/support/FakeWakeNotifier.h"
-#include "tests/support/FakeWorkspace.h"
-#include "tests/support/ManualMainQueue.h"
-#include "tests/support/PrintQt.h"
-#include "tests/support/RecordingOutput.h"
+#include "tests/support/World.h"
 
 #include <functional>
 #include <gmock/gmock.h>
@@ -25,37 +14,17 @@
 
 namespace zofra::test {
 
-/// Records each request as "POST Stop 10.0.0.5" (the action of a control request) or "GET host", and keeps
-/// its completion for the test.
-class RecordingHttpSession final : public HttpSession {
-public:
-    explicit RecordingHttpSession(QStringList& record)
-        : m_record(record) {}
-
-    void start(HttpRequest request, Completion completion) override {
-        QString action;
-        for (const auto& [name, value] : request.headers) {
-            if (name.compare("SOAPACTION", Qt::CaseInsensitive) == 0)
-                action = QString::fromLatin1(value).section(QLatin1Char('#'), 1).remove(QLatin1Char('"'));
-        }
-        m_record << QStringList{QString::fromLatin1(request.method), action, request.url.host()}
-                        .join(QLatin1Char(' '))
-                        .simplified();
-        const auto result = automatic ? std::optional(automatic(request)) : std::nullopt;
-        requests.push_back(std::move(request));
-        completions.push_back(result ? Completion() : completion);
-        if (result)
-            completion(*result);
+/// "POST Stop 10.0.0.5" (the action of a control request) or "GET host".
+[[nodiscard]] inline QString summary(const HttpRequest& request) {
+    QString action;
+    for (const auto& [name, value] : request.headers) {
+        if (name.compare("SOAPACTION", Qt::CaseInsensitive) == 0)
+            action = QString::fromLatin1(value).section(QLatin1Char('#'), 1).remove(QLatin1Char('"'));
     }
-
-    std::vector<HttpRequest> requests;
-    std::vector<Completion> completions;
-    /// Set, it answers each request before `start` returns.
-    std::function<HttpResult(const HttpRequest&)> automatic;
-
-private:
-    QStringList& m_record;
-};
+    return QStringList{QString::fromLatin1(request.method), action, request.url.host()}
+        .join(QLatin1Char(' '))
+        .simplified();
+}
 
 /// A window that records what is asked of it; the test closes it as a person would.
 class FakePopupWindow final : public PopupWindow {
@@ -125,8 +94,12 @@ private:
 };
 
 /// A controller with everything it wires, among fakes that share one record of what happens.
-class DelegateFixture : public ::testing::Test {
+class DelegateTest : public ::testing::Test, protected World {
 protected:
+    DelegateTest() {
+        http.onRequest = [this](const HttpRequest& request) { record << summary(request); };
+    }
+
     /// A room of one player at 10.0.0.`host`.
     static SonosRoom room(const QString& id, const QString& name, int host, bool isOwn = false) {
         SonosSpeaker speaker;
@@ -140,7 +113,7 @@ protected:
 
     /// The delegate, constructed but not launched.
     AppDelegate& make() {
-        AppDelegate::Environment environment{defaults,      queue,           output,    hosts,   session,
+        AppDelegate::Environment environment{defaults,      queue,           output,    hosts,   http,
                                              queue.clock(), sockets.maker(), statusBar, windows, application,
                                              workspace,     bundle,          {},        {},      {}};
         environment.languages = [this]() -> LanguageManager& {
@@ -151,13 +124,13 @@ protected:
         environment.player = [this]() -> RadioPlayer& {
             if (!player)
                 player = std::make_unique<RadioPlayer>(RadioPlayer::Environment{
-                    players, defaults, queue, nowPlaying, remoteCommands, wake, output, hosts});
+                    players, defaults, queue, nowPlaying, commands, wake, output, hosts});
             return *player;
         };
         environment.sonos = [this]() -> SonosManager& {
             if (!sonos)
                 sonos = std::make_unique<SonosManager>(
-                    discovers, SonosManager::Environment{session, defaults, queue, tasks, network, systemLog,
+                    discovers, SonosManager::Environment{http, defaults, queue, tasks, network, log,
                                                          *languages, *player, hosts});
             return *sonos;
         };
@@ -186,25 +159,11 @@ protected:
         return result;
     }
 
-    FakeStreamPlayerFactory players;
     /// One record for all.
     QStringList& record = players.calls;
-    ServiceHosts hosts;
-    FakeDefaultsStore defaults;
-    ManualMainQueue queue;
-    RecordingStandardOutput output;
-    RecordingSystemLog systemLog;
-    RecordingHttpSession session{record};
-    FakeSocketFactory sockets;
-    FakeNowPlayingInfoCenter nowPlaying;
-    FakeRemoteCommandCenter remoteCommands;
-    FakeWakeNotifier wake;
-    FakeTaskPool tasks{FakeTaskPool::Mode::onDemandThenInPlace};
-    FakeLocalNetwork network;
     FakeStatusBar statusBar{record};
     FakePopupWindowFactory windows{record};
     FakeApplication application{record};
-    FakeWorkspace workspace;
     QVariantMap bundle;
     QStringList preferredLanguages;
     bool discovers = false;

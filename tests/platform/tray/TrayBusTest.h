@@ -34,7 +34,7 @@ public:
 };
 
 /// A test with a message bus of its own and a client on it; skipped where there is no bus daemon.
-class BusFixture : public testing::Test {
+class TrayBusTest : public testing::Test {
 protected:
     void SetUp() override {
         if (!PrivateBus::isAvailable())

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/PanelMenus.h"
+
 #include "tests/app/panel/PanelWorld.h"
 
 #include <QAction>
@@ -23,7 +24,7 @@ QStringList linesOf(const QList<PanelMenuEntry>& entries) {
     return lines;
 }
 
-TEST(StationMenu, ListsEveryStationWithNameAndGenreAndMarksTheCurrentOne) {
+TEST(StationMenuTest, ListsEveryStationWithNameAndGenreAndMarksTheCurrentOne) {
     PanelWorld world(u"en"_qs, RadioStation::joe);
     EXPECT_EQ(linesOf(stationMenuEntries(world.state(), world.controls)),
               (QStringList{
@@ -34,7 +35,7 @@ TEST(StationMenu, ListsEveryStationWithNameAndGenreAndMarksTheCurrentOne) {
                   u"  Sud Radio Hainaut – Regional Mons & Pop"_qs}));
 }
 
-TEST(OutputMenu, WithoutRoomsSaysWhyAndOffersEverythingElse) {
+TEST(OutputMenuTest, WithoutRoomsSaysWhyAndOffersEverythingElse) {
     PanelWorld world;
     EXPECT_EQ(linesOf(outputMenuEntries(world.state(), world.controls)),
               (QStringList{u"* This Mac"_qs, u"(No Sonos or Zofra devices found)"_qs,
@@ -42,7 +43,7 @@ TEST(OutputMenu, WithoutRoomsSaysWhyAndOffersEverythingElse) {
                            u"  Search for Sonos and Zofra devices..."_qs, u"  Allow Local Network …"_qs}));
 }
 
-TEST(OutputMenu, SaysWhatTheSpeakerManagerSaysOfItsEmptiness) {
+TEST(OutputMenuTest, SaysWhatTheSpeakerManagerSaysOfItsEmptiness) {
     PanelWorld world(u"de"_qs);
     world.sonos.isScanning = true;
     EXPECT_EQ(linesOf(outputMenuEntries(world.state(), world.controls)).at(1), u"(Suche läuft …)"_qs);
@@ -51,7 +52,7 @@ TEST(OutputMenu, SaysWhatTheSpeakerManagerSaysOfItsEmptiness) {
               u"(Kein Zugriff aufs lokale Netzwerk)"_qs);
 }
 
-TEST(OutputMenu, ListsTheRoomsAndMarksTheTarget) {
+TEST(OutputMenuTest, ListsTheRoomsAndMarksTheTarget) {
     PanelWorld world;
     world.sonos.rooms =
         QList<SonosRoom>{makeRoom(u"A"_qs, u"Bath"_qs), makeRoom(u"B"_qs, u"Kitchen & <i>Bar</i>"_qs)};
@@ -65,7 +66,7 @@ TEST(OutputMenu, ListsTheRoomsAndMarksTheTarget) {
               u"* Everywhere (All Rooms)"_qs);
 }
 
-TEST(OutputMenu, GivesRoomsOfOneNameTitlesThatTellThemApart) {
+TEST(OutputMenuTest, GivesRoomsOfOneNameTitlesThatTellThemApart) {
     PanelWorld world;
     SonosRoom own = makeRoom(u"B"_qs, u"Kitchen"_qs);
     own.coordinator.model = u"Zofra Pi Player"_qs;
@@ -76,7 +77,7 @@ TEST(OutputMenu, GivesRoomsOfOneNameTitlesThatTellThemApart) {
     EXPECT_EQ(lines.at(2), u"  Kitchen (Zofra)"_qs);
 }
 
-TEST(OutputMenu, ExplainsPlayingEverywhere) {
+TEST(OutputMenuTest, ExplainsPlayingEverywhere) {
     PanelWorld world(u"fr"_qs);
     for (const PanelMenuEntry& entry : outputMenuEntries(world.state(), world.controls)) {
         const bool isEverywhere = entry.text == u"Partout (Toutes les pièces)"_qs;
@@ -84,7 +85,7 @@ TEST(OutputMenu, ExplainsPlayingEverywhere) {
     }
 }
 
-TEST(PanelMenu, ShowsTextAsItIs) {
+TEST(PanelMenuTest, ShowsTextAsItIs) {
     PanelWorld world;
     world.sonos.rooms = QList<SonosRoom>{makeRoom(u"A"_qs, u"R&B \u202Eroom\n"_qs)};
     const auto view = world.makeView();
@@ -100,7 +101,7 @@ TEST(PanelMenu, ShowsTextAsItIs) {
     EXPECT_EQ(button->openedMenu()->parentWidget(), button);
 }
 
-TEST(PanelMenu, FollowsTheStateWhileItIsOpen) {
+TEST(PanelMenuTest, FollowsTheStateWhileItIsOpen) {
     PanelWorld world;
     const auto view = world.makeView();
     view->show();
@@ -120,7 +121,7 @@ TEST(PanelMenu, FollowsTheStateWhileItIsOpen) {
     EXPECT_EQ(menu->activeAction()->text(), active);
 }
 
-TEST(PanelMenu, LeavesEqualLinesAlone) {
+TEST(PanelMenuTest, LeavesEqualLinesAlone) {
     PanelWorld world;
     const auto view = world.makeView();
     view->show();
@@ -132,7 +133,7 @@ TEST(PanelMenu, LeavesEqualLinesAlone) {
     EXPECT_EQ(button->openedMenu()->actions(), before);
 }
 
-TEST(PanelMenu, ChoosingALineDoesWhatItSays) {
+TEST(PanelMenuTest, ChoosingALineDoesWhatItSays) {
     PanelWorld world;
     world.findPlayer(u"RINCON_1"_qs, u"Kitchen"_qs);
     const auto view = world.makeView();
@@ -198,7 +199,7 @@ struct PaintedMenu {
     QImage image;
 };
 
-TEST(PanelMenu, OnlyTheCurrentLineCarriesTheCheckMark) {
+TEST(PanelMenuTest, OnlyTheCurrentLineCarriesTheCheckMark) {
     PanelWorld world(u"en"_qs, RadioStation::joe);
     PaintedMenu painted(world);
     painted.menu.setEntries(stationMenuEntries(world.state(), world.controls));
@@ -207,7 +208,7 @@ TEST(PanelMenu, OnlyTheCurrentLineCarriesTheCheckMark) {
         EXPECT_EQ(painted.hasLead(line, painted.look.theme.accentText), line == 2) << line;
 }
 
-TEST(PanelMenu, TheLineUnderThePointerIsMarkedAndNoOther) {
+TEST(PanelMenuTest, TheLineUnderThePointerIsMarkedAndNoOther) {
     PanelWorld world(u"en"_qs, RadioStation::joe);
     PaintedMenu painted(world);
     painted.menu.setEntries(stationMenuEntries(world.state(), world.controls));
@@ -219,7 +220,7 @@ TEST(PanelMenu, TheLineUnderThePointerIsMarkedAndNoOther) {
         EXPECT_EQ(painted.hasLead(line, mark), line == 5) << line;
 }
 
-TEST(PanelMenu, SaysWhyThereAreNoRoomsInSmallPrintThatCannotBeChosen) {
+TEST(PanelMenuTest, SaysWhyThereAreNoRoomsInSmallPrintThatCannotBeChosen) {
     PanelWorld world;
     PaintedMenu painted(world);
     painted.menu.setEntries(outputMenuEntries(world.state(), world.controls));

@@ -40,7 +40,7 @@ TEST_F(PanelViewTest, HasAFlagForEachLanguageInTheirOrder) {
     EXPECT_EQ(help, (QStringList{u"English"_qs, u"Nederlands"_qs, u"Français"_qs, u"Deutsch"_qs}));
 }
 
-TEST(PanelLoading, TheTextFollowsTheLanguageUntilSomethingIsKnown) {
+TEST(PanelLoadingTest, TheTextFollowsTheLanguageUntilSomethingIsKnown) {
     PanelWorld world(u"en"_qs, RadioStation::qmusic, PanelWorld::OnAir::loading);
     const auto view = world.makeView();
     view->show();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What every face of the program calls, over the real objects.
 #include "app/RadioControls.h"
+
 #include "tests/app/panel/PanelWorld.h"
 
 #include <cmath>
@@ -27,9 +28,9 @@ protected:
 
     void playLocally() {
         world.player.play();
-        world.streams.current()->setStatus(TimeControlStatus::playing);
+        world.players.current()->setStatus(TimeControlStatus::playing);
         world.queue.drain();
-        world.streams.calls.clear();
+        world.players.calls.clear();
     }
 
     PanelWorld world;
@@ -78,7 +79,7 @@ TEST_F(RadioControlsTest, ChoosingThisMacStopsThePlayersAndSaysSo) {
     EXPECT_FALSE(world.sonos.isSonosPlaying);
     EXPECT_EQ(world.calls, (QStringList{u"told after Stop"_qs, u"updateStatusBarButton"_qs}));
     // Local playback waits for the user.
-    EXPECT_TRUE(world.streams.calls.isEmpty());
+    EXPECT_TRUE(world.players.calls.isEmpty());
     EXPECT_FALSE(world.player.isPlaying);
 }
 
@@ -100,11 +101,11 @@ TEST_F(RadioControlsTest, ChoosingThisMacSetsTheTargetBeforeItStops) {
 TEST_F(RadioControlsTest, ChoosingARoomPausesTheStreamBeforeTheRoomPlays) {
     world.findPlayer(u"RINCON_1"_qs, u"Kitchen"_qs);
     playLocally();
-    world.streams.calls.clear();
-    world.streams.onCall = [this] { EXPECT_TRUE(world.http.requests.empty()); };
+    world.players.calls.clear();
+    world.players.onCall = [this] { EXPECT_TRUE(world.http.requests.empty()); };
     controls.chooseRoom(u"RINCON_1"_qs);
-    world.streams.onCall = nullptr;
-    EXPECT_EQ(world.streams.calls, QStringList{u"1 pause"_qs});
+    world.players.onCall = nullptr;
+    EXPECT_EQ(world.players.calls, QStringList{u"1 pause"_qs});
     EXPECT_FALSE(world.http.requests.empty());
 }
 
@@ -123,7 +124,7 @@ TEST_F(RadioControlsTest, ChoosingARoomMakesItTheTargetAndStopsTheLocalPlayer) {
 TEST_F(RadioControlsTest, ChoosingARoomBeforeAnythingPlayedHereOpensNoStream) {
     world.findPlayer(u"RINCON_1"_qs, u"Kitchen"_qs);
     controls.chooseRoom(u"RINCON_1"_qs);
-    EXPECT_TRUE(world.streams.calls.isEmpty());
+    EXPECT_TRUE(world.players.calls.isEmpty());
     EXPECT_EQ(world.player.player, nullptr);
     EXPECT_FALSE(world.http.requests.empty());
 }
@@ -177,7 +178,7 @@ TEST_F(RadioControlsTest, AVolumeForThisComputerIsSetAndKeptAndSentNowhere) {
     playLocally();
     controls.setVolume(0.35F);
     EXPECT_EQ(world.player.volume.get(), 0.35F);
-    EXPECT_EQ(world.streams.current()->volume, 0.35F);
+    EXPECT_EQ(world.players.current()->volume, 0.35F);
     EXPECT_EQ(world.defaults.values.value(u"zofra_radio_volume"_qs).toFloat(), 0.35F);
     EXPECT_TRUE(world.http.requests.empty());
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/QtPopupWindow.h"
+
 #include "tests/app/panel/PanelWorld.h"
 
 #include <QApplication>
@@ -13,15 +14,15 @@
 namespace zofra::test {
 namespace {
 
-class PopupWindowTest : public ::testing::Test {
+class QtPopupWindowTest : public ::testing::Test {
 public:
-    ~PopupWindowTest() override {
+    ~QtPopupWindowTest() override {
         window.reset();
         world.settle();
     }
 
 protected:
-    PopupWindowTest()
+    QtPopupWindowTest()
         : factory(world.environment()) {}
 
     void open() {
@@ -57,7 +58,7 @@ protected:
     std::unique_ptr<PopupWindow> window;
 };
 
-TEST_F(PopupWindowTest, IsTitledAndClosableOnly) {
+TEST_F(QtPopupWindowTest, IsTitledAndClosableOnly) {
     open();
     ASSERT_EQ(windows().size(), 1);
     const QWidget* host = windows().first();
@@ -71,7 +72,7 @@ TEST_F(PopupWindowTest, IsTitledAndClosableOnly) {
     EXPECT_TRUE(host->isWindow());
 }
 
-TEST_F(PopupWindowTest, IsAsLargeAsThePanelAndFollowsIt) {
+TEST_F(QtPopupWindowTest, IsAsLargeAsThePanelAndFollowsIt) {
     open();
     const QWidget* host = windows().first();
     EXPECT_EQ(host->minimumSize(), host->maximumSize());
@@ -82,14 +83,14 @@ TEST_F(PopupWindowTest, IsAsLargeAsThePanelAndFollowsIt) {
     EXPECT_EQ(host->minimumSize(), host->maximumSize());
 }
 
-TEST_F(PopupWindowTest, StandsInTheMiddleOfTheScreen) {
+TEST_F(QtPopupWindowTest, StandsInTheMiddleOfTheScreen) {
     open();
     const QPoint off = windows().first()->geometry().center() -
                        QGuiApplication::primaryScreen()->availableGeometry().center();
     EXPECT_LE(off.manhattanLength(), 4);
 }
 
-TEST_F(PopupWindowTest, OpensOnTheScreenOfThePointer) {
+TEST_F(QtPopupWindowTest, OpensOnTheScreenOfThePointer) {
     ASSERT_GE(QGuiApplication::screens().size(), 2) << "the tests' own screens";
     for (QScreen* screen : QGuiApplication::screens()) {
         QCursor::setPos(QGuiApplication::primaryScreen(), screen->geometry().center() + QPoint(70, 30));
@@ -102,14 +103,14 @@ TEST_F(PopupWindowTest, OpensOnTheScreenOfThePointer) {
     QCursor::setPos(QGuiApplication::primaryScreen()->geometry().center());
 }
 
-TEST_F(PopupWindowTest, ComesForwardAgainWithoutASecondWindow) {
+TEST_F(QtPopupWindowTest, ComesForwardAgainWithoutASecondWindow) {
     open();
     window->makeKeyAndOrderFront();
     world.settle();
     EXPECT_EQ(windows().size(), 1);
 }
 
-TEST_F(PopupWindowTest, TellsOnceThatItCloses) {
+TEST_F(QtPopupWindowTest, TellsOnceThatItCloses) {
     open();
     windows().first()->close();
     world.settle();
@@ -117,7 +118,7 @@ TEST_F(PopupWindowTest, TellsOnceThatItCloses) {
     EXPECT_TRUE(windows().isEmpty());
 }
 
-TEST_F(PopupWindowTest, ClosesByEscapeAndReturnThroughThePanel) {
+TEST_F(QtPopupWindowTest, ClosesByEscapeAndReturnThroughThePanel) {
     for (const int key : {int(Qt::Key_Escape), int(Qt::Key_Return)}) {
         world.calls.clear();
         open();
@@ -129,7 +130,7 @@ TEST_F(PopupWindowTest, ClosesByEscapeAndReturnThroughThePanel) {
     }
 }
 
-TEST_F(PopupWindowTest, EndsWithItsOwnerWithoutAWord) {
+TEST_F(QtPopupWindowTest, EndsWithItsOwnerWithoutAWord) {
     open();
     window.reset();
     world.settle();
@@ -137,7 +138,7 @@ TEST_F(PopupWindowTest, EndsWithItsOwnerWithoutAWord) {
     EXPECT_TRUE(windows().isEmpty());
 }
 
-TEST_F(PopupWindowTest, PreparingTheFirstOneShowsNothingAndAsksNothing) {
+TEST_F(QtPopupWindowTest, PreparingTheFirstOneShowsNothingAndAsksNothing) {
     const auto before = QApplication::topLevelWidgets().size();
     world.defaults.writes.clear();
     const auto steps = factory.preparation({QStringLiteral("1.0 (Build 1)"), world.viewModel,
@@ -159,7 +160,7 @@ TEST_F(PopupWindowTest, PreparingTheFirstOneShowsNothingAndAsksNothing) {
     EXPECT_EQ(windows().size(), 1);
 }
 
-TEST_F(PopupWindowTest, ClosingItDoesNotEndTheProgram) {
+TEST_F(QtPopupWindowTest, ClosingItDoesNotEndTheProgram) {
     bool isOver = false;
     const auto connection =
         QObject::connect(qApp, &QGuiApplication::lastWindowClosed, qApp, [&isOver] { isOver = true; });

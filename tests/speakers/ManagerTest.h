@@ -4,16 +4,7 @@
 #include "speakers/RoomCache.h"
 #include "speakers/SonosManager.h"
 #include "tests/speakers/Samples.h"
-#include "tests/support/FakeDefaultsStore.h"
-#include "tests/support/FakeHttpSession.h"
-#include "tests/support/FakeLocalNetwork.h"
-#include "tests/support/FakeMediaControls.h"
-#include "tests/support/FakeStreamPlayer.h"
-#include "tests/support/FakeTaskPool.h"
-#include "tests/support/FakeWakeNotifier.h"
-#include "tests/support/ManualMainQueue.h"
-#include "tests/support/PrintQt.h"
-#include "tests/support/RecordingOutput.h"
+#include "tests/support/World.h"
 
 #include <QMap>
 
@@ -49,19 +40,19 @@ struct House {
 };
 
 /// A manager in a world of fakes. Requests are answered at once by `house` until `holdRequests`; from then on
-/// they stay open in `session`.
-class ManagerFixture : public ::testing::Test {
+/// they stay open in `http`.
+class ManagerTest : public ::testing::Test, protected World {
 protected:
-    ManagerFixture() { answerRequests(); }
+    ManagerTest() { answerRequests(); }
 
     void answerRequests() {
-        session.automatic = [this](const HttpRequest& request) { return house.answer(request); };
+        http.automatic = [this](const HttpRequest& request) { return house.answer(request); };
     }
-    void holdRequests() { session.automatic = nullptr; }
+    void holdRequests() { http.automatic = nullptr; }
 
     SonosManager& start(bool automaticallyDiscover) {
         manager = std::make_unique<SonosManager>(
-            automaticallyDiscover, SonosManager::Environment{session, defaults, queue, tasks, network, log,
+            automaticallyDiscover, SonosManager::Environment{http, defaults, queue, tasks, network, log,
                                                              languages, localPlayer, hosts});
         manager->onRoomsUpdated = [this](const QList<SonosRoom>& rooms) { updates.append(rooms); };
         manager->onPlaybackStateChanged = [this](bool playing) { states.append(playing); };
@@ -78,7 +69,7 @@ protected:
         start(false).discoverDevices(false);
         tasks.runAll();
         queue.drain();
-        session.requests.clear();
+        http.requests.clear();
         log.lines.clear();
         updates.clear();
         return *manager;
@@ -87,9 +78,9 @@ protected:
     /// "Play 10.0.0.1, Stop 10.0.0.2": the requests since the last call.
     QString requests() {
         QStringList texts;
-        for (const auto& request : session.requests)
+        for (const auto& request : http.requests)
             texts.append(summary(request));
-        session.requests.clear();
+        http.requests.clear();
         return texts.join(QStringLiteral(", "));
     }
 
@@ -102,23 +93,11 @@ protected:
     }
 
     House house;
-    FakeHttpSession session;
-    FakeDefaultsStore defaults;
-    ManualMainQueue queue;
-    FakeTaskPool tasks{FakeTaskPool::Mode::onDemandThenInPlace};
-    FakeLocalNetwork network;
-    RecordingSystemLog log;
-    ServiceHosts hosts;
-    FakeStreamPlayerFactory streamPlayers;
-    FakeNowPlayingInfoCenter nowPlaying;
-    FakeRemoteCommandCenter commands;
-    FakeWakeNotifier wake;
-    RecordingStandardOutput output;
     FakeDefaultsStore languageDefaults;
     LanguageManager languages{languageDefaults, {}};
     FakeDefaultsStore playerDefaults;
-    RadioPlayer localPlayer{RadioPlayer::Environment{streamPlayers, playerDefaults, queue, nowPlaying,
-                                                     commands, wake, output, hosts}};
+    RadioPlayer localPlayer{
+        RadioPlayer::Environment{players, playerDefaults, queue, nowPlaying, commands, wake, output, hosts}};
     std::unique_ptr<SonosManager> manager;
     QList<QList<SonosRoom>> updates;
     QList<bool> states;

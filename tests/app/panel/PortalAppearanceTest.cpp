@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/PortalAppearance.h"
+
 #include "tests/support/EventLoop.h"
 #include "tests/support/PrivateBus.h"
 
@@ -179,7 +180,7 @@ TEST_F(PortalAppearanceTest, MayEndBeforeTheAnswer) {
     EXPECT_EQ(source.current(), DesktopAppearance());
 }
 
-TEST(AppearanceSource, TellsOnlyChanges) {
+TEST(AppearanceSourceTest, TellsOnlyChanges) {
     AppearanceSource source;
     int told = 0;
     const auto token = source.observeChanged([&told] { ++told; });

@@ -148,7 +148,7 @@ QScreen* screenNamed(const std::string& name) {
     return found == all.end() ? nullptr : *found;
 }
 
-class PanelPicture : public ::testing::TestWithParam<Picture> {
+class PanelPictureTest : public ::testing::TestWithParam<Picture> {
 protected:
     void SetUp() override {
         if (const auto reason = whyNoComparison(); !reason.empty())
@@ -156,7 +156,7 @@ protected:
     }
 };
 
-TEST_P(PanelPicture, LooksAsBefore) {
+TEST_P(PanelPictureTest, LooksAsBefore) {
     const Picture& asked = GetParam();
     const auto station =
         asked.scene == Scene::longest ? RadioStation::sudRadioBelgique : RadioStation::qmusic;
@@ -186,7 +186,7 @@ TEST_P(PanelPicture, LooksAsBefore) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    All, PanelPicture,
+    All, PanelPictureTest,
     ::testing::Values(
         Picture{"quiet-en-light-2x", "en", light, 2, Scene::quiet},
         Picture{"quiet-de-dark-1x", "de", dark, 1, Scene::quiet},
@@ -219,7 +219,8 @@ INSTANTIATE_TEST_SUITE_P(
     });
 
 /// The menus as they open.
-class MenuPicture : public ::testing::TestWithParam<std::tuple<std::string, DesktopAppearance::ColorScheme>> {
+class MenuPictureTest
+    : public ::testing::TestWithParam<std::tuple<std::string, DesktopAppearance::ColorScheme>> {
 protected:
     void SetUp() override {
         if (const auto reason = whyNoComparison(); !reason.empty())
@@ -236,7 +237,7 @@ QImage menuPicture(PanelWorld& world, AboutPopupView& view, int index) {
     return image;
 }
 
-TEST_P(MenuPicture, LooksAsBefore) {
+TEST_P(MenuPictureTest, LooksAsBefore) {
     const auto& [language, scheme] = GetParam();
     const QString code = QString::fromStdString(language);
     PanelWorld world(code);
@@ -259,7 +260,7 @@ TEST_P(MenuPicture, LooksAsBefore) {
     expectGolden(menuPicture(world, *view, 1), QStringLiteral("menu-output-rooms") + suffix);
 }
 
-TEST_P(MenuPicture, OfThirtyRoomsScrolls) {
+TEST_P(MenuPictureTest, OfThirtyRoomsScrolls) {
     const auto& [language, scheme] = GetParam();
     if (language != "en")
         return;
@@ -296,7 +297,7 @@ private:
     PanelWorld& m_world;
 };
 
-TEST_P(MenuPicture, OfTheStatusBarLooksAsBefore) {
+TEST_P(MenuPictureTest, OfTheStatusBarLooksAsBefore) {
     const auto& [language, scheme] = GetParam();
     const QString code = QString::fromStdString(language);
     PanelWorld world(code);
@@ -326,7 +327,7 @@ std::string menuTestName(const ::testing::TestParamInfo<MenuPicture::ParamType>&
     return std::get<0>(tested.param) + "_" + schemeName(std::get<1>(tested.param)).toStdString();
 }
 
-INSTANTIATE_TEST_SUITE_P(All, MenuPicture,
+INSTANTIATE_TEST_SUITE_P(All, MenuPictureTest,
                          ::testing::Values(std::tuple("en", Scheme::light), std::tuple("en", Scheme::dark),
                                            std::tuple("nl", Scheme::light), std::tuple("fr", Scheme::dark),
                                            std::tuple("de", Scheme::light)),

@@ -24,13 +24,13 @@ const QString a = QStringLiteral("A");
 const QString b = QStringLiteral("B");
 const QString kitchen = QStringLiteral("Kitchen");
 
-TEST(Topology, ReportsEachMember) {
+TEST(ZoneGroupTopologyTest, ReportsEachMember) {
     const auto members = read(test::groupXml(b, test::memberXml(a, address, kitchen)));
     ASSERT_EQ(members.size(), 1);
     EXPECT_EQ(members[0], (PlayerTopologyMember{a, QUrl(address), kitchen, true, b}));
 }
 
-TEST(Topology, OfNoAnswerIsEmpty) {
+TEST(ZoneGroupTopologyTest, OfNoAnswerIsEmpty) {
     EXPECT_TRUE(NetworkPlayerProtocol::topology(QString()).isEmpty());
     EXPECT_TRUE(NetworkPlayerProtocol::topology(QStringLiteral("<html>403</html>")).isEmpty());
     EXPECT_TRUE(NetworkPlayerProtocol::topology(QStringLiteral("<r><ZoneGroupState/></r>")).isEmpty());
@@ -41,7 +41,7 @@ TEST(Topology, OfNoAnswerIsEmpty) {
         NetworkPlayerProtocol::topology(test::topologyAnswer(QStringLiteral("<!DOCTYPE x><x/>"))).isEmpty());
 }
 
-TEST(Topology, TakesTheFirstReportBelowTheRoot) {
+TEST(ZoneGroupTopologyTest, TakesTheFirstReportBelowTheRoot) {
     const auto inner = [](const QString& uuid) {
         return QStringLiteral("<ZoneGroupState>") +
                escapedForXml(QStringLiteral("<g>") +
@@ -57,14 +57,14 @@ TEST(Topology, TakesTheFirstReportBelowTheRoot) {
         << "the root itself is not below the root";
 }
 
-TEST(Topology, MarkupThatIsNotEscapedIsNoReport) {
+TEST(ZoneGroupTopologyTest, MarkupThatIsNotEscapedIsNoReport) {
     EXPECT_TRUE(NetworkPlayerProtocol::topology(QStringLiteral("<r><ZoneGroupState>") +
                                                 test::groupXml(a, test::memberXml(a, address, kitchen)) +
                                                 QStringLiteral("</ZoneGroupState></r>"))
                     .isEmpty());
 }
 
-TEST(Topology, AGroupMayHaveNoCoordinator) {
+TEST(ZoneGroupTopologyTest, AGroupMayHaveNoCoordinator) {
     const auto members = read(QStringLiteral("<ZoneGroup>") + test::memberXml(a, address, kitchen) +
                               QStringLiteral("</ZoneGroup>"));
     ASSERT_EQ(members.size(), 1);
@@ -73,7 +73,7 @@ TEST(Topology, AGroupMayHaveNoCoordinator) {
               QString());
 }
 
-TEST(Topology, OnlyInvisibleOneHides) {
+TEST(ZoneGroupTopologyTest, OnlyInvisibleOneHides) {
     const auto visible = [](const QString& more) {
         return read(test::groupXml(a, test::memberXml(a, address, kitchen, more)))[0].isVisible;
     };
@@ -84,7 +84,7 @@ TEST(Topology, OnlyInvisibleOneHides) {
     EXPECT_FALSE(visible(QStringLiteral("Invisible='1'")));
 }
 
-TEST(Topology, AMemberNeedsIdNameAndAddress) {
+TEST(ZoneGroupTopologyTest, AMemberNeedsIdNameAndAddress) {
     const auto count = [](const QString& attributes) {
         return read(
                    test::groupXml(a, QStringLiteral("<ZoneGroupMember ") + attributes + QStringLiteral("/>")))
@@ -104,7 +104,7 @@ TEST(Topology, AMemberNeedsIdNameAndAddress) {
             << location;
 }
 
-TEST(Topology, SatellitesComeBeforeTheirMemberAndAreInvisible) {
+TEST(ZoneGroupTopologyTest, SatellitesComeBeforeTheirMemberAndAreInvisible) {
     const auto members = read(
         test::groupXml(a, QStringLiteral("<ZoneGroupMember UUID='A' ZoneName='Theatre' Location='%1'>"
                                          "<Satellite UUID='S1' ZoneName='Rear' Location='%1' Invisible='0'/>"
@@ -119,7 +119,7 @@ TEST(Topology, SatellitesComeBeforeTheirMemberAndAreInvisible) {
     EXPECT_EQ(members[2], (PlayerTopologyMember{a, QUrl(address), QStringLiteral("Theatre"), true, a}));
 }
 
-TEST(Topology, ADroppedMemberKeepsItsSatellites) {
+TEST(ZoneGroupTopologyTest, ADroppedMemberKeepsItsSatellites) {
     const auto members = read(
         test::groupXml(a, QStringLiteral("<ZoneGroupMember UUID='A'><Satellite UUID='S' Location='ftp://h/'/>"
                                          "</ZoneGroupMember>")));
@@ -127,7 +127,7 @@ TEST(Topology, ADroppedMemberKeepsItsSatellites) {
     EXPECT_EQ(members[0], (PlayerTopologyMember{QStringLiteral("S"), std::nullopt, QString(), false, a}));
 }
 
-TEST(Topology, NestingThatMultipliesMembersIsRefused) {
+TEST(ZoneGroupTopologyTest, NestingThatMultipliesMembersIsRefused) {
     const auto one = QStringLiteral("<ZoneGroupMember><Satellite UUID='S'/></ZoneGroupMember>");
     const auto inside = [&one](int groups, int members) {
         return QStringLiteral("<ZoneGroup>").repeated(groups) + one.repeated(members) +
@@ -138,7 +138,7 @@ TEST(Topology, NestingThatMultipliesMembersIsRefused) {
     EXPECT_TRUE(read(inside(40, 1024)).isEmpty());
 }
 
-TEST(Topology, NestingThatMultipliesTheWorkIsRefused) {
+TEST(ZoneGroupTopologyTest, NestingThatMultipliesTheWorkIsRefused) {
     // Few members, but each search goes through all that is below.
     const auto nested = [](int depth, int elements) {
         const auto group = test::groupXml(QStringLiteral("A"), QStringLiteral("%1"));
@@ -154,7 +154,7 @@ TEST(Topology, NestingThatMultipliesTheWorkIsRefused) {
     EXPECT_TRUE(NetworkPlayerProtocol::topology(nested(20, 10'000)).isEmpty());
 }
 
-TEST(Topology, AttributesTooLongToBeKeptCountAsMissing) {
+TEST(ZoneGroupTopologyTest, AttributesTooLongToBeKeptCountAsMissing) {
     const QString tooLong(1025, u'x');
     EXPECT_TRUE(read(test::groupXml(a, test::memberXml(tooLong, address, kitchen))).isEmpty());
     EXPECT_TRUE(read(test::groupXml(a, test::memberXml(a, address, tooLong))).isEmpty());
@@ -164,26 +164,26 @@ TEST(Topology, AttributesTooLongToBeKeptCountAsMissing) {
     EXPECT_EQ(members[0].coordinator, QString());
 }
 
-TEST(TopologyMerge, LaterRecordsWin) {
+TEST(TopologyMergeTest, LaterRecordsWin) {
     const auto merged = NetworkPlayerProtocol::merge(
         {{member(a, true, QStringLiteral("Old"))}, {member(a, true, QStringLiteral("New"))}});
     EXPECT_EQ(merged, (QList<PlayerTopologyMember>{member(a, true, QStringLiteral("New"))}));
 }
 
-TEST(TopologyMerge, WhoIsInvisibleOnceStaysSo) {
+TEST(TopologyMergeTest, WhoIsInvisibleOnceStaysSo) {
     const QList<PlayerTopologyMember> expected{member(a, false)};
     EXPECT_EQ(NetworkPlayerProtocol::merge({{member(a, false)}, {member(a, true)}}), expected);
     EXPECT_EQ(NetworkPlayerProtocol::merge({{member(a, true)}, {member(a, false)}}), expected);
     EXPECT_EQ(NetworkPlayerProtocol::merge({{member(a, true), member(a, false), member(a, true)}}), expected);
 }
 
-TEST(TopologyMerge, ALaterInvisibleRecordReplacesAnInvisibleOne) {
+TEST(TopologyMergeTest, ALaterInvisibleRecordReplacesAnInvisibleOne) {
     const auto merged = NetworkPlayerProtocol::merge(
         {{member(a, false, QStringLiteral("Old"))}, {member(a, false, QStringLiteral("New"))}});
     EXPECT_EQ(merged, (QList<PlayerTopologyMember>{member(a, false, QStringLiteral("New"))}));
 }
 
-TEST(TopologyMerge, IsInPlainOrderOfIds) {
+TEST(TopologyMergeTest, IsInPlainOrderOfIds) {
     const auto lower = QStringLiteral("a");
     const auto merged =
         NetworkPlayerProtocol::merge({{member(lower, true), member(b, true)}, {member(a, true)}});
@@ -230,9 +230,9 @@ struct CapturedTopology {
     const char* groups;
 };
 
-class TopologyCapture : public testing::TestWithParam<CapturedTopology> {};
+class TopologyCaptureTest : public testing::TestWithParam<CapturedTopology> {};
 
-TEST_P(TopologyCapture, GivesTheRoomsThatItsOwnerKnows) {
+TEST_P(TopologyCaptureTest, GivesTheRoomsThatItsOwnerKnows) {
     const auto members = captured(QString::fromLatin1(GetParam().file));
     if (!members)
         GTEST_SKIP() << "skipped: no captures";
@@ -241,7 +241,7 @@ TEST_P(TopologyCapture, GivesTheRoomsThatItsOwnerKnows) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    All, TopologyCapture,
+    All, TopologyCaptureTest,
     testing::Values(CapturedTopology{"three_rooms_grouped.xml", 3, "Eetkamer+Keuken+TV"},
                     CapturedTopology{"two_rooms_grouped.xml", 2, "Kitchen+Living Room"},
                     CapturedTopology{"stereo_pair_invisible_first.xml", 2, "Office"},
@@ -253,7 +253,7 @@ INSTANTIATE_TEST_SUITE_P(
                     CapturedTopology{"orphan_group.inner.xml", 1, "Kitchen"},
                     CapturedTopology{"malformed_inner.event.xml", 0, ""}));
 
-TEST(TopologyCaptures, TheOldRootHasFiveVisibleRoomsOfSevenUnits) {
+TEST(TopologyCapturesTest, TheOldRootHasFiveVisibleRoomsOfSevenUnits) {
     const auto members = captured(QStringLiteral("old_root_boost_and_sub.event.xml"));
     if (!members)
         GTEST_SKIP() << "skipped: no captures";
@@ -263,7 +263,7 @@ TEST(TopologyCaptures, TheOldRootHasFiveVisibleRoomsOfSevenUnits) {
     EXPECT_EQ(members->first().zoneName, QStringLiteral("BOOST"));
 }
 
-TEST(TopologyCaptures, TheGroupOfThreeIsLedFromTheKitchen) {
+TEST(TopologyCapturesTest, TheGroupOfThreeIsLedFromTheKitchen) {
     const auto members = captured(QStringLiteral("three_rooms_grouped.xml"));
     if (!members)
         GTEST_SKIP() << "skipped: no captures";
@@ -273,7 +273,7 @@ TEST(TopologyCaptures, TheGroupOfThreeIsLedFromTheKitchen) {
     EXPECT_EQ(leader->descriptionURL->host(), QStringLiteral("192.168.1.20"));
 }
 
-TEST(TopologyCaptures, TheOrphanHasNoCoordinator) {
+TEST(TopologyCapturesTest, TheOrphanHasNoCoordinator) {
     const auto members = captured(QStringLiteral("orphan_group.inner.xml"));
     if (!members)
         GTEST_SKIP() << "skipped: no captures";

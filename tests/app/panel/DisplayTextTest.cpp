@@ -9,7 +9,7 @@
 namespace zofra::test {
 namespace {
 
-TEST(DisplayText, IsNeverMarkupInToolTips) {
+TEST(DisplayTextTest, IsNeverMarkupInToolTips) {
     const QString text = u"<b>Tom</b> & <img src='file:///etc/passwd'>"_qs;
     QTextDocument document;
     document.setHtml(toolTipText(text));

@@ -31,14 +31,14 @@ std::vector<QColor> manyAccents() {
     return colors;
 }
 
-TEST(PanelTheme, IsRedWhereTheDesktopSaysNothing) {
+TEST(PanelThemeTest, IsRedWhereTheDesktopSaysNothing) {
     EXPECT_EQ(PanelTheme::make({Scheme::light, Contrast::normal, std::nullopt}, toolkitPalette()).accent,
               QColor(0xc8102e));
     EXPECT_EQ(PanelTheme::make({Scheme::dark, Contrast::normal, std::nullopt}, toolkitPalette()).accent,
               QColor(0xff4d5e));
 }
 
-TEST(PanelTheme, TakesThePortalsAccentBeforeThePalettes) {
+TEST(PanelThemeTest, TakesThePortalsAccentBeforeThePalettes) {
     QPalette palette = toolkitPalette();
     palette.setColor(QPalette::Highlight, QColor(0x0b6b2f));
     EXPECT_EQ(PanelTheme::make({Scheme::light, Contrast::normal, std::nullopt}, palette).accent,
@@ -47,14 +47,14 @@ TEST(PanelTheme, TakesThePortalsAccentBeforeThePalettes) {
               QColor(0x5a2ca0));
 }
 
-TEST(PanelTheme, DoesNotTakeAGreySelectionForAnAccent) {
+TEST(PanelThemeTest, DoesNotTakeAGreySelectionForAnAccent) {
     QPalette palette = toolkitPalette();
     palette.setColor(QPalette::Highlight, QColor(0x808080));
     EXPECT_EQ(PanelTheme::make({Scheme::light, Contrast::normal, std::nullopt}, palette).accent,
               QColor(0xc8102e));
 }
 
-TEST(PanelTheme, FollowsThePortalsSchemeAndElseThePalette) {
+TEST(PanelThemeTest, FollowsThePortalsSchemeAndElseThePalette) {
     const QPalette light(QColor(0xefefef));
     const QPalette dark(QColor(0x202020));
     EXPECT_FALSE(PanelTheme::make({}, light).isDark);
@@ -63,7 +63,7 @@ TEST(PanelTheme, FollowsThePortalsSchemeAndElseThePalette) {
     EXPECT_FALSE(PanelTheme::make({Scheme::light, Contrast::normal, std::nullopt}, dark).isDark);
 }
 
-TEST(PanelTheme, IsHighContrastWhenAskedOrWhenThePaletteIs) {
+TEST(PanelThemeTest, IsHighContrastWhenAskedOrWhenThePaletteIs) {
     EXPECT_FALSE(PanelTheme::make({}, toolkitPalette()).isHighContrast);
     EXPECT_TRUE(
         PanelTheme::make({Scheme::dark, Contrast::high, std::nullopt}, toolkitPalette()).isHighContrast);
@@ -73,7 +73,7 @@ TEST(PanelTheme, IsHighContrastWhenAskedOrWhenThePaletteIs) {
     EXPECT_TRUE(PanelTheme::make({}, stark).isHighContrast);
 }
 
-TEST(PanelTheme, CanBeReadWhateverTheAccent) {
+TEST(PanelThemeTest, CanBeReadWhateverTheAccent) {
     for (const Scheme scheme : {Scheme::light, Scheme::dark}) {
         for (const Contrast contrast : {Contrast::normal, Contrast::high}) {
             const double least = contrast == Contrast::high ? 7.0 : 4.5;
@@ -107,7 +107,7 @@ TEST(PanelTheme, CanBeReadWhateverTheAccent) {
     }
 }
 
-TEST(PanelTheme, CountsContrastAsTheStandardDoes) {
+TEST(PanelThemeTest, CountsContrastAsTheStandardDoes) {
     EXPECT_DOUBLE_EQ(contrastRatio(Qt::black, Qt::white), 21.0);
     EXPECT_DOUBLE_EQ(contrastRatio(Qt::white, Qt::white), 1.0);
     EXPECT_NEAR(contrastRatio(QColor(0x777777), Qt::white), 4.48, 0.01);

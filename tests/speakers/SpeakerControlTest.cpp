@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "speakers/SoapRequest.h"
 #include "speakers/SpeakerControl.h"
+
+#include "speakers/SoapRequest.h"
 #include "tests/speakers/Background.h"
 #include "tests/speakers/Samples.h"
 #include "tests/support/PrintQt.h"
@@ -40,11 +41,11 @@ void expectGolden(const QString& name, const HttpRequest& request) {
     EXPECT_EQ(request.route, HttpRequest::Route::direct);
 }
 
-class Control : public testing::Test {
+class SpeakerControlTest : public testing::Test {
 protected:
-    Control() { speaker.descriptionURL = test::descriptionUrl(5); }
+    SpeakerControlTest() { speaker.descriptionURL = test::descriptionUrl(5); }
 
-    const HttpRequest& last() const { return background.session.requests.back(); }
+    const HttpRequest& last() const { return background.http.requests.back(); }
     SpeakerControl::Completion record() {
         return [this](bool succeeded) { results.append(succeeded); };
     }
@@ -56,7 +57,7 @@ protected:
     QList<bool> results;
 };
 
-TEST_F(Control, RequestsGoOutByteForByte) {
+TEST_F(SpeakerControlTest, RequestsGoOutByteForByte) {
     const auto endpoint = transportEndpoint(speaker);
     control.setAVTransportURI(
         endpoint, QStringLiteral("x-rincon-mp3radio://icecast-qmusicbe-cdp.triple-it.nl/qmusic.mp3"), {});
@@ -77,17 +78,17 @@ TEST_F(Control, RequestsGoOutByteForByte) {
     speaker.groupCoordinatorId = QStringLiteral("B");
     control.detachIfGrouped(speaker, record());
     expectGolden(QStringLiteral("become_coordinator"), last());
-    EXPECT_EQ(background.session.requests.size(), 8U);
+    EXPECT_EQ(background.http.requests.size(), 8U);
 }
 
-TEST_F(Control, TheTopologyRequestHasAnEmptyBody) {
+TEST_F(SpeakerControlTest, TheTopologyRequestHasAnEmptyBody) {
     expectGolden(
         QStringLiteral("get_zone_group_state"),
         soapRequest(speaker.endpoint(speaker.topologyPath, QString::fromLatin1(ControlPath::topology)),
                     QStringLiteral("ZoneGroupTopology:1"), QStringLiteral("GetZoneGroupState"), QString()));
 }
 
-TEST_F(Control, GoesToTheAnnouncedAddresses) {
+TEST_F(SpeakerControlTest, GoesToTheAnnouncedAddresses) {
     speaker.transportPath = QStringLiteral("/transport");
     speaker.renderingPath = QStringLiteral("https://10.0.0.9/rendering");
     control.play(speaker, {});
@@ -96,7 +97,7 @@ TEST_F(Control, GoesToTheAnnouncedAddresses) {
     EXPECT_EQ(last().url.toString(), QStringLiteral("https://10.0.0.9/rendering"));
 }
 
-TEST_F(Control, VolumeIsClamped) {
+TEST_F(SpeakerControlTest, VolumeIsClamped) {
     for (const auto& [percent, sent] :
          {std::pair(-5, 0), {0, 0}, {100, 100}, {130, 100}, {INT_MIN, 0}, {INT_MAX, 100}}) {
         control.setVolume(speaker, percent, {});
@@ -105,67 +106,67 @@ TEST_F(Control, VolumeIsClamped) {
     }
 }
 
-TEST_F(Control, TheAmpersandOfAnAddressIsEscapedOnceAndTheMetadataNotAgain) {
+TEST_F(SpeakerControlTest, TheAmpersandOfAnAddressIsEscapedOnceAndTheMetadataNotAgain) {
     control.setAVTransportURI(transportEndpoint(speaker), QStringLiteral("u?a&b"), {});
     EXPECT_TRUE(last().body.contains("<CurrentURI>u?a&amp;b</CurrentURI>"));
     EXPECT_FALSE(last().body.contains("&amp;lt;"));
 }
 
-TEST_F(Control, Status200And204AreSuccess) {
+TEST_F(SpeakerControlTest, Status200And204AreSuccess) {
     for (const int status : {200, 204, 201, 206, 0, 302, 403, 500}) {
         control.play(speaker, record());
-        background.session.answer(status, {});
+        background.http.answer(status, {});
     }
     EXPECT_EQ(results, (QList<bool>{true, true, false, false, false, false, false, false}));
     EXPECT_EQ(background.log.lines.size(), 6U);
 }
 
-TEST_F(Control, AFailureIsLoggedOnceWithItsStatus) {
+TEST_F(SpeakerControlTest, AFailureIsLoggedOnceWithItsStatus) {
     control.pause(speaker, record());
-    background.session.answer(500, "<fault/>");
+    background.http.answer(500, "<fault/>");
     control.stop(speaker, {});
-    background.session.fail({HttpError::Code::timedOut, 0, QStringLiteral("timed out")});
+    background.http.fail({HttpError::Code::timedOut, 0, QStringLiteral("timed out")});
     EXPECT_EQ(background.log.lines,
               (std::vector<QString>{QStringLiteral("[Sonos] SOAP Pause an 10.0.0.5 fehlgeschlagen: HTTP 500"),
                                     QStringLiteral("[Sonos] SOAP Stop an 10.0.0.5 fehlgeschlagen: HTTP 0")}));
     EXPECT_EQ(background.denials, QList<bool>());
 }
 
-TEST_F(Control, AnEndpointWithoutAHostIsLoggedAsUnknown) {
+TEST_F(SpeakerControlTest, AnEndpointWithoutAHostIsLoggedAsUnknown) {
     control.sendSOAPAction(QUrl(QStringLiteral("file:///x")), QStringLiteral("AVTransport:1"),
                            QStringLiteral("Play"), QString(), record());
-    background.session.fail({HttpError::Code::unsupportedUrl, 0, QStringLiteral("no")});
+    background.http.fail({HttpError::Code::unsupportedUrl, 0, QStringLiteral("no")});
     EXPECT_EQ(background.log.lines,
               (std::vector<QString>{QStringLiteral("[Sonos] SOAP Play an ? fehlgeschlagen: HTTP 0")}));
     EXPECT_EQ(results, QList<bool>{false});
 }
 
-TEST_F(Control, NothingIsRetried) {
+TEST_F(SpeakerControlTest, NothingIsRetried) {
     control.play(speaker, record());
-    background.session.fail({HttpError::Code::connectionLost, 0, QString()});
-    EXPECT_EQ(background.session.requests.size(), 1U);
+    background.http.fail({HttpError::Code::connectionLost, 0, QString()});
+    EXPECT_EQ(background.http.requests.size(), 1U);
 }
 
-TEST_F(Control, ARefusedConnectionAttemptIsADenial) {
+TEST_F(SpeakerControlTest, ARefusedConnectionAttemptIsADenial) {
     control.play(speaker, record());
-    background.session.fail({HttpError::Code::notConnected, EPERM, QStringLiteral("refused")});
+    background.http.fail({HttpError::Code::notConnected, EPERM, QStringLiteral("refused")});
     EXPECT_EQ(background.denials, QList<bool>()) << "not before the main queue's next turn";
-    background.mainQueue.drain();
+    background.queue.drain();
     EXPECT_EQ(background.denials, QList<bool>{true});
     EXPECT_EQ(results, QList<bool>{false});
 }
 
-TEST_F(Control, ARefusalBeyondTheSearchedNetworkIsNoDenial) {
+TEST_F(SpeakerControlTest, ARefusalBeyondTheSearchedNetworkIsNoDenial) {
     for (const auto* host : {"[fd00::5]", "10.0.1.5", "player.local"}) {
         speaker.descriptionURL = QUrl(QStringLiteral("http://%1:1400/d.xml").arg(QLatin1String(host)));
         control.play(speaker, record());
-        background.session.fail({HttpError::Code::notConnected, ENETUNREACH, QStringLiteral("no route")});
-        background.mainQueue.drain();
+        background.http.fail({HttpError::Code::notConnected, ENETUNREACH, QStringLiteral("no route")});
+        background.queue.drain();
         EXPECT_TRUE(background.denials.isEmpty()) << host;
     }
 }
 
-TEST(LocalNetworkDenial, IsNotConnectedOrSaysSo) {
+TEST(LocalNetworkDenialTest, IsNotConnectedOrSaysSo) {
     EXPECT_FALSE(isLocalNetworkDenial(std::nullopt));
     EXPECT_TRUE(isLocalNetworkDenial(HttpError{HttpError::Code::notConnected, 0, QString()}));
     EXPECT_TRUE(isLocalNetworkDenial(
@@ -178,7 +179,7 @@ TEST(LocalNetworkDenial, IsNotConnectedOrSaysSo) {
         EXPECT_FALSE(isLocalNetworkDenial(HttpError{code, 0, QString()}));
 }
 
-TEST_F(Control, WhoLeadsItselfHasNothingToLeave) {
+TEST_F(SpeakerControlTest, WhoLeadsItselfHasNothingToLeave) {
     control.detachIfGrouped(speaker, record());
     speaker.groupCoordinatorId = speaker.id;
     control.detachIfGrouped(speaker, record());
@@ -186,26 +187,26 @@ TEST_F(Control, WhoLeadsItselfHasNothingToLeave) {
     own.groupCoordinatorId = QStringLiteral("B");
     control.detachIfGrouped(own, record());
     EXPECT_EQ(results, (QList<bool>{true, true, true})) << "each in place";
-    EXPECT_TRUE(background.session.requests.empty());
+    EXPECT_TRUE(background.http.requests.empty());
 }
 
-TEST_F(Control, LeavingAGroupPassesItsResultOn) {
+TEST_F(SpeakerControlTest, LeavingAGroupPassesItsResultOn) {
     speaker.groupCoordinatorId = QStringLiteral("B");
     control.detachIfGrouped(speaker, record());
     EXPECT_TRUE(results.isEmpty());
-    background.session.answer(200, {});
+    background.http.answer(200, {});
     control.detachIfGrouped(speaker, record());
-    background.session.answer(500, {});
+    background.http.answer(500, {});
     EXPECT_EQ(results, (QList<bool>{true, false}));
 }
 
-TEST_F(Control, AfterTheManagersEndTheCompletionIsCalledButNothingLoggedOrNoted) {
+TEST_F(SpeakerControlTest, AfterTheManagersEndTheCompletionIsCalledButNothingLoggedOrNoted) {
     control.play(speaker, record());
     control.pause(speaker, record());
     background.state->end();
-    background.session.answer(500, {});
-    background.session.fail({HttpError::Code::notConnected, EPERM, QString()});
-    background.mainQueue.drain();
+    background.http.answer(500, {});
+    background.http.fail({HttpError::Code::notConnected, EPERM, QString()});
+    background.queue.drain();
     EXPECT_EQ(results, (QList<bool>{false, false}));
     EXPECT_TRUE(background.log.lines.empty());
     EXPECT_EQ(background.denials, QList<bool>());

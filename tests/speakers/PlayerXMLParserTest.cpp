@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "speakers/NetworkPlayerProtocol.h"
 #include "speakers/PlayerXMLParser.h"
+
+#include "speakers/NetworkPlayerProtocol.h"
 #include "tests/support/PrintQt.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +20,7 @@ QString names(const std::vector<PlayerXMLNode::Pointer>& nodes) {
     return result;
 }
 
-TEST(PlayerXML, GivesLocalNamesAttributesAndText) {
+TEST(PlayerXMLParserTest, GivesLocalNamesAttributesAndText) {
     const auto root =
         parse("<a:r xmlns:a='urn:a' x='1' a:y='2'>one<c/>two &lt;&#65;&gt;<!-- no --> 3 </a:r>");
     ASSERT_TRUE(root);
@@ -31,40 +32,40 @@ TEST(PlayerXML, GivesLocalNamesAttributesAndText) {
     EXPECT_EQ(root->children.front()->name, QStringLiteral("c"));
 }
 
-TEST(PlayerXML, TextOfChildrenIsNotTheParents) {
+TEST(PlayerXMLParserTest, TextOfChildrenIsNotTheParents) {
     const auto root = parse("<r>a<c>b</c>c</r>");
     ASSERT_TRUE(root);
     EXPECT_EQ(root->text, QStringLiteral("ac"));
     EXPECT_EQ(root->child(QStringLiteral("c"))->text, QStringLiteral("b"));
 }
 
-TEST(PlayerXML, WhiteSpaceIsKept) {
+TEST(PlayerXMLParserTest, WhiteSpaceIsKept) {
     EXPECT_EQ(parse("<r>\n  <c/>\t</r>")->text, QStringLiteral("\n  \t"));
 }
 
-TEST(PlayerXML, CdataIsText) {
+TEST(PlayerXMLParserTest, CdataIsText) {
     EXPECT_EQ(parse("<r>a<![CDATA[<b>&amp;]]>c</r>")->text, QStringLiteral("a<b>&amp;c"));
 }
 
-TEST(PlayerXML, EscapedMarkupCanBeParsedAgain) {
+TEST(PlayerXMLParserTest, EscapedMarkupCanBeParsedAgain) {
     const auto inner = NetworkPlayerProtocol::xml(parse("<r>&lt;i a=&quot;&amp;amp;&quot;/&gt;</r>")->text);
     ASSERT_TRUE(inner);
     EXPECT_EQ(inner->attributes.value(QStringLiteral("a")), QStringLiteral("&"));
 }
 
-TEST(PlayerXML, ChildIsTheFirstOfExactlyThatName) {
+TEST(PlayerXMLParserTest, ChildIsTheFirstOfExactlyThatName) {
     const auto root = parse("<r><x><c n='0'/></x><C n='1'/><c n='2'/><c n='3'/></r>");
     EXPECT_EQ(root->child(QStringLiteral("c"))->attributes.value(QStringLiteral("n")), QStringLiteral("2"));
     EXPECT_FALSE(root->child(QStringLiteral("nothing")));
 }
 
-TEST(PlayerXML, DescendantsComeInDocumentOrderWithoutTheNodeItself) {
+TEST(PlayerXMLParserTest, DescendantsComeInDocumentOrderWithoutTheNodeItself) {
     const auto root = parse("<c n='0'><x><c n='1'><c n='2'/></c></x><C n='9'/><c n='3'/></c>");
     EXPECT_EQ(names(root->descendants(QStringLiteral("c"))), QStringLiteral("123"));
     EXPECT_TRUE(root->descendants(QStringLiteral("nothing")).empty());
 }
 
-TEST(PlayerXML, MalformedTextIsNothing) {
+TEST(PlayerXMLParserTest, MalformedTextIsNothing) {
     for (const auto* text : {"",
                              " ",
                              "text",
@@ -88,7 +89,7 @@ TEST(PlayerXML, MalformedTextIsNothing) {
         EXPECT_FALSE(parse(text)) << text;
 }
 
-TEST(PlayerXML, VersionOneOneIsReadLikeOneZero) {
+TEST(PlayerXMLParserTest, VersionOneOneIsReadLikeOneZero) {
     for (const auto* version : {"version=\"1.0\"", "version=\"1.1\"", "\n version = '1.1' encoding='utf-8'"})
         EXPECT_TRUE(NetworkPlayerProtocol::xml(QStringLiteral("<?xml ") + QLatin1String(version) +
                                                QStringLiteral("?><a/>")))
@@ -99,7 +100,7 @@ TEST(PlayerXML, VersionOneOneIsReadLikeOneZero) {
             << version;
 }
 
-TEST(PlayerXML, DocumentTypesAreRefusedHoweverWritten) {
+TEST(PlayerXMLParserTest, DocumentTypesAreRefusedHoweverWritten) {
     for (const auto* text :
          {"<!DOCTYPE r><r/>", "<!doctype r><r/>", "<!DocType r [<!ENTITY e 'x'>]><r>&e;</r>",
           "<?xml version='1.0'?>\n<!DOCTYPE r SYSTEM 'http://h/'><r/>", "<r><!-- <!DOCTYPE --></r>",
@@ -107,7 +108,7 @@ TEST(PlayerXML, DocumentTypesAreRefusedHoweverWritten) {
         EXPECT_FALSE(parse(text)) << text;
 }
 
-TEST(PlayerXML, ADeclaredEncodingHidesNothing) {
+TEST(PlayerXMLParserTest, ADeclaredEncodingHidesNothing) {
     // In UTF-7 the same bytes spell a document type.
     EXPECT_FALSE(parse("<?xml version='1.0' encoding='UTF-7'?>+ADwAIQ-DOCTYPE r+AD4-<r/>"));
     // The text is text already, whatever it was once encoded in.
@@ -122,7 +123,7 @@ QString nested(int depth) {
     return QStringLiteral("<a>").repeated(depth) + QStringLiteral("</a>").repeated(depth);
 }
 
-TEST(PlayerXMLLimits, DepthIsBounded) {
+TEST(PlayerXMLLimitsTest, DepthIsBounded) {
     EXPECT_TRUE(NetworkPlayerProtocol::xml(nested(64)));
     EXPECT_FALSE(NetworkPlayerProtocol::xml(nested(65)));
     EXPECT_FALSE(NetworkPlayerProtocol::xml(nested(100'000)));
@@ -136,12 +137,12 @@ QString withAttributes(int count) {
     return text + QStringLiteral("/>");
 }
 
-TEST(PlayerXMLLimits, AttributesAreBounded) {
+TEST(PlayerXMLLimitsTest, AttributesAreBounded) {
     EXPECT_TRUE(NetworkPlayerProtocol::xml(withAttributes(256)));
     EXPECT_FALSE(NetworkPlayerProtocol::xml(withAttributes(257)));
 }
 
-TEST(PlayerXMLLimits, ElementsAreBounded) {
+TEST(PlayerXMLLimitsTest, ElementsAreBounded) {
     const auto one = QStringLiteral("<a/>");
     EXPECT_TRUE(
         NetworkPlayerProtocol::xml(QStringLiteral("<r>") + one.repeated(19'999) + QStringLiteral("</r>")));
@@ -149,20 +150,20 @@ TEST(PlayerXMLLimits, ElementsAreBounded) {
         NetworkPlayerProtocol::xml(QStringLiteral("<r>") + one.repeated(20'000) + QStringLiteral("</r>")));
 }
 
-TEST(PlayerXMLLimits, TextIsBounded) {
+TEST(PlayerXMLLimitsTest, TextIsBounded) {
     const QString text(1024 * 1024 - 7, u'x');
     EXPECT_TRUE(NetworkPlayerProtocol::xml(QStringLiteral("<r>") + text + QStringLiteral("</r>")));
     EXPECT_FALSE(NetworkPlayerProtocol::xml(QStringLiteral("<r>x") + text + QStringLiteral("</r>")));
 }
 
-TEST(PlayerXML, MarkupInsideOfTextIsText) {
+TEST(PlayerXMLParserTest, MarkupInsideOfTextIsText) {
     for (const auto* text :
          {"<r a='>' b=\"'\">a = b > c</r>", "<r><!-- <a = ' & --></r>", "<r><![CDATA[<a ' & ]]></r>",
           "<?pi a = ' & ?><r/>", "<r a = '1' />", "<r\n\ta='&amp;'\n/>", "<r>&#x10FFFF;</r>"})
         EXPECT_TRUE(parse(text)) << text;
 }
 
-TEST(PlayerXMLParser, KeepsTheLastOfSeveralRoots) {
+TEST(PlayerXMLParserTest, KeepsTheLastOfSeveralRoots) {
     PlayerXMLParser parser;
     parser.charactersFound(u"ignored");
     (void)parser.elementStarted(QStringLiteral("a"), {});
@@ -178,7 +179,7 @@ TEST(PlayerXMLParser, KeepsTheLastOfSeveralRoots) {
     EXPECT_TRUE(parser.stack.empty());
 }
 
-TEST(PlayerXMLNode, ADeepTreeIsWalkedAndTakenApartWithoutRecursion) {
+TEST(PlayerXMLNodeTest, ADeepTreeIsWalkedAndTakenApartWithoutRecursion) {
     auto root = std::make_shared<PlayerXMLNode>(QStringLiteral("a"), QMap<QString, QString>());
     auto deepest = root;
     for (int i = 0; i < 1'000'000; ++i) {
@@ -193,7 +194,7 @@ TEST(PlayerXMLNode, ADeepTreeIsWalkedAndTakenApartWithoutRecursion) {
     EXPECT_TRUE(last.expired());
 }
 
-TEST(PlayerXMLNode, ASearchGoesNoFurtherThanItsVisits) {
+TEST(PlayerXMLNodeTest, ASearchGoesNoFurtherThanItsVisits) {
     const auto root = parse("<r><c n='1'/><x/><c n='2'/><x/><c n='3'/></r>");
     std::size_t visits = 8;
     EXPECT_EQ(names(root->descendants(QStringLiteral("c"), visits)), QStringLiteral("123"));
@@ -202,7 +203,7 @@ TEST(PlayerXMLNode, ASearchGoesNoFurtherThanItsVisits) {
     EXPECT_EQ(visits, 0U);
 }
 
-TEST(PlayerXMLNode, ASharedPartOutlivesItsTree) {
+TEST(PlayerXMLNodeTest, ASharedPartOutlivesItsTree) {
     auto root = parse("<r><a><b n='1'/></a></r>");
     const auto kept = root->child(QStringLiteral("a"));
     root.reset();
