@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/AppDelegate.h"
+#include "tests/support/FakeStatusItem.h"
 #include "tests/support/World.h"
 
 #include <functional>

@@ -78,7 +78,7 @@ public:
 
 private:
     /// Outlives the network, as sockets do.
-    struct TrackRecordsTest {
+    struct Records {
         std::mutex mutex;
         std::vector<Sent> sent;
         std::vector<QString> opened;
