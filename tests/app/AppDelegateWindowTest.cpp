@@ -92,7 +92,7 @@ TEST_F(AppDelegateWindowTest, WithoutWindowsNothingHappens) {
         std::unique_ptr<PopupWindow> makeWindow(PopupPanelContent) override { return nullptr; }
     } none;
     make();
-    AppDelegate::Environment environment{defaults,      queue,           output,    hosts, session,
+    AppDelegate::Environment environment{defaults,      queue,           output,    hosts, http,
                                          queue.clock(), sockets.maker(), statusBar, none,  application,
                                          workspace,     bundle,          {},        {},    {}};
     environment.languages = [this]() -> LanguageManager& { return *languages; };

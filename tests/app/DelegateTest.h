@@ -16,7 +16,7 @@
 namespace zofra::test {
 
 /// "POST Stop 10.0.0.5" (the action of a control request) or "GET host".
-[[nodiscard]] inline QString summary(const HttpRequest& request) {
+[[nodiscard]] inline QString requestLine(const HttpRequest& request) {
     QString action;
     for (const auto& [name, value] : request.headers) {
         if (name.compare("SOAPACTION", Qt::CaseInsensitive) == 0)
@@ -98,7 +98,7 @@ private:
 class DelegateTest : public ::testing::Test, protected World {
 protected:
     DelegateTest() {
-        http.onRequest = [this](const HttpRequest& request) { record << summary(request); };
+        http.onRequest = [this](const HttpRequest& request) { record << requestLine(request); };
     }
 
     /// A room of one player at 10.0.0.`host`.

@@ -323,7 +323,7 @@ TEST_P(MenuPictureTest, OfTheStatusBarLooksAsBefore) {
     expectGolden(picture(*output, 2), QStringLiteral("menu-status-output") + suffix);
 }
 
-std::string menuTestName(const ::testing::TestParamInfo<MenuPicture::ParamType>& tested) {
+std::string menuTestName(const ::testing::TestParamInfo<MenuPictureTest::ParamType>& tested) {
     return std::get<0>(tested.param) + "_" + schemeName(std::get<1>(tested.param)).toStdString();
 }
 
