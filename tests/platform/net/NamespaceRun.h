@@ -13,7 +13,7 @@
 
 namespace zofra::test {
 
-/// Runs the disabled test "InNamespace.DISABLED_`name`" of this program once more, in network and mount
+/// Runs the disabled test "NamespaceTest.DISABLED_`name`" of this program once more, in network and mount
 /// namespaces of its own, after `setUp` (shell commands). The calling test is skipped where no namespace can
 /// be made.
 inline void runInNamespace(const QString& name, const QString& setUp) {
@@ -24,7 +24,7 @@ inline void runInNamespace(const QString& name, const QString& setUp) {
     const auto log = folder.filePath(u"output"_qs);
     const auto command = u"{ "_qs + setUp + u" ; } >'"_qs + log + u"' 2>&1 && exec timeout 60 "_qs +
                          QCoreApplication::applicationFilePath() +
-                         u" --gtest_also_run_disabled_tests --gtest_filter=InNamespace.DISABLED_"_qs + name +
+                         u" --gtest_also_run_disabled_tests --gtest_filter=NamespaceTest.DISABLED_"_qs + name +
                          u" >>'"_qs + log + u"' 2>&1"_qs;
     const int status = runProgram(u"unshare"_qs, unshare + QStringList{u"sh"_qs, u"-c"_qs, command});
     QFile file(log);
