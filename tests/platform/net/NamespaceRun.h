@@ -24,8 +24,8 @@ inline void runInNamespace(const QString& name, const QString& setUp) {
     const auto log = folder.filePath(u"output"_qs);
     const auto command = u"{ "_qs + setUp + u" ; } >'"_qs + log + u"' 2>&1 && exec timeout 60 "_qs +
                          QCoreApplication::applicationFilePath() +
-                         u" --gtest_also_run_disabled_tests --gtest_filter=NamespaceTest.DISABLED_"_qs + name +
-                         u" >>'"_qs + log + u"' 2>&1"_qs;
+                         u" --gtest_also_run_disabled_tests --gtest_filter=NamespaceTest.DISABLED_"_qs +
+                         name + u" >>'"_qs + log + u"' 2>&1"_qs;
     const int status = runProgram(u"unshare"_qs, unshare + QStringList{u"sh"_qs, u"-c"_qs, command});
     QFile file(log);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
