@@ -39,10 +39,6 @@ ZofraNextTrack nextTrack(std::optional<QString> title, std::optional<QString> ar
     return data;
 }
 
-TEST(NowPlayingSeparatorTest, IsABlankAnEnDashAndABlank) {
-    EXPECT_EQ(nowPlayingSeparator(), QString(u" \u2013 "_qs));
-}
-
 TEST(FormattedCurrentTest, JoinsTrimmedArtistAndTitle) {
     EXPECT_EQ(track(u"  Song \n"_qs, u"Band"_qs).formattedCurrent(), u"Band – Song"_qs);
     EXPECT_EQ(track(u"\u00A0Song\u2028"_qs, u"\tBand\r\n"_qs).formattedCurrent(), u"Band – Song"_qs);
