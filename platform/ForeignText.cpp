@@ -50,16 +50,8 @@ QString hexadecimal(QChar c, int width) {
 
 /// The escape that every language has for `c`; empty when there is none.
 QString commonEscape(QChar c) {
-    switch (c.unicode()) {
-    case u'\n':
-        return QStringLiteral("\\n");
-    case u'\r':
-        return QStringLiteral("\\r");
-    case u'\t':
-        return QStringLiteral("\\t");
-    default:
-        return {};
-    }
+    const auto place = QStringView(u"\n\r\t").indexOf(c);
+    return place < 0 ? QString() : QStringLiteral("\\") + QStringView(u"nrt")[place];
 }
 
 QString visible(QChar c) {
@@ -88,9 +80,9 @@ QString missingClosers(const QString& text) {
     constexpr QChar closesIsolate(0x2069);
     QString stack;
     for (const QChar c : text) {
-        if (!overridesDirection(c)) {
+        if (!overridesDirection(c))
             continue;
-        } else if (c == closesEmbedding) {
+        if (c == closesEmbedding) {
             if (stack.endsWith(closesEmbedding))
                 stack.chop(1);
         } else if (c == closesIsolate) {

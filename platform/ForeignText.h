@@ -17,8 +17,7 @@ namespace zofra {
 [[nodiscard]] QString visibleText(const QString& text);
 /// `text` cut to at most `maxLength` UTF-16 units, the last one an ellipsis when something was cut.
 [[nodiscard]] QString cutText(const QString& text, qsizetype maxLength);
-/// What a library says of an error, as a part of one line: at most 300 units of it, white space simplified,
-/// control and format characters blank.
+/// A library's words as part of a line: 300 units at most, white space simplified, what is invisible blank.
 [[nodiscard]] QString oneLine(const QString& text);
 /// `text` with a question mark for each control character and line separator.
 [[nodiscard]] QString maskedText(QString text);

@@ -35,8 +35,7 @@ struct HttpRequest {
     std::size_t maxBodyBytes = 1'048'576;
     Purpose purpose = Purpose::question;
     Route route = Route::environment;
-    /// Once a stop is requested the request is given up, waiting or under way, and ends with
-    /// HttpError::Code::cancelled.
+    /// A stop gives the request up, waiting or under way; it ends with HttpError::Code::cancelled.
     std::stop_token stop = {};
 };
 
@@ -74,8 +73,7 @@ struct HttpResult {
     std::optional<HttpError> error;
 };
 
-/// Sends HTTP requests. Redirects of questions are followed at most 5 times, only over http and https, never
-/// from https to http.
+/// Sends HTTP requests. Questions follow 5 redirects at most, over http and https, never from https to http.
 class HttpSession {
 public:
     using Completion = std::function<void(HttpResult)>;

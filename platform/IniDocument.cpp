@@ -16,16 +16,13 @@ bool isBlank(char c) {
     return c == ' ' || c == '\t';
 }
 
+bool isControl(char c) {
+    return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+}
+
 bool isCommentStart(char c) {
     return c == ';' || c == '#';
 }
-
-/// Where the value's own text lies in what stands after the `=`: without the blanks around it and the
-/// comment.
-struct Span {
-    qsizetype begin = 0;
-    qsizetype end = 0;
-};
 
 /// Sections and names of [General] lose their section, in whatever case it is written.
 QByteArray fullKey(const QByteArray& section, const QByteArray& name) {
@@ -96,29 +93,26 @@ bool startsJson(QByteArrayView text) {
 }
 
 bool isText(const QByteArray& line) {
-    const bool hasControl = std::any_of(line.begin(), line.end(), [](char c) {
-        return (static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\r') || c == 0x7F;
-    });
+    const bool hasControl =
+        std::any_of(line.begin(), line.end(), [](char c) { return isControl(c) && c != '\t' && c != '\r'; });
     // A comment in an older encoding is a person's all the same.
     const auto start = line.trimmed();
     return !hasControl && line.size() <= IniDocument::maxLineBytes &&
            (line.isValidUtf8() || (!start.isEmpty() && isCommentStart(start[0])));
 }
 
-Span spanOfValue(QByteArrayView text) {
-    Span span{0, text.size()};
-    while (span.begin < span.end && isBlank(text[span.begin]))
-        ++span.begin;
-    auto at = span.begin;
-    const auto rest = text.sliced(at);
-    if (rest.startsWith('"') && unquoted(text, at)) {
-        span.end = at;
-    } else if (!startsJson(rest)) {
-        span.end = span.begin + withoutIniComment(rest).size();
-    }
-    while (span.end > span.begin && isBlank(text[span.end - 1]))
-        --span.end;
-    return span;
+/// The value's own text in what stands after the `=`: without the blanks around it and the comment.
+QByteArrayView ownText(QByteArrayView text) {
+    while (text.startsWith(' ') || text.startsWith('\t'))
+        text = text.sliced(1);
+    qsizetype end = 0;
+    if (text.startsWith('"') && unquoted(text, end))
+        text = text.first(end);
+    else if (!startsJson(text))
+        text = text.first(withoutIniComment(text).size());
+    while (text.endsWith(' ') || text.endsWith('\t'))
+        text.chop(1);
+    return text;
 }
 
 QByteArray quoted(const QByteArray& value) {
@@ -135,7 +129,7 @@ QByteArray quoted(const QByteArray& value) {
             result += "\\r";
         else if (c == '\t')
             result += "\\t";
-        else if (byte < 0x20 || byte == 0x7F || (byte >= 0x80 && !isText))
+        else if (isControl(c) || (byte >= 0x80 && !isText))
             result += "\\x" + QByteArray::number(byte, 16).rightJustified(2, '0');
         else
             result += c;
@@ -155,16 +149,14 @@ QByteArrayView withoutIniComment(QByteArrayView line) {
 }
 
 QByteArray encodedIniValue(const QByteArray& value) {
-    const bool isPlain = std::none_of(
-        value.begin(), value.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
-    if (isPlain && decodedIniValue(value) == value && QString::fromUtf8(value).toUtf8() == value)
+    if (std::none_of(value.begin(), value.end(), isControl) && decodedIniValue(value) == value &&
+        QString::fromUtf8(value).toUtf8() == value)
         return value;
     return quoted(value);
 }
 
 QByteArray decodedIniValue(QByteArrayView text) {
-    const auto span = spanOfValue(text);
-    const auto own = text.sliced(span.begin, span.end - span.begin);
+    const auto own = ownText(text);
     qsizetype at = 0;
     if (own.startsWith('"')) {
         if (const auto value = unquoted(own, at))
@@ -215,15 +207,15 @@ void IniDocument::setValue(const QByteArray& key, const QByteArray& value) {
     const auto line = find(key);
     if (line != m_lines.end()) {
         auto& text = m_lines[static_cast<std::size_t>(line - m_lines.begin())].text;
-        const auto start = text.indexOf('=') + 1;
-        const auto span = spanOfValue(QByteArrayView(text).sliced(start));
-        const auto tail = text.sliced(start + span.end);
+        const auto own = ownText(QByteArrayView(text).sliced(text.indexOf('=') + 1));
+        const auto start = own.data() - text.constData();
+        const auto tail = text.sliced(start + own.size());
         auto encoded = encodedIniValue(value);
         // JSON text is taken whole, so a comment can only follow it when it is quoted.
         if (startsJson(encoded) && !tail.trimmed().isEmpty())
             encoded = quoted(value);
         const auto gap = !tail.isEmpty() && !isBlank(tail[0]) ? QByteArray(" ") : QByteArray();
-        text = text.first(start + span.begin) + encoded + gap + tail;
+        text = text.first(start) + encoded + gap + tail;
         return;
     }
     const auto slash = key.indexOf('/');

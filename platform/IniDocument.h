@@ -39,8 +39,7 @@ public:
     [[nodiscard]] QByteArray bytes() const;
     [[nodiscard]] const std::vector<Line>& lines() const { return m_lines; }
 
-    /// Whether there are lines that are no text at all: control characters, not UTF-8, or endless. A person's
-    /// lines that merely make no sense are none.
+    /// Whether lines are no text at all: control characters, not UTF-8, or endless. Mere nonsense is text.
     [[nodiscard]] bool isDamaged() const;
     /// Takes those lines out. Whoever does keeps what `bytes` was before.
     void dropDamage();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QString>
@@ -39,8 +40,7 @@ concept List = requires(Type list, typename Type::value_type value) {
 
 /// Whole numbers only, however they are written: 1.0 is one, 1.5 and 1e30 are not.
 inline std::optional<std::int64_t> wholeNumber(const QJsonValue& value) {
-    // The default is what toInteger answers for a number that is not whole; when it is the number itself, ask
-    // again.
+    // toInteger answers its default for a number that is not whole; two tell it from the number itself.
     if (!value.isDouble() || (value.toInteger(0) == 0 && value.toInteger(1) == 1))
         return std::nullopt;
     return value.toInteger();
@@ -132,6 +132,11 @@ template<typename Field>
         });
         return object;
     }
+}
+
+/// An object or array as text without a blank in it.
+[[nodiscard]] QString compactJson(const auto& value) {
+    return QString::fromUtf8(QJsonDocument(value).toJson(QJsonDocument::Compact));
 }
 
 } // namespace zofra

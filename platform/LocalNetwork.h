@@ -54,8 +54,7 @@ public:
     virtual ~LocalNetwork() = default;
     /// Every entry in the system's order; empty when the system refuses.
     [[nodiscard]] virtual std::vector<InterfaceAddress> interfaceAddresses() const = 0;
-    /// A socket bound to `ip` on any port, multicast leaving through that interface and broadcast allowed;
-    /// null when it cannot be made.
+    /// A socket bound to `ip` on any port, multicast leaving there, broadcast allowed, or null.
     [[nodiscard]] virtual std::unique_ptr<UdpSearchSocket> openSearchSocket(const QString& ip) = 0;
 };
 

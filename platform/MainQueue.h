@@ -21,12 +21,10 @@ public:
 
     virtual ~MainQueue() = default;
 
-    /// Runs `work` later on the main thread, in the order posted. Callable from any thread; never runs in
-    /// place.
+    /// Runs `work` later on the main thread, in the order posted, never in place. Callable from any thread.
     virtual void async(Work work) = 0;
 
-    /// Runs `work` on the main thread once `delay` has passed. Callable from any thread; cannot be taken
-    /// back.
+    /// Runs `work` on the main thread after `delay`; cannot be taken back. Callable from any thread.
     virtual void asyncAfter(std::chrono::milliseconds delay, Work work) = 0;
 
     /// Starts a timer whose first call comes one `interval` from now. Main thread only.

@@ -2,18 +2,14 @@
 #pragma once
 
 #include <functional>
-#include <list>
 #include <memory>
 #include <utility>
+#include <vector>
 
 namespace zofra {
 
 /// Keeps an observation alive; destroying it ends the observation at once.
-class Observation {
-public:
-    virtual ~Observation() = default;
-};
-using ObservationToken = std::unique_ptr<Observation>;
+using ObservationToken = std::shared_ptr<void>;
 
 /// A list of observers of one thing. Main thread only. Observers may come and go while they are being told.
 template<typename... Arguments>
@@ -23,14 +19,15 @@ public:
 
     /// Adds an observer until the returned token ends. The token may outlive the list.
     [[nodiscard]] ObservationToken add(Handler handler) {
-        auto entry = std::make_shared<Handler>(std::move(handler));
-        m_entries->push_back(entry);
-        return std::make_unique<Entry>(m_entries, std::move(entry));
+        std::erase_if(m_handlers, [](const auto& weak) { return weak.expired(); });
+        auto token = std::make_shared<Handler>(std::move(handler));
+        m_handlers.push_back(token);
+        return token;
     }
 
     /// Tells every observer, in the order in which they came.
     void notify(Arguments... arguments) const {
-        const auto snapshot = *m_entries;
+        const auto snapshot = m_handlers;
         for (const auto& weak : snapshot) {
             const auto handler = weak.lock();
             if (handler && *handler)
@@ -39,25 +36,7 @@ public:
     }
 
 private:
-    using Entries = std::list<std::weak_ptr<Handler>>;
-    class Entry final : public Observation {
-    public:
-        Entry(std::shared_ptr<Entries> entries, std::shared_ptr<Handler> handler)
-            : m_entries(std::move(entries))
-            , m_handler(std::move(handler)) {}
-        Entry(const Entry&) = delete;
-        Entry& operator=(const Entry&) = delete;
-        ~Entry() override {
-            m_handler.reset();
-            m_entries->remove_if([](const auto& weak) { return weak.expired(); });
-        }
-
-    private:
-        std::shared_ptr<Entries> m_entries;
-        std::shared_ptr<Handler> m_handler;
-    };
-
-    std::shared_ptr<Entries> m_entries = std::make_shared<Entries>();
+    std::vector<std::weak_ptr<Handler>> m_handlers;
 };
 
 /// An object whose published fields can be watched, before and after they change. Main thread only.
@@ -103,7 +82,7 @@ public:
         return *this;
     }
     [[nodiscard]] const Value& get() const { return m_value; }
-    // NOLINTNEXTLINE(google-explicit-constructor): a published field reads like the plain one.
+    /// A published field reads like the plain one.
     operator const Value&() const { return m_value; }
 
 private:

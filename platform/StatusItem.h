@@ -6,6 +6,7 @@
 #include <QPointF>
 #include <QString>
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -57,19 +58,8 @@ enum class StatusItemMode {
 };
 /// "direct", "hostmenu", "xembed", "window" or "none".
 [[nodiscard]] inline QString statusItemModeName(StatusItemMode mode) {
-    switch (mode) {
-    case StatusItemMode::direct:
-        return QStringLiteral("direct");
-    case StatusItemMode::hostmenu:
-        return QStringLiteral("hostmenu");
-    case StatusItemMode::xembed:
-        return QStringLiteral("xembed");
-    case StatusItemMode::window:
-        return QStringLiteral("window");
-    case StatusItemMode::none:
-        break;
-    }
-    return QStringLiteral("none");
+    static constexpr std::array names{"none", "direct", "hostmenu", "xembed", "window"};
+    return QString::fromLatin1(names.at(static_cast<std::size_t>(mode)));
 }
 
 /// An item in the system's status bar. Destroying it removes it. Main thread only, handlers included.

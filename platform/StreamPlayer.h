@@ -30,8 +30,7 @@ public:
     ObserverList<> failedToPlayToEndTime;
 };
 
-/// Plays one item on this computer. Main thread only, observers included. Destroying it silences it, and no
-/// observer is told afterwards.
+/// Plays one item on this computer. Main thread only, observers too. Destroying it silences it and them.
 class StreamPlayer {
 public:
     virtual ~StreamPlayer() = default;

@@ -10,8 +10,7 @@ class TaskPool {
 public:
     virtual ~TaskPool() = default;
 
-    /// Runs `work` on a background thread. Callable from any thread. Tasks may wait for tasks they submitted:
-    /// the pool always has a thread for those.
+    /// Runs `work` on a background thread. Callable from any thread, also by tasks, which may wait for it.
     virtual void async(std::function<void()> work) = 0;
 };
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/IdleInhibitor.h"
 #include "platform/linux/SessionBus.h"
 
 #include <QDBusUnixFileDescriptor>
@@ -12,15 +11,16 @@
 
 namespace zofra {
 
-/// Keeps the computer awake by the login manager's inhibitor, which ends with the descriptor that it gives.
-/// Without a login manager nothing is kept.
-class LogindInhibitor final : public IdleInhibitor {
+/// Keeps a computer that nobody touches from going to sleep, by the login manager's inhibitor, which ends with the descriptor that it gives.
+/// Without a login manager nothing is kept. Main thread only.
+class LogindInhibitor {
 public:
     /// `systemBus` outlives it.
     explicit LogindInhibitor(SessionBus& systemBus)
         : m_bus(systemBus) {}
 
-    void setInhibited(bool isInhibited) override;
+    /// Cheap; may be called often.
+    void setInhibited(bool isInhibited);
 
 private:
     void ask();
