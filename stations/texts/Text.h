@@ -17,7 +17,6 @@ public:
     /// The same in every language.
     explicit consteval Text(QStringView everyLanguage)
         : Text(everyLanguage, everyLanguage, everyLanguage, everyLanguage) {}
-    // NOLINTNEXTLINE(bugprone-easily-swappable-parameters): the order of the languages.
     consteval Text(QStringView en, QStringView nl, QStringView fr, QStringView de)
         : m_columns{en, nl, fr, de} {
         for (const auto column : m_columns) {
