@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "metadata/JsonText.h"
 
+#include <QRegularExpression>
 #include <QStringDecoder>
+#include <QStringView>
 
 #include <algorithm>
 
@@ -78,20 +80,24 @@ private:
     std::optional<char16_t> readHex() {
         if (m_end - m_at < 4)
             return std::nullopt;
-        bool ok = false;
         const QByteArrayView digits(m_at, 4);
         if (!std::all_of(digits.begin(), digits.end(),
                          [](char c) { return isxdigit(static_cast<unsigned char>(c)); }))
             return std::nullopt;
-        const auto unit = digits.toUShort(&ok, 16);
         m_at += 4;
-        return ok ? std::optional<char16_t>(unit) : std::nullopt;
+        return digits.toUShort(nullptr, 16);
     }
 
     QByteArray::const_iterator m_at;
     QByteArray::const_iterator m_end;
     JsonBudget& m_budget;
 };
+
+bool isCallbackName(QStringView name) {
+    static const QRegularExpression form(
+        QStringLiteral(R"(\A(?:\p{L}\p{M}*+|[_$])(?:[\p{L}\p{Nd}]\p{M}*+|[_$.])*+\z)"));
+    return form.match(name).hasMatch();
+}
 
 } // namespace
 
@@ -101,6 +107,25 @@ std::optional<QString> textFromUtf8(const QByteArray& bytes) {
     if (decoder.hasError())
         return std::nullopt;
     return text;
+}
+
+std::optional<QString> unwrapJSONP(const QString& text) {
+    auto call = QStringView(text).trimmed();
+    if (call.isEmpty())
+        return std::nullopt;
+    if (call.startsWith(u'{') || call.startsWith(u'['))
+        return call.toString();
+    while (call.endsWith(u';'))
+        call = call.chopped(1).trimmed();
+    if (!call.endsWith(u')'))
+        return std::nullopt;
+    const auto parenthesis = call.indexOf(u'(');
+    if (parenthesis < 0 || !isCallbackName(call.first(parenthesis).trimmed()))
+        return std::nullopt;
+    const auto inner = call.sliced(parenthesis + 1).chopped(1).trimmed();
+    if (inner.isEmpty())
+        return std::nullopt;
+    return inner.toString();
 }
 
 std::optional<QJsonDocument> parseJsonText(const QByteArray& utf8) {

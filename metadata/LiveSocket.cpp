@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "metadata/LiveSocket.h"
 
-#include "metadata/ServiceUrl.h"
+#include "stations/ServiceHosts.h"
 
 #include <QJsonArray>
 #include <QRandomGenerator>
@@ -20,48 +20,12 @@ std::optional<ZofraLiveTrackData> liveTrackInElement(const QString& element, Rad
     auto event = decodeDocument<ZofraLivePlayEvent>(payload->data->toUtf8(), budget);
     if (!event)
         return std::nullopt;
-    if (event->station && event->station != liveSocketId(station))
+    if (event->station && event->station != station.liveSocketId())
         return std::nullopt;
     return std::move(event->data);
 }
 
-/// The elements of an array frame; absent unless all of them are strings.
-std::optional<QStringList> elementsOfFrame(const QString& text, JsonBudget& budget) {
-    const auto document = parseJsonText(text.sliced(1).toUtf8(), budget);
-    if (!document || !document->isArray())
-        return std::nullopt;
-    QStringList elements;
-    const auto array = document->array();
-    elements.reserve(array.size());
-    for (const auto& element : array) {
-        if (!element.isString())
-            return std::nullopt;
-        elements.append(element.toString());
-    }
-    return elements;
-}
-
 } // namespace
-
-std::optional<QString> liveSocketId(RadioStation station) {
-    switch (station.value()) {
-    case RadioStation::zofra:
-        return QStringLiteral("zofra_be");
-    case RadioStation::qmusic:
-        return QStringLiteral("qmusic_be");
-    case RadioStation::joe:
-        return QStringLiteral("joe_fm");
-    case RadioStation::zofraClassX:
-        return QStringLiteral("zofra_be_class_x");
-    case RadioStation::radioContact:
-    case RadioStation::belRTL:
-    case RadioStation::insideRadio:
-    case RadioStation::sudRadioBelgique:
-    case RadioStation::sudRadioHainaut:
-        break;
-    }
-    return std::nullopt;
-}
 
 SockJSFrameKind sockJSFrameKind(const QString& text) {
     if (text == u'o')
@@ -79,7 +43,9 @@ std::optional<ZofraLiveTrackData> liveTrackInFrame(const QString& text, RadioSta
     if (text.isEmpty())
         return std::nullopt;
     JsonBudget budget;
-    const auto elements = elementsOfFrame(text, budget);
+    const auto document = parseJsonText(text.sliced(1).toUtf8(), budget);
+    const auto elements =
+        document && document->isArray() ? fromJson<QStringList>(document->array()) : std::nullopt;
     if (!elements)
         return std::nullopt;
     // The last usable one counts, so look from the end and stop there.
@@ -91,7 +57,7 @@ std::optional<ZofraLiveTrackData> liveTrackInFrame(const QString& text, RadioSta
 }
 
 std::optional<QString> joinMessage(RadioStation station) {
-    const auto id = liveSocketId(station);
+    const auto id = station.liveSocketId();
     if (!id)
         return std::nullopt;
     const QJsonObject subscription{{QStringLiteral("station"), *id},
@@ -101,8 +67,7 @@ std::optional<QString> joinMessage(RadioStation station) {
                            {QStringLiteral("id"), 1},
                            {QStringLiteral("sub"), subscription},
                            {QStringLiteral("backlog"), 1}};
-    const auto inner = QString::fromUtf8(QJsonDocument(join).toJson(QJsonDocument::Compact));
-    return QString::fromUtf8(QJsonDocument(QJsonArray{inner}).toJson(QJsonDocument::Compact));
+    return compactJson(QJsonArray{compactJson(join)});
 }
 
 std::optional<QUrl> liveSocketUrl(const QString& host) {

@@ -13,9 +13,6 @@ namespace zofra {
 
 // The wire of the live feed: SockJS frames over a web socket. Pure functions, callable from any thread.
 
-/// The station's id on the live socket; absent for a station without a live feed.
-[[nodiscard]] std::optional<QString> liveSocketId(RadioStation station);
-
 /// What a frame (the text of one web-socket message) says.
 enum class SockJSFrameKind { open, heartbeat, close, array, unknown };
 [[nodiscard]] SockJSFrameKind sockJSFrameKind(const QString& text);

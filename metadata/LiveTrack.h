@@ -13,8 +13,7 @@
 
 namespace zofra {
 
-// What the live feed sends, as JSON records of optional fields. Plain values and pure functions, usable from
-// any thread.
+// What the live feed sends, as JSON records of optional fields. Usable from any thread.
 
 /// " – ", between an artist and a title wherever both are shown.
 [[nodiscard]] QString nowPlayingSeparator();

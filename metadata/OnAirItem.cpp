@@ -2,7 +2,6 @@
 #include "metadata/OnAirItem.h"
 
 #include "metadata/JsonText.h"
-#include "metadata/Jsonp.h"
 #include "metadata/LiveTrack.h"
 
 #include <QJsonArray>
@@ -26,14 +25,12 @@ bool isOnAir(const OnAirItem& item, double now) {
 } // namespace
 
 OnAirItem OnAirItem::fromJson(const QJsonObject& object) {
-    OnAirItem item;
-    item.isSong = object.value(QLatin1String("song")).toBool(false);
-    item.artist = trimmedText(object.value(QLatin1String("artistName")));
-    item.title = trimmedText(object.value(QLatin1String("name")));
-    item.desc = trimmedText(object.value(QLatin1String("description")));
-    item.startTime = timestamp(object.value(QLatin1String("startTime")));
-    item.stopTime = timestamp(object.value(QLatin1String("stopTime")));
-    return item;
+    return {.isSong = object.value(QLatin1String("song")).toBool(false),
+            .artist = trimmedText(object.value(QLatin1String("artistName"))),
+            .title = trimmedText(object.value(QLatin1String("name"))),
+            .desc = trimmedText(object.value(QLatin1String("description"))),
+            .startTime = timestamp(object.value(QLatin1String("startTime"))),
+            .stopTime = timestamp(object.value(QLatin1String("stopTime")))};
 }
 
 std::optional<QString> OnAirItem::formatted() const {
@@ -100,8 +97,7 @@ std::optional<QString> onAirText(const std::vector<OnAirItem>& items, double now
         if (item.formatted())
             (item.isSong ? songs : others).push_back(item);
     }
-    // Every item that has a text is in one of the lists, so there is nothing left to look for after these
-    // two.
+    // Every item that has a text is in one of the lists.
     const auto best = selectBest(songs.empty() ? others : songs, now);
     return best ? best->formatted() : std::nullopt;
 }

@@ -15,8 +15,6 @@ RadioViewModel::RadioViewModel(RadioStation station, HttpSession& session, Clock
     , m_now(std::move(now))
     , m_environment(environment) {}
 
-RadioViewModel::~RadioViewModel() = default;
-
 void RadioViewModel::setStation(RadioStation station) {
     if (station == currentStation)
         return;

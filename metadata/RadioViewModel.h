@@ -45,8 +45,6 @@ public:
     /// Starts nothing by itself: call `startWebSocket`, `startPolling` and `fetchMetadata`, in this order.
     RadioViewModel(RadioStation station, HttpSession& session, Clock now, MakeWebSocket makeWebSocket,
                    const Environment& environment);
-    /// Stops the timers and lets go of the socket; nothing that is still under way comes back.
-    ~RadioViewModel();
 
     /// Told whenever the texts are set. Called on the main thread, in place.
     std::function<void(const QString& current, const std::optional<QString>& next)> onUpdate;
@@ -57,8 +55,7 @@ public:
     /// Until a first text has been applied for the current station.
     [[nodiscard]] bool isLoading() const { return m_isLoading; }
 
-    /// Turns to another station: the texts of the old one are gone at once, whatever is still under way for
-    /// it.
+    /// Turns to another station: the old one's texts are gone at once, whatever is still under way for it.
     void setStation(RadioStation station);
     /// Opens the live socket, unless the station has no live feed or a socket is already open.
     void startWebSocket();
@@ -84,7 +81,6 @@ private:
                               const std::optional<SocketError>& error);
     void scheduleReconnect();
     void reconnect();
-    void poll();
     void checkWebSocketHealth();
     [[nodiscard]] bool hasFreshLiveTrack() const;
     void disconnectWebSocket();
@@ -111,8 +107,7 @@ private:
 
     void tellUpdate(const QString& current, const std::optional<QString>& next) const;
 
-    /// Makes of `handler` a function that may be called on any thread: it runs `handler` on the main thread,
-    /// later, and only if this model is still there.
+    /// A function for any thread that runs `handler` on the main one, later, if this model is still there.
     template<typename... Arguments, typename Handler>
     [[nodiscard]] std::function<void(Arguments...)> onMainThread(Handler handler) const {
         return [&queue = m_environment.mainQueue,

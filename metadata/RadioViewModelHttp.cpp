@@ -2,7 +2,6 @@
 // The HTTP sources of the model: the on-air search service, and the scraper where that fails.
 #include "metadata/RadioViewModel.h"
 #include "metadata/ScraperPage.h"
-#include "metadata/ServiceUrl.h"
 
 #include <chrono>
 #include <limits>
@@ -17,7 +16,6 @@ using namespace std::chrono_literals;
 
 constexpr auto requestTimeout = 6000ms;
 constexpr auto retryDelay = 2000ms;
-constexpr std::size_t maxBodyBytes = 1'048'576;
 
 /// The body of a response with a status of success; null for everything else.
 const QByteArray* successfulBody(const HttpResult& result) {
@@ -55,7 +53,6 @@ void RadioViewModel::startRequest(const QUrl& url, HttpSession::Completion compl
     request.headers.emplace_back("User-Agent", "Mozilla/5.0");
     request.timeout = requestTimeout;
     request.cachePolicy = HttpRequest::CachePolicy::ignoreLocalAndRemote;
-    request.maxBodyBytes = maxBodyBytes;
     m_session.start(std::move(request), std::move(completion));
 }
 
@@ -108,7 +105,7 @@ void RadioViewModel::handleRadioplayerFailure(const QString& rpId, RadioStation 
 }
 
 std::optional<QUrl> RadioViewModel::scraperUrl(RadioStation station) const {
-    const auto path = scraperPath(station);
+    const auto path = station.scraperPath();
     if (!path)
         return std::nullopt;
     return serviceUrl(QStringLiteral("https"), m_environment.hosts.scraperHost(), *path);

@@ -29,7 +29,7 @@ std::optional<QString> textOf(const SocketMessage& message) {
 } // namespace
 
 void RadioViewModel::startWebSocket() {
-    if (!liveSocketId(currentStation) || m_isConnecting || m_isConnected)
+    if (!currentStation.get().liveSocketId() || m_isConnecting || m_isConnected)
         return;
     disconnectWebSocket();
     m_isConnecting = true;
@@ -140,7 +140,7 @@ void RadioViewModel::joinSubscriptionSent(const std::weak_ptr<RadioMetadataSocke
 
 void RadioViewModel::scheduleReconnect() {
     disconnectWebSocket();
-    if (!liveSocketId(currentStation))
+    if (!currentStation.get().liveSocketId())
         return;
     m_reconnectTimer =
         m_environment.mainQueue.startTimer(reconnectDelay, MainQueue::Repeat::once, [this] { reconnect(); });
@@ -152,17 +152,14 @@ void RadioViewModel::reconnect() {
 }
 
 void RadioViewModel::startPolling() {
-    m_pollingTimer =
-        m_environment.mainQueue.startTimer(pollingInterval, MainQueue::Repeat::forever, [this] { poll(); });
-}
-
-void RadioViewModel::poll() {
-    checkWebSocketHealth();
-    fetchMetadata();
+    m_pollingTimer = m_environment.mainQueue.startTimer(pollingInterval, MainQueue::Repeat::forever, [this] {
+        checkWebSocketHealth();
+        fetchMetadata();
+    });
 }
 
 void RadioViewModel::checkWebSocketHealth() {
-    if (!liveSocketId(currentStation))
+    if (!currentStation.get().liveSocketId())
         return;
     if (m_lastSocketActivity && m_now() - *m_lastSocketActivity >= silenceLimit)
         disconnectWebSocket();

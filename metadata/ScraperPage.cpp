@@ -18,26 +18,6 @@ QString firstCapture(const QRegularExpression& expression, const QString& text) 
 
 } // namespace
 
-std::optional<QString> scraperPath(RadioStation station) {
-    switch (station.value()) {
-    case RadioStation::zofra:
-        return QStringLiteral("/be.zofra");
-    case RadioStation::qmusic:
-        return QStringLiteral("/be.qmusic");
-    case RadioStation::joe:
-        return QStringLiteral("/be.joe");
-    case RadioStation::zofraClassX:
-        return QStringLiteral("/be.zofraclassx");
-    case RadioStation::radioContact:
-    case RadioStation::belRTL:
-    case RadioStation::insideRadio:
-    case RadioStation::sudRadioBelgique:
-    case RadioStation::sudRadioHainaut:
-        break;
-    }
-    return std::nullopt;
-}
-
 std::optional<ScraperPage> ScraperPage::fromBody(const QByteArray& body) {
     static const QRegularExpression titleExpression(uR"re("title"\s*:\s*"([^"]+)")re"_qs);
     static const QRegularExpression artistExpression(uR"re("artist"\s*:\s*"([^"]+)")re"_qs);

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "stations/RadioStation.h"
-
 #include <QByteArray>
 #include <QString>
 
@@ -10,12 +8,8 @@
 
 namespace zofra {
 
-// The now-playing scraper service. Pure functions, callable from any thread.
-
-/// The path of the station's page; absent for a station without one.
-[[nodiscard]] std::optional<QString> scraperPath(RadioStation station);
-
-/// What a page says. The texts stand as they were found: JSON escapes in them are not decoded.
+/// What a page of the now-playing scraper says. A plain value, usable from any thread. The texts stand as
+/// they were found: JSON escapes in them are not decoded.
 struct ScraperPage {
     /// Each empty when it was not found.
     QString title;

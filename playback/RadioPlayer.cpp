@@ -26,7 +26,6 @@ RadioPlayer::RadioPlayer(const Environment& environment)
     const auto stored = m_environment.defaults.floatValue(volumeDefaultsKey).value_or(0.0F);
     if (stored > 0.0F)
         volume = stored;
-    currentStation = RadioStation::savedStation(m_environment.defaults);
     setupRemoteCommands();
     m_wakeObserver = m_environment.wake.observeDidWake(m_lifetime.guard([this] { handleWakeFromSleep(); }));
 }
@@ -90,12 +89,10 @@ void RadioPlayer::applyVolume(float value) {
 }
 
 void RadioPlayer::updateNowPlayingInfo(const QString& title, const std::optional<QString>& artist) {
-    NowPlayingInfo info;
-    info.title = title;
-    if (artist && !artist->isEmpty())
-        info.artist = artist;
-    info.isLiveStream = true;
-    m_environment.nowPlaying.setNowPlayingInfo(info);
+    m_environment.nowPlaying.setNowPlayingInfo(
+        {.title = title,
+         .artist = artist && !artist->isEmpty() ? artist : std::nullopt,
+         .isLiveStream = true});
 }
 
 void RadioPlayer::setupPlayer(const QUrl& url) {
@@ -104,8 +101,7 @@ void RadioPlayer::setupPlayer(const QUrl& url) {
     player = m_environment.streamPlayers.makePlayer(playerItem);
     player->setVolume(volume);
 
-    // Each is carried to the main queue; work posted for an earlier item must not touch this one when it gets
-    // there.
+    // Carried to the main queue, where what was posted for an earlier item must not touch this one.
     const auto onMainQueue = [this](void (RadioPlayer::*handler)()) {
         auto forThisItem = m_lifetime.guard([this, handler, item = std::weak_ptr(playerItem)] {
             const auto sender = item.lock();
@@ -168,20 +164,16 @@ void RadioPlayer::handleWakeFromSleep() {
 }
 
 void RadioPlayer::setupRemoteCommands() {
-    const auto command = [this](void (RadioPlayer::*act)()) {
+    const auto command = [this](auto act) {
         // Success also when the player is gone: there is nothing left that could fail.
-        return [run = m_lifetime.guard([this, act] { (this->*act)(); })]() mutable {
+        return [run = m_lifetime.guard(act)]() mutable {
             run();
             return RemoteCommandStatus::success;
         };
     };
-    auto toggle = m_lifetime.guard([this] { isPlaying ? stop() : play(); });
-    m_environment.remoteCommands.setTogglePlayPauseHandler([run = std::move(toggle)]() mutable {
-        run();
-        return RemoteCommandStatus::success;
-    });
-    m_environment.remoteCommands.setPlayHandler(command(&RadioPlayer::play));
-    m_environment.remoteCommands.setPauseHandler(command(&RadioPlayer::stop));
+    m_environment.remoteCommands.setTogglePlayPauseHandler(command([this] { isPlaying ? stop() : play(); }));
+    m_environment.remoteCommands.setPlayHandler(command([this] { play(); }));
+    m_environment.remoteCommands.setPauseHandler(command([this] { stop(); }));
 }
 
 } // namespace zofra

@@ -4,18 +4,9 @@
 namespace zofra {
 
 QString rawValue(AppLanguage language) {
-    switch (language) {
-    case AppLanguage::en:
-        return QStringLiteral("en");
-    case AppLanguage::nl:
-        return QStringLiteral("nl");
-    case AppLanguage::fr:
-        return QStringLiteral("fr");
-    case AppLanguage::de:
-        return QStringLiteral("de");
-    }
-    Q_UNREACHABLE();
-    return {};
+    static const std::array codes{QStringLiteral("en"), QStringLiteral("nl"), QStringLiteral("fr"),
+                                  QStringLiteral("de")};
+    return codes.at(static_cast<std::size_t>(language));
 }
 
 std::optional<AppLanguage> appLanguageFromRawValue(QStringView text) {

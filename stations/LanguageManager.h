@@ -12,13 +12,11 @@
 
 namespace zofra {
 
-/// The language to begin with: the stored one, else the first of `preferredLanguages` by its first two
-/// letters, else English.
+/// The stored language, else the first of `preferredLanguages` by its first two letters, else English.
 [[nodiscard]] AppLanguage languageAtStart(const std::optional<QString>& stored,
                                           const QStringList& preferredLanguages);
 
-/// Holds the language of the user interface and composes the texts of menu and tooltip in it. Main thread
-/// only.
+/// Holds the language of the user interface, and composes menu and tooltip in it. Main thread only.
 class LanguageManager final : public Observable {
 public:
     /// The language at the start is not written.

@@ -11,54 +11,48 @@ struct Entry {
     QString radioplayerId;
     QString pathAAC;
     QString pathMP3;
+    /// These two are empty where there is none.
+    QString liveSocketId{};
+    QString scraperPath{};
     /// Which of the two hosts a networked player is sent to.
     ServiceHosts::StreamKind networkPlayerHost = ServiceHosts::StreamKind::mp3;
 };
 
-using Catalogue = std::array<Entry, RadioStation::allCases.size()>;
-
-Catalogue makeCatalogue() {
-    using Kind = ServiceHosts::StreamKind;
-    return {{
-        {QStringLiteral("zofra"), QStringLiteral("Zofra"), QStringLiteral("Alternative Rock & Indie"),
-         QStringLiteral("5067"), QStringLiteral("/zofra.aac"), QStringLiteral("/zofra.mp3")},
-        {QStringLiteral("qmusic"), QStringLiteral("Qmusic"), QStringLiteral("Hits & Pop"),
-         QStringLiteral("5050"), QStringLiteral("/qmusic.aac"), QStringLiteral("/qmusic.mp3")},
-        {QStringLiteral("joe"), QStringLiteral("JOE"), QStringLiteral("80s, 90s & Pop Classics"),
-         QStringLiteral("5051"), QStringLiteral("/joe.aac"), QStringLiteral("/joe.mp3")},
-        {QStringLiteral("zofra_class_x"), QStringLiteral("Zofra Class X"),
-         QStringLiteral("Classics & Classic Rock"), QStringLiteral("5077"),
-         QStringLiteral("/zofra_classx.aac"), QStringLiteral("/zofra_classx.mp3")},
-        {QStringLiteral("radio_contact"), QStringLiteral("Radio Contact"), QStringLiteral("Feel Good & Hits"),
-         QStringLiteral("1"), QStringLiteral("/radiocontact-mp3-192.mp3"),
-         QStringLiteral("/radiocontact-mp3-192.mp3")},
-        {QStringLiteral("bel_rtl"), QStringLiteral("Bel RTL"), QStringLiteral("Info, Talk & Pop"),
-         QStringLiteral("6"), QStringLiteral("/33prmb9subpwv"), QStringLiteral("/belrtl-mp3-192.mp3")},
-        // Speakers are sent to the primary edge of this station, not to the fallback's.
-        {QStringLiteral("inside_radio"), QStringLiteral("Inside Radio"),
-         QStringLiteral("Pop & Contemporary Hits"), QStringLiteral("1011"), QStringLiteral("/cm96zpmrmm0uv"),
-         QStringLiteral("/cm96zpmrmm0uv"), Kind::aac},
-        {QStringLiteral("sud_radio_belgique"), QStringLiteral("Sud Radio Belgique"),
-         QStringLiteral("Variété & Pop"), QStringLiteral("154"), QStringLiteral("/sudradio-belgique"),
-         QStringLiteral("/sudradio-belgique")},
-        {QStringLiteral("sud_radio_hainaut"), QStringLiteral("Sud Radio Hainaut"),
-         QStringLiteral("Regional Mons & Pop"), QStringLiteral("1108"), QStringLiteral("/sudradio-hainaut"),
-         QStringLiteral("/sudradio-hainaut")},
-    }};
-}
-
 const Entry& entryOf(RadioStation station) {
-    static const Catalogue catalogue = makeCatalogue();
+    static const std::array<Entry, RadioStation::allCases.size()> catalogue{{
+        {u"zofra"_qs, u"Zofra"_qs, u"Alternative Rock & Indie"_qs, u"5067"_qs, u"/zofra.aac"_qs,
+         u"/zofra.mp3"_qs, u"zofra_be"_qs, u"/be.zofra"_qs},
+        {u"qmusic"_qs, u"Qmusic"_qs, u"Hits & Pop"_qs, u"5050"_qs, u"/qmusic.aac"_qs, u"/qmusic.mp3"_qs,
+         u"qmusic_be"_qs, u"/be.qmusic"_qs},
+        {u"joe"_qs, u"JOE"_qs, u"80s, 90s & Pop Classics"_qs, u"5051"_qs, u"/joe.aac"_qs, u"/joe.mp3"_qs,
+         u"joe_fm"_qs, u"/be.joe"_qs},
+        {u"zofra_class_x"_qs, u"Zofra Class X"_qs, u"Classics & Classic Rock"_qs, u"5077"_qs,
+         u"/zofra_classx.aac"_qs, u"/zofra_classx.mp3"_qs, u"zofra_be_class_x"_qs, u"/be.zofraclassx"_qs},
+        {u"radio_contact"_qs, u"Radio Contact"_qs, u"Feel Good & Hits"_qs, u"1"_qs,
+         u"/radiocontact-mp3-192.mp3"_qs, u"/radiocontact-mp3-192.mp3"_qs},
+        {u"bel_rtl"_qs, u"Bel RTL"_qs, u"Info, Talk & Pop"_qs, u"6"_qs, u"/33prmb9subpwv"_qs,
+         u"/belrtl-mp3-192.mp3"_qs},
+        // Speakers are sent to the primary edge of this station, not to the fallback's.
+        {u"inside_radio"_qs, u"Inside Radio"_qs, u"Pop & Contemporary Hits"_qs, u"1011"_qs,
+         u"/cm96zpmrmm0uv"_qs, u"/cm96zpmrmm0uv"_qs, QString(), QString(), ServiceHosts::StreamKind::aac},
+        {u"sud_radio_belgique"_qs, u"Sud Radio Belgique"_qs, u"Variété & Pop"_qs, u"154"_qs,
+         u"/sudradio-belgique"_qs, u"/sudradio-belgique"_qs},
+        {u"sud_radio_hainaut"_qs, u"Sud Radio Hainaut"_qs, u"Regional Mons & Pop"_qs, u"1108"_qs,
+         u"/sudradio-hainaut"_qs, u"/sudradio-hainaut"_qs},
+    }};
     return catalogue.at(station.value());
 }
 
-/// Paths are constants and hosts were checked when they were read, so an address that does not parse is a
-/// mistake in this program.
+std::optional<QString> unlessEmpty(const QString& text) {
+    return text.isEmpty() ? std::nullopt : std::optional(text);
+}
+
+/// Hosts were checked when they were read: an address that does not parse is a mistake in this program.
 QUrl secureUrl(const QString& host, const QString& path) {
-    QUrl url(QStringLiteral("https://") + host + path, QUrl::StrictMode);
-    if (!url.isValid() || url.host().isEmpty())
+    const auto url = serviceUrl(QStringLiteral("https"), host, path);
+    if (!url)
         qFatal("no stream address: https://%s%s", qUtf8Printable(host), qUtf8Printable(path));
-    return url;
+    return *url;
 }
 
 } // namespace
@@ -93,6 +87,14 @@ QString RadioStation::genre() const {
 
 std::optional<QString> RadioStation::radioplayerId() const {
     return entryOf(*this).radioplayerId;
+}
+
+std::optional<QString> RadioStation::liveSocketId() const {
+    return unlessEmpty(entryOf(*this).liveSocketId);
+}
+
+std::optional<QString> RadioStation::scraperPath() const {
+    return unlessEmpty(entryOf(*this).scraperPath);
 }
 
 QUrl RadioStation::streamAAC(const ServiceHosts& hosts) const {

@@ -31,7 +31,7 @@ public:
         sudRadioHainaut,
     };
 
-    // NOLINTNEXTLINE(google-explicit-constructor): a case is a station.
+    /// A case is a station.
     constexpr RadioStation(Case value)
         : m_case(value) {}
 
@@ -54,6 +54,10 @@ public:
     [[nodiscard]] QString genre() const;
     /// The station's id at the on-air search service.
     [[nodiscard]] std::optional<QString> radioplayerId() const;
+    /// Its id on the live socket; absent for a station without a live feed.
+    [[nodiscard]] std::optional<QString> liveSocketId() const;
+    /// The path of its page at the now-playing scraper; absent for a station without one.
+    [[nodiscard]] std::optional<QString> scraperPath() const;
 
     /// Primary stream, an absolute https address.
     [[nodiscard]] QUrl streamAAC(const ServiceHosts& hosts) const;

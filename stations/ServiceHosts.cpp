@@ -7,8 +7,6 @@
 
 #include <QSet>
 
-#include <initializer_list>
-
 namespace zofra {
 namespace {
 
@@ -23,37 +21,31 @@ QString streamKey(const QString& stationRawValue, ServiceHosts::StreamKind kind)
            (kind == ServiceHosts::StreamKind::aac ? QStringLiteral("_aac") : QStringLiteral("_mp3"));
 }
 
+/// The stations' public servers. Names under .example are to be set by whoever runs the station group's
+/// service; the edges of the streaming CDN and the regional server of Sud Radio Belgique are unconfirmed.
 const QHash<QString, QString>& builtInTable() {
-    static const QHash<QString, QString> table = [] {
-        struct Pair {
-            const char* station;
-            const char* aac;
-            const char* mp3;
-        };
-        QHash<QString, QString> values;
-        // The stations' public servers. Names under .example are to be set by whoever runs the station
-        // group's service; the edges of the streaming CDN and the regional server of Sud Radio Belgique are
-        // unconfirmed.
-        for (const auto& pair : std::initializer_list<Pair>{
-                 {"zofra", "streams.zofra.example", "streams.zofra.example"},
-                 {"qmusic", "icecast-qmusicbe-cdp.triple-it.nl", "icecast-qmusicbe-cdp.triple-it.nl"},
-                 {"joe", "icecast-qmusicbe-cdp.triple-it.nl", "icecast-qmusicbe-cdp.triple-it.nl"},
-                 {"zofra_class_x", "icecast.zofra.example", "icecast.zofra.example"},
-                 {"radio_contact", "radiocontact.ice.infomaniak.ch", "radiocontact.ice.infomaniak.ch"},
-                 {"bel_rtl", "stream.rcs.revma.com", "belrtl.ice.infomaniak.ch"},
-                 {"inside_radio", "n08a-eu.rcs.revma.com", "n13.rcs.revma.com"},
-                 {"sud_radio_belgique", "stream.ceit.be", "stream.ceit.be"},
-                 {"sud_radio_hainaut", "stream.ceit.be", "stream.ceit.be"},
-             }) {
-            const auto station = QString::fromLatin1(pair.station);
-            values.insert(streamKey(station, ServiceHosts::StreamKind::aac), QString::fromLatin1(pair.aac));
-            values.insert(streamKey(station, ServiceHosts::StreamKind::mp3), QString::fromLatin1(pair.mp3));
-        }
-        values.insert(liveSocketKey, QStringLiteral("socket.qmusic.be"));
-        values.insert(onAirKey, QStringLiteral("core-search.radioplayer.cloud"));
-        values.insert(scraperKey, QStringLiteral("scraper.onlineradiobox.com"));
-        return values;
-    }();
+    static const QHash<QString, QString> table{
+        {u"streams/zofra_aac"_qs, u"streams.zofra.example"_qs},
+        {u"streams/zofra_mp3"_qs, u"streams.zofra.example"_qs},
+        {u"streams/qmusic_aac"_qs, u"icecast-qmusicbe-cdp.triple-it.nl"_qs},
+        {u"streams/qmusic_mp3"_qs, u"icecast-qmusicbe-cdp.triple-it.nl"_qs},
+        {u"streams/joe_aac"_qs, u"icecast-qmusicbe-cdp.triple-it.nl"_qs},
+        {u"streams/joe_mp3"_qs, u"icecast-qmusicbe-cdp.triple-it.nl"_qs},
+        {u"streams/zofra_class_x_aac"_qs, u"icecast.zofra.example"_qs},
+        {u"streams/zofra_class_x_mp3"_qs, u"icecast.zofra.example"_qs},
+        {u"streams/radio_contact_aac"_qs, u"radiocontact.ice.infomaniak.ch"_qs},
+        {u"streams/radio_contact_mp3"_qs, u"radiocontact.ice.infomaniak.ch"_qs},
+        {u"streams/bel_rtl_aac"_qs, u"stream.rcs.revma.com"_qs},
+        {u"streams/bel_rtl_mp3"_qs, u"belrtl.ice.infomaniak.ch"_qs},
+        {u"streams/inside_radio_aac"_qs, u"n08a-eu.rcs.revma.com"_qs},
+        {u"streams/inside_radio_mp3"_qs, u"n13.rcs.revma.com"_qs},
+        {u"streams/sud_radio_belgique_aac"_qs, u"stream.ceit.be"_qs},
+        {u"streams/sud_radio_belgique_mp3"_qs, u"stream.ceit.be"_qs},
+        {u"streams/sud_radio_hainaut_aac"_qs, u"stream.ceit.be"_qs},
+        {u"streams/sud_radio_hainaut_mp3"_qs, u"stream.ceit.be"_qs},
+        {liveSocketKey, u"socket.qmusic.be"_qs},
+        {onAirKey, u"core-search.radioplayer.cloud"_qs},
+        {scraperKey, u"scraper.onlineradiobox.com"_qs}};
     return table;
 }
 
@@ -164,6 +156,11 @@ Result<ServiceHosts> ServiceHosts::load(const QStringList& layers,
     if (good && commandLineFile)
         good = hosts.overlay(*commandLineFile, MissingFile::isRefused);
     return good.map([&] { return hosts; });
+}
+
+std::optional<QUrl> serviceUrl(const QString& scheme, const QString& host, const QString& pathAndQuery) {
+    const QUrl url(scheme + QStringLiteral("://") + host + pathAndQuery, QUrl::StrictMode);
+    return url.isValid() && !url.host().isEmpty() ? std::optional(url) : std::nullopt;
 }
 
 } // namespace zofra

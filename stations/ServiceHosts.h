@@ -6,13 +6,13 @@
 #include <QHash>
 #include <QString>
 #include <QStringList>
+#include <QUrl>
 
 #include <optional>
 
 namespace zofra {
 
-/// The hosts of every service: a built-in table, overridden key by key by files. A plain value; copies are
-/// cheap. Every value is `host` or `host:port`.
+/// The hosts of every service (`host` or `host:port`): a built-in table, overridden by files. A plain value.
 class ServiceHosts {
 public:
     /// The built-in table.
@@ -33,13 +33,16 @@ public:
     /// Lays the values of `path` over this table. Where the file is wrong, the error is one line, "file:line:
     /// key = value: reason", and the table is unchanged.
     [[nodiscard]] Result<void> overlay(const QString& path, MissingFile missing);
-    /// The hosts to use: built-in, then each of `layers` that exists, weakest first, then `commandLineFile`,
-    /// which must exist.
+    /// The built-in ones, then each of `layers` that exists, weakest first, then `commandLineFile`.
     [[nodiscard]] static Result<ServiceHosts> load(const QStringList& layers,
                                                    const std::optional<QString>& commandLineFile);
 
 private:
     QHash<QString, QString> m_values;
 };
+
+/// The address of a service; absent when `host` (`host` or `host:port`) makes none. A pure function.
+[[nodiscard]] std::optional<QUrl> serviceUrl(const QString& scheme, const QString& host,
+                                             const QString& pathAndQuery);
 
 } // namespace zofra

@@ -2,9 +2,8 @@
 #include "app/doctor/HostTargets.h"
 
 #include "metadata/LiveSocket.h"
-#include "metadata/ScraperPage.h"
-#include "metadata/ServiceUrl.h"
 #include "stations/RadioStation.h"
+#include "stations/ServiceHosts.h"
 
 #include <algorithm>
 
@@ -63,7 +62,7 @@ void addOnAir(std::vector<HostTarget>& targets, const ServiceHosts& hosts) {
 
 void addScraper(std::vector<HostTarget>& targets, const ServiceHosts& hosts) {
     for (const RadioStation station : RadioStation::allCases) {
-        const auto path = scraperPath(station);
+        const auto path = station.scraperPath();
         const auto url = path ? serviceUrl(https, hosts.scraperHost(), *path) : std::nullopt;
         if (!url)
             continue;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "metadata/Jsonp.h"
+#include "metadata/JsonText.h"
 
 #include "tests/support/PrintQt.h"
 

@@ -25,15 +25,6 @@ QString titleIn(const QString& frame, RadioStation station) {
 }
 const QString noTrack = u"(no track)"_qs;
 
-TEST(LiveSocketIdTest, ExistsForTheFirstFourStations) {
-    EXPECT_EQ(liveSocketId(RadioStation::zofra), u"zofra_be"_qs);
-    EXPECT_EQ(liveSocketId(RadioStation::qmusic), u"qmusic_be"_qs);
-    EXPECT_EQ(liveSocketId(RadioStation::joe), u"joe_fm"_qs);
-    EXPECT_EQ(liveSocketId(RadioStation::zofraClassX), u"zofra_be_class_x"_qs);
-    for (std::size_t i = 4; i < RadioStation::allCases.size(); ++i)
-        EXPECT_EQ(liveSocketId(RadioStation::allCases[i]), std::nullopt) << i;
-}
-
 TEST(FrameKindTest, IsToldByTheFirstCharacters) {
     EXPECT_EQ(sockJSFrameKind(u"o"_qs), SockJSFrameKind::open);
     EXPECT_EQ(sockJSFrameKind(u"h"_qs), SockJSFrameKind::heartbeat);

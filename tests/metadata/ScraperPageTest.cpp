@@ -14,15 +14,6 @@ QString textOf(const QByteArray& body) {
 }
 const QString noText = u"(no text)"_qs;
 
-TEST(ScraperPathTest, ExistsForTheFourLiveStations) {
-    EXPECT_EQ(scraperPath(RadioStation::zofra), u"/be.zofra"_qs);
-    EXPECT_EQ(scraperPath(RadioStation::qmusic), u"/be.qmusic"_qs);
-    EXPECT_EQ(scraperPath(RadioStation::joe), u"/be.joe"_qs);
-    EXPECT_EQ(scraperPath(RadioStation::zofraClassX), u"/be.zofraclassx"_qs);
-    for (std::size_t i = 4; i < RadioStation::allCases.size(); ++i)
-        EXPECT_EQ(scraperPath(RadioStation::allCases[i]), std::nullopt);
-}
-
 TEST(ScraperPageTest, TakesTheTitleFirst) {
     EXPECT_EQ(textOf(R"({"artist":"A","track":"T","title":"X - Y"})"), u"X - Y"_qs);
     EXPECT_EQ(textOf("{\"title\" \n:\t \"X\"}"), u"X"_qs);

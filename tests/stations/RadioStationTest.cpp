@@ -146,6 +146,21 @@ TEST(RadioStationTest, keepsAPortAndABracketedAddress) {
               QStringLiteral("x-rincon-mp3radio://[fd00::1]:8444/zofra.mp3"));
 }
 
+TEST(RadioStationTest, hasALiveFeedAndAScraperPageForTheFirstFour) {
+    EXPECT_EQ(RadioStation(RadioStation::zofra).liveSocketId(), QStringLiteral("zofra_be"));
+    EXPECT_EQ(RadioStation(RadioStation::qmusic).liveSocketId(), QStringLiteral("qmusic_be"));
+    EXPECT_EQ(RadioStation(RadioStation::joe).liveSocketId(), QStringLiteral("joe_fm"));
+    EXPECT_EQ(RadioStation(RadioStation::zofraClassX).liveSocketId(), QStringLiteral("zofra_be_class_x"));
+    EXPECT_EQ(RadioStation(RadioStation::zofra).scraperPath(), QStringLiteral("/be.zofra"));
+    EXPECT_EQ(RadioStation(RadioStation::qmusic).scraperPath(), QStringLiteral("/be.qmusic"));
+    EXPECT_EQ(RadioStation(RadioStation::joe).scraperPath(), QStringLiteral("/be.joe"));
+    EXPECT_EQ(RadioStation(RadioStation::zofraClassX).scraperPath(), QStringLiteral("/be.zofraclassx"));
+    for (std::size_t i = 4; i < RadioStation::allCases.size(); ++i) {
+        EXPECT_EQ(RadioStation(RadioStation::allCases[i]).liveSocketId(), std::nullopt) << i;
+        EXPECT_EQ(RadioStation(RadioStation::allCases[i]).scraperPath(), std::nullopt) << i;
+    }
+}
+
 TEST(RadioStationTest, isEncodedAsItsRawValue) {
     QJsonArray list;
     for (const RadioStation station : RadioStation::allCases) {
