@@ -10,34 +10,23 @@
 
 namespace zofra {
 
-namespace {
-
-AppDelegate* s_shared = nullptr;
-
-QString textOr(const QVariantMap& bundle, const QString& key, const QString& fallback) {
-    const QVariant value = bundle.value(key);
-    return value.typeId() == QMetaType::QString ? value.toString() : fallback;
-}
-
-std::unique_ptr<RadioViewModel> makeViewModel(const AppDelegate::Environment& environment) {
-    const RadioStation station = RadioStation::savedStation(environment.defaults);
-    return std::make_unique<RadioViewModel>(
-        station, environment.session, environment.clock, environment.makeWebSocket,
-        RadioViewModel::Environment{environment.mainQueue, environment.output, environment.languages(),
-                                    environment.hosts});
-}
-
-} // namespace
-
 QString versionText(const QVariantMap& bundle) {
-    return textOr(bundle, QStringLiteral("CFBundleShortVersionString"), QStringLiteral("1.0")) +
-           QStringLiteral(" (Build ") +
-           textOr(bundle, QStringLiteral("CFBundleVersion"), QStringLiteral("1")) + QLatin1Char(')');
+    const auto text = [&](const QString& key, const QString& otherwise) {
+        const QVariant value = bundle.value(key);
+        return value.typeId() == QMetaType::QString ? value.toString() : otherwise;
+    };
+    return QStringLiteral("%1 (Build %2)")
+        .arg(text(QStringLiteral("CFBundleShortVersionString"), QStringLiteral("1.0")),
+             text(QStringLiteral("CFBundleVersion"), QStringLiteral("1")));
 }
 
 AppDelegate::AppDelegate(Environment environment)
     : m_environment(std::move(environment))
-    , m_viewModel(makeViewModel(m_environment))
+    , m_viewModel(std::make_unique<RadioViewModel>(
+          RadioStation::savedStation(m_environment.defaults), m_environment.session, m_environment.clock,
+          m_environment.makeWebSocket,
+          RadioViewModel::Environment{m_environment.mainQueue, m_environment.output,
+                                      m_environment.languages(), m_environment.hosts}))
     , m_player(m_environment.player())
     , m_sonos(m_environment.sonos())
     , m_languages(m_environment.languages())
@@ -48,10 +37,6 @@ AppDelegate::AppDelegate(Environment environment)
 AppDelegate::~AppDelegate() {
     if (s_shared == this)
         s_shared = nullptr;
-}
-
-AppDelegate* AppDelegate::shared() {
-    return s_shared;
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
@@ -274,21 +259,22 @@ void AppDelegate::updateStatusBarButton() {
 }
 
 StatusMenuActions AppDelegate::menuActions() {
-    StatusMenuActions actions;
-    actions.togglePlayRadio = m_lifetime.guard([this](const MenuItem&) { togglePlayRadio(); });
-    actions.selectStationFromMenuItem =
-        m_lifetime.guard([this](const MenuItem& item) { selectStationFromMenuItem(item); });
-    actions.selectOutputMac = m_lifetime.guard([this](const MenuItem&) { selectOutputMac(); });
-    actions.selectOutputSonos = m_lifetime.guard([this](const MenuItem& item) { selectOutputSonos(item); });
-    actions.selectOutputEverywhere = m_lifetime.guard([this](const MenuItem&) { selectOutputEverywhere(); });
-    actions.openLocalNetworkSettings =
-        m_lifetime.guard([this](const MenuItem&) { openLocalNetworkSettings(); });
-    actions.rescanSonos = m_lifetime.guard([this](const MenuItem&) { rescanSonos(); });
-    actions.setVolumeFromMenuItem =
-        m_lifetime.guard([this](const MenuItem& item) { setVolumeFromMenuItem(item); });
-    actions.showAboutWindow = m_lifetime.guard([this](const MenuItem&) { showAboutWindow(); });
-    actions.quit = m_lifetime.guard([this](const MenuItem&) { quit(); });
-    return actions;
+    const auto act = [this](void (AppDelegate::*operation)()) {
+        return m_lifetime.guard([this, operation](const MenuItem&) { (this->*operation)(); });
+    };
+    const auto actOn = [this](void (AppDelegate::*operation)(const MenuItem&)) {
+        return m_lifetime.guard([this, operation](const MenuItem& item) { (this->*operation)(item); });
+    };
+    return {.togglePlayRadio = act(&AppDelegate::togglePlayRadio),
+            .selectStationFromMenuItem = actOn(&AppDelegate::selectStationFromMenuItem),
+            .selectOutputMac = act(&AppDelegate::selectOutputMac),
+            .selectOutputSonos = actOn(&AppDelegate::selectOutputSonos),
+            .selectOutputEverywhere = act(&AppDelegate::selectOutputEverywhere),
+            .openLocalNetworkSettings = act(&AppDelegate::openLocalNetworkSettings),
+            .rescanSonos = act(&AppDelegate::rescanSonos),
+            .setVolumeFromMenuItem = actOn(&AppDelegate::setVolumeFromMenuItem),
+            .showAboutWindow = act(&AppDelegate::showAboutWindow),
+            .quit = act(&AppDelegate::quit)};
 }
 
 } // namespace zofra

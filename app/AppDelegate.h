@@ -72,7 +72,7 @@ public:
     AppDelegate& operator=(const AppDelegate&) = delete;
 
     /// The live delegate, once it has launched; null before and after.
-    [[nodiscard]] static AppDelegate* shared();
+    [[nodiscard]] static AppDelegate* shared() { return s_shared; }
 
     void applicationDidFinishLaunching();
     void statusBarButtonClicked(std::optional<ButtonEvent> currentEvent);
@@ -123,6 +123,8 @@ private:
     [[nodiscard]] RadioObjects objects() { return {*m_viewModel, m_player, m_sonos, m_languages}; }
     void completeState(RadioState& state) const;
     [[nodiscard]] RadioControls::Shell shell();
+
+    static inline AppDelegate* s_shared = nullptr;
 
     Environment m_environment;
     std::unique_ptr<StatusItem> m_statusItem;

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/ChangeFollower.h"
 
-#include "app/BarLine.h"
+#include "app/StatusReport.h"
 #include "app/Terminal.h"
+#include "platform/JsonRecord.h"
 #include "platform/linux/ApplicationBus.h"
 #include "platform/linux/DBusCalls.h"
 
@@ -18,10 +19,6 @@ namespace {
 constexpr auto patience = std::chrono::seconds(5);
 
 const auto propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
-
-QString written(const QJsonObject& object) {
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
-}
 
 DBusSignal::Source changes() {
     return {{},
@@ -55,13 +52,13 @@ ChangeFollower::ChangeFollower(const QDBusConnection& bus, Form form)
 
 int ChangeFollower::run() {
     if (!m_bus.interface()->isServiceRegistered(ApplicationBus::name()))
-        show(written(emptyBarLine()));
+        show(compactJson(emptyBarLine()));
     return QCoreApplication::exec();
 }
 
 void ChangeFollower::ownerChanged(const QString& owner) {
     if (owner.isEmpty()) {
-        show(written(emptyBarLine()));
+        show(compactJson(emptyBarLine()));
         return;
     }
     auto call = QDBusMessage::createMethodCall(owner, ApplicationBus::path(), propertiesInterface,

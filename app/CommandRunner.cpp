@@ -35,12 +35,9 @@ std::optional<QString> CommandRunner::run(const Options& options) {
     const auto firstStartOnly = options.firstStartOnly();
     if (!firstStartOnly.isEmpty())
         return texts::command::firstStartOnly.in(options.language, firstStartOnly.join(QStringLiteral(", ")));
-    std::optional<QString> room;
-    if (namesRoom(options)) {
-        room = roomNamed(*options.output);
-        if (!room)
-            return unknownRoom(options);
-    }
+    const auto room = roomOf(options);
+    if (!room && namesRoom(options))
+        return unknownRoom(options);
     if (!options.acts())
         m_environment.controls.showPanel();
     else
@@ -49,11 +46,8 @@ std::optional<QString> CommandRunner::run(const Options& options) {
 }
 
 void CommandRunner::runAtStart(const Options& options, Report report) {
-    if (!namesRoom(options)) {
-        act(options, std::nullopt);
-        return;
-    }
-    if (const auto room = roomNamed(*options.output)) {
+    const auto room = roomOf(options);
+    if (room || !namesRoom(options)) {
         act(options, room);
         return;
     }
@@ -64,28 +58,24 @@ void CommandRunner::runAtStart(const Options& options, Report report) {
     }
     m_waiting = options;
     m_report = std::move(report);
-    waitForRoom();
-}
-
-void CommandRunner::waitForRoom() {
     const auto stopWaiting = [this] {
         m_giveUp.reset();
         // The token may be the one whose handler is running; it holds nothing of what is used below.
         m_waitingForChange.reset();
     };
     m_waitingForChange = m_environment.state.observe([this, stopWaiting](const RadioState&) {
-        const auto room = roomNamed(m_waiting.output.value_or(QString()));
-        if (!room)
+        const auto found = roomOf(m_waiting);
+        if (!found)
             return;
-        const Options options = m_waiting;
+        const Options waiting = m_waiting;
         stopWaiting();
-        act(options, room);
+        act(waiting, found);
     });
     m_giveUp = m_environment.mainQueue.startTimer(roomPatience, MainQueue::Repeat::once, [this, stopWaiting] {
-        const auto report = m_report;
+        const auto tell = m_report;
         const QString line = unknownRoom(m_waiting);
         stopWaiting();
-        report(line);
+        tell(line);
     });
 }
 
@@ -122,13 +112,14 @@ void CommandRunner::chooseStation(const Options& options) {
         controls.chooseStationToHear(*options.station);
     else if (options.station)
         controls.chooseStation(*options.station);
-    if (options.stationStep == Options::StationStep::next)
-        controls.chooseNextStation();
-    else if (options.stationStep == Options::StationStep::previous)
-        controls.choosePreviousStation();
+    if (options.stationStep != Options::StationStep::none)
+        controls.chooseNeighbour(options.stationStep == Options::StationStep::next ? 1 : -1);
 }
 
-std::optional<QString> CommandRunner::roomNamed(const QString& text) const {
+std::optional<QString> CommandRunner::roomOf(const Options& options) const {
+    if (!namesRoom(options))
+        return std::nullopt;
+    const QString& text = *options.output;
     const RadioState state = m_environment.state.now();
     for (const auto& [room, title] : state.rooms) {
         if (room.id() == text)

@@ -35,9 +35,8 @@ public:
 private:
     void act(const Options& options, const std::optional<QString>& roomId);
     void chooseStation(const Options& options);
-    /// The id of the room with this id or title.
-    [[nodiscard]] std::optional<QString> roomNamed(const QString& text) const;
-    void waitForRoom();
+    /// The id of the room that `options` name by its id or title.
+    [[nodiscard]] std::optional<QString> roomOf(const Options& options) const;
 
     Environment m_environment;
     Options m_waiting;

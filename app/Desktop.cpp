@@ -68,8 +68,7 @@ public:
         , m_symbols(m_icons, m_appearance)
         , m_statusBar(itemEnvironment()) {
         QApplication::setWindowIcon(m_icons.icon(QStringLiteral("ZofraLogo"), Qt::white));
-        // Once the item is there. The first panel is to know light from dark, and the desktop's answer takes
-        // a while.
+        // Once the item is there: the first panel is to know light from dark, which takes a while to ask.
         m_environment.mainQueue.async([this] { panel(); });
     }
 
@@ -103,8 +102,7 @@ private:
 
     void clickAnnounced(const QByteArray& token) {
         setActivationToken(token);
-        // Else the pointer is busy until the desktop gives up: what it takes for a start need not end in a
-        // window.
+        // Else the pointer is busy until the desktop gives up waiting for a window.
         if (const auto server = XServer::ofToolkit())
             server->endStartup(QString::fromUtf8(token));
     }

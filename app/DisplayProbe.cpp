@@ -14,11 +14,6 @@ namespace {
 
 using Connection = std::shared_ptr<void>;
 
-/// Null unless an X server answers and lets this program in.
-Connection connectX11() {
-    return XServer::connect();
-}
-
 Connection connectWayland() {
     if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
         return nullptr;
@@ -40,15 +35,13 @@ Connection connectWayland() {
 }
 
 std::optional<UsableDisplay> onlyWith(const QString& platform, const Connection& connection) {
-    if (!connection)
-        return std::nullopt;
-    return UsableDisplay{platform, connection};
+    return connection ? std::optional(UsableDisplay{platform, connection}) : std::nullopt;
 }
 
 std::optional<UsableDisplay> chosenByUser(const QString& platform) {
     const bool isOne = !platform.contains(QLatin1Char(';'));
     if (isOne && platform.startsWith(QLatin1String("xcb")))
-        return onlyWith(platform, connectX11());
+        return onlyWith(platform, XServer::connect());
     if (isOne && platform.startsWith(QLatin1String("wayland")))
         return onlyWith(platform, connectWayland());
     return UsableDisplay{platform, nullptr};
@@ -60,16 +53,12 @@ std::optional<UsableDisplay> usableDisplay() {
     const QString chosen = qEnvironmentVariable("QT_QPA_PLATFORM");
     if (!chosen.isEmpty())
         return chosenByUser(chosen);
-    const QString x11 = QStringLiteral("xcb");
-    const QString wayland = QStringLiteral("wayland");
-    // There the compositor leaves window frames to the programs, and the toolkit's look foreign.
+    const auto x11 = [] { return onlyWith(QStringLiteral("xcb"), XServer::connect()); };
+    const auto wayland = [] { return onlyWith(QStringLiteral("wayland"), connectWayland()); };
+    // On GNOME the compositor leaves window frames to the programs, and the toolkit's look foreign.
     const bool isGnome = qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains(QLatin1String("GNOME"));
-    if (isGnome) {
-        const auto display = onlyWith(x11, connectX11());
-        return display ? display : onlyWith(wayland, connectWayland());
-    }
-    const auto display = onlyWith(wayland, connectWayland());
-    return display ? display : onlyWith(x11, connectX11());
+    const auto first = isGnome ? x11() : wayland();
+    return first ? first : isGnome ? wayland() : x11();
 }
 
 } // namespace zofra

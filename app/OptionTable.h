@@ -1,55 +1,41 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "stations/AppLanguage.h"
+#include "app/Options.h"
 #include "stations/texts/Text.h"
 
 #include <QLatin1String>
 #include <QString>
+#include <QStringList>
 
+#include <optional>
 #include <span>
+#include <variant>
 
 namespace zofra {
 
 /// One option of the command line. Parser, help, completions and manual page are all made of these.
 struct OptionRow {
-    enum class Id {
-        play,
-        stop,
-        toggle,
-        station,
-        output,
-        volume,
-        stopIn,
-        notify,
-        song,
-        status,
-        follow,
-        history,
-        doctor,
-        quit,
-        endpoints,
-        noDiscovery,
-        headless,
-        json,
-        version,
-        help
-    };
     enum class Takes { nothing, valueOrNothing, value };
-    /// What a shell may offer for the value.
-    enum class Offers { nothing, stations, stationsAndSteps, outputs, files, onOrOff };
+    /// Options whose value means more than a text.
+    enum class Special { play, station, volume, stopIn, notify };
+    /// What it sets: a task, a wish for playback, a switch, a text, or what only the parser knows.
+    using Meaning = std::variant<Options::Task, Options::Playback, bool Options::*,
+                                 std::optional<QString> Options::*, Special>;
 
-    Id id;
     /// With its dashes.
     QLatin1String name;
+    Meaning meaning;
     Takes takes;
     /// What stands for the value in help and manual.
     QLatin1String value;
-    Offers offers;
+    /// The words that a shell may offer for the value.
+    QString offers;
     const Text& help;
     /// What the manual page, which is in English, adds. In its markup.
     QLatin1String manual;
 
+    [[nodiscard]] bool takesFile() const { return value == QLatin1String("FILE"); }
     /// Name and value, as the help shows them.
     [[nodiscard]] QString usage() const;
 };
@@ -60,5 +46,12 @@ struct OptionRow {
 [[nodiscard]] QStringList stationNames();
 /// What `--help` prints.
 [[nodiscard]] QString helpText(AppLanguage language);
+
+// What is installed beside the program.
+[[nodiscard]] QString bashCompletion();
+[[nodiscard]] QString zshCompletion();
+[[nodiscard]] QString fishCompletion();
+/// The options of the manual page, in its markup.
+[[nodiscard]] QString manualOptions();
 
 } // namespace zofra

@@ -14,7 +14,7 @@ namespace zofra {
 namespace {
 
 namespace text = texts::command;
-using Id = OptionRow::Id;
+using Special = OptionRow::Special;
 
 /// Reads one argument after the other; `refusal` is set once something is wrong.
 class Reader {
@@ -35,6 +35,11 @@ public:
     }
 
 private:
+    struct Given {
+        QString name;
+        std::optional<QString> value;
+    };
+
     void readOne() {
         QString name = m_arguments.at(m_next++);
         std::optional<QString> value;
@@ -68,70 +73,40 @@ private:
     }
 
     void take(const OptionRow& row, const std::optional<QString>& value) {
-        using Task = Options::Task;
-        using Playback = Options::Playback;
-        switch (row.id) {
-        case Id::play:
-            return takePlay(row.name, value);
-        case Id::stop:
-            return takePlayback(Playback::stop);
-        case Id::toggle:
-            return takePlayback(Playback::toggle);
-        case Id::station:
-            return takeStation(row.name, value.value_or(QString()));
-        case Id::output:
-            m_options.output = value;
-            break;
-        case Id::volume:
-            m_options.volume = volumeNamed(value.value_or(QString()));
-            if (!m_options.volume)
-                refuse(text::badVolume, *value);
-            break;
-        case Id::stopIn:
-            m_options.stopIn = durationNamed(value.value_or(QString()));
-            if (!m_options.stopIn)
-                refuse(text::badTime, *value);
-            break;
-        case Id::notify:
-            m_options.notify = switchNamed(value.value_or(QString()));
-            if (!m_options.notify)
-                refuse(text::onOrOff, row.name, *value);
-            break;
-        case Id::endpoints:
-            m_options.endpointsFile = value;
-            break;
-        case Id::noDiscovery:
-            m_options.noDiscovery = true;
-            break;
-        case Id::headless:
-            m_options.headless = true;
-            break;
-        case Id::json:
-            m_options.isJson = true;
-            break;
-        case Id::song:
-            return takeTask(Task::song);
-        case Id::status:
-            return takeTask(Task::status);
-        case Id::follow:
-            return takeTask(Task::follow);
-        case Id::history:
-            return takeTask(Task::history);
-        case Id::doctor:
-            return takeTask(Task::doctor);
-        case Id::quit:
-            return takeTask(Task::quit);
-        case Id::version:
-            return takeTask(Task::version);
-        case Id::help:
-            return takeTask(Task::help);
-        }
+        std::visit([&](const auto meaning) { take(meaning, {row.name, value}); }, row.meaning);
     }
 
-    void takePlay(const QString& name, const std::optional<QString>& value) {
-        takePlayback(Options::Playback::play);
-        if (value)
-            takeStationName(name, *value);
+    void take(bool Options::*flag, const Given&) { m_options.*flag = true; }
+
+    void take(std::optional<QString> Options::*text, const Given& given) { m_options.*text = given.value; }
+
+    void take(Special special, const Given& given) {
+        const QString value = given.value.value_or(QString());
+        switch (special) {
+        case Special::play:
+            take(Options::Playback::play, given);
+            if (given.value)
+                takeStationName(given.name, value);
+            break;
+        case Special::station:
+            takeStation(given.name, value);
+            break;
+        case Special::volume:
+            m_options.volume = volumeNamed(value);
+            if (!m_options.volume)
+                refuse(text::badVolume, value);
+            break;
+        case Special::stopIn:
+            m_options.stopIn = durationNamed(value);
+            if (!m_options.stopIn)
+                refuse(text::badTime, value);
+            break;
+        case Special::notify:
+            m_options.notify = switchNamed(value);
+            if (!m_options.notify)
+                refuse(text::onOrOff, given.name, value);
+            break;
+        }
     }
 
     void takeStation(const QString& name, const QString& value) {
@@ -149,13 +124,13 @@ private:
             refuse(text::noSuchStation, name, value, stationNames().join(QStringLiteral(", ")));
     }
 
-    void takePlayback(Options::Playback playback) {
+    void take(Options::Playback playback, const Given&) {
         if (m_options.playback != Options::Playback::leave && m_options.playback != playback)
             refuse(text::onlyOneOf, QStringLiteral("--play, --stop, --toggle"));
         m_options.playback = playback;
     }
 
-    void takeTask(Options::Task task) {
+    void take(Options::Task task, const Given&) {
         if (m_options.task == Options::Task::run || task == Options::Task::help)
             m_options.task = task;
         else if (m_options.task != task && m_options.task != Options::Task::help)

@@ -60,13 +60,11 @@ struct Options {
     friend bool operator==(const Options&, const Options&) = default;
 };
 
-/// Reads the arguments (without the program's name), or answers the one line that says what is wrong with
-/// them, in `language`.
+/// Reads the arguments (without the program's name), or says in one line of `language` what is wrong.
 [[nodiscard]] Result<Options> parseOptions(const QStringList& arguments,
                                            AppLanguage language = AppLanguage::en);
 
-/// The station that `text` names: a raw value, or a display name or the beginning of just one, case not
-/// counting.
+/// The station with this raw value, display name or unambiguous beginning of one, case not counting.
 [[nodiscard]] std::optional<RadioStation> stationNamed(const QString& text);
 
 /// "40", "+5" or "-5"; nothing above 100.

@@ -19,11 +19,7 @@ namespace zofra {
 
 RadioControls::RadioControls(const RadioObjects& objects, Shell shell)
     : m_objects(objects)
-    , m_shell(std::move(shell))
-    , m_sleepTimer(m_shell.mainQueue, m_shell.clock, [this] {
-        stop();
-        m_shell.refresh();
-    }) {}
+    , m_shell(std::move(shell)) {}
 
 bool RadioControls::isPlaying() const {
     const bool isHere = m_objects.sonos.activeTarget.get() == AudioOutputTarget::localMac();
@@ -46,7 +42,16 @@ void RadioControls::stop() {
 }
 
 void RadioControls::stopIn(std::chrono::seconds time) {
-    m_sleepTimer.set(time);
+    m_sleepTimer.reset();
+    m_stopsAt.reset();
+    if (time > std::chrono::seconds(0)) {
+        m_stopsAt = m_shell.clock() + time;
+        m_sleepTimer = m_shell.mainQueue.startTimer(time, MainQueue::Repeat::once, [this] {
+            m_stopsAt.reset();
+            stop();
+            m_shell.refresh();
+        });
+    }
     m_shell.refresh();
 }
 
@@ -62,14 +67,6 @@ void RadioControls::chooseStationToHear(RadioStation station) {
     if (player.player && !player.isPlaying)
         player.drop();
     chooseStation(station);
-}
-
-void RadioControls::chooseNextStation() {
-    chooseNeighbour(1);
-}
-
-void RadioControls::choosePreviousStation() {
-    chooseNeighbour(-1);
 }
 
 void RadioControls::chooseNeighbour(int distance) {

@@ -2,20 +2,23 @@
 #pragma once
 
 #include "app/RadioObjects.h"
-#include "app/SleepTimer.h"
+#include "platform/Clock.h"
 #include "platform/DefaultsStore.h"
+#include "platform/MainQueue.h"
 #include "platform/Workspace.h"
 #include "stations/AppLanguage.h"
 #include "stations/RadioStation.h"
 
 #include <QString>
 
+#include <chrono>
 #include <functional>
+#include <memory>
+#include <optional>
 
 namespace zofra {
 
-/// All that can be done with the program. Menu, panel, media keys, wheel and command line call these and
-/// nothing else. Main thread only.
+/// All acts there are: menu, panel, media keys, wheel and command line call nothing else. Main thread only.
 class RadioControls {
 public:
     /// What the program around the radio does. All of it outlives the controls.
@@ -41,14 +44,12 @@ public:
     /// Stops after this time; nothing takes it back.
     void stopIn(std::chrono::seconds time);
     /// When it will stop by itself; absent when it will not.
-    [[nodiscard]] std::optional<TimePoint> stopsAt() const { return m_sleepTimer.stopsAt(); }
+    [[nodiscard]] std::optional<TimePoint> stopsAt() const { return m_stopsAt; }
     void chooseStation(RadioStation station);
-    /// The same, and what is played here next is this station: a stream that is held would be resumed as it
-    /// is.
+    /// The same, and what is played here next is this station, not a stream that is still held.
     void chooseStationToHear(RadioStation station);
-    /// The stations in their order, and from the last on to the first.
-    void chooseNextStation();
-    void choosePreviousStation();
+    /// So many stations on, or back, in their order; after the last comes the first.
+    void chooseNeighbour(int distance);
 
     /// The speakers stop. Nothing plays here until it is asked for.
     void chooseThisComputer();
@@ -59,8 +60,7 @@ public:
     /// Sets the volume here, kept for the next start, and sends its percentage to the chosen room or rooms.
     /// Clamped to 0..1 here; a NaN counts as missing and becomes 1, and is sent nowhere.
     void setVolume(float volume);
-    /// The same for what other programs send: what is no number is ignored, what lies outside is brought
-    /// inside.
+    /// The same for what other programs send: a NaN is ignored, what lies outside of 0..1 is brought inside.
     void requestVolume(double volume);
     /// One notch of a wheel, one press of a key, in percent.
     static constexpr int volumeStep = 5;
@@ -79,12 +79,12 @@ public:
     void quit();
 
 private:
-    void chooseNeighbour(int distance);
     [[nodiscard]] bool isPlaying() const;
 
     RadioObjects m_objects;
     Shell m_shell;
-    SleepTimer m_sleepTimer;
+    std::optional<TimePoint> m_stopsAt;
+    std::unique_ptr<Timer> m_sleepTimer;
 };
 
 } // namespace zofra

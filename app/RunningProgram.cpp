@@ -34,8 +34,7 @@ bool waitForTheEnd(const QDBusConnection& bus) {
 int quitRunning(const QDBusConnection& bus, const Options& options) {
     if (!isRunning(bus))
         return refuse(failed, text::notRunning.in(options.language));
-    // The answer may be lost when the program leaves as quickly as it should: that it has left is what
-    // counts.
+    // That it has left is what counts; a program that leaves quickly may take its answer with it.
     static_cast<void>(RunningApplication(bus).run(toVariantMap(options)));
     return waitForTheEnd(bus) ? fine : refuse(failed, text::noAnswer.in(options.language));
 }

@@ -16,8 +16,11 @@ inline const QString keepHistoryKey = QStringLiteral("history/enabled");
 /// The computer does not go to sleep by itself while it plays; off unless it is set.
 inline const QString inhibitIdleKey = QStringLiteral("session/inhibit_idle");
 
-/// "true", "on", "yes" and "1" are on, "false", "off", "no" and "0" are off; anything else is as good as
-/// none.
-[[nodiscard]] bool isOn(const DefaultsStore& defaults, const QString& key, bool otherwise);
+/// "true", "on", "yes", "1" are on, "false", "off", "no", "0" are off; anything else is as good as none.
+[[nodiscard]] inline bool isOn(const DefaultsStore& defaults, const QString& key, bool otherwise) {
+    const QString value = defaults.string(key).value_or(QString()).trimmed().toLower();
+    const auto isOneOf = [&](auto... words) { return ((value == QLatin1String(words)) || ...); };
+    return isOneOf("true", "on", "yes", "1") || (otherwise && !isOneOf("false", "off", "no", "0"));
+}
 
 } // namespace zofra

@@ -78,7 +78,7 @@ QString historyJson(const SongHistory& history) {
             {QStringLiteral("station"), song.station},
             {QStringLiteral("song"), song.song}});
     }
-    return QString::fromUtf8(QJsonDocument(songs).toJson(QJsonDocument::Compact));
+    return compactJson(songs);
 }
 
 } // namespace zofra

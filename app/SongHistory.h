@@ -2,14 +2,17 @@
 #pragma once
 
 #include "app/RadioState.h"
+#include "app/Settings.h"
 #include "platform/Clock.h"
 #include "platform/JsonRecord.h"
+#include "platform/OwnFile.h"
 
 #include <QByteArray>
 #include <QString>
 
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace zofra {
@@ -27,13 +30,15 @@ struct PlayedSong {
 
 template<>
 struct JsonFields<PlayedSong> {
-    template<typename Record, typename Visit>
-    static void visit(Record& song, Visit visit) {
-        visit("time", song.time);
-        visit("station", song.station);
-        visit("song", song.song);
+    static void visit(auto& song, auto&& field) {
+        field("time", song.time);
+        field("station", song.station);
+        field("song", song.song);
     }
 };
+
+/// The song that `state` plays; absent while nothing plays, or nothing is known of it.
+[[nodiscard]] std::optional<QString> songHeard(const RadioState& state);
 
 /// The last songs that were heard, the newest last.
 class SongHistory {
@@ -55,8 +60,31 @@ private:
     std::vector<PlayedSong> m_songs;
 };
 
-/// The song that `state` plays; absent while nothing plays, or nothing is known of it.
-[[nodiscard]] std::optional<QString> songHeard(const RadioState& state);
+/// Keeps the history of songs in its file, unless the settings say otherwise. Main thread only.
+class SongLog {
+public:
+    /// All of it outlives the log. The file is read when there is something to add.
+    SongLog(OwnFile& file, const DefaultsStore& defaults, Clock clock)
+        : m_file(file)
+        , m_defaults(defaults)
+        , m_clock(std::move(clock)) {}
+
+    /// The state has changed.
+    void show(const RadioState& state) {
+        if (!songHeard(state) || !isOn(m_defaults, keepHistoryKey, true))
+            return;
+        if (!m_history)
+            m_history.emplace(m_file.read());
+        if (m_history->note(state, m_clock()))
+            m_file.write(m_history->toJson());
+    }
+
+private:
+    OwnFile& m_file;
+    const DefaultsStore& m_defaults;
+    Clock m_clock;
+    std::optional<SongHistory> m_history;
+};
 
 /// What `--history` prints: a line for each song, with the time where the computer is.
 [[nodiscard]] QString historyLines(const SongHistory& history);

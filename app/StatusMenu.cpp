@@ -34,9 +34,10 @@ MenuItem submenuItem(QString title, Menu submenu) {
     return item;
 }
 
-void setIcon(MenuItem& item, const char* name, QString description = {}) {
+MenuItem withIcon(MenuItem item, const char* name, QString description = {}) {
     item.iconName = QString::fromLatin1(name);
     item.iconDescription = std::move(description);
+    return item;
 }
 
 MenuItem::CheckState onIf(bool condition) {
@@ -56,9 +57,8 @@ public:
         MenuItem item = actionItem((m_state.isPlaying ? texts::stopRadio : texts::playRadio).in(m_language),
                                    m_actions.togglePlayRadio, "togglePlayRadio");
         item.keyEquivalent = QStringLiteral("p");
-        setIcon(item, m_state.isPlaying ? "speaker.wave.2.fill" : "play.fill",
-                (m_state.isPlaying ? texts::stopIcon : texts::playIcon).in(m_language));
-        return item;
+        return withIcon(std::move(item), m_state.isPlaying ? "speaker.wave.2.fill" : "play.fill",
+                        (m_state.isPlaying ? texts::stopIcon : texts::playIcon).in(m_language));
     }
 
     [[nodiscard]] MenuItem stations() const {
@@ -71,10 +71,9 @@ public:
             item.state = onIf(station == m_state.station);
             menu.push_back(std::move(item));
         }
-        MenuItem parent =
-            submenuItem(m_languages.stationMenuTitle(m_state.station.displayName()), std::move(menu));
-        setIcon(parent, "antenna.radiowaves.left.and.right", texts::stationIcon.in(m_language));
-        return parent;
+        return withIcon(
+            submenuItem(m_languages.stationMenuTitle(m_state.station.displayName()), std::move(menu)),
+            "antenna.radiowaves.left.and.right", texts::stationIcon.in(m_language));
     }
 
     [[nodiscard]] MenuItem outputs() const {
@@ -93,9 +92,8 @@ public:
         menu.push_back(std::move(everywhere));
         menu.push_back(MenuItem::separator());
         menu.push_back(actionItem(texts::searchItem.in(m_language), m_actions.rescanSonos, "rescanSonos"));
-        MenuItem parent = submenuItem(m_languages.outputMenuTitle(m_state.targetTitle), std::move(menu));
-        setIcon(parent, "hifispeaker.2.fill", texts::outputIcon.in(m_language));
-        return parent;
+        return withIcon(submenuItem(m_languages.outputMenuTitle(m_state.targetTitle), std::move(menu)),
+                        "hifispeaker.2.fill", texts::outputIcon.in(m_language));
     }
 
     [[nodiscard]] MenuItem volumes() const {
@@ -112,34 +110,26 @@ public:
             item.state = onIf(std::fabs(m_state.volume - value) < 0.12F);
             menu.push_back(std::move(item));
         }
-        MenuItem parent =
-            submenuItem(m_languages.volumeMenuTitle(shownVolumePercent(m_state.volume)), std::move(menu));
-        setIcon(parent, "speaker.wave.2.fill", texts::volume.in(m_language));
-        return parent;
+        return withIcon(
+            submenuItem(m_languages.volumeMenuTitle(shownVolumePercent(m_state.volume)), std::move(menu)),
+            "speaker.wave.2.fill", texts::volume.in(m_language));
     }
 
     void appendSongs(Menu& menu) const {
-        MenuItem now = disabledItem(m_languages.nowPlayingHeader(m_state.currentSong));
-        setIcon(now, "music.note", texts::nowPlayingIcon.in(m_language));
-        menu.push_back(std::move(now));
-        const auto upNext = m_state.upNext();
-        if (!upNext)
-            return;
-        MenuItem next = disabledItem(m_languages.upNextHeader(*upNext));
-        setIcon(next, "forward.end.fill", texts::upNextIcon.in(m_language));
-        menu.push_back(std::move(next));
+        menu.push_back(withIcon(disabledItem(m_languages.nowPlayingHeader(m_state.currentSong)), "music.note",
+                                texts::nowPlayingIcon.in(m_language)));
+        if (const auto upNext = m_state.upNext())
+            menu.push_back(withIcon(disabledItem(m_languages.upNextHeader(*upNext)), "forward.end.fill",
+                                    texts::upNextIcon.in(m_language)));
     }
 
     [[nodiscard]] MenuItem about() const {
-        MenuItem item = actionItem(texts::about.in(m_language), m_actions.showAboutWindow, "showAboutWindow");
-        setIcon(item, "info.circle");
-        return item;
+        return withIcon(actionItem(texts::about.in(m_language), m_actions.showAboutWindow, "showAboutWindow"),
+                        "info.circle");
     }
 
     [[nodiscard]] MenuItem quit() const {
-        MenuItem item = actionItem(texts::quit.in(m_language), m_actions.quit, "quit");
-        setIcon(item, "power");
-        return item;
+        return withIcon(actionItem(texts::quit.in(m_language), m_actions.quit, "quit"), "power");
     }
 
 private:

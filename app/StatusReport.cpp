@@ -1,28 +1,41 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/StatusReport.h"
 
+#include "app/StatusButtonContent.h"
+#include "app/VolumePercent.h"
 #include "platform/ForeignText.h"
 
 #include <QJsonArray>
-#include <QStringList>
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace zofra {
 
 namespace {
 
 QString outputId(const AudioOutputTarget& target) {
-    switch (target.kind()) {
-    case AudioOutputTarget::Kind::sonos:
-        return target.roomId();
-    case AudioOutputTarget::Kind::sonosEverywhere:
-        return QStringLiteral("everywhere");
-    case AudioOutputTarget::Kind::localMac:
-        break;
-    }
-    return QStringLiteral("here");
+    if (target == AudioOutputTarget::localMac())
+        return QStringLiteral("here");
+    return target == AudioOutputTarget::sonosEverywhere() ? QStringLiteral("everywhere") : target.roomId();
+}
+
+QString playbackName(const RadioState& state) {
+    if (!state.isPlaying)
+        return QStringLiteral("stopped");
+    return state.isBuffering ? QStringLiteral("buffering") : QStringLiteral("playing");
+}
+
+QJsonObject barObject(const QString& text, const QString& toolTip, const QString& playback, int percent) {
+    return {{QStringLiteral("text"), text},
+            {QStringLiteral("tooltip"), toolTip},
+            {QStringLiteral("class"), playback},
+            {QStringLiteral("percentage"), percent}};
+}
+
+QString lineOf(const QString& name, const QString& value) {
+    return (name + QStringLiteral(": ") + value).trimmed();
 }
 
 QString shownValue(const QJsonValue& value) {
@@ -39,6 +52,28 @@ QString shownValue(const QJsonValue& value) {
     return titles.join(QStringLiteral(", "));
 }
 
+/// What is told of changes, in its order: name and value.
+std::array<std::pair<QString, QString>, 8> toldValues(const RadioState& state) {
+    QStringList titles;
+    for (const auto& room : state.rooms)
+        titles.append(visibleText(room.title));
+    const QString rooms =
+        QStringLiteral("%1 (%2)").arg(QString::number(titles.size()), titles.join(QStringLiteral(", ")));
+    return {{{QStringLiteral("station"), state.station.displayName()},
+             {QStringLiteral("song"), visibleText(state.currentSong)},
+             {QStringLiteral("next"), visibleText(state.upNext().value_or(QString()))},
+             {QStringLiteral("state"), playbackName(state)},
+             {QStringLiteral("output"), visibleText(state.targetTitle)},
+             {QStringLiteral("rooms"), titles.isEmpty() ? QStringLiteral("0") : rooms},
+             {QStringLiteral("volume"), QStringLiteral("%1 %").arg(shownVolumePercent(state.volume))},
+             {QStringLiteral("language"), rawValue(state.language)}}};
+}
+
+/// What a new listener need not be told.
+bool isNothing(const QString& name, const QString& value) {
+    return value.isEmpty() || (name == QLatin1String("rooms") && value == QLatin1String("0"));
+}
+
 } // namespace
 
 QJsonObject toJson(const RadioState& state, const QString& version, TimePoint now) {
@@ -48,8 +83,7 @@ QJsonObject toJson(const RadioState& state, const QString& version, TimePoint no
                                  {QStringLiteral("title"), title},
                                  {QStringLiteral("players"), room.speakers.size()}});
     const auto next = state.upNext();
-    // The shortest decimal number that is this volume, not the nearest 64-bit one. A stored volume may lie
-    // above 1.
+    // The shortest decimal number, not the nearest 64-bit one. A stored volume may lie above 1.
     const double volume =
         std::clamp(QString::number(static_cast<double>(state.volume), 'g', 7).toDouble(), 0.0, 1.0);
     QJsonObject object{{QStringLiteral("station"), state.station.rawValue()},
@@ -80,13 +114,40 @@ QString statusLines(const QJsonObject& report) {
     QStringList lines;
     for (const char* key : keys) {
         const QString name = QString::fromLatin1(key);
-        lines.append((name + QStringLiteral(": ") + shownValue(report.value(name))).trimmed());
+        lines.append(lineOf(name, shownValue(report.value(name))));
     }
     // There only while the music is to be stopped.
     const QJsonValue left = report.value(QLatin1String("stops_in"));
     if (!left.isUndefined())
         lines.append(QStringLiteral("stops_in: %1 s").arg(left.toInteger()));
     return lines.join(QLatin1Char('\n'));
+}
+
+QJsonObject barLine(const RadioState& state, const LanguageManager& languages) {
+    const auto button = statusButtonContent(state, languages);
+    return barObject(shownLine(state.isPlaying ? button.title : state.station.displayName()),
+                     shownLines(button.toolTip), playbackName(state), shownVolumePercent(state.volume));
+}
+
+QJsonObject emptyBarLine() {
+    return barObject({}, {}, QStringLiteral("off"), 0);
+}
+
+QString plainBarLine(const QJsonObject& line) {
+    return line.value(QLatin1String("text")).toString().replace(QLatin1String("%{"), QLatin1String("% {"));
+}
+
+QStringList ChangeLines::update(const RadioState& state) {
+    const auto now = toldValues(state);
+    const auto before = m_last ? std::optional(toldValues(*m_last)) : std::nullopt;
+    QStringList lines;
+    for (std::size_t i = 0; i < now.size(); ++i) {
+        const auto& [name, value] = now[i];
+        if (before ? (*before)[i].second != value : !isNothing(name, value))
+            lines.append(lineOf(name, value));
+    }
+    m_last = state;
+    return lines;
 }
 
 } // namespace zofra

@@ -3,14 +3,23 @@
 
 #include <QString>
 
+#include <cstdio>
+
 namespace zofra {
 
 /// What the program answers to whoever started it.
 enum ExitStatus : int { fine = 0, failed = 1, misused = 2 };
 
 /// One line on standard error, and the status to end with.
-int refuse(ExitStatus status, const QString& line);
+inline int refuse(ExitStatus status, const QString& line) {
+    std::fprintf(stderr, "zofrazofra: %s\n", qUtf8Printable(line));
+    return status;
+}
+
 /// One line or more on standard output. `failed` when nobody takes it.
-int print(const QString& text);
+inline int print(const QString& text) {
+    std::printf("%s\n", qUtf8Printable(text));
+    return std::fflush(stdout) == 0 ? fine : failed;
+}
 
 } // namespace zofra

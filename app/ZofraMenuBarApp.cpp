@@ -1,17 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/ZofraMenuBarApp.h"
 
-#include "app/BarLine.h"
 #include "app/Desktop.h"
 #include "app/RemoteOptions.h"
-#include "app/Settings.h"
-#include "app/StatusReport.h"
+#include "platform/JsonRecord.h"
 #include "platform/SharedInstance.h"
 #include "platform/linux/PreferredLanguages.h"
 #include "platform/linux/XdgFolders.h"
 
 #include <QCoreApplication>
-#include <QJsonDocument>
 
 #include <utility>
 
@@ -27,18 +24,6 @@ constexpr auto endLook = std::chrono::milliseconds(50);
 constexpr auto startupSettled = std::chrono::milliseconds(3000);
 constexpr auto settingsLimit = std::chrono::milliseconds(500);
 
-/// What the settings may hold that is no mere text.
-IniDefaultsStore::Options settingsOptions() {
-    IniDefaultsStore::Options options;
-    options.ranges = {{QStringLiteral("zofra_radio_volume"), 0.0F, 1.0F}};
-    return options;
-}
-
-QVariantMap bundle() {
-    return {{QStringLiteral("CFBundleShortVersionString"), QStringLiteral(ZOFRA_VERSION)},
-            {QStringLiteral("CFBundleVersion"), QStringLiteral(ZOFRA_BUILD_NUMBER)}};
-}
-
 /// The stations as media displays and searches of desktops list them.
 std::vector<MprisPlaylists::Entry> playlists() {
     std::vector<MprisPlaylists::Entry> entries;
@@ -51,10 +36,6 @@ std::vector<SearchProvider::Entry> searchEntries() {
     for (const RadioStation station : RadioStation::allCases)
         entries.push_back({station.rawValue(), station.displayName(), station.genre()});
     return entries;
-}
-
-QString compact(const QJsonObject& object) {
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
 /// What an action of the desktop file stands for: "play-" and a station, with hyphens for underscores.
@@ -111,7 +92,7 @@ ZofraMenuBarApp::ZofraMenuBarApp(Configuration configuration, QtMainQueue& mainQ
     , m_applicationBus(applicationBus)
     , m_systemBus(SessionBus::Kind::system, m_mainQueue)
     , m_defaults(IniDefaultsStore::defaultPath(), m_tasks, IniDefaultsStore::reportTo(m_systemLog),
-                 settingsOptions())
+                 {.ranges = {{QStringLiteral("zofra_radio_volume"), 0.0F, 1.0F}}})
     , m_http(m_configuration.hosts.extraAuthorityFile())
     , m_session(m_http)
     , m_wake(m_systemBus)
@@ -126,16 +107,21 @@ ZofraMenuBarApp::ZofraMenuBarApp(Configuration configuration, QtMainQueue& mainQ
     , m_songLog(m_historyFile, m_defaults, systemClock())
     , m_songNotifier(m_notifications, m_defaults, [this] { return m_delegate->aboutWindow() != nullptr; }) {
     prepareSharedInstances();
-    if (m_configuration.display == Display::present)
-        m_desktop = makeDesktop(
-            Desktop::Environment{m_sessionBus, m_mainQueue, m_defaults, m_output, m_workspace, [this] {
-                                     if (m_delegate)
-                                         m_delegate->state().touch();
-                                 }});
-    else
-        m_desktop = makeNoDesktop();
+    const auto itemChanged = [this] {
+        if (m_delegate)
+            m_delegate->state().touch();
+    };
+    m_desktop =
+        m_configuration.display == Display::none
+            ? makeNoDesktop()
+            : makeDesktop({m_sessionBus, m_mainQueue, m_defaults, m_output, m_workspace, itemChanged});
     m_desktop->setActivationToken(m_configuration.activation.activationToken.toUtf8());
     m_application = std::make_unique<Ending>(*this);
+}
+
+QVariantMap ZofraMenuBarApp::bundle() {
+    return {{QStringLiteral("CFBundleShortVersionString"), QStringLiteral(ZOFRA_VERSION)},
+            {QStringLiteral("CFBundleVersion"), QStringLiteral(ZOFRA_BUILD_NUMBER)}};
 }
 
 QString ZofraMenuBarApp::historyPath() {
@@ -187,27 +173,23 @@ int ZofraMenuBarApp::run() {
         CommandRunner::Environment{m_delegate->controls(), m_delegate->state(), m_mainQueue});
     m_commands->runAtStart(m_configuration.options, writeErrorLine);
     m_delegate->state().touch();
-    m_mainQueue.asyncAfter(startupSettled, [this] { settle(); });
+    m_mainQueue.asyncAfter(startupSettled, [this] {
+        // Making the first widget waits for the bus.
+        m_sessionBus.askHealth(answerLimit, [this](SessionBus::Health health) {
+            if (health == SessionBus::Health::answers)
+                prepare();
+        });
+    });
     const int status = QCoreApplication::exec();
     finish();
     return status;
-}
-
-void ZofraMenuBarApp::settle() {
-    // Making the first widget waits for the bus, so it is done beforehand only when the bus is known to
-    // answer.
-    m_sessionBus.askHealth(answerLimit, [this](SessionBus::Health health) {
-        if (health == SessionBus::Health::answers)
-            prepare();
-    });
 }
 
 void ZofraMenuBarApp::prepare() {
     const PopupPanelContent content{versionText(bundle()), m_delegate->viewModel(), [] {},
                                     RadioPlayer::shared(), SonosManager::shared(),  LanguageManager::shared(),
                                     m_delegate->controls()};
-    IdleSteps steps = m_desktop->preparation(content, m_delegate->contextMenu());
-    runIdleSteps(m_mainQueue, std::move(steps));
+    runIdleSteps(m_mainQueue, m_desktop->preparation(content, m_delegate->contextMenu()));
 }
 
 void ZofraMenuBarApp::connectApplicationBus() {
@@ -227,10 +209,10 @@ void ZofraMenuBarApp::connectApplicationBus() {
     m_applicationBus.onAnotherIsRunning = [this] { stepBack(); };
     m_applicationBus.onRun = [this](const QVariantMap& options) { return runRequest(options); };
     m_applicationBus.onStatus = [this] {
-        return compact(toJson(m_delegate->state().now(), versionText(bundle()), systemClock()()));
+        return compactJson(toJson(m_delegate->state().now(), versionText(bundle()), systemClock()()));
     };
     m_applicationBus.onBarLine = [this] {
-        return compact(barLine(m_delegate->state().now(), LanguageManager::shared()));
+        return compactJson(barLine(m_delegate->state().now(), LanguageManager::shared()));
     };
 }
 
@@ -266,12 +248,9 @@ RunReply ZofraMenuBarApp::runRequest(const QVariantMap& map) {
     const auto request = fromVariantMap(map);
     if (!request)
         return {2, request.error()};
-    const Options& options = *request;
-    if (options.task == Options::Task::quit) {
+    if (request->task == Options::Task::quit)
         m_delegate->quit();
-        return {};
-    }
-    if (const auto refusal = m_commands->run(options))
+    else if (const auto refusal = m_commands->run(*request))
         return {1, *refusal};
     return {};
 }
@@ -299,8 +278,7 @@ void ZofraMenuBarApp::connectMediaControls() {
 
 void ZofraMenuBarApp::connectChanges() {
     m_observations.push_back(m_delegate->state().observe([this](const RadioState& state) { show(state); }));
-    // Connections kept from before are dead; streams that wait before they are tried again need not wait any
-    // longer.
+    // Connections kept from before are dead; streams that wait for their next try need not wait any longer.
     const auto startAfresh = [this] {
         m_http.dropKeptConnections();
         m_streams.tryNow();

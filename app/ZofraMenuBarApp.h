@@ -2,12 +2,12 @@
 #pragma once
 
 #include "app/AppDelegate.h"
-#include "app/ChangeLines.h"
 #include "app/CommandRunner.h"
 #include "app/ControlRequestCount.h"
 #include "app/Options.h"
-#include "app/SongLog.h"
+#include "app/SongHistory.h"
 #include "app/SongNotifier.h"
+#include "app/StatusReport.h"
 #include "app/UnixSignals.h"
 #include "platform/linux/ApplicationBus.h"
 #include "platform/linux/DesktopNotifications.h"
@@ -55,6 +55,8 @@ public:
     ZofraMenuBarApp(const ZofraMenuBarApp&) = delete;
     ZofraMenuBarApp& operator=(const ZofraMenuBarApp&) = delete;
 
+    /// The program's description: its version and build number.
+    [[nodiscard]] static QVariantMap bundle();
     /// Where the songs that were played are kept.
     [[nodiscard]] static QString historyPath();
 
@@ -66,7 +68,6 @@ private:
 
     void prepareSharedInstances();
     [[nodiscard]] AppDelegate::Environment delegateEnvironment();
-    void settle();
     void prepare();
     void connectMediaControls();
     void connectApplicationBus();

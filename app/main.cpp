@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/AppDelegate.h"
-#include "app/CommandLanguage.h"
 #include "app/DisplayProbe.h"
 #include "app/OptionTable.h"
 #include "app/RunningProgram.h"
@@ -10,6 +9,8 @@
 #include "app/doctor/DoctorRun.h"
 #include "platform/RegularFile.h"
 #include "platform/linux/Allocator.h"
+#include "platform/linux/IniFile.h"
+#include "platform/linux/PreferredLanguages.h"
 #include "platform/linux/XdgFolders.h"
 #include "platform/linux/x11/XServer.h"
 #include "stations/texts/CommandTexts.h"
@@ -25,9 +26,12 @@ namespace {
 
 using namespace zofra;
 
-QString version() {
-    return versionText({{QStringLiteral("CFBundleShortVersionString"), QStringLiteral(ZOFRA_VERSION)},
-                        {QStringLiteral("CFBundleVersion"), QStringLiteral(ZOFRA_BUILD_NUMBER)}});
+/// The command line's language: the one chosen in the program, else the system's, else English.
+AppLanguage commandLanguage() {
+    const auto settings = inifile::read(IniDefaultsStore::defaultPath());
+    const auto stored = settings ? settings->value("app_language") : std::nullopt;
+    return languageAtStart(stored ? std::optional(QString::fromUtf8(*stored)) : std::nullopt,
+                           preferredLanguages());
 }
 
 int printHistory(const Options& options) {
@@ -46,7 +50,7 @@ int start(const Options& options, bool hasDisplay, const Activation& activation)
     auto& mainQueue = *new QtMainQueue;
     auto& sessionBus = *new SessionBus(SessionBus::Kind::session, mainQueue);
     if (options.task == Options::Task::doctor)
-        return runDoctor(options, version(), mainQueue, sessionBus);
+        return runDoctor(options, versionText(ZofraMenuBarApp::bundle()), mainQueue, sessionBus);
     if (options.task != Options::Task::run || options.needsRunning())
         return askRunning(sessionBus.connection(), options);
 
@@ -104,7 +108,7 @@ int main(int argc, char** argv) {
     if (options.task == Options::Task::history)
         return printHistory(options);
     if (options.task == Options::Task::version)
-        return print(QStringLiteral("zofrazofra ") + version());
+        return print(QStringLiteral("zofrazofra ") + versionText(ZofraMenuBarApp::bundle()));
 
     bool hasDisplay = false;
     const Activation activation = Activation::takeFromEnvironment();

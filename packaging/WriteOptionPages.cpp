@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Writes the shells' completions and the manual page: WriteOptionPages TEMPLATE FOLDER. The line @OPTIONS@ of
 // the template is replaced.
-#include "app/OptionPages.h"
 #include "app/OptionTable.h"
 
 #include <QDir>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/doctor/DoctorRun.h"
 
-#include "app/CommandLanguage.h"
 #include "app/DisplayProbe.h"
 #include "app/doctor/AudioFindings.h"
 #include "app/doctor/DesktopProbe.h"
@@ -208,7 +207,7 @@ int runDoctor(const Options& options, const QString& version, QtMainQueue& mainQ
     CurlGlobal::initialise();
     // Scripts are spoken to in one language.
     const bool isForScripts = options.isJson;
-    const auto language = isForScripts ? AppLanguage::en : commandLanguage();
+    const auto language = isForScripts ? AppLanguage::en : options.language;
     auto& doctor = *new Doctor(options, version, mainQueue, sessionBus, language);
     auto& examination = *new Examination(mainQueue, doctor.makeChecks());
     int status = 1;

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/BarLine.h"
-
+#include "app/StatusReport.h"
 #include "tests/support/FakeDefaultsStore.h"
 #include "tests/support/PrintQt.h"
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/SongHistory.h"
+
 #include "app/Settings.h"
-#include "app/SongLog.h"
 #include "app/SongNotifier.h"
 #include "tests/support/FakeDefaultsStore.h"
 #include "tests/support/PrintQt.h"

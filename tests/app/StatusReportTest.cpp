@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/StatusReport.h"
 
-#include "app/ChangeLines.h"
 #include "tests/support/PrintQt.h"
 
 #include <QJsonArray>
