@@ -11,8 +11,8 @@
 
 namespace zofra {
 
-/// Keeps a computer that nobody touches from going to sleep, by the login manager's inhibitor, which ends with the descriptor that it gives.
-/// Without a login manager nothing is kept. Main thread only.
+/// Keeps a computer that nobody touches from going to sleep, by the login manager's inhibitor, which ends
+/// with the descriptor that it gives. Without a login manager nothing is kept. Main thread only.
 class LogindInhibitor {
 public:
     /// `systemBus` outlives it.

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "metadata/JsonText.h"
-
 #include "tests/support/PrintQt.h"
 
 #include <gtest/gtest.h>
