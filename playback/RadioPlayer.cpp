@@ -26,6 +26,7 @@ RadioPlayer::RadioPlayer(const Environment& environment)
     const auto stored = m_environment.defaults.floatValue(volumeDefaultsKey).value_or(0.0F);
     if (stored > 0.0F)
         volume = stored;
+    currentStation = RadioStation::savedStation(m_environment.defaults);
     setupRemoteCommands();
     m_wakeObserver = m_environment.wake.observeDidWake(m_lifetime.guard([this] { handleWakeFromSleep(); }));
 }
