@@ -10,6 +10,19 @@
 
 namespace zofra {
 
+namespace {
+
+std::unique_ptr<RadioViewModel> makeViewModel(const AppDelegate::Environment& environment) {
+    // Read before the shared instances are made.
+    const RadioStation station = RadioStation::savedStation(environment.defaults);
+    return std::make_unique<RadioViewModel>(
+        station, environment.session, environment.clock, environment.makeWebSocket,
+        RadioViewModel::Environment{environment.mainQueue, environment.output, environment.languages(),
+                                    environment.hosts});
+}
+
+} // namespace
+
 QString versionText(const QVariantMap& bundle) {
     const auto text = [&](const QString& key, const QString& otherwise) {
         const QVariant value = bundle.value(key);
@@ -22,11 +35,7 @@ QString versionText(const QVariantMap& bundle) {
 
 AppDelegate::AppDelegate(Environment environment)
     : m_environment(std::move(environment))
-    , m_viewModel(std::make_unique<RadioViewModel>(
-          RadioStation::savedStation(m_environment.defaults), m_environment.session, m_environment.clock,
-          m_environment.makeWebSocket,
-          RadioViewModel::Environment{m_environment.mainQueue, m_environment.output,
-                                      m_environment.languages(), m_environment.hosts}))
+    , m_viewModel(makeViewModel(m_environment))
     , m_player(m_environment.player())
     , m_sonos(m_environment.sonos())
     , m_languages(m_environment.languages())
