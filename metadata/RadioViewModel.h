@@ -73,12 +73,11 @@ private:
     // The live socket.
     void listenWebSocket(const std::shared_ptr<RadioMetadataSocket>& task);
     void receivedFromWebSocket(const std::weak_ptr<RadioMetadataSocket>& task,
-                               const std::variant<SocketMessage, SocketError>& result);
+                               const Result<SocketMessage>& result);
     void handleWebSocketMessage(const QString& text);
     void applyLiveTrack(const ZofraLiveTrackData& track);
     void sendJoinSubscription();
-    void joinSubscriptionSent(const std::weak_ptr<RadioMetadataSocket>& task,
-                              const std::optional<SocketError>& error);
+    void joinSubscriptionSent(const std::weak_ptr<RadioMetadataSocket>& task, const Result<void>& result);
     void scheduleReconnect();
     void reconnect();
     void checkWebSocketHealth();

@@ -19,9 +19,7 @@ constexpr auto retryDelay = 2000ms;
 
 /// The body of a response with a status of success; null for everything else.
 const QByteArray* successfulBody(const HttpResult& result) {
-    if (result.error || !result.response || result.response->status < 200 || result.response->status > 299)
-        return nullptr;
-    return &result.response->body;
+    return result && result->status >= 200 && result->status <= 299 ? &result->body : nullptr;
 }
 
 /// The items in the answer to a request for `rpId`; absent for every kind of failure.

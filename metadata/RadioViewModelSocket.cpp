@@ -47,8 +47,8 @@ void RadioViewModel::startWebSocket() {
 
 void RadioViewModel::listenWebSocket(const std::shared_ptr<RadioMetadataSocket>& task) {
     // Weakly, because the socket keeps the handler.
-    task->receive(onMainThread<std::variant<SocketMessage, SocketError>>(
-        [this, weak = std::weak_ptr(task)](const std::variant<SocketMessage, SocketError>& result) {
+    task->receive(onMainThread<Result<SocketMessage>>(
+        [this, weak = std::weak_ptr(task)](const Result<SocketMessage>& result) {
             receivedFromWebSocket(weak, result);
         }));
 }
@@ -58,12 +58,12 @@ bool RadioViewModel::isCurrent(const std::weak_ptr<RadioMetadataSocket>& task) c
 }
 
 void RadioViewModel::receivedFromWebSocket(const std::weak_ptr<RadioMetadataSocket>& task,
-                                           const std::variant<SocketMessage, SocketError>& result) {
+                                           const Result<SocketMessage>& result) {
     if (!isCurrent(task))
         return;
-    if (const auto* error = std::get_if<SocketError>(&result)) {
+    if (!result) {
         m_environment.output.writeLine(QStringLiteral("Zofra WebSocket Verbindung unterbrochen: ") +
-                                       error->localizedDescription);
+                                       result.error());
         scheduleReconnect();
         return;
     }
@@ -73,7 +73,7 @@ void RadioViewModel::receivedFromWebSocket(const std::weak_ptr<RadioMetadataSock
         if (isCurrent(task))
             listenWebSocket(m_webSocketTask);
     });
-    if (const auto text = textOf(std::get<SocketMessage>(result)))
+    if (const auto text = textOf(*result))
         handleWebSocketMessage(*text);
     listenAgain();
 }
@@ -120,19 +120,18 @@ void RadioViewModel::sendJoinSubscription() {
     const auto message = joinMessage(currentStation);
     if (!message || !m_webSocketTask)
         return;
-    m_webSocketTask->send(
-        *message, onMainThread<std::optional<SocketError>>(
-                      [this, weak = std::weak_ptr(m_webSocketTask)](const std::optional<SocketError>& error) {
-                          joinSubscriptionSent(weak, error);
-                      }));
+    m_webSocketTask->send(*message, onMainThread<Result<void>>([this, weak = std::weak_ptr(m_webSocketTask)](
+                                                                   const Result<void>& result) {
+        joinSubscriptionSent(weak, result);
+    }));
 }
 
 void RadioViewModel::joinSubscriptionSent(const std::weak_ptr<RadioMetadataSocket>& task,
-                                          const std::optional<SocketError>& error) {
-    if (!error || !isCurrent(task))
+                                          const Result<void>& result) {
+    if (result || !isCurrent(task))
         return;
     m_environment.output.writeLine(QStringLiteral("Fehler beim Senden des WebSocket-Abonnements: ") +
-                                   error->localizedDescription);
+                                   result.error());
     scheduleReconnect();
     // The HTTP sources fill in at once.
     fetchMetadata();

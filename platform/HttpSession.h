@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/Result.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QUrl>
@@ -8,7 +10,6 @@
 #include <chrono>
 #include <cstddef>
 #include <functional>
-#include <optional>
 #include <stop_token>
 #include <utility>
 #include <vector>
@@ -67,11 +68,8 @@ struct HttpResponse {
     QByteArray body;
 };
 
-/// What a request came to: exactly one of the two is present.
-struct HttpResult {
-    std::optional<HttpResponse> response;
-    std::optional<HttpError> error;
-};
+/// What a request came to.
+using HttpResult = Result<HttpResponse, HttpError>;
 
 /// Sends HTTP requests. Questions follow 5 redirects at most, over http and https, never from https to http.
 class HttpSession {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/Result.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QUrl>
@@ -15,11 +17,6 @@ namespace zofra {
 /// A message of a web socket: text or bytes.
 using SocketMessage = std::variant<QString, QByteArray>;
 
-/// Why a socket operation failed.
-struct SocketError {
-    QString localizedDescription;
-};
-
 /// Web-socket close codes, RFC 6455 section 7.4.1.
 enum class SocketCloseCode : int { normalClosure = 1000 };
 
@@ -27,8 +24,8 @@ enum class SocketCloseCode : int { normalClosure = 1000 };
 /// any thread. Destroying it closes it, and no handler is called afterwards.
 class RadioMetadataSocket {
 public:
-    using ReceiveHandler = std::function<void(std::variant<SocketMessage, SocketError>)>;
-    using SendHandler = std::function<void(std::optional<SocketError>)>;
+    using ReceiveHandler = std::function<void(Result<SocketMessage>)>;
+    using SendHandler = std::function<void(Result<void>)>;
 
     virtual ~RadioMetadataSocket() = default;
 
@@ -38,7 +35,7 @@ public:
     virtual void cancel(SocketCloseCode closeCode, std::optional<QByteArray> reason) = 0;
     /// Delivers the next message, or the error that ended the socket, once.
     virtual void receive(ReceiveHandler completionHandler) = 0;
-    /// Sends one message; the handler receives the error, if any.
+    /// Sends one message, and tells how that went.
     virtual void send(SocketMessage message, SendHandler completionHandler) = 0;
 };
 

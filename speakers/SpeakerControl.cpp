@@ -32,9 +32,10 @@ void SpeakerControl::sendSOAPAction(const QUrl& endpoint, const QString& service
                                     const QString& body, Completion completion) const {
     auto finished = [background = m_background, action, endpoint,
                      completion = std::move(completion)](const HttpResult& result) {
-        const int status = result.response ? result.response->status : 0;
-        background->noteIfDenied(result.error, endpoint);
-        const bool succeeded = !result.error && (status == 200 || status == 204);
+        const int status = result ? result->status : 0;
+        if (!result)
+            background->noteIfDenied(result.error(), endpoint);
+        const bool succeeded = status == 200 || status == 204;
         if (!succeeded)
             logFailure(*background, action, endpoint, status);
         if (completion)

@@ -50,9 +50,7 @@ struct InFlight {
 };
 
 std::optional<QString> textOf(const HttpResult& result) {
-    if (result.error || !result.response || result.response->status != 200)
-        return std::nullopt;
-    return QString::fromUtf8(result.response->body);
+    return result && result->status == 200 ? std::optional(QString::fromUtf8(result->body)) : std::nullopt;
 }
 
 /// One batch of requests under way.
@@ -99,8 +97,8 @@ private:
         return [weak = std::weak_ptr(m_background), denial = m_denial, arrivals = m_arrivals,
                 url = m_requests[index].url, index](const HttpResult& result) {
             const auto background = weak.lock();
-            if (background && denial == TextFetcher::Denial::noted)
-                background->noteIfDenied(result.error, url);
+            if (!result && background && denial == TextFetcher::Denial::noted)
+                background->noteIfDenied(result.error(), url);
             arrivals->add({index, textOf(result)});
         };
     }

@@ -101,12 +101,12 @@ struct LiveSocketCheck::State : std::enable_shared_from_this<LiveSocketCheck::St
         socket->resume();
     }
 
-    void received(const std::variant<SocketMessage, SocketError>& result) {
-        if (const auto* error = std::get_if<SocketError>(&result)) {
-            finish({false, error->localizedDescription});
+    void received(const Result<SocketMessage>& result) {
+        if (!result) {
+            finish({false, result.error()});
             return;
         }
-        const auto* text = std::get_if<QString>(&std::get<SocketMessage>(result));
+        const auto* text = std::get_if<QString>(&*result);
         const bool isOpen = text && sockJSFrameKind(*text) == SockJSFrameKind::open;
         finish({isOpen, isOpen ? QString() : texts::doctor::noOpenFrame.in(language)});
     }

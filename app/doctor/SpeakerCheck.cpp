@@ -61,7 +61,7 @@ private:
 };
 
 bool isRefusal(const HttpResult& result) {
-    return result.error && result.error->code == HttpError::Code::notConnected;
+    return !result && result.error().code == HttpError::Code::notConnected;
 }
 
 } // namespace
@@ -106,9 +106,9 @@ public:
             facts->with([&](SpeakerFacts& known) {
                 if (isRefusal(result)) {
                     ++known.refusedRequests;
-                    known.lastRefusal = result.error->systemErrno;
-                } else if (isProbe && result.response && result.response->status == 200 &&
-                           NetworkPlayerProtocol::speaker(QString::fromUtf8(result.response->body), url)) {
+                    known.lastRefusal = result.error().systemErrno;
+                } else if (isProbe && result && result->status == 200 &&
+                           NetworkPlayerProtocol::speaker(QString::fromUtf8(result->body), url)) {
                     known.scanned.insert(url);
                 }
             });

@@ -159,7 +159,7 @@ TEST_F(AppDelegateActionsTest, OneIsExactlyOneAndAHundredZeroIsZero) {
     EXPECT_EQ(player->volume.get(), 1.0F);
     EXPECT_EQ(bodiesWith("<DesiredVolume>100</DesiredVolume>"), QStringList{u"10.0.0.5"_qs});
     // A player is told one volume at a time.
-    http.open.back().completion({HttpResponse{200, {}}, std::nullopt});
+    http.open.back().completion(HttpResponse{200, {}});
     queue.drain();
     delegate->setVolumeFromMenuItem(carrying(0.0F));
     EXPECT_EQ(player->volume.get(), 0.0F);

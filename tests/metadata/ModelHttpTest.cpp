@@ -301,7 +301,7 @@ TEST_F(ModelHttpTest, FailureOfAnOldStationDoesNothing) {
     const auto old = takeRequest();
     model->setStation(RadioStation::joe);
     const auto requests = http.requests.size();
-    old.completion({std::nullopt, HttpError{}});
+    old.completion(failure(HttpError{}));
     queue.advance(3s);
     EXPECT_EQ(http.requests.size(), requests);
 }
@@ -321,7 +321,7 @@ TEST_F(ModelHttpTest, FailureOfAStaleRoundDoesNothing) {
     model->fetchMetadata();
     const auto first = takeRequest();
     answer(200, onAir(u"5067"_qs, u"Second"_qs));
-    first.completion({std::nullopt, HttpError{}});
+    first.completion(failure(HttpError{}));
     queue.advance(3s);
     EXPECT_EQ(http.requests.size(), 2U);
 }

@@ -44,7 +44,7 @@ TEST_F(ModelLifetimeTest, LateSocketResultsDoNothing) {
     const auto socket = sockets.sockets.back();
     model.reset();
     socket->deliver(trackFrame(u"zofra_be"_qs, u"Late"_qs));
-    socket->finishSend(SocketError{u"late"_qs});
+    socket->finishSend(failure(u"late"_qs));
     queue.advance(60s);
     EXPECT_TRUE(updates.empty());
     EXPECT_TRUE(output.lines.empty());

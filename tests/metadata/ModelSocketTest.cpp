@@ -61,7 +61,7 @@ TEST_P(StationWithFeedTest, JoinsOnceOpen) {
     frame(u"o"_qs);
     ASSERT_EQ(sockets.last().sent.size(), 1U);
     EXPECT_EQ(sockets.last().sentText(0), joinMessage(GetParam()));
-    sockets.last().finishSend(std::nullopt);
+    sockets.last().finishSend({});
     queue.drain();
     EXPECT_EQ(state(), SocketState::connected);
     EXPECT_TRUE(output.lines.empty());
@@ -241,7 +241,7 @@ TEST_F(ModelSocketTest, ACloseFrameReconnectsSilently) {
 TEST_F(ModelSocketTest, FailedJoinIsLoggedAndTheHttpSourcesFillInAtOnce) {
     startConnected(RadioStation::zofra);
     const auto rounds = Probe::counter(*model);
-    sockets.last().finishSend(SocketError{u"broken pipe"_qs});
+    sockets.last().finishSend(failure(u"broken pipe"_qs));
     queue.drain();
     EXPECT_EQ(output.lines, std::vector{u"Fehler beim Senden des WebSocket-Abonnements: broken pipe"_qs});
     EXPECT_EQ(state(), SocketState::waitingToReconnect);
@@ -259,7 +259,7 @@ TEST_F(ModelSocketTest, LateResultsOfAReplacedSocketAreDropped) {
     queue.advance(1s);
 
     old->deliver(trackFrame(std::nullopt, u"Late"_qs));
-    old->finishSend(SocketError{u"late"_qs});
+    old->finishSend(failure(u"late"_qs));
     queue.drain();
 
     EXPECT_TRUE(updates.empty());

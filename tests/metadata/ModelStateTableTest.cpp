@@ -77,10 +77,10 @@ protected:
         case Event::receiveError:
             return failSocket(u"lost"_qs);
         case Event::joinError:
-            sockets.last().finishSend(SocketError{u"lost"_qs});
+            sockets.last().finishSend(failure(u"lost"_qs));
             return queue.drain();
         case Event::joinSent:
-            sockets.last().finishSend(std::nullopt);
+            sockets.last().finishSend({});
             return queue.drain();
         case Event::tick:
             return queue.advance(15s);

@@ -120,7 +120,7 @@ protected:
         return exchange;
     }
     void finish(const FakeHttpSession::Exchange& exchange, const QByteArray& body) {
-        exchange.completion({HttpResponse{200, body}, std::nullopt});
+        exchange.completion(HttpResponse{200, body});
         queue.drain();
     }
 

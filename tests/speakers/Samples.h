@@ -86,11 +86,11 @@ inline QByteArray ssdpAnswer(const QString& location) {
 }
 
 inline HttpResult answered(int status, const QString& body = {}) {
-    return {HttpResponse{status, body.toUtf8()}, std::nullopt};
+    return HttpResponse{status, body.toUtf8()};
 }
 
 inline HttpResult failed(HttpError::Code code, const QString& text = QStringLiteral("failed")) {
-    return {std::nullopt, HttpError{code, 0, text}};
+    return failure(HttpError{code, 0, text});
 }
 
 /// The name of the action that a control request asks for; empty for any other request.

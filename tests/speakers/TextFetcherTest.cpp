@@ -40,7 +40,7 @@ TEST_F(TextFetcherTest, GivesTheBodyOfStatus200) {
 }
 
 TEST_F(TextFetcherTest, RepairsBytesThatAreNoText) {
-    EXPECT_EQ(fetch({HttpResponse{200, "a\xFF"}, std::nullopt}), QStringLiteral("a\uFFFD"));
+    EXPECT_EQ(fetch(HttpResponse{200, "a\xFF"}), QStringLiteral("a\uFFFD"));
 }
 
 TEST_F(TextFetcherTest, GivesNothingOfAnyOtherStatusOrFailure) {

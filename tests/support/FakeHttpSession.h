@@ -35,8 +35,8 @@ public:
     }
 
     /// Answers the oldest open request.
-    void answer(int status, const QByteArray& body) { finish({HttpResponse{status, body}, std::nullopt}); }
-    void fail(HttpError error) { finish({std::nullopt, std::move(error)}); }
+    void answer(int status, const QByteArray& body) { finish(HttpResponse{status, body}); }
+    void fail(HttpError error) { finish(failure(std::move(error))); }
     void finish(HttpResult result) {
         auto exchange = std::move(open.front());
         open.pop_front();

@@ -36,12 +36,12 @@ public:
 
     /// Hands the message to the oldest waiting receiver; there must be one.
     void deliver(SocketMessage message) { answer(std::move(message)); }
-    void fail(const QString& description) { answer(SocketError{description}); }
+    void fail(const QString& description) { answer(failure(description)); }
     /// Ends the oldest send that has not been told yet.
-    void finishSend(std::optional<SocketError> error) {
+    void finishSend(Result<void> result) {
         const auto handler = std::move(sendHandlers.front());
         sendHandlers.pop_front();
-        handler(std::move(error));
+        handler(std::move(result));
     }
     /// What was sent, as text.
     [[nodiscard]] QString sentText(std::size_t index) const { return std::get<QString>(sent.at(index)); }
@@ -54,7 +54,7 @@ public:
     std::deque<SendHandler> sendHandlers;
 
 private:
-    void answer(std::variant<SocketMessage, SocketError> result) {
+    void answer(Result<SocketMessage> result) {
         const auto handler = std::move(receivers.front());
         receivers.pop_front();
         handler(std::move(result));

@@ -133,10 +133,10 @@ HttpError CurlTransfer::cancelled() {
 HttpResult CurlTransfer::result(CURLcode code) {
     const bool isAnswered = code == CURLE_OK || (isOrder() && m_handle.hasHead());
     if (!isAnswered || m_request.stop.stop_requested())
-        return {std::nullopt, error(code)};
+        return failure(error(code));
     long status = 0;
     curl_easy_getinfo(easy(), CURLINFO_RESPONSE_CODE, &status);
-    return {HttpResponse{static_cast<int>(status), std::move(m_body)}, std::nullopt};
+    return HttpResponse{static_cast<int>(status), std::move(m_body)};
 }
 
 HttpError CurlTransfer::error(CURLcode code) const {

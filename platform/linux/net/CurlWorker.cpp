@@ -38,8 +38,8 @@ void blockSignals() {
 }
 
 HttpResult notStarted() {
-    return {std::nullopt,
-            HttpError{HttpError::Code::other, 0, QStringLiteral("No thread could be started for requests.")}};
+    return failure(
+        HttpError{HttpError::Code::other, 0, QStringLiteral("No thread could be started for requests.")});
 }
 
 } // namespace

@@ -246,7 +246,7 @@ void WebSocketConnection::enqueue(SocketMessage message) {
 void WebSocketConnection::fail(const QString& description) {
     leave(goingAway, {});
     if (!m_failure)
-        m_failure = SocketError{oneLine(description)};
+        m_failure = oneLine(description);
     deliver();
 }
 
@@ -292,24 +292,24 @@ void WebSocketConnection::writePieces() {
 
 void WebSocketConnection::send(const SocketMessage& message,
                                const RadioMetadataSocket::SendHandler& handler) {
-    std::optional<SocketError> error;
+    Result<void> result;
     if (m_state != State::open) {
-        error = SocketError{QStringLiteral("The connection is not open.")};
+        result = failure(QStringLiteral("The connection is not open."));
     } else if (m_outputBytes + static_cast<qsizetype>(sizeOf(message)) > stuckBytes) {
-        error = SocketError{QStringLiteral("The server does not take what is sent.")};
+        result = failure(QStringLiteral("The server does not take what is sent."));
     } else if (const auto* text = std::get_if<QString>(&message)) {
         write(WebSocketOpcode::text, text->toUtf8());
     } else {
         write(WebSocketOpcode::binary, std::get<QByteArray>(message));
     }
     if (handler)
-        tell([&] { handler(error); });
+        tell([&] { handler(result); });
 }
 
 void WebSocketConnection::receive(RadioMetadataSocket::ReceiveHandler handler) {
     if (m_receiver)
         return tell(
-            [&] { handler(SocketError{QStringLiteral("Another message is being waited for already.")}); });
+            [&] { handler(failure(QStringLiteral("Another message is being waited for already."))); });
     m_receiver = std::move(handler);
     deliver();
 }
@@ -319,7 +319,7 @@ void WebSocketConnection::deliver() {
         return;
     const auto receiver = std::exchange(m_receiver, nullptr);
     if (m_waiting.empty())
-        return tell([&] { receiver(*m_failure); });
+        return tell([&] { receiver(failure(*m_failure)); });
     auto message = std::move(m_waiting.front());
     m_waiting.pop_front();
     m_waitingBytes -= sizeOf(message);

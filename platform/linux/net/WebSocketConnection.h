@@ -116,7 +116,7 @@ private:
 
     std::deque<SocketMessage> m_waiting;
     std::size_t m_waitingBytes = 0;
-    std::optional<SocketError> m_failure;
+    std::optional<QString> m_failure;
     RadioMetadataSocket::ReceiveHandler m_receiver;
     /// Held while a handler is called; recursive, because a handler may end the socket.
     std::recursive_mutex m_handlerMutex;

@@ -69,7 +69,7 @@ TEST_F(SpeakerCheckTest, AsksEveryAddressWhereNobodyAnswersAndIsQuickAboutIt) {
 TEST_F(SpeakerCheckTest, NoticesWhatTheSystemRefuses) {
     network.scripts[u"10.0.0.2"_qs].sendErrno = {{u"239.255.255.250"_qs, EPERM}, {u"10.0.0.255"_qs, EPERM}};
     session.automatic = [](const HttpRequest&) {
-        return HttpResult{std::nullopt, HttpError{HttpError::Code::notConnected, EACCES, u"refused"_qs}};
+        return HttpResult(failure(HttpError{HttpError::Code::notConnected, EACCES, u"refused"_qs}));
     };
     const auto found = run();
     ASSERT_EQ(found.size(), 2U);

@@ -162,7 +162,7 @@ TEST(PanelMenuTest, ChoosingALineDoesWhatItSays) {
     EXPECT_EQ(buttons.at(1)->title(), u"This Mac"_qs);
     const int listings = world.network.listings();
     world.http.automatic = [](const HttpRequest&) {
-        return HttpResult{std::nullopt, HttpError{HttpError::Code::timedOut, 0, u"no answer"_qs}};
+        return HttpResult(failure(HttpError{HttpError::Code::timedOut, 0, u"no answer"_qs}));
     };
     choose(4);
     EXPECT_GT(world.network.listings(), listings);

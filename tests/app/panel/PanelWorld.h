@@ -123,9 +123,7 @@ public:
                 .toUtf8();
         http.automatic = [description](const HttpRequest& request) {
             const bool isDescription = request.url.path() == QLatin1String("/xml/device_description.xml");
-            return HttpResult{
-                HttpResponse{isDescription ? 200 : 500, isDescription ? description : QByteArray()},
-                std::nullopt};
+            return HttpResponse{isDescription ? 200 : 500, isDescription ? description : QByteArray()};
         };
         sonos.discoverDevices(false);
         queue.drain();

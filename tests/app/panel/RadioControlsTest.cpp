@@ -146,7 +146,7 @@ TEST_F(RadioControlsTest, ChoosingEverywhereSelectsThatTarget) {
 TEST_F(RadioControlsTest, SearchingAlsoProbesTheSubnet) {
     world.network.addInterface(u"eth0"_qs, u"192.0.2.5"_qs, u"192.0.2.255"_qs);
     world.http.automatic = [](const HttpRequest&) {
-        return HttpResult{std::nullopt, HttpError{HttpError::Code::timedOut, 0, u"no answer"_qs}};
+        return HttpResult(failure(HttpError{HttpError::Code::timedOut, 0, u"no answer"_qs}));
     };
     controls.search();
     EXPECT_GE(world.http.requests.size(), 253U);

@@ -47,7 +47,7 @@ TEST(CurlLifetimeTest, StartsNoThreadBeforeTheFirstRequest) {
     CurlHttpSession session;
     EXPECT_FALSE(threadNames().contains("zofra-http"));
     LoopbackServer server(serving([](const QByteArray&) { return response(200, {}); }));
-    ASSERT_TRUE(fetch(session, server.url(u"/"_qs)).response);
+    ASSERT_TRUE(fetch(session, server.url(u"/"_qs)));
     EXPECT_TRUE(threadNames().contains("zofra-http"));
 }
 
@@ -136,14 +136,14 @@ TEST(CurlLifetimeTest, ManyRequestsLeaveNothingBehind) {
         connection.write(response(200, QByteArray(2000, 'x'), "Connection: close\r\n"));
     });
     CurlHttpSession session;
-    ASSERT_TRUE(fetch(session, server.url(u"/"_qs)).response);
+    ASSERT_TRUE(fetch(session, server.url(u"/"_qs)));
     qsizetype before = 0;
     ASSERT_TRUE(eventually([&] {
         const auto last = std::exchange(before, openDescriptors());
         return last == before;
     }));
     for (int i = 0; i < 300; ++i)
-        ASSERT_TRUE(fetch(session, server.url(u"/"_qs)).response);
+        ASSERT_TRUE(fetch(session, server.url(u"/"_qs)));
     EXPECT_TRUE(eventually([before] { return openDescriptors() <= before; }))
         << openDescriptors() << " > " << before;
 }
@@ -165,7 +165,7 @@ TEST(CurlCrowdTest, EveryOneOf254ParallelProbesIsAnswered) {
     go = true;
     int answered = 0;
     for (auto& probe : probes)
-        answered += probe.get().response ? 1 : 0;
+        answered += probe.get() ? 1 : 0;
     EXPECT_EQ(answered, 254);
     EXPECT_LE(server.mostOpen(), 64);
 }
@@ -181,7 +181,7 @@ TEST(CurlCrowdTest, WaitingForATurnDoesNotUseUpTheTimeout) {
         dead.emplace_back(session, probe);
     auto last = requestFor(good.url(u"/"_qs));
     last.timeout = 300ms;
-    EXPECT_TRUE(fetch(session, last).response) << "two rounds of dead hosts come before it";
+    EXPECT_TRUE(fetch(session, last)) << "two rounds of dead hosts come before it";
     for (auto& result : dead)
         EXPECT_EQ(codeOf(result.get()), HttpError::Code::timedOut);
 }
@@ -200,15 +200,14 @@ protected:
 TEST_F(CurlProxyTest, LocalHostsAreAskedDirectly) {
     LoopbackServer server(serving([](const QByteArray&) { return response(200, "direct"); }));
     CurlHttpSession session;
-    EXPECT_EQ(fetch(session, server.url(u"/"_qs)).response->body, "direct");
-    EXPECT_EQ(fetch(session, u"http://localhost:%1/"_qs.arg(server.port())).response->body, "direct");
+    EXPECT_EQ(fetch(session, server.url(u"/"_qs))->body, "direct");
+    EXPECT_EQ(fetch(session, u"http://localhost:%1/"_qs.arg(server.port()))->body, "direct");
     EXPECT_EQ(proxied, 0);
 }
 
 TEST_F(CurlProxyTest, OthersAreAskedThroughIt) {
     CurlHttpSession session;
-    EXPECT_EQ(fetch(session, u"http://radio.example/x"_qs).response->body,
-              "GET http://radio.example/x HTTP/1.1");
+    EXPECT_EQ(fetch(session, u"http://radio.example/x"_qs)->body, "GET http://radio.example/x HTTP/1.1");
 }
 
 TEST_F(CurlProxyTest, ACrowdOfDeadLocalHostsDoesNotKeepOthersWaiting) {
@@ -218,7 +217,7 @@ TEST_F(CurlProxyTest, ACrowdOfDeadLocalHostsDoesNotKeepOthersWaiting) {
     for (int i = 0; i < 254; ++i)
         session.start(requestFor(dead.url(u"/"_qs)), [&completions](const HttpResult&) { ++completions; });
     ASSERT_TRUE(eventually([&dead] { return dead.accepted() >= 48; }));
-    EXPECT_TRUE(fetch(session, u"http://radio.example/"_qs).response);
+    EXPECT_TRUE(fetch(session, u"http://radio.example/"_qs));
     EXPECT_EQ(completions, 0);
 }
 

@@ -26,7 +26,7 @@ std::pair<std::chrono::milliseconds, HttpResult> timed(HttpSession& session, Htt
 TEST(CurlBodyCapTest, LetsABodyOfExactlyThatSizePass) {
     LoopbackServer server(serving([](const QByteArray&) { return response(200, QByteArray(1000, 'x')); }));
     CurlHttpSession session;
-    EXPECT_EQ(fetch(session, capped(server, 1000)).response->body.size(), 1000);
+    EXPECT_EQ(fetch(session, capped(server, 1000))->body.size(), 1000);
     EXPECT_EQ(codeOf(fetch(session, capped(server, 999))), Code::tooLarge);
     EXPECT_EQ(codeOf(fetch(session, capped(server, 0))), Code::tooLarge);
 }
@@ -143,18 +143,18 @@ TEST(CurlFailureTest, ARefusedPortSaysSo) {
     }
     CurlHttpSession session;
     const auto result = fetch(session, u"http://127.0.0.1:%1/"_qs.arg(port));
-    ASSERT_TRUE(result.error);
-    EXPECT_EQ(result.error->code, Code::cannotConnect);
-    EXPECT_EQ(result.error->systemErrno, ECONNREFUSED);
-    EXPECT_FALSE(result.error->localizedDescription.isEmpty());
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().code, Code::cannotConnect);
+    EXPECT_EQ(result.error().systemErrno, ECONNREFUSED);
+    EXPECT_FALSE(result.error().localizedDescription.isEmpty());
 }
 
 TEST(CurlFailureTest, AnUnknownNameSaysSo) {
     CurlHttpSession session;
     const auto result = fetch(session, u"http://nowhere.invalid/"_qs);
-    ASSERT_TRUE(result.error);
-    EXPECT_EQ(result.error->code, Code::cannotFindHost);
-    EXPECT_EQ(result.error->systemErrno, 0);
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().code, Code::cannotFindHost);
+    EXPECT_EQ(result.error().systemErrno, 0);
 }
 
 struct Talk {
@@ -176,9 +176,9 @@ TEST_P(StrangeServerTest, IsAnErrorOfOneLine) {
     });
     CurlHttpSession session;
     const auto result = fetch(session, server.url(u"/"_qs));
-    EXPECT_FALSE(result.response);
-    EXPECT_EQ(codeOf(result), GetParam().code) << result.error->localizedDescription.toStdString();
-    const auto line = result.error->localizedDescription;
+    EXPECT_FALSE(result);
+    EXPECT_EQ(codeOf(result), GetParam().code) << result.error().localizedDescription.toStdString();
+    const auto line = result.error().localizedDescription;
     EXPECT_FALSE(line.isEmpty());
     EXPECT_LE(line.size(), 300);
     EXPECT_FALSE(line.contains(u'\n'));

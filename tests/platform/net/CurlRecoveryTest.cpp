@@ -80,19 +80,19 @@ protected:
 TEST_F(CurlRecoveryTest, ComesBackOnceThereAreDescriptors) {
     {
         const NoDescriptors shortage;
-        EXPECT_TRUE(outcome().error);
-        EXPECT_TRUE(outcome().error);
+        EXPECT_FALSE(outcome());
+        EXPECT_FALSE(outcome());
     }
-    EXPECT_TRUE(outcome().response);
+    EXPECT_TRUE(outcome());
 }
 
 TEST_F(CurlRecoveryTest, ComesBackOnceThereAreThreads) {
     {
         const NoThreads shortage;
-        EXPECT_TRUE(outcome().error);
-        EXPECT_TRUE(outcome().error);
+        EXPECT_FALSE(outcome());
+        EXPECT_FALSE(outcome());
     }
-    EXPECT_TRUE(outcome().response);
+    EXPECT_TRUE(outcome());
 }
 
 TEST_F(CurlRecoveryTest, ASocketThatWaitedForAThreadOpensWithIt) {
@@ -110,11 +110,11 @@ TEST_F(CurlRecoveryTest, ASocketThatWaitedForAThreadOpensWithIt) {
 }
 
 TEST_F(CurlRecoveryTest, KeptConnectionsAreNotUsedAfterAChangeOfNetwork) {
-    EXPECT_TRUE(outcome().response);
-    EXPECT_TRUE(outcome().response);
+    EXPECT_TRUE(outcome());
+    EXPECT_TRUE(outcome());
     EXPECT_EQ(server.accepted(), 1) << "kept";
     session.dropKeptConnections();
-    EXPECT_TRUE(outcome().response);
+    EXPECT_TRUE(outcome());
     EXPECT_EQ(server.accepted(), 2);
 }
 

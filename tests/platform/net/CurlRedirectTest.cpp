@@ -17,16 +17,16 @@ TEST(CurlRedirectTest, FollowsFive) {
     LoopbackServer server(countdown());
     CurlHttpSession session;
     const auto result = fetch(session, server.url(u"/5"_qs));
-    ASSERT_TRUE(result.response);
-    EXPECT_EQ(result.response->status, 200);
-    EXPECT_EQ(result.response->body, "goal");
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->status, 200);
+    EXPECT_EQ(result->body, "goal");
 }
 
 TEST(CurlRedirectTest, DoesNotFollowSix) {
     LoopbackServer server(countdown());
     CurlHttpSession session;
     const auto result = fetch(session, server.url(u"/6"_qs));
-    EXPECT_FALSE(result.response);
+    EXPECT_FALSE(result);
     EXPECT_EQ(codeOf(result), HttpError::Code::tooManyRedirects);
 }
 
@@ -43,9 +43,9 @@ TEST_P(ForeignRedirectTest, IsNotFollowed) {
         serving([](const QByteArray&) { return redirect(QString::fromLatin1(GetParam())); }));
     CurlHttpSession session;
     const auto result = fetch(session, server.url(u"/"_qs));
-    EXPECT_FALSE(result.response);
+    EXPECT_FALSE(result);
     EXPECT_EQ(codeOf(result), HttpError::Code::unsupportedUrl)
-        << result.error->localizedDescription.toStdString();
+        << result.error().localizedDescription.toStdString();
 }
 
 INSTANTIATE_TEST_SUITE_P(Schemes, ForeignRedirectTest,
@@ -72,13 +72,13 @@ protected:
 TEST_F(SecureRedirectTest, GoesFromHttpToHttps) {
     upGoal = secure.url(u"/goal"_qs, u"https"_qs);
     const auto result = fetch(session, plain.url(u"/up"_qs));
-    ASSERT_TRUE(result.response) << result.error->localizedDescription.toStdString();
-    EXPECT_EQ(result.response->body, "secure");
+    ASSERT_TRUE(result) << result.error().localizedDescription.toStdString();
+    EXPECT_EQ(result->body, "secure");
 }
 
 TEST_F(SecureRedirectTest, NeverGoesFromHttpsToHttp) {
     const auto result = fetch(session, secure.url(u"/down"_qs, u"https"_qs));
-    EXPECT_FALSE(result.response);
+    EXPECT_FALSE(result);
     EXPECT_EQ(codeOf(result), HttpError::Code::unsupportedUrl);
     EXPECT_EQ(plain.accepted(), 0);
 }
@@ -86,9 +86,9 @@ TEST_F(SecureRedirectTest, NeverGoesFromHttpsToHttp) {
 TEST_F(SecureRedirectTest, NeverGoesDownAgainAfterGoingUp) {
     upGoal = secure.url(u"/down"_qs, u"https"_qs);
     const auto result = fetch(session, plain.url(u"/up"_qs));
-    EXPECT_FALSE(result.response);
+    EXPECT_FALSE(result);
     EXPECT_EQ(codeOf(result), HttpError::Code::unsupportedUrl);
-    EXPECT_EQ(result.error->localizedDescription,
+    EXPECT_EQ(result.error().localizedDescription,
               u"A redirect leads from a secure address to an insecure one."_qs);
 }
 

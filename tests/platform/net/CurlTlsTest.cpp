@@ -22,8 +22,8 @@ TEST_F(CurlTlsTest, TrustsTheExtraAuthority) {
     LoopbackServer server(hello(), authority.identityFor(u"IP:127.0.0.1"_qs));
     CurlHttpSession session(authority.certificateFile());
     const auto result = fetch(session, server.url(u"/"_qs, u"https"_qs));
-    ASSERT_TRUE(result.response) << result.error->localizedDescription.toStdString();
-    EXPECT_EQ(result.response->body, "hello");
+    ASSERT_TRUE(result) << result.error().localizedDescription.toStdString();
+    EXPECT_EQ(result->body, "hello");
 }
 
 TEST_F(CurlTlsTest, RefusesAnUnknownAuthority) {
@@ -46,14 +46,14 @@ TEST_F(CurlTlsTest, SaysWhenTheExtraAuthorityCannotBeRead) {
     CurlHttpSession session(u"/nowhere/ca.pem"_qs);
     const auto result = fetch(session, server.url(u"/"_qs, u"https"_qs));
     EXPECT_EQ(codeOf(result), Code::secureConnectionFailed);
-    EXPECT_TRUE(result.error->localizedDescription.contains(u"/nowhere/ca.pem"_qs))
-        << result.error->localizedDescription.toStdString();
+    EXPECT_TRUE(result.error().localizedDescription.contains(u"/nowhere/ca.pem"_qs))
+        << result.error().localizedDescription.toStdString();
 }
 
 TEST_F(CurlTlsTest, PlainHttpNeedsNoAuthority) {
     LoopbackServer server(hello());
     CurlHttpSession session(u"/nowhere/ca.pem"_qs);
-    EXPECT_TRUE(fetch(session, server.url(u"/"_qs)).response);
+    EXPECT_TRUE(fetch(session, server.url(u"/"_qs)));
 }
 
 TEST_F(CurlTlsTest, RefusesAServerThatDoesNotSpeakTls) {

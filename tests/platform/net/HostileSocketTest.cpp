@@ -168,9 +168,9 @@ TEST(HostileSocketTest, APeerThatTakesNothingMakesSendingFail) {
     for (int i = 0; i < 100; ++i)
         listener.send(QByteArray(200'000, 'x'));
     ASSERT_TRUE(waitUntil([&] { return listener.sent.size() == 100; }));
-    EXPECT_GT(std::count_if(listener.sent.begin(), listener.sent.end(),
-                            [](const auto& error) { return error.has_value(); }),
-              50);
+    EXPECT_GT(
+        std::count_if(listener.sent.begin(), listener.sent.end(), [](const auto& result) { return !result; }),
+        50);
 }
 
 TEST(HostileSocketTest, SendingBeforeItIsOpenFails) {
@@ -178,8 +178,8 @@ TEST(HostileSocketTest, SendingBeforeItIsOpenFails) {
     Listener listener(plainSocket(server));
     listener.send(u"x"_qs);
     ASSERT_TRUE(waitUntil([&listener] { return listener.sent.size() == 1; }));
-    ASSERT_TRUE(listener.sent[0]);
-    EXPECT_EQ(listener.sent[0]->localizedDescription, u"The connection is not open."_qs);
+    ASSERT_FALSE(listener.sent[0]);
+    EXPECT_EQ(listener.sent[0].error(), u"The connection is not open."_qs);
 }
 
 class RefusedUpgradeTest : public testing::TestWithParam<std::pair<QByteArray, const char*>> {};

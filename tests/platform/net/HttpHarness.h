@@ -83,7 +83,7 @@ inline LoopbackServer::Handler serving(std::function<QByteArray(const QByteArray
 }
 
 inline std::optional<HttpError::Code> codeOf(const HttpResult& result) {
-    return result.error ? std::optional(result.error->code) : std::nullopt;
+    return result ? std::nullopt : std::optional(result.error().code);
 }
 
 } // namespace zofra::test

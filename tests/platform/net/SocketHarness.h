@@ -64,21 +64,21 @@ public:
         listen();
     }
     void listen() {
-        socket->receive([this](const std::variant<SocketMessage, SocketError>& result) {
+        socket->receive([this](const Result<SocketMessage>& result) {
             QMetaObject::invokeMethod(context.get(), [this, result] { received(result); });
         });
     }
-    void received(const std::variant<SocketMessage, SocketError>& result) {
-        if (const auto* failure = std::get_if<SocketError>(&result)) {
-            error = failure->localizedDescription;
+    void received(const Result<SocketMessage>& result) {
+        if (!result) {
+            error = result.error();
             return;
         }
-        messages.push_back(std::get<SocketMessage>(result));
+        messages.push_back(*result);
         if (socket)
             listen();
     }
     void send(const SocketMessage& message) {
-        socket->send(message, [this](const std::optional<SocketError>& result) {
+        socket->send(message, [this](const Result<void>& result) {
             QMetaObject::invokeMethod(context.get(), [this, result] { sent.push_back(result); });
         });
     }
@@ -93,7 +93,7 @@ public:
     std::unique_ptr<QObject> context = std::make_unique<QObject>();
     std::vector<SocketMessage> messages;
     std::optional<QString> error;
-    std::vector<std::optional<SocketError>> sent;
+    std::vector<Result<void>> sent;
     std::shared_ptr<CurlHttpSession> session;
     std::shared_ptr<RadioMetadataSocket> socket; // last: no handler is called once it has ended
 };

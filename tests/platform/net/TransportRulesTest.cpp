@@ -71,7 +71,7 @@ TEST(TransportRulesTest, AnExtraAuthorityMayBeAnIntermediateOne) {
     LoopbackServer server(serving([](const QByteArray&) { return response(200, "x"); }), identity);
     LoopbackServer live(&openSocket, identity);
     CurlHttpSession session(intermediate.certificateFile());
-    EXPECT_TRUE(fetch(session, server.url(u"/"_qs, u"https"_qs)).response);
+    EXPECT_TRUE(fetch(session, server.url(u"/"_qs, u"https"_qs)));
     EXPECT_TRUE(opens(QUrl(live.url(u"/"_qs, u"wss"_qs)), intermediate.certificateFile()));
 }
 
@@ -84,9 +84,9 @@ TEST(TransportRulesTest, AnExtraAuthorityThatCannotBeReadIsToldOnceForAll) {
     CurlHttpSession session(u"/nowhere/ca.pem"_qs);
     for (int i = 0; i < 2; ++i) {
         const auto result = fetch(session, server.url(u"/"_qs, u"https"_qs));
-        ASSERT_TRUE(result.error);
-        EXPECT_EQ(result.error->code, HttpError::Code::secureConnectionFailed);
-        EXPECT_EQ(result.error->localizedDescription, reason);
+        ASSERT_FALSE(result);
+        EXPECT_EQ(result.error().code, HttpError::Code::secureConnectionFailed);
+        EXPECT_EQ(result.error().localizedDescription, reason);
     }
     Listener listener(TestSocket(QUrl(server.url(u"/"_qs, u"wss"_qs)), u"/nowhere/ca.pem"_qs));
     listener.resumeAndListen();
@@ -125,11 +125,11 @@ TEST(TransportRulesTest, AServerThatIsMetAgainNeedsNoSecondFullHandshake) {
     const SessionServer server(authority.identityFor(u"IP:127.0.0.1"_qs));
     CurlHttpSession session(authority.certificateFile());
     const auto first = fetch(session, server.url());
-    ASSERT_TRUE(first.response) << first.error->localizedDescription.toStdString();
-    EXPECT_TRUE(first.response->body.contains("\nNew, TLS"));
+    ASSERT_TRUE(first) << first.error().localizedDescription.toStdString();
+    EXPECT_TRUE(first->body.contains("\nNew, TLS"));
     const auto second = fetch(session, server.url());
-    ASSERT_TRUE(second.response);
-    EXPECT_TRUE(second.response->body.contains("\nReused, TLS"));
+    ASSERT_TRUE(second);
+    EXPECT_TRUE(second->body.contains("\nReused, TLS"));
     // Streams share them.
     HttpStream::Settings settings;
     settings.authorities = HttpStream::authorities(authority.certificateFile());
@@ -148,7 +148,7 @@ TEST(NamespaceTest, DISABLED_SilentAddressesFirst) {
     EXPECT_TRUE(opens(QUrl(u"ws://radio.example:"_qs + port(live))));
     const auto socketTime = clock.restart();
     CurlHttpSession session;
-    EXPECT_TRUE(fetch(session, u"http://radio.example:"_qs + port(server)).response);
+    EXPECT_TRUE(fetch(session, u"http://radio.example:"_qs + port(server)));
     const auto requestTime = clock.elapsed();
     RecordProperty("socket", static_cast<int>(socketTime));
     RecordProperty("request", static_cast<int>(requestTime));
