@@ -16,8 +16,7 @@ std::array<int, 2> s_pipe{-1, -1};
 /// Only what may be called at any moment.
 extern "C" void handleSignal(int number) {
     const char byte = static_cast<char>(number);
-    const auto written = write(s_pipe[1], &byte, 1);
-    static_cast<void>(written);
+    [[maybe_unused]] const auto written = write(s_pipe[1], &byte, 1);
     // Whoever asks twice does not want to wait.
     std::signal(number, SIG_DFL);
 }

@@ -104,9 +104,7 @@ bool isCallbackName(QStringView name) {
 std::optional<QString> textFromUtf8(const QByteArray& bytes) {
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     QString text = decoder.decode(bytes);
-    if (decoder.hasError())
-        return std::nullopt;
-    return text;
+    return decoder.hasError() ? std::nullopt : std::optional(text);
 }
 
 std::optional<QString> unwrapJSONP(const QString& text) {
@@ -128,19 +126,12 @@ std::optional<QString> unwrapJSONP(const QString& text) {
     return inner.toString();
 }
 
-std::optional<QJsonDocument> parseJsonText(const QByteArray& utf8) {
-    JsonBudget budget;
-    return parseJsonText(utf8, budget);
-}
-
 std::optional<QJsonDocument> parseJsonText(const QByteArray& utf8, JsonBudget& budget) {
     if (!StrictnessScanner(utf8, budget).accepts())
         return std::nullopt;
     QJsonParseError error;
     auto document = QJsonDocument::fromJson(utf8, &error);
-    if (error.error != QJsonParseError::NoError)
-        return std::nullopt;
-    return document;
+    return error.error == QJsonParseError::NoError ? std::optional(document) : std::nullopt;
 }
 
 } // namespace zofra

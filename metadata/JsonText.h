@@ -35,7 +35,5 @@ struct JsonBudget {
 ///
 /// A document of more values than are left in `budget` is refused, and uses it up.
 [[nodiscard]] std::optional<QJsonDocument> parseJsonText(const QByteArray& utf8, JsonBudget& budget);
-/// The same for a document that stands alone.
-[[nodiscard]] std::optional<QJsonDocument> parseJsonText(const QByteArray& utf8);
 
 } // namespace zofra

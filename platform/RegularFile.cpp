@@ -2,22 +2,15 @@
 #include "platform/RegularFile.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <filesystem>
 
 namespace zofra {
 
-namespace {
-
-std::filesystem::path nameOf(const QString& path) {
-    return QFile::encodeName(path).toStdString();
-}
-
-} // namespace
-
 Result<std::optional<QByteArray>> readRegularFile(const QString& path, qint64 maxBytes) {
     std::error_code error;
-    const auto status = std::filesystem::status(nameOf(path), error);
+    const auto status = std::filesystem::status(QFile::encodeName(path).toStdString(), error);
     if (error == std::errc::no_such_file_or_directory)
         return std::nullopt;
     if (error)
@@ -36,8 +29,7 @@ Result<std::optional<QByteArray>> readRegularFile(const QString& path, qint64 ma
 }
 
 bool isLink(const QString& path) {
-    std::error_code error;
-    return std::filesystem::is_symlink(nameOf(path), error);
+    return QFileInfo(path).isSymLink();
 }
 
 } // namespace zofra

@@ -11,6 +11,11 @@
 namespace zofra {
 namespace {
 
+std::optional<QJsonDocument> parseJsonText(const QByteArray& utf8) {
+    JsonBudget budget;
+    return zofra::parseJsonText(utf8, budget);
+}
+
 TEST(TextFromUtf8Test, DecodesWhatIsValid) {
     EXPECT_EQ(textFromUtf8("D\xC3\xA9j\xC3\xA0 \xE6\x97\xA5 \xF0\x9F\x98\x80"), u"Déjà 日 😀"_qs);
     EXPECT_EQ(textFromUtf8(QByteArray()), QString());

@@ -189,7 +189,7 @@ void CurlWorker::startFrom(std::deque<Job>& waiting) {
     waiting.pop_front();
     auto transfer = std::make_unique<CurlTransfer>(std::move(job.request), authorities());
     if (auto refusal = transfer->refusal()) {
-        complete(job.completion, {std::nullopt, std::move(refusal)});
+        complete(job.completion, failure(std::move(*refusal)));
         return;
     }
     transfer->handle().avoidOlderThan(m_keptSince);
@@ -210,7 +210,7 @@ void CurlWorker::giveUpCancelled() {
     for (auto* waiting : {&m_waiting, &m_waitingLocal}) {
         for (auto& job : std::exchange(*waiting, {})) {
             if (job.request.stop.stop_requested())
-                complete(job.completion, {std::nullopt, CurlTransfer::cancelled()});
+                complete(job.completion, failure(CurlTransfer::cancelled()));
             else
                 waiting->push_back(std::move(job));
         }
