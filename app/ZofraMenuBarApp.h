@@ -16,7 +16,6 @@
 #include "platform/linux/LogindInhibitor.h"
 #include "platform/linux/LogindWake.h"
 #include "platform/linux/MprisPlayer.h"
-#include "platform/linux/NetworkChange.h"
 #include "platform/linux/QtMainQueue.h"
 #include "platform/linux/SearchProvider.h"
 #include "platform/linux/SessionBus.h"
@@ -26,6 +25,7 @@
 #include "platform/linux/ThreadTaskPool.h"
 #include "platform/linux/audio/MpvStreamPlayerFactory.h"
 #include "platform/linux/lan/LinuxLocalNetwork.h"
+#include "platform/linux/lan/NetworkChange.h"
 #include "platform/linux/net/CurlHttpSession.h"
 
 #include <memory>

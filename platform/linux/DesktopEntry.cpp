@@ -7,6 +7,10 @@
 namespace zofra::desktopentry {
 namespace {
 
+/// What may follow a backslash, and what each stands for.
+constexpr QStringView letters = u"sntr\\";
+constexpr QStringView meanings = u" \n\t\r\\";
+
 /// Without the blanks around it; other white space may be part of a name.
 QString withoutBlanks(const QString& text) {
     const auto isBlank = [](QChar c) { return c == u' ' || c == u'\t' || c == u'\r'; };
@@ -23,16 +27,8 @@ QString unescapedString(const QString& text) {
             continue;
         }
         const auto c = text[++i];
-        if (c == u's')
-            result += u' ';
-        else if (c == u'n')
-            result += u'\n';
-        else if (c == u't')
-            result += u'\t';
-        else if (c == u'r')
-            result += u'\r';
-        else
-            result += c;
+        const auto escape = letters.indexOf(c);
+        result += escape < 0 ? c : meanings[escape];
     }
     return result;
 }
@@ -42,19 +38,12 @@ QString unescapedString(const QString& text) {
 QString escapedString(const QString& text) {
     QString result;
     for (qsizetype i = 0; i < text.size(); ++i) {
-        const auto c = text[i];
-        if (c == u'\\')
-            result += QStringLiteral("\\\\");
-        else if (c == u'\n')
-            result += QStringLiteral("\\n");
-        else if (c == u'\t')
-            result += QStringLiteral("\\t");
-        else if (c == u'\r')
-            result += QStringLiteral("\\r");
-        else if (c == u' ' && (i == 0 || i + 1 == text.size()))
-            result += QStringLiteral("\\s");
+        const auto escape = meanings.indexOf(text[i]);
+        const bool isInnerBlank = text[i] == u' ' && i > 0 && i + 1 < text.size();
+        if (escape < 0 || isInnerBlank)
+            result += text[i];
         else
-            result += c;
+            (result += u'\\') += letters[escape];
     }
     return result;
 }

@@ -6,7 +6,7 @@
 #include "platform/linux/StandardOutputWriter.h"
 #include "platform/linux/XdgFolders.h"
 
-#include <QHash>
+#include <QMap>
 
 #include <algorithm>
 #include <array>
@@ -19,7 +19,7 @@
 namespace zofra {
 namespace {
 
-using Values = QHash<QByteArray, QByteArray>;
+using Values = QMap<QByteArray, QByteArray>;
 
 std::optional<float> finiteNumber(const QByteArray& text) {
     const bool hasPlus = text.startsWith('+') && !text.startsWith("+-");
@@ -144,8 +144,6 @@ IniDefaultsStore::IniDefaultsStore(const QString& path, TaskPool& pool, Report r
 IniDefaultsStore::IniDefaultsStore(const QString& path, TaskPool& pool, Report report, Options options)
     : m_state(std::make_shared<State>(path, std::move(report), std::move(options)))
     , m_pool(pool) {}
-
-IniDefaultsStore::~IniDefaultsStore() = default;
 
 QString IniDefaultsStore::defaultPath() {
     return xdg::configHome() + QStringLiteral("/zofrazofra/zofrazofra.ini");

@@ -15,10 +15,8 @@ namespace zofra {
 /// The user's settings in one text file that a person can read and edit.
 ///
 /// The file is read once, here. A written value can be read at once; it goes to the file in the background,
-/// where the file is locked, read anew, changed in this one key and replaced as a whole, so that neither two
-/// running programs nor a crash nor a full disk lose anything. Where that fails it is told once, on one line,
-/// and tried again with the next write. A damaged file is kept as a copy before it is written anew without
-/// what is no text, which is one line, too.
+/// by `inifile::merge`, so that neither two running programs nor a crash nor a full disk lose anything. Where
+/// that fails it is told once, on one line, and tried again with the next write.
 class IniDefaultsStore final : public DefaultsStore {
 public:
     /// Told what is wrong with the file, on one line; on any thread.
@@ -38,7 +36,6 @@ public:
 
     IniDefaultsStore(const QString& path, TaskPool& pool, Report report);
     IniDefaultsStore(const QString& path, TaskPool& pool, Report report, Options options);
-    ~IniDefaultsStore() override;
     IniDefaultsStore(const IniDefaultsStore&) = delete;
     IniDefaultsStore& operator=(const IniDefaultsStore&) = delete;
 

@@ -8,7 +8,6 @@
 #include <QLockFile>
 #include <QSaveFile>
 
-#include <algorithm>
 #include <cerrno>
 #include <unistd.h>
 
@@ -77,19 +76,18 @@ struct Change {
     QByteArray damaged;
 };
 
-Result<Change> changed(const QString& path, const QHash<QByteArray, QByteArray>& values) {
-    return read(path).map([&](const IniDocument& document) {
-        Change change{{document, {}}, false, {}};
-        if (document.isDamaged()) {
-            change = {{document, {}}, true, document.bytes()};
-            change.merged.document.dropDamage();
+Result<Change> changed(const QString& path, const QMap<QByteArray, QByteArray>& values) {
+    return read(path).map([&](const IniDocument& read) {
+        Change change{{read, {}}, read.isDamaged(), {}};
+        auto& document = change.merged.document;
+        if (read.isDamaged()) {
+            change.damaged = read.bytes();
+            document.dropDamage();
         }
-        auto keys = values.keys();
-        std::sort(keys.begin(), keys.end());
-        for (const auto& key : keys) {
-            if (change.merged.document.value(key) == values.value(key))
+        for (const auto& [key, value] : values.asKeyValueRange()) {
+            if (document.value(key) == value)
                 continue;
-            change.merged.document.setValue(key, values.value(key));
+            document.setValue(key, value);
             change.isNeeded = true;
         }
         return change;
@@ -107,7 +105,7 @@ Result<IniDocument> read(const QString& path) {
     return IniDocument(bytes->value_or(QByteArray()));
 }
 
-Result<Merged> merge(const QString& path, const QHash<QByteArray, QByteArray>& values,
+Result<Merged> merge(const QString& path, const QMap<QByteArray, QByteArray>& values,
                      std::chrono::milliseconds lockWait) {
     // A file is replaced in one step, so it can be looked at without the lock.
     if (auto change = changed(path, values); change && !change->isNeeded)

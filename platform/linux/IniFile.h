@@ -4,7 +4,7 @@
 #include "platform/IniDocument.h"
 #include "platform/Result.h"
 
-#include <QHash>
+#include <QMap>
 
 #include <chrono>
 
@@ -34,7 +34,7 @@ struct Merged {
 /// replaces it in one step, with the permissions it had. A file that says all this already is left alone. A
 /// link is followed. Of a damaged file a copy is kept beside it first; where that cannot be made, nothing is
 /// written.
-[[nodiscard]] Result<Merged> merge(const QString& path, const QHash<QByteArray, QByteArray>& values,
+[[nodiscard]] Result<Merged> merge(const QString& path, const QMap<QByteArray, QByteArray>& values,
                                    std::chrono::milliseconds lockWait);
 
 } // namespace inifile

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QByteArray>
+#include "platform/linux/RateLimit.h"
 
-#include <algorithm>
-#include <chrono>
-#include <utility>
+#include <QByteArray>
 
 namespace zofra {
 
@@ -19,14 +17,9 @@ public:
 
     /// Whether one more line may go out at `now`; counted as left out when not.
     [[nodiscard]] bool takes(Clock::time_point now) {
-        const std::chrono::duration<double> passed = now - std::exchange(m_last, now);
-        m_left = std::min(atOnce, m_left + passed.count() * perSecond);
-        if (m_left < 1) {
-            leaveOut();
-            return false;
-        }
-        m_left -= 1;
-        return true;
+        const bool isTaken = m_limit.take(now);
+        m_leftOut += isTaken ? 0 : 1;
+        return isTaken;
     }
     void leaveOut() { ++m_leftOut; }
     /// What to say in the place of the lines left out since the last `told`; empty when there are none.
@@ -38,8 +31,7 @@ public:
     void told() { m_leftOut = 0; }
 
 private:
-    double m_left = atOnce;
-    Clock::time_point m_last = Clock::now();
+    RateLimit m_limit{{perSecond, atOnce}};
     qint64 m_leftOut = 0;
 };
 

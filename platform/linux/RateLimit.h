@@ -26,6 +26,12 @@ public:
         m_at = now;
         return m_left > 0;
     }
+    /// Takes one; false when there is none left.
+    [[nodiscard]] bool take(TimePoint now) {
+        const bool isThere = hasRoom(now);
+        m_left -= isThere ? 1 : 0;
+        return isThere;
+    }
     /// May take more than there is; it is owed then.
     void spend(double amount) { m_left -= amount; }
     /// Whether nothing is owed and all may be spent at once.

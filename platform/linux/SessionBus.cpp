@@ -3,14 +3,12 @@
 
 #include "platform/linux/DBusCalls.h"
 #include "platform/linux/DBusSignal.h"
+#include "platform/linux/DetachedThread.h"
 
 #include <QFileInfo>
 
 #include <atomic>
-#include <chrono>
 #include <semaphore>
-#include <system_error>
-#include <thread>
 #include <utility>
 
 namespace zofra {
@@ -46,9 +44,7 @@ QString freshName() {
 /// One try at connecting, shared with the thread that makes it.
 struct SessionBus::Attempt {
     enum class State { running, connected, failed, abandoned };
-    explicit Attempt(QString freshName)
-        : name(std::move(freshName)) {}
-    const QString name;
+    const QString name = freshName();
     std::atomic<State> state = State::running;
     /// Released when `state` is no longer running.
     std::binary_semaphore finished{0};
@@ -107,16 +103,15 @@ void SessionBus::connectNow() {
     }
     // Greeting a bus that accepts but never answers takes long, so it is done aside; this thread only looks
     // in.
-    m_attempt = std::make_shared<Attempt>(freshName());
-    try {
-        std::thread([address, attempt = m_attempt] {
-            const bool isConnected = QDBusConnection::connectToBus(address, attempt->name).isConnected();
-            const auto outcome = isConnected ? Attempt::State::connected : Attempt::State::failed;
-            if (attempt->state.exchange(outcome) == Attempt::State::abandoned)
-                QDBusConnection::disconnectFromBus(attempt->name);
-            attempt->finished.release();
-        }).detach();
-    } catch (const std::system_error&) {
+    m_attempt = std::make_shared<Attempt>();
+    const bool isStarted = startDetachedThread([address, attempt = m_attempt] {
+        const bool isConnected = QDBusConnection::connectToBus(address, attempt->name).isConnected();
+        const auto outcome = isConnected ? Attempt::State::connected : Attempt::State::failed;
+        if (attempt->state.exchange(outcome) == Attempt::State::abandoned)
+            QDBusConnection::disconnectFromBus(attempt->name);
+        attempt->finished.release();
+    });
+    if (!isStarted) {
         m_attempt.reset();
         scheduleRetry();
         return;

@@ -35,8 +35,6 @@ public:
     explicit StandardOutputWriter(int descriptor = 1);
     /// Writes what can still be written at once.
     ~StandardOutputWriter() override;
-    StandardOutputWriter(const StandardOutputWriter&) = delete;
-    StandardOutputWriter& operator=(const StandardOutputWriter&) = delete;
 
     void writeLine(const QString& line) override;
 

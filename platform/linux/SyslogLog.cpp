@@ -31,11 +31,6 @@ QByteArray header() {
 SyslogLog::SyslogLog(QByteArray path)
     : m_path(std::move(path)) {}
 
-SyslogLog::~SyslogLog() {
-    if (m_socket >= 0)
-        ::close(m_socket);
-}
-
 void SyslogLog::log(const QString& line) {
     // Cut first: an endless text is not to be walked through.
     const auto text = cutText(visibleText(cutText(line, maxLineLength)), maxLineLength).toUtf8();
@@ -54,13 +49,13 @@ bool SyslogLog::send(const QByteArray& text) {
     const auto size = static_cast<std::size_t>(datagram.size());
     // A second time after the daemon has been started anew.
     for (int attempt = 0; attempt < 2; ++attempt) {
-        if (m_socket < 0 && !connect())
+        if (!m_socket.isOpen() && !connect())
             return false;
-        if (::send(m_socket, datagram.constData(), size, MSG_DONTWAIT | MSG_NOSIGNAL) >= 0)
+        if (::send(m_socket.get(), datagram.constData(), size, MSG_DONTWAIT | MSG_NOSIGNAL) >= 0)
             return true;
         if (errno == EAGAIN || errno == EINTR || errno == ENOBUFS)
             return false;
-        ::close(std::exchange(m_socket, -1));
+        m_socket = Descriptor();
     }
     return false;
 }
@@ -70,14 +65,13 @@ bool SyslogLog::connect() {
     if (m_path.size() >= static_cast<qsizetype>(sizeof address.sun_path))
         return false;
     std::copy(m_path.begin(), m_path.end(), address.sun_path);
-    m_socket = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    Descriptor socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): as the interface of sockets is.
     const auto* name = reinterpret_cast<const sockaddr*>(&address);
-    if (m_socket >= 0 && ::connect(m_socket, name, sizeof address) == 0)
-        return true;
-    if (m_socket >= 0)
-        ::close(std::exchange(m_socket, -1));
-    return false;
+    if (!socket.isOpen() || ::connect(socket.get(), name, sizeof address) != 0)
+        return false;
+    m_socket = std::move(socket);
+    return true;
 }
 
 } // namespace zofra

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/SystemLog.h"
+#include "platform/linux/Descriptor.h"
 #include "platform/linux/LineLimit.h"
 
 #include <QByteArray>
@@ -19,9 +20,6 @@ public:
 
     /// Sends to the datagram socket `path`, which need not be there (yet).
     explicit SyslogLog(QByteArray path = QByteArrayLiteral("/dev/log"));
-    ~SyslogLog() override;
-    SyslogLog(const SyslogLog&) = delete;
-    SyslogLog& operator=(const SyslogLog&) = delete;
 
     void log(const QString& line) override;
 
@@ -32,7 +30,7 @@ private:
     const QByteArray m_path;
     std::mutex m_mutex;
     LineLimit m_limit;
-    int m_socket = -1;
+    Descriptor m_socket;
 };
 
 } // namespace zofra

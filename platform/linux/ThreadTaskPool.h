@@ -3,8 +3,10 @@
 
 #include "platform/MainQueue.h"
 #include "platform/TaskPool.h"
+#include "platform/linux/DetachedThread.h"
 
 #include <functional>
+#include <utility>
 
 namespace zofra {
 
@@ -18,8 +20,9 @@ public:
     using StartThread = std::function<bool(const Work& work)>;
 
     /// `mainQueue` outlives every task.
-    explicit ThreadTaskPool(MainQueue& mainQueue);
-    ThreadTaskPool(MainQueue& mainQueue, StartThread startThread);
+    explicit ThreadTaskPool(MainQueue& mainQueue, StartThread startThread = startDetachedThread)
+        : m_mainQueue(mainQueue)
+        , m_startThread(std::move(startThread)) {}
 
     void async(Work work) override;
 

@@ -63,13 +63,13 @@ Result<void> XdgLoginItem::registerItem() {
                                      "Version=1.0\n"
                                      "Name=Zofra Zofra\n"
                                      "Icon=be.zofra.ZofraZofra\n"
-                                     "TryExec=") +
-                      desktopentry::escapedString(m_program) + QStringLiteral("\nExec=") +
-                      desktopentry::execArgument(m_program) +
-                      QStringLiteral("\nTerminal=false\n"
+                                     "TryExec=%1\n"
+                                     "Exec=%2\n"
+                                     "Terminal=false\n"
                                      "StartupNotify=false\n"
                                      "X-GNOME-Autostart-enabled=true\n"
-                                     "X-KDE-autostart-after=panel\n");
+                                     "X-KDE-autostart-after=panel\n")
+                          .arg(desktopentry::escapedString(m_program), desktopentry::execArgument(m_program));
     file.write(text.toUtf8());
     if (!file.commit())
         return failure(path + QStringLiteral(": ") + file.errorString());

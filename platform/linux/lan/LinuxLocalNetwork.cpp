@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/lan/LinuxLocalNetwork.h"
 
+#include "platform/linux/Descriptor.h"
+
 #include <algorithm>
 #include <arpa/inet.h>
 #include <array>
@@ -17,7 +19,6 @@
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/time.h>
-#include <unistd.h>
 #include <utility>
 
 namespace zofra {
@@ -26,26 +27,6 @@ namespace {
 
 constexpr std::size_t maxDatagramBytes = 4096;
 constexpr int receiveTimeoutMicroseconds = 250'000;
-
-/// A file descriptor that is closed with its owner.
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor)
-        : m_descriptor(descriptor) {}
-    Descriptor(Descriptor&& other) noexcept
-        : m_descriptor(std::exchange(other.m_descriptor, -1)) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    Descriptor& operator=(Descriptor&&) = delete;
-    ~Descriptor() {
-        if (m_descriptor >= 0)
-            ::close(m_descriptor);
-    }
-    [[nodiscard]] int get() const { return m_descriptor; }
-
-private:
-    int m_descriptor;
-};
 
 socklen_t lengthOf(const sockaddr& address) {
     return address.sa_family == AF_INET6 ? sizeof(sockaddr_in6) : sizeof(sockaddr_in);
@@ -170,7 +151,7 @@ std::vector<InterfaceAddress> LinuxLocalNetwork::interfaceAddresses() const {
 std::unique_ptr<UdpSearchSocket> LinuxLocalNetwork::openSearchSocket(const QString& ip) {
     const auto local = internetAddress(ip, 0);
     Descriptor socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    if (!local || socket.get() < 0)
+    if (!local || !socket.isOpen())
         return nullptr;
     setOption(socket, SOL_SOCKET, SO_RCVTIMEO, timeval{0, receiveTimeoutMicroseconds});
     setOption(socket, SOL_SOCKET, SO_BROADCAST, int{1});

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/NetworkChange.h"
+#include "platform/linux/lan/NetworkChange.h"
 
 #include "tests/support/EventLoop.h"
 #include "tests/support/ManualMainQueue.h"

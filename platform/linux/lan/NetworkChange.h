@@ -3,6 +3,7 @@
 
 #include "platform/MainQueue.h"
 #include "platform/Observable.h"
+#include "platform/linux/Descriptor.h"
 
 #include <QByteArray>
 #include <QSocketNotifier>
@@ -19,7 +20,6 @@ class NetworkChange final {
 public:
     /// `queue` must outlive it.
     explicit NetworkChange(MainQueue& queue);
-    ~NetworkChange();
     NetworkChange(const NetworkChange&) = delete;
     NetworkChange& operator=(const NetworkChange&) = delete;
 
@@ -33,7 +33,7 @@ private:
     void compare();
 
     MainQueue& m_queue;
-    int m_socket = -1;
+    Descriptor m_socket;
     std::unique_ptr<QSocketNotifier> m_notifier;
     std::unique_ptr<Timer> m_gathering;
     QByteArray m_last;

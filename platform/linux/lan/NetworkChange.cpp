@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/NetworkChange.h"
+#include "platform/linux/lan/NetworkChange.h"
+
+#include "platform/linux/lan/LinuxLocalNetwork.h"
 
 #include <QFile>
 #include <QList>
@@ -7,14 +9,9 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <ifaddrs.h>
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>
-#include <net/if.h>
-#include <netdb.h>
-#include <netinet/in.h>
 #include <sys/socket.h>
-#include <unistd.h>
 #include <utility>
 
 namespace zofra {
@@ -25,25 +22,15 @@ constexpr auto gatheringTime = std::chrono::milliseconds(300);
 constexpr int maxReads = 64;
 
 void appendInterfaces(QList<QByteArray>& lines) {
-    ifaddrs* list = nullptr;
-    if (::getifaddrs(&list) != 0)
-        return;
-    for (const auto* entry = list; entry; entry = entry->ifa_next) {
-        QByteArray line(entry->ifa_name);
-        line += (entry->ifa_flags & IFF_UP) ? " up" : " down";
-        line += (entry->ifa_flags & IFF_RUNNING) ? " running" : "";
-        const auto family = entry->ifa_addr ? entry->ifa_addr->sa_family : AF_UNSPEC;
+    for (const auto& entry : LinuxLocalNetwork().interfaceAddresses()) {
+        const bool isUp = (entry.flags & InterfaceAddress::up) != 0;
+        auto line = entry.name.toUtf8() + (isUp ? " up" : " down");
+        line += (entry.flags & InterfaceAddress::running) != 0 ? " running" : "";
         // An interface that is down keeps its addresses, but nothing can be reached from them.
-        if ((entry->ifa_flags & IFF_UP) && (family == AF_INET || family == AF_INET6)) {
-            std::array<char, NI_MAXHOST> host{};
-            const socklen_t length = family == AF_INET ? sizeof(sockaddr_in) : sizeof(sockaddr_in6);
-            if (::getnameinfo(entry->ifa_addr, length, host.data(), host.size(), nullptr, 0,
-                              NI_NUMERICHOST) == 0)
-                line += ' ' + QByteArray(host.data());
-        }
+        if (isUp && !entry.ip.isEmpty())
+            line += ' ' + entry.ip.toUtf8();
         lines += line;
     }
-    ::freeifaddrs(list);
 }
 
 /// Default routes: where the destination and its length are zero.
@@ -72,24 +59,18 @@ void appendRoutes(QList<QByteArray>& lines) {
 NetworkChange::NetworkChange(MainQueue& queue)
     : m_queue(queue)
     , m_socket(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_ROUTE)) {
-    if (m_socket < 0)
+    if (!m_socket.isOpen())
         return;
     sockaddr_nl address{};
     address.nl_family = AF_NETLINK;
     address.nl_groups =
         RTMGRP_LINK | RTMGRP_IPV4_IFADDR | RTMGRP_IPV6_IFADDR | RTMGRP_IPV4_ROUTE | RTMGRP_IPV6_ROUTE;
-    if (::bind(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+    if (::bind(m_socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
         return;
     m_last = snapshot();
-    m_notifier = std::make_unique<QSocketNotifier>(m_socket, QSocketNotifier::Read);
+    m_notifier = std::make_unique<QSocketNotifier>(m_socket.get(), QSocketNotifier::Read);
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
                      [this] { newsArrived(); });
-}
-
-NetworkChange::~NetworkChange() {
-    m_notifier.reset();
-    if (m_socket >= 0)
-        ::close(m_socket);
 }
 
 ObservationToken NetworkChange::observeChanged(std::function<void()> handler) {
@@ -99,7 +80,7 @@ ObservationToken NetworkChange::observeChanged(std::function<void()> handler) {
 void NetworkChange::newsArrived() {
     // What the news say is looked up afterwards; that there are some is enough. Lost ones count as well.
     std::array<char, 8192> buffer{};
-    for (int i = 0; i < maxReads && ::recv(m_socket, buffer.data(), buffer.size(), 0) >= 0; ++i) {
+    for (int i = 0; i < maxReads && ::recv(m_socket.get(), buffer.data(), buffer.size(), 0) >= 0; ++i) {
     }
     if (!m_gathering)
         m_gathering = m_queue.startTimer(gatheringTime, MainQueue::Repeat::once, [this] { compare(); });
