@@ -22,10 +22,10 @@ const auto propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties
 
 DBusSignal::Source changes() {
     return {{},
-            ApplicationBus::path(),
+            ApplicationBus::path,
             propertiesInterface,
             QStringLiteral("PropertiesChanged"),
-            ApplicationBus::ownInterfaceName()};
+            ApplicationBus::ownInterfaceName};
 }
 
 } // namespace
@@ -33,11 +33,11 @@ DBusSignal::Source changes() {
 ChangeFollower::ChangeFollower(const QDBusConnection& bus, Form form)
     : m_bus(bus)
     , m_form(form)
-    , m_owner(bus, ApplicationBus::name(), [this](const QString& owner) { ownerChanged(owner); })
+    , m_owner(bus, ApplicationBus::name, [this](const QString& owner) { ownerChanged(owner); })
     , m_changed(bus, changes(),
                 [this](const QDBusMessage& message) {
                     const auto values = qdbus_cast<QVariantMap>(message.arguments().value(1));
-                    const QString line = values.value(ApplicationBus::barLineName()).toString();
+                    const QString line = values.value(ApplicationBus::barLineName).toString();
                     // Anybody may send such a signal.
                     if (message.service() == m_owner.owner() && !line.isEmpty())
                         show(line);
@@ -51,7 +51,7 @@ ChangeFollower::ChangeFollower(const QDBusConnection& bus, Form form)
               [](const QDBusMessage&) { QCoreApplication::exit(failed); }) {}
 
 int ChangeFollower::run() {
-    if (!m_bus.interface()->isServiceRegistered(ApplicationBus::name()))
+    if (!m_bus.interface()->isServiceRegistered(ApplicationBus::name))
         show(compactJson(emptyBarLine()));
     return QCoreApplication::exec();
 }
@@ -61,9 +61,9 @@ void ChangeFollower::ownerChanged(const QString& owner) {
         show(compactJson(emptyBarLine()));
         return;
     }
-    auto call = QDBusMessage::createMethodCall(owner, ApplicationBus::path(), propertiesInterface,
+    auto call = QDBusMessage::createMethodCall(owner, ApplicationBus::path, propertiesInterface,
                                                QStringLiteral("Get"));
-    call.setArguments({ApplicationBus::ownInterfaceName(), ApplicationBus::barLineName()});
+    call.setArguments({ApplicationBus::ownInterfaceName, ApplicationBus::barLineName});
     dbus::callLater(m_bus, call, patience, &m_context, [this](const QDBusMessage& reply) {
         const auto value = qvariant_cast<QDBusVariant>(reply.arguments().value(0)).variant().toString();
         if (reply.type() == QDBusMessage::ReplyMessage && !value.isEmpty())

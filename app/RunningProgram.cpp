@@ -21,7 +21,7 @@ namespace {
 namespace text = texts::command;
 
 bool isRunning(const QDBusConnection& bus) {
-    return bus.interface()->isServiceRegistered(ApplicationBus::name());
+    return bus.interface()->isServiceRegistered(ApplicationBus::name);
 }
 
 /// Until the running program has left the bus, so that a next start is a first one again.

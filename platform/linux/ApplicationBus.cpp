@@ -15,20 +15,16 @@ namespace {
 
 using dbus::Answer;
 
-const auto busName = QStringLiteral("be.zofra.ZofraZofra");
-const auto objectPath = QStringLiteral("/be/zofra/ZofraZofra");
 constexpr auto* standardInterface = "org.freedesktop.Application";
-constexpr auto* programInterface = "be.zofra.ZofraZofra1";
-constexpr auto* barLineProperty = "BarLine";
+constexpr auto* programInterface = ApplicationBus::ownInterfaceName.data();
 const auto startupIdKey = QStringLiteral("desktop-startup-id");
 const auto tokenKey = QStringLiteral("activation-token");
 constexpr auto answerLimit = std::chrono::seconds(5);
 
 /// A call of the running program.
 QDBusMessage callOf(const char* interface, const char* method, const QVariantList& arguments) {
-    auto message = QDBusMessage::createMethodCall(busName, objectPath, QString::fromLatin1(interface),
-                                                  QString::fromLatin1(method));
-    message.setArguments(arguments);
+    auto message = dbus::methodCall(ApplicationBus::name.data(), ApplicationBus::path.data(), interface,
+                                    method, arguments);
     // It is running or it is not; starting it is not what was asked for.
     message.setAutoStartService(false);
     return message;
@@ -76,12 +72,12 @@ Activation Activation::takeFromEnvironment() {
 ApplicationBus::ApplicationBus(SessionBus& bus)
     : m_bus(bus)
     , m_object(std::make_unique<dbus::ExportedObject>(
-          objectPath, std::vector<dbus::Interface>{applicationInterface(), ownInterface()})) {}
+          path, std::vector<dbus::Interface>{applicationInterface(), ownInterface()})) {}
 
 ApplicationBus::~ApplicationBus() {
     const auto connection = m_bus.connection();
     if (connection && m_connected)
-        dbus::releaseName(*connection, busName);
+        dbus::releaseName(*connection, name);
 }
 
 ApplicationBus::Claim ApplicationBus::tryAcquire(std::chrono::milliseconds timeout) {
@@ -90,7 +86,7 @@ ApplicationBus::Claim ApplicationBus::tryAcquire(std::chrono::milliseconds timeo
     if (now) {
         // First the object, so that whoever sees the name finds it.
         m_object->exportOn(*now);
-        const auto result = dbus::requestNameNow(*now, busName, timeout);
+        const auto result = dbus::requestNameNow(*now, name, timeout);
         claim = result == dbus::NameRequest::owned   ? Claim::acquired
                 : result == dbus::NameRequest::taken ? Claim::anotherIsRunning
                                                      : Claim::noBus;
@@ -109,7 +105,7 @@ ApplicationBus::Claim ApplicationBus::tryAcquire(std::chrono::milliseconds timeo
 
 void ApplicationBus::claim(const QDBusConnection& connection) {
     m_object->exportOn(connection);
-    dbus::requestName(connection, busName, m_object.get(), [this](dbus::NameRequest result) {
+    dbus::requestName(connection, name, m_object.get(), [this](dbus::NameRequest result) {
         if (result == dbus::NameRequest::owned)
             m_hasBeenRunning = true;
         else if (result == dbus::NameRequest::taken && onAnotherIsRunning)
@@ -184,9 +180,8 @@ dbus::Interface ApplicationBus::ownInterface() {
         if (!onRun)
             return notOffered();
         // What an act starts costs more than the call.
-        if (!m_acts.hasRoom(std::chrono::steady_clock::now()))
+        if (!m_acts.take(std::chrono::steady_clock::now()))
             return dbus::refused("LimitsExceeded", QStringLiteral("Too many acts at once"));
-        m_acts.spend(1);
         const auto reply = onRun(*options);
         return Answer{{reply.exitStatus, reply.line}, {}, {}};
     };
@@ -196,27 +191,11 @@ dbus::Interface ApplicationBus::ownInterface() {
     return {programInterface,
             {{"Run", "options:a{sv}", "exit_status:i line:s", run}, {"Status", "", "json:s", status}},
             {},
-            {{barLineProperty, "s", [this] { return QVariant(onBarLine ? onBarLine() : QString()); }}}};
+            {{barLineName.data(), "s", [this] { return QVariant(onBarLine ? onBarLine() : QString()); }}}};
 }
 
 void ApplicationBus::tellChanges() {
     m_object->tellChangedProperties();
-}
-
-QString ApplicationBus::name() {
-    return busName;
-}
-
-QString ApplicationBus::path() {
-    return objectPath;
-}
-
-QString ApplicationBus::ownInterfaceName() {
-    return QString::fromLatin1(programInterface);
-}
-
-QString ApplicationBus::barLineName() {
-    return QString::fromLatin1(barLineProperty);
 }
 
 RunningApplication::RunningApplication(const QDBusConnection& connection, std::chrono::milliseconds timeout)

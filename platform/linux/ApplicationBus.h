@@ -55,8 +55,6 @@ public:
     /// `bus` must outlive it.
     explicit ApplicationBus(SessionBus& bus);
     ~ApplicationBus();
-    ApplicationBus(const ApplicationBus&) = delete;
-    ApplicationBus& operator=(const ApplicationBus&) = delete;
 
     enum class Claim { acquired, anotherIsRunning, noBus };
     /// Tries to become the one running program; waits for the bus for `timeout` at most. Unless another is
@@ -87,10 +85,10 @@ public:
     void tellChanges();
 
     // Where it is found.
-    [[nodiscard]] static QString name();
-    [[nodiscard]] static QString path();
-    [[nodiscard]] static QString ownInterfaceName();
-    [[nodiscard]] static QString barLineName();
+    static constexpr QLatin1String name{"be.zofra.ZofraZofra"};
+    static constexpr QLatin1String path{"/be/zofra/ZofraZofra"};
+    static constexpr QLatin1String ownInterfaceName{"be.zofra.ZofraZofra1"};
+    static constexpr QLatin1String barLineName{"BarLine"};
 
 private:
     [[nodiscard]] dbus::Interface applicationInterface();

@@ -2,14 +2,46 @@
 #pragma once
 
 #include <QDBusArgument>
+#include <QDBusMetaType>
 #include <QDBusVariant>
 #include <QList>
 #include <QVariant>
 #include <QVariantMap>
 
 #include <optional>
+#include <tuple>
 
-namespace zofra::dbus {
+namespace zofra {
+
+/// A value that travels on a bus as a structure: `members` is a tuple of pointers to its members, in order.
+template<typename Value>
+concept BusStructure = requires {
+    Value::members;
+};
+
+template<BusStructure Value>
+QDBusArgument& operator<<(QDBusArgument& argument, const Value& value) {
+    argument.beginStructure();
+    std::apply([&](auto... member) { (argument << ... << (value.*member)); }, Value::members);
+    argument.endStructure();
+    return argument;
+}
+
+template<BusStructure Value>
+const QDBusArgument& operator>>(const QDBusArgument& argument, Value& value) {
+    argument.beginStructure();
+    std::apply([&](auto... member) { (argument >> ... >> (value.*member)); }, Value::members);
+    argument.endStructure();
+    return argument;
+}
+
+namespace dbus {
+
+/// Makes these types known to the bus. May be called more than once.
+template<typename... Values>
+void registerTypes() {
+    (qDBusRegisterMetaType<Values>(), ...);
+}
 
 /// The list that an argument of a call is, read no further than `most` entries; absent when it has more.
 template<typename Value>
@@ -52,4 +84,5 @@ template<typename Value>
     return map;
 }
 
-} // namespace zofra::dbus
+} // namespace dbus
+} // namespace zofra

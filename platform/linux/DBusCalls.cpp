@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/DBusCalls.h"
 
-#include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
 
 #include <algorithm>
@@ -33,12 +32,17 @@ NameRequest outcome(const QDBusMessage& reply) {
 
 } // namespace
 
-QDBusMessage busCall(const char* method, const QVariantList& arguments) {
-    auto call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-        QStringLiteral("org.freedesktop.DBus"), QString::fromLatin1(method));
+QDBusMessage methodCall(const char* service, const char* path, const char* interface, const char* method,
+                        const QVariantList& arguments) {
+    auto call = QDBusMessage::createMethodCall(QLatin1String(service), QLatin1String(path),
+                                               QLatin1String(interface), QLatin1String(method));
     call.setArguments(arguments);
     return call;
+}
+
+QDBusMessage busCall(const char* method, const QVariantList& arguments) {
+    return methodCall("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method,
+                      arguments);
 }
 
 void callLater(const QDBusConnection& connection, const QDBusMessage& call, std::chrono::milliseconds timeout,

@@ -12,6 +12,9 @@
 
 namespace zofra::dbus {
 
+/// A call of a method.
+[[nodiscard]] QDBusMessage methodCall(const char* service, const char* path, const char* interface,
+                                      const char* method, const QVariantList& arguments = {});
 /// A call of the bus itself.
 [[nodiscard]] QDBusMessage busCall(const char* method, const QVariantList& arguments = {});
 

@@ -40,6 +40,19 @@ bool isMeant(const Interface& interface, const QString& name) {
     return name.isEmpty() || isNamed(interface.name, name);
 }
 
+/// The first of the members with this name; null where there is none.
+template<typename Member>
+const Member* find(const std::vector<Interface>& interfaces, std::vector<Member> Interface::*members,
+                   const QString& interface, const QString& name) {
+    for (const auto& one : interfaces) {
+        for (const auto& member : one.*members) {
+            if (isMeant(one, interface) && isNamed(member.name, name))
+                return &member;
+        }
+    }
+    return nullptr;
+}
+
 QList<QStringList> argumentsOf(const char* text) {
     QList<QStringList> arguments;
     for (const QString& one : QString::fromLatin1(text).split(QLatin1Char(' '), Qt::SkipEmptyParts))
@@ -160,12 +173,9 @@ void ExportedObject::tellChangedProperties() {
             if (values[i][j] != m_told[i][j])
                 changed.insert(QLatin1String(m_interfaces[i].properties[j].name), values[i][j]);
         }
-        if (changed.isEmpty())
-            continue;
-        auto signal =
-            QDBusMessage::createSignal(m_path, propertiesInterface, QStringLiteral("PropertiesChanged"));
-        signal << QString::fromLatin1(m_interfaces[i].name) << changed << QStringList();
-        m_connection->send(signal);
+        if (!changed.isEmpty())
+            send(propertiesInterface.data(), "PropertiesChanged",
+                 {QString::fromLatin1(m_interfaces[i].name), changed, QStringList()});
     }
     m_told = std::move(values);
 }
@@ -251,7 +261,7 @@ void ExportedObject::timerEvent(QTimerEvent*) {
 Answer ExportedObject::answer(const QDBusMessage& message) const {
     if (message.interface() == propertiesInterface)
         return answerProperties(message);
-    const Method* method = findMethod(message.interface(), message.member());
+    const auto* method = find(m_interfaces, &Interface::methods, message.interface(), message.member());
     if (!method)
         return unknown("Method", message.member());
     const QString wanted = signatureOf(method->in);
@@ -274,7 +284,8 @@ Answer ExportedObject::answerProperties(const QDBusMessage& message) const {
     if (message.signature() != wanted)
         return wrongTypes(member, wanted, message.signature());
     const QString interface = arguments[0].toString();
-    if (!hasInterface(interface))
+    if (std::none_of(m_interfaces.begin(), m_interfaces.end(),
+                     [&](const Interface& one) { return isMeant(one, interface); }))
         return unknown("Interface", interface);
     if (member == QLatin1String("GetAll")) {
         QVariantMap all;
@@ -286,7 +297,7 @@ Answer ExportedObject::answerProperties(const QDBusMessage& message) const {
         }
         return {{all}, {}, {}};
     }
-    const auto* property = findProperty(interface, arguments[1].toString());
+    const auto* property = find(m_interfaces, &Interface::properties, interface, arguments[1].toString());
     if (!property)
         return unknown("Property", arguments[1].toString());
     if (member == QLatin1String("Get"))
@@ -300,31 +311,6 @@ Answer ExportedObject::answerProperties(const QDBusMessage& message) const {
         return wrongTypes(name, QString::fromLatin1(property->signature), signatureOf(value));
     const auto set = property->set;
     return {{}, set(value), {}};
-}
-
-const Method* ExportedObject::findMethod(const QString& interface, const QString& name) const {
-    for (const auto& one : m_interfaces) {
-        for (const auto& method : one.methods) {
-            if (isMeant(one, interface) && isNamed(method.name, name))
-                return &method;
-        }
-    }
-    return nullptr;
-}
-
-const Property* ExportedObject::findProperty(const QString& interface, const QString& name) const {
-    for (const auto& one : m_interfaces) {
-        for (const auto& property : one.properties) {
-            if (isMeant(one, interface) && isNamed(property.name, name))
-                return &property;
-        }
-    }
-    return nullptr;
-}
-
-bool ExportedObject::hasInterface(const QString& name) const {
-    return std::any_of(m_interfaces.begin(), m_interfaces.end(),
-                       [&](const Interface& interface) { return isMeant(interface, name); });
 }
 
 } // namespace zofra::dbus

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/linux/CallBudget.h"
+#include "platform/linux/RateLimit.h"
 
 #include <QBasicTimer>
 #include <QDBusConnection>
@@ -11,6 +11,7 @@
 #include <QString>
 #include <QVariant>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -64,6 +65,41 @@ struct Interface {
     std::vector<Property> properties;
 };
 
+/// How much a caller on the bus may ask for: calls in one turn of the event loop, calls in the long run, and
+/// time of the thread that answers. A plain value.
+class CallBudget {
+public:
+    struct Limits {
+        int callsInTurn = 0;
+        RateLimit::Rate calls;
+        /// Seconds.
+        RateLimit::Rate time;
+    };
+
+    explicit CallBudget(const Limits& limits)
+        : m_mostInTurn(limits.callsInTurn)
+        , m_calls(limits.calls)
+        , m_time(limits.time) {}
+
+    /// Takes one call; false when there is none left.
+    [[nodiscard]] bool take(RateLimit::TimePoint now) {
+        return ++m_inTurn <= m_mostInTurn && m_time.hasRoom(now) && m_calls.take(now);
+    }
+    /// What answering it took.
+    void spend(std::chrono::duration<double> time) { m_time.spend(time.count()); }
+    void endTurn() { m_inTurn = 0; }
+    /// Whether it is as good as new.
+    [[nodiscard]] bool isUnused(RateLimit::TimePoint now) {
+        return m_calls.isFull(now) && m_time.isFull(now);
+    }
+
+private:
+    int m_mostInTurn;
+    int m_inTurn = 0;
+    RateLimit m_calls;
+    RateLimit m_time;
+};
+
 /// An object on a bus made from tables, so that what it says of itself is what it does: unknown methods and
 /// properties, wrong types and read-only properties are answered with the right errors. A method of an
 /// unknown interface is an unknown method, for that is what panels take as "do without it". Main thread only.
@@ -71,8 +107,6 @@ class ExportedObject final : public QDBusVirtualObject {
 public:
     ExportedObject(QString path, std::vector<Interface> interfaces);
     ~ExportedObject() override;
-    ExportedObject(const ExportedObject&) = delete;
-    ExportedObject& operator=(const ExportedObject&) = delete;
 
     /// Appears on `connection`, instead of the one before. False when the path is taken.
     bool exportOn(const QDBusConnection& connection);
@@ -98,9 +132,6 @@ private:
     [[nodiscard]] Answer answerWithin(const QDBusMessage& message);
     [[nodiscard]] Answer answer(const QDBusMessage& message) const;
     [[nodiscard]] Answer answerProperties(const QDBusMessage& message) const;
-    [[nodiscard]] const Method* findMethod(const QString& interface, const QString& name) const;
-    [[nodiscard]] const Property* findProperty(const QString& interface, const QString& name) const;
-    [[nodiscard]] bool hasInterface(const QString& name) const;
     [[nodiscard]] std::vector<std::vector<QVariant>> toldValues() const;
 
     QString m_path;

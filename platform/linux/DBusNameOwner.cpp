@@ -24,10 +24,6 @@ DBusNameOwner::DBusNameOwner(const QDBusConnection& connection, QString name, Ha
                     if (arguments.size() == 3 && arguments[0].toString() == m_name)
                         setOwner(arguments[2].toString());
                 }) {
-    ask(connection);
-}
-
-void DBusNameOwner::ask(const QDBusConnection& connection) {
     dbus::callLater(connection, dbus::busCall("GetNameOwner", {m_name}), dbus::withoutLimit, &m_changed,
                     [this](const QDBusMessage& reply) {
                         // A change that was told meanwhile is newer than this answer.

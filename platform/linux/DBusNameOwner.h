@@ -23,7 +23,6 @@ public:
     [[nodiscard]] QString owner() const { return m_owner; }
 
 private:
-    void ask(const QDBusConnection& connection);
     void setOwner(const QString& owner);
 
     QString m_name;

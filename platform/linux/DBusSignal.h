@@ -30,8 +30,6 @@ public:
 
     DBusSignal(const QDBusConnection& connection, Source source, Handler handler);
     ~DBusSignal() override;
-    DBusSignal(const DBusSignal&) = delete;
-    DBusSignal& operator=(const DBusSignal&) = delete;
 
 private Q_SLOTS:
     void received(const QDBusMessage& message);

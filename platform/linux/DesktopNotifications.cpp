@@ -17,16 +17,15 @@ void DesktopNotifications::show(const QString& title, const QString& text) {
     const auto connection = m_bus.connection();
     if (!connection)
         return;
-    auto call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("/org/freedesktop/Notifications"),
-        QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("Notify"));
     const auto id = QStringLiteral("be.zofra.ZofraZofra");
     const QVariantMap hints{{QStringLiteral("desktop-entry"), id},
                             {QStringLiteral("urgency"), QVariant::fromValue(lowUrgency)},
                             {QStringLiteral("transient"), true}};
     // Many servers read markup in the text, none in the title.
-    call.setArguments({QStringLiteral("Zofra Zofra"), m_shown, id, title, text.toHtmlEscaped(), QStringList(),
-                       hints, serversOwnTime});
+    const auto call = dbus::methodCall("org.freedesktop.Notifications", "/org/freedesktop/Notifications",
+                                       "org.freedesktop.Notifications", "Notify",
+                                       {QStringLiteral("Zofra Zofra"), m_shown, id, title,
+                                        text.toHtmlEscaped(), QStringList(), hints, serversOwnTime});
     dbus::callLater(*connection, call, patience, &m_context, [this](const QDBusMessage& reply) {
         m_shown = reply.type() == QDBusMessage::ReplyMessage ? reply.arguments().value(0).toUInt() : 0;
     });

@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/DesktopWorkspace.h"
 
+#include "platform/linux/DBusCalls.h"
 #include "platform/linux/OwnEnvironment.h"
 #include "platform/linux/XdgFolders.h"
 
-#include <QDBusMessage>
 #include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QVariantMap>
 
 #include <utility>
-#include <vector>
 
 namespace zofra {
 namespace {
@@ -111,12 +110,10 @@ void DesktopWorkspace::openThroughPortal(const QUrl& url) {
     auto connection = m_bus.connection();
     if (!connection)
         return;
-    auto call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.portal.Desktop"), QStringLiteral("/org/freedesktop/portal/desktop"),
-        QStringLiteral("org.freedesktop.portal.OpenURI"), QStringLiteral("OpenURI"));
-    call << QString() << url.toString(QUrl::FullyEncoded) << QVariantMap();
     // Not waited for: the portal asks the user, and nothing here depends on the answer.
-    connection->send(call);
+    connection->send(dbus::methodCall("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
+                                      "org.freedesktop.portal.OpenURI", "OpenURI",
+                                      {QString(), url.toString(QUrl::FullyEncoded), QVariantMap()}));
 }
 
 } // namespace zofra

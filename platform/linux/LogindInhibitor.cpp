@@ -15,22 +15,14 @@ void LogindInhibitor::setInhibited(bool isInhibited) {
     if (isInhibited == (m_wish != nullptr))
         return;
     m_lock.reset();
-    m_wish.reset();
-    if (isInhibited) {
-        m_wish = std::make_unique<QObject>();
-        ask();
-    }
-}
-
-void LogindInhibitor::ask() {
+    m_wish = isInhibited ? std::make_unique<QObject>() : nullptr;
     const auto connection = m_bus.connection();
-    if (!connection)
+    if (!isInhibited || !connection)
         return;
-    auto call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.login1"), QStringLiteral("/org/freedesktop/login1"),
-        QStringLiteral("org.freedesktop.login1.Manager"), QStringLiteral("Inhibit"));
-    call.setArguments({QStringLiteral("idle"), QStringLiteral("Zofra Zofra"),
-                       QStringLiteral("The radio is playing"), QStringLiteral("block")});
+    const auto call = dbus::methodCall("org.freedesktop.login1", "/org/freedesktop/login1",
+                                       "org.freedesktop.login1.Manager", "Inhibit",
+                                       {QStringLiteral("idle"), QStringLiteral("Zofra Zofra"),
+                                        QStringLiteral("The radio is playing"), QStringLiteral("block")});
     dbus::callLater(*connection, call, patience, m_wish.get(), [this](const QDBusMessage& reply) {
         // The descriptor is a copy of the message's, closed when the wish ends.
         if (reply.type() == QDBusMessage::ReplyMessage)

@@ -23,8 +23,6 @@ public:
     void setInhibited(bool isInhibited);
 
 private:
-    void ask();
-
     SessionBus& m_bus;
     /// There while it is wanted; ends what was asked for when it ends.
     std::unique_ptr<QObject> m_wish;

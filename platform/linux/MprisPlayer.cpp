@@ -9,9 +9,9 @@
 #include <QDBusObjectPath>
 #include <QStringList>
 #include <QUrl>
-#include <QVariantMap>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace zofra {
@@ -26,6 +26,9 @@ using dbus::Property;
 
 const auto busName = QStringLiteral("org.mpris.MediaPlayer2.zofrazofra");
 const auto objectPath = QStringLiteral("/org/mpris/MediaPlayer2");
+
+/// In the order of `MprisPlayer::PlaybackState`.
+constexpr std::array statusNames{QLatin1String("Stopped"), QLatin1String("Paused"), QLatin1String("Playing")};
 
 /// A method that is part of the interface and does nothing here.
 Method inert(const char* name, const char* in = "") {
@@ -151,18 +154,6 @@ Answer MprisPlayer::skip(int distance) {
     return {};
 }
 
-QString MprisPlayer::playbackStatus() const {
-    switch (m_state) {
-    case PlaybackState::playing:
-        return QStringLiteral("Playing");
-    case PlaybackState::paused:
-        return QStringLiteral("Paused");
-    case PlaybackState::stopped:
-        break;
-    }
-    return QStringLiteral("Stopped");
-}
-
 QVariantMap MprisPlayer::metadata() const {
     if (!m_info)
         return {};
@@ -202,9 +193,8 @@ Interface MprisPlayer::playerInterface() {
     const auto method = [this](const char* name, std::function<Answer()> act) {
         return Method{name, "", "", [this, act = std::move(act)](const QVariantList&) {
                           // What an act starts costs more than the call.
-                          if (!m_acts.hasRoom(std::chrono::steady_clock::now()))
+                          if (!m_acts.take(std::chrono::steady_clock::now()))
                               return dbus::refused("LimitsExceeded", QStringLiteral("Too many acts at once"));
-                          m_acts.spend(1);
                           return act();
                       }};
     };
@@ -219,6 +209,7 @@ Interface MprisPlayer::playerInterface() {
             onVolumeRequested(std::clamp(volume.toDouble(), 0.0, 1.0));
         return std::nullopt;
     };
+    const auto status = [this] { return QVariant(statusNames[static_cast<std::size_t>(m_state)]); };
     const auto canSkip = [this] { return QVariant(!m_playlists.neighbour(1).isEmpty()); };
     const auto has = [](const Handler& handler) {
         return [&handler] { return QVariant(static_cast<bool>(handler)); };
@@ -231,7 +222,7 @@ Interface MprisPlayer::playerInterface() {
              method("Stop", [this] { return run(m_pause); }), method("Play", [this] { return run(m_play); }),
              inert("Seek", "Offset:x"), inert("SetPosition", "TrackId:o Position:x"), openUri()},
             {{"Seeked", "Position:x"}},
-            {{"PlaybackStatus", "s", [this] { return QVariant(playbackStatus()); }},
+            {{"PlaybackStatus", "s", status},
              {"Rate", "d", [] { return QVariant(1.0); }, Changes::areTold, setRate},
              {"Metadata", "a{sv}", [this] { return QVariant(metadata()); }},
              {"Volume", "d", [this] { return QVariant(m_volume); }, Changes::areTold, setVolume},

@@ -17,16 +17,13 @@
 
 namespace zofra {
 
-/// The media player on the session bus (org.mpris.MediaPlayer2.zofrazofra): what media keys, lock screens and
-/// media controls of desktops see and send. Works with and without a bus. Main thread only, callbacks
-/// included.
+/// The media player on the session bus (org.mpris.MediaPlayer2.zofrazofra), for media keys, lock screens and
+/// desktops. Works with and without a bus. Main thread only, callbacks included.
 class MprisPlayer final : public NowPlayingInfoCenter, public RemoteCommandCenter {
 public:
     /// `bus` must outlive it.
     explicit MprisPlayer(SessionBus& bus);
     ~MprisPlayer() override;
-    MprisPlayer(const MprisPlayer&) = delete;
-    MprisPlayer& operator=(const MprisPlayer&) = delete;
 
     void setNowPlayingInfo(const NowPlayingInfo& info) override;
     void setTogglePlayPauseHandler(Handler handler) override;
@@ -59,7 +56,6 @@ private:
     [[nodiscard]] dbus::Interface playerInterface();
     [[nodiscard]] QVariantMap metadata() const;
     [[nodiscard]] dbus::Answer skip(int distance);
-    [[nodiscard]] QString playbackStatus() const;
     void appearOn(const QDBusConnection& connection);
     void requestName(const QDBusConnection& connection, const QString& name);
 

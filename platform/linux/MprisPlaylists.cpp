@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/MprisPlaylists.h"
 
-#include <QDBusMetaType>
 #include <QStringList>
 
 #include <algorithm>
@@ -14,34 +13,6 @@ QDBusObjectPath pathOf(const QString& key) {
 }
 
 } // namespace
-
-QDBusArgument& operator<<(QDBusArgument& argument, const MprisPlaylist& value) {
-    argument.beginStructure();
-    argument << value.id << value.name << value.icon;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, MprisPlaylist& value) {
-    argument.beginStructure();
-    argument >> value.id >> value.name >> value.icon;
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument& operator<<(QDBusArgument& argument, const MprisMaybePlaylist& value) {
-    argument.beginStructure();
-    argument << value.isThere << value.playlist;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, MprisMaybePlaylist& value) {
-    argument.beginStructure();
-    argument >> value.isThere >> value.playlist;
-    argument.endStructure();
-    return argument;
-}
 
 void MprisPlaylists::setEntries(const std::vector<Entry>& entries, const QString& icon) {
     m_entries = entries;
@@ -91,9 +62,7 @@ dbus::Answer MprisPlaylists::list(const QVariantList& arguments) const {
 }
 
 dbus::Interface MprisPlaylists::interface() {
-    qDBusRegisterMetaType<MprisPlaylist>();
-    qDBusRegisterMetaType<QList<MprisPlaylist>>();
-    qDBusRegisterMetaType<MprisMaybePlaylist>();
+    dbus::registerTypes<MprisPlaylist, QList<MprisPlaylist>, MprisMaybePlaylist>();
     const auto activate = [this](const QVariantList& arguments) {
         return this->activate(qvariant_cast<QDBusObjectPath>(arguments.at(0)));
     };

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/linux/DBusArguments.h"
 #include "platform/linux/DBusExportedObject.h"
 
-#include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QString>
 
@@ -18,6 +18,7 @@ struct MprisPlaylist {
     QString name;
     QString icon;
 
+    static constexpr std::tuple members{&MprisPlaylist::id, &MprisPlaylist::name, &MprisPlaylist::icon};
     friend bool operator==(const MprisPlaylist&, const MprisPlaylist&) = default;
 };
 
@@ -26,6 +27,7 @@ struct MprisMaybePlaylist {
     bool isThere = false;
     MprisPlaylist playlist{QDBusObjectPath(QStringLiteral("/")), {}, {}};
 
+    static constexpr std::tuple members{&MprisMaybePlaylist::isThere, &MprisMaybePlaylist::playlist};
     friend bool operator==(const MprisMaybePlaylist&, const MprisMaybePlaylist&) = default;
 };
 
@@ -59,12 +61,4 @@ private:
     MprisMaybePlaylist m_active;
 };
 
-QDBusArgument& operator<<(QDBusArgument& argument, const MprisPlaylist& value);
-const QDBusArgument& operator>>(const QDBusArgument& argument, MprisPlaylist& value);
-QDBusArgument& operator<<(QDBusArgument& argument, const MprisMaybePlaylist& value);
-const QDBusArgument& operator>>(const QDBusArgument& argument, MprisMaybePlaylist& value);
-
 } // namespace zofra
-
-Q_DECLARE_METATYPE(zofra::MprisPlaylist)
-Q_DECLARE_METATYPE(zofra::MprisMaybePlaylist)

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/SearchProvider.h"
 
-#include <QDBusArgument>
-#include <QDBusMetaType>
+#include "platform/linux/DBusArguments.h"
+
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -18,47 +18,25 @@ struct RunnerMatch {
     int type = 0;
     double relevance = 0;
     QVariantMap properties;
+
+    static constexpr std::tuple members{&RunnerMatch::id,        &RunnerMatch::text,
+                                        &RunnerMatch::icon,      &RunnerMatch::type,
+                                        &RunnerMatch::relevance, &RunnerMatch::properties};
 };
 /// (sss): something else to do with a match.
 struct RunnerAction {
     QString id;
     QString text;
     QString icon;
+
+    static constexpr std::tuple members{&RunnerAction::id, &RunnerAction::text, &RunnerAction::icon};
 };
-
-QDBusArgument& operator<<(QDBusArgument& argument, const RunnerMatch& value) {
-    argument.beginStructure();
-    argument << value.id << value.text << value.icon << value.type << value.relevance << value.properties;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, RunnerMatch& value) {
-    argument.beginStructure();
-    argument >> value.id >> value.text >> value.icon >> value.type >> value.relevance >> value.properties;
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument& operator<<(QDBusArgument& argument, const RunnerAction& value) {
-    argument.beginStructure();
-    argument << value.id << value.text << value.icon;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, RunnerAction& value) {
-    argument.beginStructure();
-    argument >> value.id >> value.text >> value.icon;
-    argument.endStructure();
-    return argument;
-}
 
 namespace {
 
 using dbus::Answer;
 
-const auto icon = QStringLiteral("be.zofra.ZofraZofra");
+const auto programIcon = QStringLiteral("be.zofra.ZofraZofra");
 /// More words, and more results, than any search of stations has.
 constexpr qsizetype mostTerms = 64;
 constexpr qsizetype longestText = 200;
@@ -79,47 +57,32 @@ QStringList wordsOf(const QString& text) {
 }
 
 } // namespace
-} // namespace zofra
-
-Q_DECLARE_METATYPE(zofra::RunnerMatch)
-Q_DECLARE_METATYPE(zofra::RunnerAction)
-
-namespace zofra {
 
 SearchProvider::SearchProvider(SessionBus& bus, std::vector<Entry> entries)
     : m_entries(std::move(entries))
     , m_object(QStringLiteral("/be/zofra/ZofraZofra/search"), {shellInterface(), runnerInterface()}) {
-    qDBusRegisterMetaType<QList<QVariantMap>>();
-    qDBusRegisterMetaType<RunnerMatch>();
-    qDBusRegisterMetaType<QList<RunnerMatch>>();
-    qDBusRegisterMetaType<RunnerAction>();
-    qDBusRegisterMetaType<QList<RunnerAction>>();
+    dbus::registerTypes<QList<QVariantMap>, RunnerMatch, QList<RunnerMatch>, RunnerAction,
+                        QList<RunnerAction>>();
     m_connected =
         bus.observeConnected([this](const QDBusConnection& connection) { m_object.exportOn(connection); });
     m_disconnected = bus.observeDisconnected([this] { m_object.connectionLost(); });
 }
 
 dbus::Interface SearchProvider::shellInterface() {
-    const auto search = [this](const QStringList& terms) {
+    const auto search = [this](const QVariantList& arguments) {
+        const auto terms = arguments.last().toStringList();
         return isTooMuch(terms) ? tooMuch() : Answer{{found(terms)}, {}, {}};
-    };
-    const auto initial = [search](const QVariantList& arguments) {
-        return search(arguments.at(0).toStringList());
-    };
-    const auto next = [search](const QVariantList& arguments) {
-        return search(arguments.at(1).toStringList());
     };
     const auto metas = [this](const QVariantList& arguments) {
         return describe(arguments.at(0).toStringList());
     };
     const auto activate = [this](const QVariantList& arguments) {
-        choose(arguments.at(0).toString());
-        return Answer();
+        return choose(arguments.at(0).toString());
     };
     const auto launch = [this](const QVariantList&) { return Answer{{}, {}, onShow}; };
     return {"org.gnome.Shell.SearchProvider2",
-            {{"GetInitialResultSet", "terms:as", "results:as", initial},
-             {"GetSubsearchResultSet", "previous_results:as terms:as", "results:as", next},
+            {{"GetInitialResultSet", "terms:as", "results:as", search},
+             {"GetSubsearchResultSet", "previous_results:as terms:as", "results:as", search},
              {"GetResultMetas", "identifiers:as", "metas:aa{sv}", metas},
              {"ActivateResult", "identifier:s terms:as timestamp:u", "", activate},
              {"LaunchSearch", "terms:as timestamp:u", "", launch}},
@@ -132,10 +95,7 @@ dbus::Interface SearchProvider::runnerInterface() {
     const auto actions = [](const QVariantList&) {
         return Answer{{QVariant::fromValue(QList<RunnerAction>())}, {}, {}};
     };
-    const auto run = [this](const QVariantList& arguments) {
-        choose(arguments.at(0).toString());
-        return Answer();
-    };
+    const auto run = [this](const QVariantList& arguments) { return choose(arguments.at(0).toString()); };
     return {"org.kde.krunner1",
             {{"Match", "query:s", "matches:a(sssida{sv})", matches},
              {"Actions", "", "actions:a(sss)", actions},
@@ -168,7 +128,7 @@ Answer SearchProvider::describe(const QStringList& ids) const {
             metas.append({{QStringLiteral("id"), entry.id},
                           {QStringLiteral("name"), entry.title},
                           {QStringLiteral("description"), entry.description},
-                          {QStringLiteral("gicon"), icon}});
+                          {QStringLiteral("gicon"), programIcon}});
     }
     return {{QVariant::fromValue(metas)}, {}, {}};
 }
@@ -186,7 +146,7 @@ Answer SearchProvider::match(const QString& text) const {
         const bool isExact = entry.title.compare(text.trimmed(), Qt::CaseInsensitive) == 0;
         matches.append({entry.id,
                         entry.title,
-                        icon,
+                        programIcon,
                         isExact ? exactMatch : possibleMatch,
                         isExact ? 1.0 : 0.7,
                         {{QStringLiteral("subtext"), entry.description}}});
@@ -194,12 +154,13 @@ Answer SearchProvider::match(const QString& text) const {
     return {{QVariant::fromValue(matches)}, {}, {}};
 }
 
-void SearchProvider::choose(const QString& id) const {
+Answer SearchProvider::choose(const QString& id) const {
     const bool isKnown =
         std::any_of(m_entries.begin(), m_entries.end(), [&id](const Entry& entry) { return entry.id == id; });
     const auto chosen = onChosen;
     if (isKnown && chosen)
         chosen(id);
+    return {};
 }
 
 } // namespace zofra

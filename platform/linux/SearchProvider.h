@@ -25,8 +25,6 @@ public:
 
     /// `bus` must outlive it. The application's own name leads here.
     SearchProvider(SessionBus& bus, std::vector<Entry> entries);
-    SearchProvider(const SearchProvider&) = delete;
-    SearchProvider& operator=(const SearchProvider&) = delete;
 
     /// An entry has been chosen.
     std::function<void(const QString& id)> onChosen;
@@ -39,7 +37,7 @@ private:
     [[nodiscard]] QStringList found(const QStringList& terms) const;
     [[nodiscard]] dbus::Answer describe(const QStringList& ids) const;
     [[nodiscard]] dbus::Answer match(const QString& text) const;
-    void choose(const QString& id) const;
+    [[nodiscard]] dbus::Answer choose(const QString& id) const;
 
     std::vector<Entry> m_entries;
     dbus::ExportedObject m_object;

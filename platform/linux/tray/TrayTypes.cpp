@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/tray/TrayTypes.h"
 
-#include <QDBusMetaType>
 #include <QtEndian>
 
 namespace zofra {
@@ -18,34 +17,6 @@ BusPixmap BusPixmap::fromImage(const QImage& image) {
         }
     }
     return pixmap;
-}
-
-QDBusArgument& operator<<(QDBusArgument& argument, const BusPixmap& value) {
-    argument.beginStructure();
-    argument << value.width << value.height << value.bytes;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, BusPixmap& value) {
-    argument.beginStructure();
-    argument >> value.width >> value.height >> value.bytes;
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument& operator<<(QDBusArgument& argument, const BusToolTip& value) {
-    argument.beginStructure();
-    argument << value.iconName << value.iconPixmaps << value.title << value.text;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, BusToolTip& value) {
-    argument.beginStructure();
-    argument >> value.iconName >> value.iconPixmaps >> value.title >> value.text;
-    argument.endStructure();
-    return argument;
 }
 
 QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuLayout& value) {
@@ -74,61 +45,10 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuLayout& va
     return argument;
 }
 
-QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuProperties& value) {
-    argument.beginStructure();
-    argument << value.id << value.properties;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuProperties& value) {
-    argument.beginStructure();
-    argument >> value.id >> value.properties;
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuRemovedProperties& value) {
-    argument.beginStructure();
-    argument << value.id << value.names;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuRemovedProperties& value) {
-    argument.beginStructure();
-    argument >> value.id >> value.names;
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuEvent& value) {
-    argument.beginStructure();
-    argument << value.id << value.eventId << value.data << value.timestamp;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuEvent& value) {
-    argument.beginStructure();
-    argument >> value.id >> value.eventId >> value.data >> value.timestamp;
-    argument.endStructure();
-    return argument;
-}
-
 void registerTrayTypes() {
-    qDBusRegisterMetaType<BusPixmap>();
-    qDBusRegisterMetaType<QList<BusPixmap>>();
-    qDBusRegisterMetaType<BusToolTip>();
-    qDBusRegisterMetaType<BusMenuLayout>();
-    qDBusRegisterMetaType<BusMenuProperties>();
-    qDBusRegisterMetaType<QList<BusMenuProperties>>();
-    qDBusRegisterMetaType<BusMenuRemovedProperties>();
-    qDBusRegisterMetaType<QList<BusMenuRemovedProperties>>();
-    qDBusRegisterMetaType<BusMenuEvent>();
-    qDBusRegisterMetaType<QList<BusMenuEvent>>();
-    qDBusRegisterMetaType<QList<int>>();
-    qDBusRegisterMetaType<QList<QStringList>>();
+    dbus::registerTypes<BusPixmap, QList<BusPixmap>, BusToolTip, BusMenuLayout, BusMenuProperties,
+                        QList<BusMenuProperties>, BusMenuRemovedProperties, QList<BusMenuRemovedProperties>,
+                        BusMenuEvent, QList<BusMenuEvent>, QList<int>, QList<QStringList>>();
 }
 
 } // namespace zofra

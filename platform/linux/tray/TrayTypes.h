@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/linux/DBusArguments.h"
+
 #include <QByteArray>
-#include <QDBusArgument>
 #include <QDBusVariant>
 #include <QImage>
 #include <QList>
@@ -19,6 +20,8 @@ struct BusPixmap {
     QByteArray bytes;
 
     [[nodiscard]] static BusPixmap fromImage(const QImage& image);
+
+    static constexpr std::tuple members{&BusPixmap::width, &BusPixmap::height, &BusPixmap::bytes};
 };
 
 /// (sa(iiay)ss): icon name, icon, title, text.
@@ -27,6 +30,9 @@ struct BusToolTip {
     QList<BusPixmap> iconPixmaps;
     QString title;
     QString text;
+
+    static constexpr std::tuple members{&BusToolTip::iconName, &BusToolTip::iconPixmaps, &BusToolTip::title,
+                                        &BusToolTip::text};
 };
 
 /// (ia{sv}av): an item of a menu with what is below it.
@@ -40,12 +46,16 @@ struct BusMenuLayout {
 struct BusMenuProperties {
     int id = 0;
     QVariantMap properties;
+
+    static constexpr std::tuple members{&BusMenuProperties::id, &BusMenuProperties::properties};
 };
 
 /// (ias): an item of a menu and what it has no longer.
 struct BusMenuRemovedProperties {
     int id = 0;
     QStringList names;
+
+    static constexpr std::tuple members{&BusMenuRemovedProperties::id, &BusMenuRemovedProperties::names};
 };
 
 /// (isvu): something that happened to an item of a menu.
@@ -54,29 +64,15 @@ struct BusMenuEvent {
     QString eventId;
     QDBusVariant data;
     uint timestamp = 0;
+
+    static constexpr std::tuple members{&BusMenuEvent::id, &BusMenuEvent::eventId, &BusMenuEvent::data,
+                                        &BusMenuEvent::timestamp};
 };
 
-QDBusArgument& operator<<(QDBusArgument& argument, const BusPixmap& value);
-const QDBusArgument& operator>>(const QDBusArgument& argument, BusPixmap& value);
-QDBusArgument& operator<<(QDBusArgument& argument, const BusToolTip& value);
-const QDBusArgument& operator>>(const QDBusArgument& argument, BusToolTip& value);
 QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuLayout& value);
 const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuLayout& value);
-QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuProperties& value);
-const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuProperties& value);
-QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuRemovedProperties& value);
-const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuRemovedProperties& value);
-QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuEvent& value);
-const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuEvent& value);
 
 /// Makes the types known to the bus. May be called more than once.
 void registerTrayTypes();
 
 } // namespace zofra
-
-Q_DECLARE_METATYPE(zofra::BusPixmap)
-Q_DECLARE_METATYPE(zofra::BusToolTip)
-Q_DECLARE_METATYPE(zofra::BusMenuLayout)
-Q_DECLARE_METATYPE(zofra::BusMenuProperties)
-Q_DECLARE_METATYPE(zofra::BusMenuRemovedProperties)
-Q_DECLARE_METATYPE(zofra::BusMenuEvent)
