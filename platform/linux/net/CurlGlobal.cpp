@@ -12,6 +12,8 @@ namespace {
 struct Gate {
     std::shared_mutex mutex;
     bool isClosed = false;
+    /// One lock does for all sessions.
+    std::mutex sessions;
 };
 
 /// Never destroyed: threads may come to it until the very end.
@@ -25,12 +27,6 @@ void closeGate() {
     gate().isClosed = true;
 }
 
-/// Never destroyed, like the gate. One lock does for all that is shared.
-std::mutex& sessionsMutex() {
-    static auto* const instance = new std::mutex;
-    return *instance;
-}
-
 CURLSH* makeTlsSessions() {
     CURLSH* share = curl_share_init();
     if (share == nullptr)
@@ -38,12 +34,12 @@ CURLSH* makeTlsSessions() {
     curl_share_setopt(
         share, CURLSHOPT_LOCKFUNC, +[](CURL*, curl_lock_data data, curl_lock_access, void*) {
             if (data == CURL_LOCK_DATA_SSL_SESSION)
-                sessionsMutex().lock();
+                gate().sessions.lock();
         });
     curl_share_setopt(
         share, CURLSHOPT_UNLOCKFUNC, +[](CURL*, curl_lock_data data, void*) {
             if (data == CURL_LOCK_DATA_SSL_SESSION)
-                sessionsMutex().unlock();
+                gate().sessions.unlock();
         });
     curl_share_setopt(share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
     return share;

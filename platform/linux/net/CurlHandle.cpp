@@ -9,11 +9,37 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <sys/socket.h>
+#include <utility>
 
 namespace zofra {
 
 namespace {
+
+using Code = HttpError::Code;
+
+constexpr std::pair<CURLcode, Code> meanings[] = {
+    {CURLE_OPERATION_TIMEDOUT, Code::timedOut},
+    {CURLE_COULDNT_RESOLVE_HOST, Code::cannotFindHost},
+    {CURLE_COULDNT_RESOLVE_PROXY, Code::cannotFindHost},
+    {CURLE_COULDNT_CONNECT, Code::cannotConnect},
+    {CURLE_FILESIZE_EXCEEDED, Code::tooLarge},
+    {CURLE_TOO_MANY_REDIRECTS, Code::tooManyRedirects},
+    {CURLE_URL_MALFORMAT, Code::unsupportedUrl},
+    {CURLE_SSL_CONNECT_ERROR, Code::secureConnectionFailed},
+    {CURLE_PEER_FAILED_VERIFICATION, Code::secureConnectionFailed},
+    {CURLE_SSL_CERTPROBLEM, Code::secureConnectionFailed},
+    {CURLE_SSL_CIPHER, Code::secureConnectionFailed},
+    {CURLE_SSL_CACERT_BADFILE, Code::secureConnectionFailed},
+    {CURLE_SSL_ISSUER_ERROR, Code::secureConnectionFailed},
+    {CURLE_USE_SSL_FAILED, Code::secureConnectionFailed},
+    {CURLE_SEND_ERROR, Code::connectionLost},
+    {CURLE_RECV_ERROR, Code::connectionLost},
+    {CURLE_GOT_NOTHING, Code::connectionLost},
+    {CURLE_PARTIAL_FILE, Code::connectionLost},
+    {CURLE_ABORTED_BY_CALLBACK, Code::cancelled},
+};
 
 constexpr long maxRedirects = 5;
 /// How long libcurl by itself uses a connection that lies idle, and an address that was looked up.
@@ -22,8 +48,7 @@ constexpr long keptAddressSeconds = 60;
 
 } // namespace
 
-CurlHandle::CurlHandle(const QUrl& url, const TrustedAuthorities& authorities, HttpRequest::Route route)
-    : m_easy(curl_easy_init()) {
+CurlHandle::CurlHandle(const QUrl& url, const TrustedAuthorities& authorities, HttpRequest::Route route) {
     const bool isSecure = url.scheme() == QLatin1String("https");
     if (!m_easy)
         m_refusal = QStringLiteral("No request could be made.");
@@ -86,6 +111,12 @@ void CurlHandle::verify(const TrustedAuthorities& authorities) {
     set(CURLOPT_CAINFO_BLOB, &blob);
 }
 
+long CurlHandle::number(CURLINFO which) const {
+    long number = 0;
+    curl_easy_getinfo(easy(), which, &number);
+    return number;
+}
+
 void CurlHandle::avoidOlderThan(std::chrono::steady_clock::time_point time) {
     // The library counts in whole seconds.
     const auto since = std::chrono::steady_clock::now() - time;
@@ -119,9 +150,7 @@ std::size_t CurlHandle::receiveHead(QByteArrayView line) {
         m_hasHead = false;
     } else if (line == "\r\n" || line == "\n") {
         // Interim answers have heads too, and none is counted for an answer of a proxy on the way.
-        long status = 0;
-        curl_easy_getinfo(easy(), CURLINFO_RESPONSE_CODE, &status);
-        m_hasHead = m_hasHead || status >= 200;
+        m_hasHead = m_hasHead || number(CURLINFO_RESPONSE_CODE) >= 200;
     }
     return size;
 }
@@ -131,6 +160,11 @@ curl_socket_t CurlHandle::openSocket(const curl_sockaddr& address) {
     // The library says nothing of why a socket could not even be made.
     m_socketErrno = descriptor < 0 ? errno : 0;
     return descriptor < 0 ? CURL_SOCKET_BAD : descriptor;
+}
+
+HttpError::Code CurlHandle::meaningOf(CURLcode code) {
+    const auto* found = std::ranges::find(meanings, code, &std::pair<CURLcode, Code>::first);
+    return found == std::end(meanings) ? Code::other : found->second;
 }
 
 QString CurlHandle::errorText(CURLcode code) const {
@@ -145,9 +179,8 @@ QString CurlHandle::errorText(CURLcode code) const {
 int CurlHandle::connectErrno(CURLcode code) const {
     if (code != CURLE_COULDNT_CONNECT)
         return 0;
-    long systemErrno = 0;
-    curl_easy_getinfo(easy(), CURLINFO_OS_ERRNO, &systemErrno);
-    return systemErrno != 0 ? static_cast<int>(systemErrno) : m_socketErrno;
+    const auto systemErrno = static_cast<int>(number(CURLINFO_OS_ERRNO));
+    return systemErrno != 0 ? systemErrno : m_socketErrno;
 }
 
 } // namespace zofra

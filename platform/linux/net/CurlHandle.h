@@ -34,6 +34,8 @@ public:
     [[nodiscard]] CURL* easy() const { return m_easy.get(); }
     /// Frees the handle before this object ends. It belongs to no transfer any more.
     void close() { m_easy.reset(); }
+    /// What the library knows under `which`, 0 when nothing.
+    [[nodiscard]] long number(CURLINFO which) const;
     template<typename Value>
     void set(CURLoption option, Value value) {
         curl_easy_setopt(m_easy.get(), option, value);
@@ -42,6 +44,8 @@ public:
     /// Uses no kept connection and no looked-up address from before `time`.
     void avoidOlderThan(std::chrono::steady_clock::time_point time);
 
+    /// What kind of error `code` is, where nothing more is known.
+    [[nodiscard]] static HttpError::Code meaningOf(CURLcode code);
     /// What `code` means here, as one line.
     [[nodiscard]] QString errorText(CURLcode code) const;
     /// Whether it ended because a redirect led from a secure address to an insecure one.
@@ -64,10 +68,6 @@ private:
     std::size_t receiveHead(QByteArrayView line);
     curl_socket_t openSocket(const curl_sockaddr& address);
 
-    struct EasyCloser {
-        void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
-    };
-
     std::optional<QString> m_refusal;
     /// The library uses the bytes without a copy of its own.
     std::optional<QByteArray> m_pem;
@@ -78,7 +78,7 @@ private:
     bool m_hasBeenSecure = false;
     bool m_isDowngrade = false;
     // Last: closing it may still call back into what stands above.
-    std::unique_ptr<CURL, EasyCloser> m_easy;
+    std::unique_ptr<CURL, void (*)(CURL*)> m_easy{curl_easy_init(), &curl_easy_cleanup};
 };
 
 } // namespace zofra

@@ -17,13 +17,10 @@ class CurlWorker;
 ///
 /// At most 64 requests are under way at a time, 48 of them to local hosts, so that a search for speakers does
 /// not keep the others waiting; further ones wait their turn, and a request's timeout runs from its turn on.
-/// Nothing is cached, no cookie kept, no body decompressed. Proxies are honoured as the environment sets
-/// them, except for local hosts. Servers are verified against the system's authorities and those of an extra
-/// file.
+/// Nothing is cached, no cookie kept, no body decompressed; for the rest the rules of `CurlHandle` hold.
 ///
-/// Destroying the session returns at once: requests under way are given up in the background and no
-/// completion is called any more. It waits only for a completion that is being called at that moment by the
-/// session's thread.
+/// Destroying the session gives up in the background what is under way, and no completion is called any more.
+/// It waits only for one that the session's thread is calling at that moment.
 class CurlHttpSession final : public HttpSession {
 public:
     explicit CurlHttpSession(std::optional<QString> extraAuthorityFile = std::nullopt);

@@ -7,12 +7,6 @@
 
 namespace zofra {
 
-namespace {
-
-constexpr std::uint16_t goingAway = 1001;
-
-} // namespace
-
 CurlMetadataSocket::CurlMetadataSocket(std::shared_ptr<CurlWorker> worker, QUrl url,
                                        const WebSocketLimits& limits)
     : m_worker(std::move(worker))
@@ -20,7 +14,7 @@ CurlMetadataSocket::CurlMetadataSocket(std::shared_ptr<CurlWorker> worker, QUrl 
 
 CurlMetadataSocket::~CurlMetadataSocket() {
     m_connection->silence();
-    m_worker->post([connection = m_connection] { connection->close(goingAway, {}); });
+    m_worker->post([connection = m_connection] { connection->close(); });
 }
 
 void CurlMetadataSocket::resume() {

@@ -5,13 +5,14 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <limits>
 #include <utility>
 
 namespace zofra {
 
 namespace {
+
+using Code = HttpError::Code;
 
 bool isToken(QByteArrayView name) {
     return !name.isEmpty() && std::all_of(name.begin(), name.end(), [](char c) {
@@ -24,10 +25,6 @@ bool isFieldValue(QByteArrayView value) {
                         [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
 }
 
-HttpError refusalOf(HttpError::Code code, const QString& description) {
-    return {code, 0, description};
-}
-
 } // namespace
 
 CurlTransfer::CurlTransfer(HttpRequest request, const TrustedAuthorities& authorities)
@@ -36,14 +33,11 @@ CurlTransfer::CurlTransfer(HttpRequest request, const TrustedAuthorities& author
     const auto scheme = m_request.url.scheme();
     if (!m_request.url.isValid() || m_request.url.host().isEmpty() ||
         (scheme != QLatin1String("http") && scheme != QLatin1String("https")))
-        m_refusal =
-            refusalOf(HttpError::Code::unsupportedUrl, QStringLiteral("The address is not one of the web."));
+        m_refusal = {Code::unsupportedUrl, 0, QStringLiteral("The address is not one of the web.")};
     else if (const auto& refusal = m_handle.refusal())
-        m_refusal = refusalOf(
-            easy() == nullptr ? HttpError::Code::other : HttpError::Code::secureConnectionFailed, *refusal);
+        m_refusal = {easy() == nullptr ? Code::other : Code::secureConnectionFailed, 0, *refusal};
     else if (!isToken(m_request.method) || !setUpHeaders())
-        m_refusal = refusalOf(HttpError::Code::other,
-                              QStringLiteral("The request's method or a header is malformed."));
+        m_refusal = {Code::other, 0, QStringLiteral("The request's method or a header is malformed.")};
     if (m_refusal)
         return;
     setUpMethod();
@@ -53,31 +47,31 @@ CurlTransfer::CurlTransfer(HttpRequest request, const TrustedAuthorities& author
 void CurlTransfer::setUpLimits() {
     const auto timeout =
         std::clamp<std::int64_t>(m_request.timeout.count(), 1, std::numeric_limits<int>::max());
-    curl_easy_setopt(easy(), CURLOPT_TIMEOUT_MS, static_cast<long>(timeout));
+    m_handle.set(CURLOPT_TIMEOUT_MS, static_cast<long>(timeout));
     if (isOrder())
-        curl_easy_setopt(easy(), CURLOPT_FOLLOWLOCATION, 0L);
+        m_handle.set(CURLOPT_FOLLOWLOCATION, 0L);
 
     const auto cap = std::min<std::size_t>(m_request.maxBodyBytes, std::numeric_limits<int>::max());
     if (cap > 0 && !isOrder()) // 0 means no limit there; a cap of 0 is kept by the reading side
-        curl_easy_setopt(easy(), CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(cap));
-    curl_easy_setopt(
-        easy(), CURLOPT_WRITEFUNCTION, +[](const char* bytes, std::size_t, std::size_t size, void* self) {
+        m_handle.set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(cap));
+    m_handle.set(
+        CURLOPT_WRITEFUNCTION, +[](const char* bytes, std::size_t, std::size_t size, void* self) {
             return static_cast<CurlTransfer*>(self)->receiveBody(bytes, size);
         });
-    curl_easy_setopt(easy(), CURLOPT_WRITEDATA, this);
+    m_handle.set(CURLOPT_WRITEDATA, this);
 }
 
 void CurlTransfer::setUpMethod() {
     const bool isPost = m_request.method == "POST";
     if (isPost || !m_request.body.isEmpty()) {
-        curl_easy_setopt(easy(), CURLOPT_POST, 1L);
-        curl_easy_setopt(easy(), CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(m_request.body.size()));
-        curl_easy_setopt(easy(), CURLOPT_POSTFIELDS, m_request.body.constData());
+        m_handle.set(CURLOPT_POST, 1L);
+        m_handle.set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(m_request.body.size()));
+        m_handle.set(CURLOPT_POSTFIELDS, m_request.body.constData());
     }
     if (m_request.method == "HEAD")
-        curl_easy_setopt(easy(), CURLOPT_NOBODY, 1L);
+        m_handle.set(CURLOPT_NOBODY, 1L);
     else if (!isPost && (m_request.method != "GET" || !m_request.body.isEmpty()))
-        curl_easy_setopt(easy(), CURLOPT_CUSTOMREQUEST, m_request.method.constData());
+        m_handle.set(CURLOPT_CUSTOMREQUEST, m_request.method.constData());
 }
 
 bool CurlTransfer::setUpHeaders() {
@@ -97,7 +91,7 @@ bool CurlTransfer::setUpHeaders() {
     addHeader("Expect:");
     if (!hasHeader("Content-Type"))
         addHeader("Content-Type:");
-    curl_easy_setopt(easy(), CURLOPT_HTTPHEADER, m_headers.get());
+    m_handle.set(CURLOPT_HTTPHEADER, m_headers.get());
     return true;
 }
 
@@ -127,16 +121,15 @@ std::size_t CurlTransfer::receiveBody(const char* bytes, std::size_t size) {
 }
 
 HttpError CurlTransfer::cancelled() {
-    return refusalOf(HttpError::Code::cancelled, QStringLiteral("The request has been cancelled."));
+    return {Code::cancelled, 0, QStringLiteral("The request has been cancelled.")};
 }
 
 HttpResult CurlTransfer::result(CURLcode code) {
     const bool isAnswered = code == CURLE_OK || (isOrder() && m_handle.hasHead());
     if (!isAnswered || m_request.stop.stop_requested())
         return failure(error(code));
-    long status = 0;
-    curl_easy_getinfo(easy(), CURLINFO_RESPONSE_CODE, &status);
-    return HttpResponse{static_cast<int>(status), std::move(m_body)};
+    const auto status = static_cast<int>(m_handle.number(CURLINFO_RESPONSE_CODE));
+    return HttpResponse{status, std::move(m_body)};
 }
 
 HttpError CurlTransfer::error(CURLcode code) const {
@@ -144,53 +137,20 @@ HttpError CurlTransfer::error(CURLcode code) const {
         return cancelled();
     const int systemErrno = m_handle.connectErrno(code);
     const bool isTooLarge = m_isTooLarge || m_handle.hasRefusedHead();
-    return {isTooLarge ? HttpError::Code::tooLarge : errorCode(code, systemErrno), systemErrno,
+    return {isTooLarge ? Code::tooLarge : errorCode(code, systemErrno), systemErrno,
             isTooLarge ? QStringLiteral("The answer is larger than allowed.") : m_handle.errorText(code)};
 }
 
 HttpError::Code CurlTransfer::errorCode(CURLcode code, int systemErrno) const {
     if (m_handle.hasRefusedDowngrade())
-        return HttpError::Code::unsupportedUrl;
-    switch (code) {
-    case CURLE_COULDNT_CONNECT:
-        return systemErrno == EPERM || systemErrno == EACCES || systemErrno == ENETUNREACH
-                   ? HttpError::Code::notConnected
-                   : HttpError::Code::cannotConnect;
-    case CURLE_OPERATION_TIMEDOUT:
-        return HttpError::Code::timedOut;
-    case CURLE_COULDNT_RESOLVE_HOST:
-    case CURLE_COULDNT_RESOLVE_PROXY:
-        return HttpError::Code::cannotFindHost;
-    case CURLE_FILESIZE_EXCEEDED:
-        return HttpError::Code::tooLarge;
-    case CURLE_TOO_MANY_REDIRECTS:
-        return HttpError::Code::tooManyRedirects;
-    case CURLE_URL_MALFORMAT:
-        return HttpError::Code::unsupportedUrl;
-    case CURLE_UNSUPPORTED_PROTOCOL: {
-        // Also what an answer that is no HTTP comes to; then there was no header.
-        long status = 0;
-        curl_easy_getinfo(easy(), CURLINFO_RESPONSE_CODE, &status);
-        return status >= 300 && status < 400 ? HttpError::Code::unsupportedUrl : HttpError::Code::other;
-    }
-    case CURLE_SSL_CONNECT_ERROR:
-    case CURLE_PEER_FAILED_VERIFICATION:
-    case CURLE_SSL_CERTPROBLEM:
-    case CURLE_SSL_CIPHER:
-    case CURLE_SSL_CACERT_BADFILE:
-    case CURLE_SSL_ISSUER_ERROR:
-    case CURLE_USE_SSL_FAILED:
-        return HttpError::Code::secureConnectionFailed;
-    case CURLE_SEND_ERROR:
-    case CURLE_RECV_ERROR:
-    case CURLE_GOT_NOTHING:
-    case CURLE_PARTIAL_FILE:
-        return HttpError::Code::connectionLost;
-    case CURLE_ABORTED_BY_CALLBACK:
-        return HttpError::Code::cancelled;
-    default:
-        return HttpError::Code::other;
-    }
+        return Code::unsupportedUrl;
+    if (systemErrno == EPERM || systemErrno == EACCES || systemErrno == ENETUNREACH)
+        return Code::notConnected;
+    // Also what an answer that is no HTTP comes to; then there was no header.
+    const auto status = m_handle.number(CURLINFO_RESPONSE_CODE);
+    if (code == CURLE_UNSUPPORTED_PROTOCOL)
+        return status >= 300 && status < 400 ? Code::unsupportedUrl : Code::other;
+    return CurlHandle::meaningOf(code);
 }
 
 } // namespace zofra

@@ -19,8 +19,6 @@ namespace zofra {
 class CurlTransfer {
 public:
     CurlTransfer(HttpRequest request, const TrustedAuthorities& authorities);
-    CurlTransfer(const CurlTransfer&) = delete;
-    CurlTransfer& operator=(const CurlTransfer&) = delete;
 
     /// Why the request cannot be sent at all, if so.
     [[nodiscard]] std::optional<HttpError> refusal() const { return m_refusal; }
@@ -44,13 +42,9 @@ private:
     [[nodiscard]] HttpError error(CURLcode code) const;
     [[nodiscard]] HttpError::Code errorCode(CURLcode code, int systemErrno) const;
 
-    struct ListCloser {
-        void operator()(curl_slist* list) const { curl_slist_free_all(list); }
-    };
-
     const HttpRequest m_request;
     std::optional<HttpError> m_refusal;
-    std::unique_ptr<curl_slist, ListCloser> m_headers;
+    std::unique_ptr<curl_slist, void (*)(curl_slist*)> m_headers{nullptr, &curl_slist_free_all};
     QByteArray m_body;
     std::size_t m_bodyBytes = 0;
     bool m_isTooLarge = false;

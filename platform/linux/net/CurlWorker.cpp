@@ -1,17 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/net/CurlWorker.h"
 
+#include "platform/linux/DetachedThread.h"
 #include "platform/linux/net/CurlGlobal.h"
 #include "platform/linux/net/LocalHost.h"
 
 #include <QCoreApplication>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <pthread.h>
-#include <system_error>
-#include <thread>
 #include <utility>
 
 namespace zofra {
@@ -35,11 +33,6 @@ void blockSignals() {
     for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP})
         sigdelset(&signals, fault);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-}
-
-HttpResult notStarted() {
-    return failure(
-        HttpError{HttpError::Code::other, 0, QStringLiteral("No thread could be started for requests.")});
 }
 
 } // namespace
@@ -79,14 +72,9 @@ void CurlWorker::stop() {
 void CurlWorker::wake() {
     if (m_wakeable != nullptr)
         curl_multi_wakeup(m_wakeable);
-    if (m_isStarted)
-        return;
-    try {
-        std::thread([self = shared_from_this()] { self->run(); }).detach();
-        m_isStarted = true;
-    } catch (const std::system_error&) {
+    m_isStarted = m_isStarted || startDetachedThread([self = shared_from_this()] { self->run(); });
+    if (!m_isStarted)
         refuse(std::exchange(m_submitted, {}));
-    }
 }
 
 /// Never in place: whoever submits may hold locks that its completions take.
@@ -94,8 +82,10 @@ void CurlWorker::refuse(std::deque<Job> jobs) {
     QMetaObject::invokeMethod(
         QCoreApplication::instance(),
         [self = shared_from_this(), jobs = std::make_shared<std::deque<Job>>(std::move(jobs))] {
+            const HttpError reason{HttpError::Code::other, 0,
+                                   QStringLiteral("No thread could be started for requests.")};
             for (const auto& job : *jobs)
-                self->complete(job.completion, notStarted());
+                self->complete(job, failure(reason));
         },
         Qt::QueuedConnection);
 }
@@ -187,20 +177,15 @@ void CurlWorker::startWaiting() {
 void CurlWorker::startFrom(std::deque<Job>& waiting) {
     auto job = std::move(waiting.front());
     waiting.pop_front();
-    auto transfer = std::make_unique<CurlTransfer>(std::move(job.request), authorities());
-    if (auto refusal = transfer->refusal()) {
-        complete(job.completion, failure(std::move(*refusal)));
-        return;
-    }
-    transfer->handle().avoidOlderThan(m_keptSince);
-    auto* const easy = transfer->easy();
-    if (curl_multi_add_handle(m_multi, easy) != CURLM_OK) {
-        complete(job.completion, transfer->result(CURLE_FAILED_INIT));
-        return;
-    }
-    m_running.emplace(easy, Running{std::move(transfer), std::move(job.completion), job.isLocal,
-                                    std::move(job.stopCallback)});
+    job.transfer = std::make_unique<CurlTransfer>(std::move(job.request), authorities());
+    if (auto refusal = job.transfer->refusal())
+        return complete(job, failure(*std::move(refusal)));
+    job.transfer->handle().avoidOlderThan(m_keptSince);
+    auto* const easy = job.transfer->easy();
+    if (curl_multi_add_handle(m_multi, easy) != CURLM_OK)
+        return complete(job, job.transfer->result(CURLE_FAILED_INIT));
     m_runningLocal += job.isLocal ? 1 : 0;
+    m_running.emplace(easy, std::move(job));
 }
 
 /// Those that wait go as well, so that they do not take a turn from others.
@@ -210,14 +195,14 @@ void CurlWorker::giveUpCancelled() {
     for (auto* waiting : {&m_waiting, &m_waitingLocal}) {
         for (auto& job : std::exchange(*waiting, {})) {
             if (job.request.stop.stop_requested())
-                complete(job.completion, failure(CurlTransfer::cancelled()));
+                complete(job, failure(CurlTransfer::cancelled()));
             else
                 waiting->push_back(std::move(job));
         }
     }
     std::vector<CURL*> cancelled;
-    for (const auto& [easy, running] : m_running) {
-        if (running.transfer->stop().stop_requested())
+    for (const auto& [easy, job] : m_running) {
+        if (job.transfer->stop().stop_requested())
             cancelled.push_back(easy);
     }
     for (auto* const easy : cancelled)
@@ -242,14 +227,14 @@ bool CurlWorker::finishDone() {
 }
 
 void CurlWorker::finish(CURL* easy, CURLcode code) {
-    auto node = m_running.extract(easy);
+    const auto node = m_running.extract(easy);
     curl_multi_remove_handle(m_multi, easy);
-    auto& running = node.mapped();
-    m_runningLocal -= running.isLocal ? 1 : 0;
-    complete(running.completion, running.transfer->result(code));
+    const auto& job = node.mapped();
+    m_runningLocal -= job.isLocal ? 1 : 0;
+    complete(job, job.transfer->result(code));
 }
 
-void CurlWorker::adopt(std::shared_ptr<CurlConnection> connection) {
+void CurlWorker::adopt(std::shared_ptr<WebSocketConnection> connection) {
     auto* const easy = connection->easy();
     if (curl_multi_add_handle(m_multi, easy) != CURLM_OK)
         connection->connected(CURLE_FAILED_INIT);
@@ -281,10 +266,10 @@ std::chrono::milliseconds CurlWorker::stepConnections() {
     return std::max(0ms, std::chrono::ceil<std::chrono::milliseconds>(until - now));
 }
 
-void CurlWorker::complete(const HttpSession::Completion& completion, HttpResult result) {
+void CurlWorker::complete(const Job& job, HttpResult result) {
     const std::scoped_lock lock(m_completionMutex);
-    if (!m_isSilenced && completion)
-        completion(std::move(result));
+    if (!m_isSilenced && job.completion)
+        job.completion(std::move(result));
 }
 
 void CurlWorker::shutDown() {
@@ -292,7 +277,7 @@ void CurlWorker::shutDown() {
         const std::scoped_lock lock(m_mutex);
         m_wakeable = nullptr;
     }
-    for (auto& [easy, running] : m_running)
+    for (auto& [easy, job] : m_running)
         curl_multi_remove_handle(m_multi, easy);
     m_running.clear();
     for (auto& [easy, connection] : m_connections) {

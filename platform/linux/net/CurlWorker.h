@@ -2,9 +2,9 @@
 #pragma once
 
 #include "platform/HttpSession.h"
-#include "platform/linux/net/CurlConnection.h"
 #include "platform/linux/net/CurlTransfer.h"
 #include "platform/linux/net/TrustedAuthorities.h"
+#include "platform/linux/net/WebSocketConnection.h"
 
 #include <QString>
 
@@ -31,8 +31,6 @@ public:
     using Work = std::function<void()>;
 
     explicit CurlWorker(std::optional<QString> extraAuthorityFile);
-    CurlWorker(const CurlWorker&) = delete;
-    CurlWorker& operator=(const CurlWorker&) = delete;
 
     /// Any thread.
     void submit(HttpRequest request, HttpSession::Completion completion);
@@ -45,7 +43,7 @@ public:
     void stop();
 
     /// Takes a connection into the loop until it lets go. The worker's thread only, within posted work.
-    void adopt(std::shared_ptr<CurlConnection> connection);
+    void adopt(std::shared_ptr<WebSocketConnection> connection);
     /// Whom to trust. The worker's thread only, within posted work.
     [[nodiscard]] const TrustedAuthorities& authorities();
 
@@ -56,12 +54,8 @@ private:
         HttpSession::Completion completion;
         bool isLocal = false;
         std::unique_ptr<StopCallback> stopCallback = nullptr;
-    };
-    struct Running {
-        std::unique_ptr<CurlTransfer> transfer;
-        HttpSession::Completion completion;
-        bool isLocal = false;
-        std::unique_ptr<StopCallback> stopCallback;
+        /// Has the request while it runs.
+        std::unique_ptr<CurlTransfer> transfer = nullptr;
     };
 
     // With m_mutex held.
@@ -79,7 +73,7 @@ private:
     [[nodiscard]] bool finishDone();
     void finish(CURL* easy, CURLcode code);
     [[nodiscard]] std::chrono::milliseconds stepConnections();
-    void complete(const HttpSession::Completion& completion, HttpResult result);
+    void complete(const Job& job, HttpResult result);
     void shutDown();
 
     const std::optional<QString> m_extraAuthorityFile;
@@ -106,9 +100,9 @@ private:
     std::deque<Work> m_toRun;
     std::deque<Job> m_waiting;
     std::deque<Job> m_waitingLocal;
-    std::unordered_map<CURL*, Running> m_running;
+    std::unordered_map<CURL*, Job> m_running;
     std::size_t m_runningLocal = 0;
-    std::unordered_map<CURL*, std::shared_ptr<CurlConnection>> m_connections;
+    std::unordered_map<CURL*, std::shared_ptr<WebSocketConnection>> m_connections;
     std::vector<curl_waitfd> m_waits;
 };
 

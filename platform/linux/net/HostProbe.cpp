@@ -2,11 +2,9 @@
 #include "platform/linux/net/HostProbe.h"
 
 #include "platform/ForeignText.h"
-#include "platform/linux/net/CurlGlobal.h"
 #include "platform/linux/net/CurlHandle.h"
 
 #include <algorithm>
-#include <curl/curl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -52,17 +50,12 @@ QString textOf(CURL* easy, CURLINFO which) {
 /// Where it failed: what the library says, else the first step that was not finished.
 HostProbe::Step failedStep(CURLcode code, const HostProbe& probe, bool isSecure, bool wasConnected) {
     using Step = HostProbe::Step;
-    switch (code) {
-    case CURLE_COULDNT_RESOLVE_HOST:
-    case CURLE_COULDNT_RESOLVE_PROXY:
+    switch (CurlHandle::meaningOf(code)) {
+    case HttpError::Code::cannotFindHost:
         return Step::name;
-    case CURLE_COULDNT_CONNECT:
+    case HttpError::Code::cannotConnect:
         return Step::connect;
-    case CURLE_SSL_CONNECT_ERROR:
-    case CURLE_PEER_FAILED_VERIFICATION:
-    case CURLE_SSL_CERTPROBLEM:
-    case CURLE_SSL_CACERT_BADFILE:
-    case CURLE_SSL_ISSUER_ERROR:
+    case HttpError::Code::secureConnectionFailed:
         return Step::tls;
     default:
         break;
@@ -74,25 +67,21 @@ HostProbe::Step failedStep(CURLcode code, const HostProbe& probe, bool isSecure,
     return isSecure && probe.tlsTime.count() == 0 ? Step::tls : Step::answer;
 }
 
-void readProgress(CURL* easy, HostProbe& probe) {
+void readProgress(const CurlHandle& handle, HostProbe& probe) {
+    auto* const easy = handle.easy();
     probe.nameTime = timeOf(easy, CURLINFO_NAMELOOKUP_TIME_T);
     probe.connectTime = timeOf(easy, CURLINFO_CONNECT_TIME_T);
     probe.tlsTime = timeOf(easy, CURLINFO_APPCONNECT_TIME_T);
     probe.answerTime = timeOf(easy, CURLINFO_STARTTRANSFER_TIME_T);
     probe.address = textOf(easy, CURLINFO_PRIMARY_IP);
     probe.contentType = oneLine(textOf(easy, CURLINFO_CONTENT_TYPE));
-    long number = 0;
-    curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &number);
-    probe.status = static_cast<int>(number);
-    number = 0;
-    curl_easy_getinfo(easy, CURLINFO_OS_ERRNO, &number);
-    probe.systemErrno = static_cast<int>(number);
+    probe.status = static_cast<int>(handle.number(CURLINFO_RESPONSE_CODE));
+    probe.systemErrno = static_cast<int>(handle.number(CURLINFO_OS_ERRNO));
 }
 
 } // namespace
 
 HostProbe HostProbe::run(const Request& request, const std::optional<QString>& extraAuthorityFile) {
-    CurlGlobal::initialise();
     HostProbe probe;
     // The handle may use them until its end.
     bool wasConnected = false;
@@ -112,7 +101,7 @@ HostProbe HostProbe::run(const Request& request, const std::optional<QString>& e
     handle.set(CURLOPT_CLOSESOCKETDATA, &wasConnected);
 
     const CURLcode code = curl_easy_perform(easy);
-    readProgress(easy, probe);
+    readProgress(handle, probe);
     probe.body = body.bytes;
     const bool isEnough = static_cast<std::size_t>(body.bytes.size()) >= body.enough;
     if (code == CURLE_OK || isEnough)

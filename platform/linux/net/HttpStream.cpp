@@ -29,7 +29,6 @@ class HttpStream::Transfer {
 public:
     Transfer(const QByteArray& url, const Settings& settings)
         : m_patience(settings.patience)
-        , m_multi(curl_multi_init())
         , m_handle(QUrl::fromEncoded(url), settings.authorities) {
         if (m_multi && !m_handle.refusal())
             setUp(url, settings);
@@ -72,10 +71,6 @@ public:
     }
 
 private:
-    struct MultiCloser {
-        void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
-    };
-
     void setUp(const QByteArray& url, const Settings& settings) {
         m_handle.set(CURLOPT_URL, url.constData());
         m_handle.set(CURLOPT_FAILONERROR, 1L);
@@ -127,13 +122,10 @@ private:
         return count;
     }
 
-    struct ListCloser {
-        void operator()(curl_slist* list) const { curl_slist_free_all(list); }
-    };
-
     const milliseconds m_patience;
-    std::unique_ptr<curl_slist, ListCloser> m_statusLines{curl_slist_append(nullptr, "ICY 200 OK")};
-    std::unique_ptr<CURLM, MultiCloser> m_multi;
+    std::unique_ptr<curl_slist, void (*)(curl_slist*)> m_statusLines{curl_slist_append(nullptr, "ICY 200 OK"),
+                                                                     &curl_slist_free_all};
+    std::unique_ptr<CURLM, CURLMcode (*)(CURLM*)> m_multi{curl_multi_init(), &curl_multi_cleanup};
     CurlHandle m_handle;
     bool m_isAdded = false;
     QByteArray m_pending;
@@ -143,11 +135,6 @@ private:
     std::optional<CURLcode> m_outcome;
     std::atomic<bool> m_isCancelled{false};
 };
-
-TrustedAuthorities HttpStream::authorities(const std::optional<QString>& extraAuthorityFile) {
-    CurlGlobal::initialise();
-    return TrustedAuthorities::find(extraAuthorityFile);
-}
 
 HttpStream::HttpStream(const QByteArray& url, const Settings& settings) {
     CurlGlobal::initialise();

@@ -4,20 +4,16 @@
 #include "platform/linux/net/TrustedAuthorities.h"
 
 #include <QByteArray>
-#include <QString>
 
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 
 namespace zofra {
 
-/// A stream without an end over HTTP, for a reader who waits for each next piece. At most five redirects are
-/// followed, never from a secure address to an insecure one; servers are verified. Proxies are
-/// honoured as the environment sets them, except for local hosts. What the reader does not
-/// take yet is left in the network, but for a bounded rest.
+/// A stream without an end over HTTP, under the rules of `CurlHandle`, for a reader who waits for each next
+/// piece. What the reader does not take yet is left in the network, but for a bounded rest.
 class HttpStream {
 public:
     struct Settings {
@@ -27,14 +23,9 @@ public:
         std::chrono::milliseconds patience{10'000};
     };
 
-    /// Those to verify servers against: the system's, and those of an extra file. Looks at the file system.
-    [[nodiscard]] static TrustedAuthorities authorities(const std::optional<QString>& extraAuthorityFile);
-
     /// `url` is encoded. Nothing is sent before the first `read`.
     HttpStream(const QByteArray& url, const Settings& settings);
     ~HttpStream();
-    HttpStream(const HttpStream&) = delete;
-    HttpStream& operator=(const HttpStream&) = delete;
 
     /// Waits for more, at most for the patience. Returns how many bytes came (at most `size`), 0 when the
     /// stream has ended in order, -1 when it could not be opened, broke or was cancelled. One thread at a

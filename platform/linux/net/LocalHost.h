@@ -5,9 +5,8 @@
 
 namespace zofra {
 
-/// Whether a URL's host lies on this computer or in the home: a loopback, link-local or private address,
-/// "localhost", or a name that only a home network knows (without a point, or below "local", "lan", "home" or
-/// "internal"). Nothing is looked up.
+/// Whether a URL's host lies on this computer or in the home: a loopback, link-local or private address, or a
+/// name that only a home network knows. Nothing is looked up.
 [[nodiscard]] bool isLocalHost(const QString& host);
 
 } // namespace zofra

@@ -2,6 +2,7 @@
 #include "platform/linux/net/TrustedAuthorities.h"
 
 #include "platform/Result.h"
+#include "platform/linux/net/CurlGlobal.h"
 
 #include <QDir>
 #include <QFile>
@@ -9,7 +10,6 @@
 
 #include <atomic>
 #include <cstdio>
-#include <curl/curl.h>
 
 namespace zofra {
 
@@ -61,6 +61,7 @@ Result<QByteArray> certificatesIn(const QByteArray& name) {
 } // namespace
 
 TrustedAuthorities TrustedAuthorities::find(const std::optional<QString>& extraAuthorityFile) {
+    CurlGlobal::initialise();
     TrustedAuthorities found;
     found.directory = systemDirectory();
     const auto bundle = found.directory ? std::nullopt : systemBundle();

@@ -29,7 +29,7 @@ struct TrustedAuthorities {
     /// process is also told on standard error. Looks at the extra file, from any thread.
     [[nodiscard]] std::optional<QString> problem() const;
 
-    /// Looks at the file system. After `CurlGlobal::initialise`, any thread.
+    /// Looks at the file system. Any thread.
     [[nodiscard]] static TrustedAuthorities find(const std::optional<QString>& extraAuthorityFile);
 };
 

@@ -27,7 +27,6 @@ constexpr qsizetype stuckBytes = 1'048'576;
 /// How long a peer may take to hear the good-bye.
 constexpr auto goodByeTime = 2s;
 
-constexpr std::uint16_t goingAway = 1001;
 constexpr std::uint16_t policyViolation = 1008;
 
 QByteArray randomBytes() {
@@ -42,11 +41,12 @@ std::size_t sizeOf(const SocketMessage& message) {
         message);
 }
 
-/// The same place, as libcurl knows it; invalid when `url` is not one of a web socket.
+/// The same place, as libcurl knows it; empty when `url` is not one of a web socket.
 QUrl transportUrl(QUrl url) {
-    if (url.host().isEmpty() || !url.scheme().startsWith(QLatin1String("ws")))
+    const bool isSecure = url.scheme() == QLatin1String("wss");
+    if (url.host().isEmpty() || (!isSecure && url.scheme() != QLatin1String("ws")))
         return {};
-    url.setScheme(url.scheme().replace(0, 2, QStringLiteral("http")));
+    url.setScheme(isSecure ? QStringLiteral("https") : QStringLiteral("http"));
     return url;
 }
 
@@ -70,7 +70,7 @@ void WebSocketConnection::open(CurlWorker& worker) {
     m_state = State::connecting;
     m_deadline = std::chrono::steady_clock::now() + m_limits.handshakeTime;
     const auto url = transportUrl(m_url);
-    if (url.scheme() != QLatin1String("http") && url.scheme() != QLatin1String("https"))
+    if (url.isEmpty())
         return fail(QStringLiteral("The address is not one of a web socket."));
     m_handle.emplace(url, worker.authorities());
     if (const auto& refusal = m_handle->refusal())
@@ -96,7 +96,7 @@ void WebSocketConnection::connected(CURLcode code) {
     m_outputBytes += m_output.back().size();
 }
 
-std::optional<CurlConnection::Wait> WebSocketConnection::step(TimePoint now) {
+std::optional<WebSocketConnection::Wait> WebSocketConnection::step(TimePoint now) {
     if (m_state == State::connecting && now >= m_deadline)
         fail(QStringLiteral("The connection could not be made in time."));
     if (m_state == State::ended || (m_state == State::closing && now >= m_deadline))
@@ -185,13 +185,13 @@ void WebSocketConnection::readInput(TimePoint now) {
 void WebSocketConnection::readHandshake() {
     if (!m_handshake || m_input.isEmpty())
         return;
-    const auto answer = m_handshake->receive(std::exchange(m_input, {}));
-    if (!answer)
+    const auto rest = m_handshake->receive(std::exchange(m_input, {}));
+    if (!rest)
         return;
-    if (const auto* refused = std::get_if<WebSocketHandshake::Refused>(&*answer))
-        return fail(refused->reason);
+    if (!*rest)
+        return fail(rest->error());
     m_state = State::open;
-    m_input = std::get<WebSocketHandshake::Accepted>(*answer).rest;
+    m_input = **rest;
     m_handshake.reset();
 }
 
@@ -209,12 +209,12 @@ void WebSocketConnection::handle(WebSocketEvent event, TimePoint now) {
     case Kind::part:
         return countFrame(now);
     case Kind::close:
-        leave(event.closeCode == 1005 ? 1000 : event.closeCode, {});
+        leave(event.closeCode == 1005 ? 1000 : event.closeCode);
         return fail(QStringLiteral("The server has closed the connection (%1) %2")
                         .arg(event.closeCode)
                         .arg(event.text));
     case Kind::violation:
-        leave(event.closeCode, {});
+        leave(event.closeCode);
         return fail(QStringLiteral("The server has sent what it may not: ") + event.text);
     }
 }
@@ -227,14 +227,14 @@ void WebSocketConnection::countFrame(TimePoint now) {
     }
     if (++m_frames <= m_limits.frames)
         return;
-    leave(policyViolation, {});
+    leave(policyViolation);
     fail(QStringLiteral("The server sends frames without end."));
 }
 
 void WebSocketConnection::enqueue(SocketMessage message) {
     const auto bytes = sizeOf(message);
     if (m_waiting.size() >= m_limits.waitingMessages || m_waitingBytes + bytes > m_limits.waitingBytes) {
-        leave(policyViolation, {});
+        leave(policyViolation);
         return fail(QStringLiteral("The server sends messages faster than they are read."));
     }
     m_messages.spend(1);
@@ -244,7 +244,7 @@ void WebSocketConnection::enqueue(SocketMessage message) {
 }
 
 void WebSocketConnection::fail(const QString& description) {
-    leave(goingAway, {});
+    leave(goingAway);
     if (!m_failure)
         m_failure = oneLine(description);
     deliver();

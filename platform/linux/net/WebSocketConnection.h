@@ -3,7 +3,6 @@
 
 #include "platform/RadioMetadataSocket.h"
 #include "platform/linux/RateLimit.h"
-#include "platform/linux/net/CurlConnection.h"
 #include "platform/linux/net/CurlHandle.h"
 #include "platform/linux/net/WebSocketHandshake.h"
 #include "platform/linux/net/WebSocketWire.h"
@@ -26,9 +25,8 @@ class CurlWorker;
 
 /// What a web socket bears from its peer.
 struct WebSocketLimits {
-    /// From `open` to the open socket. Longer than any owner bears a socket that says nothing, which is a
-    /// minute: when to give up a connection is theirs to say, and this only keeps one that nobody owns well
-    /// from staying.
+    /// From `open` to the open socket. Longer than any owner waits, who gives up after a minute: it only
+    /// keeps a socket that nobody owns well from staying.
     std::chrono::milliseconds handshakeTime{75'000};
     std::size_t messageBytes = 1'048'576;
     /// Messages that wait to be received.
@@ -46,12 +44,9 @@ struct WebSocketLimits {
 /// A web socket on the thread of a CurlWorker: libcurl makes the connection, through proxies and TLS, and
 /// moves the bytes; the protocol is spoken here. Nothing is allocated from a length that the peer declares,
 /// each turn of the loop reads a bounded piece, and a peer that sends frames without end is left.
-class WebSocketConnection final : public CurlConnection,
-                                  public std::enable_shared_from_this<WebSocketConnection> {
+class WebSocketConnection final : public std::enable_shared_from_this<WebSocketConnection> {
 public:
     WebSocketConnection(QUrl url, WebSocketLimits limits);
-    WebSocketConnection(const WebSocketConnection&) = delete;
-    WebSocketConnection& operator=(const WebSocketConnection&) = delete;
 
     /// From now on no handler is called. Waits for one that is being called. Any thread, also from within a
     /// handler.
@@ -59,17 +54,28 @@ public:
 
     // As the operations of RadioMetadataSocket; on the worker's thread, as all that follows.
     void open(CurlWorker& worker);
-    void close(std::uint16_t closeCode, const QByteArray& reason);
+    void close(std::uint16_t closeCode = goingAway, const QByteArray& reason = {});
     void receive(RadioMetadataSocket::ReceiveHandler handler);
     void send(const SocketMessage& message, const RadioMetadataSocket::SendHandler& handler);
 
-    [[nodiscard]] CURL* easy() const override { return m_handle->easy(); }
-    void connected(CURLcode code) override;
-    [[nodiscard]] std::optional<Wait> step(std::chrono::steady_clock::time_point now) override;
-    void released() override { m_handle.reset(); }
+    using TimePoint = std::chrono::steady_clock::time_point;
+    [[nodiscard]] CURL* easy() const { return m_handle->easy(); }
+    /// The connection has been made, or has failed.
+    void connected(CURLcode code);
+    /// What to wait for before the next step.
+    struct Wait {
+        /// Of the connection's descriptor, for poll; 0 for none.
+        short events = 0;
+        TimePoint until;
+    };
+    /// Reads and writes what is to be read and written now, never for long. Absent when the connection is to
+    /// be closed.
+    [[nodiscard]] std::optional<Wait> step(TimePoint now);
+    /// The handle has left the loop.
+    void released() { m_handle.reset(); }
 
 private:
-    using TimePoint = std::chrono::steady_clock::time_point;
+    static constexpr std::uint16_t goingAway = 1001;
     enum class State { idle, connecting, open, closing, ended };
 
     void readPieces(TimePoint now);
@@ -82,7 +88,7 @@ private:
     void brokenOff(const QString& description);
 
     void fail(const QString& description);
-    void leave(std::uint16_t closeCode, const QByteArray& reason);
+    void leave(std::uint16_t closeCode, const QByteArray& reason = {});
     void write(WebSocketOpcode opcode, QByteArrayView payload);
     void writePieces();
     void deliver();

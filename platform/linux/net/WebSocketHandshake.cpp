@@ -37,11 +37,9 @@ bool hasToken(const std::optional<QByteArray>& value, const QByteArray& token) {
     });
 }
 
-QByteArray hostHeader(const QUrl& url) {
-    auto host = url.host(QUrl::FullyEncoded).toLatin1();
-    if (host.contains(':'))
-        host = '[' + host + ']';
-    return url.port() < 0 ? host : host + ':' + QByteArray::number(url.port());
+QByteArray hostHeader(QUrl url) {
+    url.setUserInfo({});
+    return url.authority(QUrl::FullyEncoded).toLatin1();
 }
 
 QByteArray target(const QUrl& url) {
@@ -79,8 +77,7 @@ QByteArray WebSocketHandshake::acceptFor(const QByteArray& key) {
         .toBase64();
 }
 
-std::optional<std::variant<WebSocketHandshake::Accepted, WebSocketHandshake::Refused>>
-WebSocketHandshake::receive(const QByteArray& bytes) {
+std::optional<Result<QByteArray>> WebSocketHandshake::receive(const QByteArray& bytes) {
     const QByteArray endOfHead = "\r\n\r\n";
     m_received += bytes;
     while (true) {
@@ -88,7 +85,7 @@ WebSocketHandshake::receive(const QByteArray& bytes) {
         const auto end = m_received.indexOf(endOfHead, m_searched);
         const auto earliestEnd = std::max(m_headStart, m_received.size() - endOfHead.size() + 1);
         if ((end < 0 ? earliestEnd : end) > maxAnswerBytes)
-            return Refused{QStringLiteral("The server's answer is too long.")};
+            return failure(QStringLiteral("The server's answer is too long."));
         if (end < 0) {
             m_searched = earliestEnd;
             return std::nullopt;
@@ -97,33 +94,26 @@ WebSocketHandshake::receive(const QByteArray& bytes) {
         m_headStart = m_searched = end + endOfHead.size();
         if (isInterim(statusOf(head)))
             continue;
-        if (auto refused = check(head))
-            return *refused;
-        return Accepted{m_received.sliced(m_headStart)};
+        return check(head).map([this] { return m_received.sliced(m_headStart); });
     }
 }
 
-std::optional<WebSocketHandshake::Refused> WebSocketHandshake::check(const QByteArray& head) const {
-    auto lines = head.split('\n');
-    for (auto& line : lines) {
-        if (line.endsWith('\r'))
-            line.chop(1);
-    }
-    lines.removeFirst();
+Result<void> WebSocketHandshake::check(const QByteArray& head) const {
+    const auto lines = head.split('\n');
     const auto status = statusOf(head);
     if (status.isEmpty())
-        return Refused{QStringLiteral("The server does not speak HTTP.")};
+        return failure(QStringLiteral("The server does not speak HTTP."));
     if (status != "101")
-        return Refused{QStringLiteral("The server answered with status ") + QString::fromLatin1(status) +
-                       QStringLiteral(" instead of opening a web socket.")};
+        return failure(QStringLiteral("The server answered with status ") + QString::fromLatin1(status) +
+                       QStringLiteral(" instead of opening a web socket."));
     // Neither extensions nor sub-protocols were offered, so none may be chosen.
     if (!hasToken(headerValue(lines, "Upgrade"), "websocket") ||
         !hasToken(headerValue(lines, "Connection"), "upgrade") ||
         headerValue(lines, "Sec-WebSocket-Accept") != acceptFor(m_key) ||
         !headerValue(lines, "Sec-WebSocket-Extensions").value_or(QByteArray()).isEmpty() ||
         headerValue(lines, "Sec-WebSocket-Protocol").has_value())
-        return Refused{QStringLiteral("The server's answer does not open a web socket.")};
-    return std::nullopt;
+        return failure(QStringLiteral("The server's answer does not open a web socket."));
+    return {};
 }
 
 } // namespace zofra

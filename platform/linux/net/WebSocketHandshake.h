@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/Result.h"
+
 #include <QByteArray>
-#include <QString>
 #include <QUrl>
 
 #include <optional>
-#include <variant>
 
 namespace zofra {
 
@@ -19,21 +19,15 @@ public:
 
     [[nodiscard]] QByteArray request() const;
 
-    struct Refused {
-        QString reason;
-    };
-    struct Accepted {
-        /// What already belongs to the open socket.
-        QByteArray rest;
-    };
-    /// Takes what the server sends; absent while the answer is not whole.
-    [[nodiscard]] std::optional<std::variant<Accepted, Refused>> receive(const QByteArray& bytes);
+    /// Takes what the server sends; absent while the answer is not whole. Then what already belongs to the
+    /// open socket, or why there is none.
+    [[nodiscard]] std::optional<Result<QByteArray>> receive(const QByteArray& bytes);
 
     /// What the server has to answer to `key`.
     [[nodiscard]] static QByteArray acceptFor(const QByteArray& key);
 
 private:
-    [[nodiscard]] std::optional<Refused> check(const QByteArray& head) const;
+    [[nodiscard]] Result<void> check(const QByteArray& head) const;
 
     QUrl m_url;
     QByteArray m_key;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/net/WebSocketWire.h"
 
+#include <QDataStream>
+#include <QIODevice>
 #include <QStringDecoder>
 #include <QtEndian>
 
@@ -165,26 +167,18 @@ WebSocketEvent WebSocketReader::violation(std::uint16_t closeCode, const QString
 }
 
 QByteArray webSocketFrame(WebSocketOpcode opcode, QByteArrayView payload, std::uint32_t mask) {
-    constexpr std::uint8_t final = 0x80;
-    constexpr std::uint8_t masked = 0x80;
+    constexpr quint8 final = 0x80;
+    constexpr quint8 masked = 0x80;
     QByteArray frame;
-    frame.reserve(payload.size() + 14);
-    frame.append(static_cast<char>(final | static_cast<std::uint8_t>(opcode)));
-    const auto append = [&frame](auto number) {
-        std::array<char, sizeof number> bytes{};
-        qToBigEndian(number, bytes.data());
-        frame.append(bytes.data(), bytes.size());
-    };
-    if (payload.size() < 126) {
-        frame.append(static_cast<char>(masked | static_cast<std::uint8_t>(payload.size())));
-    } else if (payload.size() <= 0xffff) {
-        frame.append(static_cast<char>(masked | 126U));
-        append(static_cast<quint16>(payload.size()));
-    } else {
-        frame.append(static_cast<char>(masked | 127U));
-        append(static_cast<quint64>(payload.size()));
-    }
-    append(mask);
+    QDataStream out(&frame, QIODevice::WriteOnly);
+    out << static_cast<quint8>(final | static_cast<quint8>(opcode));
+    if (payload.size() < 126)
+        out << static_cast<quint8>(masked | static_cast<quint8>(payload.size()));
+    else if (payload.size() <= 0xffff)
+        out << static_cast<quint8>(masked | 126U) << static_cast<quint16>(payload.size());
+    else
+        out << static_cast<quint8>(masked | 127U) << static_cast<quint64>(payload.size());
+    out << mask;
     std::array<char, 4> key{};
     qToBigEndian(mask, key.data());
     for (qsizetype i = 0; i < payload.size(); ++i)

@@ -13,6 +13,8 @@ namespace zofra {
 
 // The bytes of a web socket's client side, RFC 6455. Pure code without a socket.
 
+enum class WebSocketOpcode : std::uint8_t { continuation = 0, text = 1, binary = 2, close = 8, ping, pong };
+
 /// Something whole that the peer has sent.
 struct WebSocketEvent {
     enum class Kind {
@@ -47,14 +49,7 @@ public:
     [[nodiscard]] std::optional<WebSocketEvent> next(QByteArrayView& input);
 
 private:
-    enum class Opcode : std::uint8_t {
-        continuation = 0,
-        text = 1,
-        binary = 2,
-        close = 8,
-        ping = 9,
-        pong = 10
-    };
+    using Opcode = WebSocketOpcode;
 
     [[nodiscard]] bool readHeader(QByteArrayView& input);
     [[nodiscard]] qsizetype headerSize() const;
@@ -83,8 +78,6 @@ private:
     std::optional<Opcode> m_messageOpcode;
     bool m_hasEnded = false;
 };
-
-enum class WebSocketOpcode : std::uint8_t { text = 1, binary = 2, close = 8, ping = 9, pong = 10 };
 
 /// One final frame, masked with `mask` as everything is that a client sends.
 [[nodiscard]] QByteArray webSocketFrame(WebSocketOpcode opcode, QByteArrayView payload, std::uint32_t mask);

@@ -9,7 +9,7 @@ namespace zofra::test {
 namespace {
 
 HttpStream::Settings settings(const std::optional<QString>& authorityFile = std::nullopt) {
-    return {HttpStream::authorities(authorityFile), "Test/1.0", 10s};
+    return {TrustedAuthorities::find(authorityFile), "Test/1.0", 10s};
 }
 
 /// The bytes until the end, and how it ended: 0 in order, -1 not.

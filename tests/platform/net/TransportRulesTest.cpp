@@ -132,7 +132,7 @@ TEST(TransportRulesTest, AServerThatIsMetAgainNeedsNoSecondFullHandshake) {
     EXPECT_TRUE(second->body.contains("\nReused, TLS"));
     // Streams share them.
     HttpStream::Settings settings;
-    settings.authorities = HttpStream::authorities(authority.certificateFile());
+    settings.authorities = TrustedAuthorities::find(authority.certificateFile());
     HttpStream stream(server.url().toUtf8(), settings);
     QByteArray page(100'000, 0);
     const auto size = stream.read(page.data(), 100'000);
