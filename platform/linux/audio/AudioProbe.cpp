@@ -6,7 +6,6 @@
 #include <QJsonObject>
 
 #include <array>
-#include <cstring>
 
 namespace zofra {
 

@@ -11,13 +11,9 @@ void EngineState::opening() {
 }
 
 void EngineState::closed() {
-    m_open = false;
-    m_loaded = false;
-    m_restarted = false;
-    m_coreIdle = true;
-    m_pausedForCache = false;
-    m_stallTold = false;
-    m_ended.reset();
+    const auto sound = m_sound;
+    *this = {};
+    m_sound = sound;
 }
 
 void EngineState::take(const EngineEvent& event) {

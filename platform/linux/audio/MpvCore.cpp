@@ -38,8 +38,6 @@ MpvCore::MpvCore(MainQueue& mainQueue, MpvHandle::Recipe recipe, Report report)
     , m_recipe(std::move(recipe))
     , m_report(std::move(report)) {}
 
-MpvCore::~MpvCore() = default;
-
 void MpvCore::load(const QUrl& url, EventHandler handler) {
     m_url = url;
     m_handler = std::move(handler);

@@ -19,9 +19,6 @@ public:
     using Report = std::function<void(const QString& reason)>;
 
     MpvCore(MainQueue& mainQueue, MpvHandle::Recipe recipe, Report report);
-    ~MpvCore() override;
-    MpvCore(const MpvCore&) = delete;
-    MpvCore& operator=(const MpvCore&) = delete;
 
     void load(const QUrl& url, EventHandler handler) override;
     void stop() override;

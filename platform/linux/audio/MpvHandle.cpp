@@ -4,8 +4,6 @@
 #include <array>
 #include <atomic>
 #include <clocale>
-#include <system_error>
-#include <thread>
 #include <utility>
 
 namespace zofra {
@@ -24,7 +22,7 @@ struct MpvHandle::Ending {
 };
 
 /// What mpv's threads call, to the very end of mpv.
-struct MpvHandle::Callbacks {
+struct MpvHandle::Callbacks : std::enable_shared_from_this<Callbacks> {
     Callbacks(MainQueue& queue, Recipe made, std::function<void()> handler)
         : mainQueue(queue)
         , recipe(std::move(made))
@@ -35,7 +33,7 @@ struct MpvHandle::Callbacks {
         auto* self = static_cast<Callbacks*>(data);
         if (self->isPosted.exchange(true))
             return;
-        self->mainQueue.async([weak = self->self] {
+        self->mainQueue.async([weak = self->weak_from_this()] {
             const auto alive = weak.lock();
             if (alive && !alive->isOver) {
                 alive->isPosted = false;
@@ -50,7 +48,6 @@ struct MpvHandle::Callbacks {
     std::atomic<bool> isPosted{false};
     /// Main thread only.
     bool isOver = false;
-    std::weak_ptr<Callbacks> self;
 };
 
 void MpvHandle::make(MainQueue& mainQueue, const Recipe& recipe, std::function<void()> onEvents,
@@ -59,8 +56,7 @@ void MpvHandle::make(MainQueue& mainQueue, const Recipe& recipe, std::function<v
     // safe on another thread, and not earlier because the application object sets the user's.
     std::setlocale(LC_NUMERIC, "C");
     endWhatWaits(recipe);
-    auto callbacks = std::make_shared<Callbacks>(mainQueue, recipe, std::move(onEvents));
-    callbacks->self = callbacks;
+    const auto callbacks = std::make_shared<Callbacks>(mainQueue, recipe, std::move(onEvents));
     const auto post = [&mainQueue, ready](Result<std::shared_ptr<MpvHandle>> made) {
         mainQueue.async([ready, made = std::move(made)] { ready(made); });
     };
@@ -110,15 +106,6 @@ void MpvHandle::endWhatWaits(const Recipe& recipe) {
 
 int MpvHandle::stillEnding() {
     return endingHandles;
-}
-
-bool MpvHandle::startDetachedThread(const std::function<void()>& work) {
-    try {
-        std::thread(work).detach();
-    } catch (const std::system_error&) {
-        return false;
-    }
-    return true;
 }
 
 Result<std::shared_ptr<MpvHandle>> MpvHandle::makeNow(const Recipe& recipe,

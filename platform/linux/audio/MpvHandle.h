@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/MainQueue.h"
+#include "platform/linux/DetachedThread.h"
 #include "platform/linux/audio/MpvLibrary.h"
 #include "platform/linux/audio/StreamSource.h"
 
@@ -62,7 +63,6 @@ private:
     /// Those for which there was no thread to be had.
     static std::vector<Ending>& waitingToEnd();
     static void endWhatWaits(const Recipe& recipe);
-    static bool startDetachedThread(const std::function<void()>& work);
 
     std::shared_ptr<const MpvLibrary> m_library;
     mpv_handle* m_handle;

@@ -9,25 +9,6 @@ namespace zofra {
 
 namespace {
 
-/// Finds the functions of a loaded library and remembers the first that is missing.
-class Symbols {
-public:
-    explicit Symbols(void* handle)
-        : m_handle(handle) {}
-
-    template<typename Function>
-    void find(Function& function, const char* name) {
-        function = reinterpret_cast<Function>(::dlsym(m_handle, name));
-        if (!function && m_missing.isEmpty())
-            m_missing = QString::fromLatin1(name);
-    }
-    [[nodiscard]] const QString& missing() const { return m_missing; }
-
-private:
-    void* m_handle;
-    QString m_missing;
-};
-
 // NOLINTNEXTLINE(cert-dcl50-cpp): the library wants it like this.
 void sayNothing(const char* /*file*/, int /*line*/, const char* /*function*/, int /*error*/,
                 const char* /*format*/, ...) {}
@@ -56,21 +37,26 @@ Result<std::shared_ptr<const MpvLibrary>> MpvLibrary::load(const char* fileName)
                            .arg(reason ? QString::fromLocal8Bit(reason) : QString::fromLatin1(fileName)));
     }
     auto library = std::make_shared<MpvLibrary>();
-    Symbols symbols(handle);
-    symbols.find(library->clientApiVersion, "mpv_client_api_version");
-    symbols.find(library->create, "mpv_create");
-    symbols.find(library->initialize, "mpv_initialize");
-    symbols.find(library->terminateDestroy, "mpv_terminate_destroy");
-    symbols.find(library->setOptionString, "mpv_set_option_string");
-    symbols.find(library->observeProperty, "mpv_observe_property");
-    symbols.find(library->setPropertyAsync, "mpv_set_property_async");
-    symbols.find(library->commandAsync, "mpv_command_async");
-    symbols.find(library->setWakeupCallback, "mpv_set_wakeup_callback");
-    symbols.find(library->waitEvent, "mpv_wait_event");
-    symbols.find(library->errorString, "mpv_error_string");
-    symbols.find(library->streamCbAddRo, "mpv_stream_cb_add_ro");
-    if (!symbols.missing().isEmpty())
-        return failure(QStringLiteral("libmpv cannot be used: it has no %1").arg(symbols.missing()));
+    QString missing;
+    const auto find = [&]<typename Function>(Function& function, const char* name) {
+        function = reinterpret_cast<Function>(::dlsym(handle, name));
+        if (!function && missing.isEmpty())
+            missing = QString::fromLatin1(name);
+    };
+    find(library->clientApiVersion, "mpv_client_api_version");
+    find(library->create, "mpv_create");
+    find(library->initialize, "mpv_initialize");
+    find(library->terminateDestroy, "mpv_terminate_destroy");
+    find(library->setOptionString, "mpv_set_option_string");
+    find(library->observeProperty, "mpv_observe_property");
+    find(library->setPropertyAsync, "mpv_set_property_async");
+    find(library->commandAsync, "mpv_command_async");
+    find(library->setWakeupCallback, "mpv_set_wakeup_callback");
+    find(library->waitEvent, "mpv_wait_event");
+    find(library->errorString, "mpv_error_string");
+    find(library->streamCbAddRo, "mpv_stream_cb_add_ro");
+    if (!missing.isEmpty())
+        return failure(QStringLiteral("libmpv cannot be used: it has no %1").arg(missing));
     const auto major = library->clientApiVersion() >> 16;
     if (major != MPV_CLIENT_API_VERSION >> 16)
         return failure(QStringLiteral("libmpv cannot be used: its interface has version %1").arg(major));

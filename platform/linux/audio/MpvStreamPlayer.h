@@ -17,8 +17,6 @@ class MpvStreamPlayer final : public StreamPlayer {
 public:
     MpvStreamPlayer(std::shared_ptr<AudioEngine> engine, std::shared_ptr<StreamItem> item);
     ~MpvStreamPlayer() override;
-    MpvStreamPlayer(const MpvStreamPlayer&) = delete;
-    MpvStreamPlayer& operator=(const MpvStreamPlayer&) = delete;
 
     void play() override;
     void pause() override;

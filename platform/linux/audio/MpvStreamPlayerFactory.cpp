@@ -39,10 +39,7 @@ MpvStreamPlayerFactory::MpvStreamPlayerFactory(MainQueue& mainQueue, SystemLog& 
     recipe.libraryFile = configuration.libraryFile;
     recipe.streams =
         std::make_shared<StreamSource>([extraAuthorityFile = std::move(configuration.extraAuthorityFile)] {
-            HttpStream::Settings settings;
-            settings.authorities = HttpStream::authorities(extraAuthorityFile);
-            settings.userAgent = userAgent();
-            return settings;
+            return HttpStream::Settings{TrustedAuthorities::find(extraAuthorityFile), userAgent()};
         });
     auto makeCore = [&mainQueue, recipe](MpvCore::Report report) {
         return std::make_unique<MpvCore>(mainQueue, recipe, std::move(report));
@@ -50,8 +47,6 @@ MpvStreamPlayerFactory::MpvStreamPlayerFactory(MainQueue& mainQueue, SystemLog& 
     m_engine = std::make_shared<AudioEngine>(
         mainQueue, log, steadyClock(), [] { return QRandomGenerator::global()->generateDouble(); }, makeCore);
 }
-
-MpvStreamPlayerFactory::~MpvStreamPlayerFactory() = default;
 
 std::unique_ptr<StreamPlayer> MpvStreamPlayerFactory::makePlayer(std::shared_ptr<StreamItem> item) {
     return std::make_unique<MpvStreamPlayer>(m_engine, std::move(item));

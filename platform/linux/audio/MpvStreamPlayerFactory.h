@@ -27,7 +27,6 @@ public:
     /// keeps the engine from playing at all (no library, no audio device, an unreadable authority file) is
     /// one line in `log`.
     MpvStreamPlayerFactory(MainQueue& mainQueue, SystemLog& log, Configuration configuration);
-    ~MpvStreamPlayerFactory() override;
 
     [[nodiscard]] std::unique_ptr<StreamPlayer> makePlayer(std::shared_ptr<StreamItem> item) override;
 

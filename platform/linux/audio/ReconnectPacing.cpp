@@ -27,7 +27,9 @@ ReconnectPacing::ReconnectPacing(SteadyClock clock, RandomFraction random)
 void ReconnectPacing::failed(const QUrl& address, Milliseconds played) {
     closed(address, played);
     if (!m_entries.contains(address) && m_entries.size() >= mostAddresses)
-        forgetOldest();
+        m_entries.erase(
+            std::min_element(m_entries.cbegin(), m_entries.cend(),
+                             [](const Entry& a, const Entry& b) { return a.notBefore < b.notBefore; }));
     auto& entry = m_entries[address];
     ++entry.failures;
     entry.notBefore = m_clock() + delayAfter(entry.failures);
@@ -54,25 +56,13 @@ void ReconnectPacing::tryNow() {
 Milliseconds ReconnectPacing::delayAfter(int failures) {
     if (failures <= 1)
         return Milliseconds(0);
-    auto delay = firstDelay;
-    for (int i = 2; i < failures && delay < longestDelay; ++i)
-        delay *= 2;
-    delay = std::min(delay, longestDelay);
+    // Doubled six times it is longer than the longest.
+    const auto delay = std::min(firstDelay * (1 << std::min(failures - 2, 6)), longestDelay);
     const double factor = 1.0 + spread * (2.0 * std::clamp(m_random(), 0.0, 1.0) - 1.0);
     const Milliseconds spreadDelay(
         static_cast<Milliseconds::rep>(static_cast<double>(delay.count()) * factor));
     // What would be longer than the longest is folded back rather than cut, so that it stays spread.
     return spreadDelay > longestDelay ? 2 * longestDelay - spreadDelay : spreadDelay;
-}
-
-void ReconnectPacing::forgetOldest() {
-    auto oldest = m_entries.begin();
-    for (auto entry = m_entries.begin(); entry != m_entries.end(); ++entry) {
-        if (entry->notBefore < oldest->notBefore)
-            oldest = entry;
-    }
-    if (oldest != m_entries.end())
-        m_entries.erase(oldest);
 }
 
 } // namespace zofra

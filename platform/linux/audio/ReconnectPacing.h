@@ -38,7 +38,6 @@ private:
         Milliseconds notBefore{0};
     };
     [[nodiscard]] Milliseconds delayAfter(int failures);
-    void forgetOldest();
 
     SteadyClock m_clock;
     RandomFraction m_random;

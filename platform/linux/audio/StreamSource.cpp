@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/audio/StreamSource.h"
 
-#include "platform/linux/audio/OpenStreams.h"
-
+#include <cstdint>
+#include <map>
 #include <new>
 
 namespace zofra {
@@ -11,6 +11,46 @@ namespace {
 
 /// Before an address's own scheme.
 constexpr const char* mark = "zofra";
+
+/// The streams that engines have open, under numbers that are never used again. An engine may cancel a stream
+/// on one thread just after it has closed it on another: a number that is gone means nothing then, while an
+/// address would be that of freed memory. Any thread.
+class OpenStreams final {
+public:
+    /// Those of the whole program; they outlive every thread.
+    static OpenStreams& all() {
+        static auto* const streams = new OpenStreams;
+        return *streams;
+    }
+
+    /// The number as an engine keeps it. Never null.
+    void* add(std::shared_ptr<OpenStream> stream) {
+        const std::scoped_lock lock(m_mutex);
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the engine keeps it in the place of an address
+        auto* const number = reinterpret_cast<void*>(++m_last);
+        m_streams.emplace(number, std::move(stream));
+        return number;
+    }
+
+    /// Null once it is closed. Who holds it keeps it, closed or not.
+    std::shared_ptr<OpenStream> find(void* number) {
+        const std::scoped_lock lock(m_mutex);
+        const auto found = m_streams.find(number);
+        return found == m_streams.end() ? nullptr : found->second;
+    }
+
+    void remove(void* number) {
+        // Ended after the lock is given back, for closing a connection may take a moment.
+        decltype(m_streams)::node_type last;
+        const std::scoped_lock lock(m_mutex);
+        last = m_streams.extract(number);
+    }
+
+private:
+    std::mutex m_mutex;
+    std::map<void*, std::shared_ptr<OpenStream>> m_streams;
+    std::uintptr_t m_last = 0;
+};
 
 } // namespace
 

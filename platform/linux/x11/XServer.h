@@ -4,7 +4,6 @@
 #include <QString>
 
 #include <memory>
-#include <optional>
 #include <xcb/xcb.h>
 
 namespace zofra {
