@@ -2,9 +2,12 @@
 #pragma once
 
 #include "platform/Notifications.h"
+#include "platform/linux/DBusCalls.h"
 #include "platform/linux/SessionBus.h"
 
 #include <QObject>
+#include <QStringList>
+#include <QVariantMap>
 
 namespace zofra {
 
@@ -15,7 +18,27 @@ public:
     explicit DesktopNotifications(SessionBus& sessionBus)
         : m_bus(sessionBus) {}
 
-    void show(const QString& title, const QString& text) override;
+    void show(const QString& title, const QString& text) override {
+        const auto connection = m_bus.connection();
+        if (!connection)
+            return;
+        constexpr int serversOwnTime = -1;
+        constexpr quint8 lowUrgency = 0;
+        const auto id = QStringLiteral("be.zofra.ZofraZofra");
+        const QVariantMap hints{{QStringLiteral("desktop-entry"), id},
+                                {QStringLiteral("urgency"), QVariant::fromValue(lowUrgency)},
+                                {QStringLiteral("transient"), true}};
+        // Many servers read markup in the text, none in the title.
+        const auto call = dbus::methodCall("org.freedesktop.Notifications", "/org/freedesktop/Notifications",
+                                           "org.freedesktop.Notifications", "Notify",
+                                           {QStringLiteral("Zofra Zofra"), m_shown, id, title,
+                                            text.toHtmlEscaped(), QStringList(), hints, serversOwnTime});
+        dbus::callLater(*connection, call, std::chrono::seconds(5), &m_context,
+                        [this](const QDBusMessage& reply) {
+                            const bool isShown = reply.type() == QDBusMessage::ReplyMessage;
+                            m_shown = isShown ? reply.arguments().value(0).toUInt() : 0;
+                        });
+    }
 
 private:
     SessionBus& m_bus;

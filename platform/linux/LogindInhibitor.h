@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/linux/DBusCalls.h"
 #include "platform/linux/SessionBus.h"
 
 #include <QDBusUnixFileDescriptor>
@@ -20,7 +21,25 @@ public:
         : m_bus(systemBus) {}
 
     /// Cheap; may be called often.
-    void setInhibited(bool isInhibited);
+    void setInhibited(bool isInhibited) {
+        if (isInhibited == (m_wish != nullptr))
+            return;
+        m_lock.reset();
+        m_wish = isInhibited ? std::make_unique<QObject>() : nullptr;
+        const auto connection = m_bus.connection();
+        if (!isInhibited || !connection)
+            return;
+        const auto call = dbus::methodCall("org.freedesktop.login1", "/org/freedesktop/login1",
+                                           "org.freedesktop.login1.Manager", "Inhibit",
+                                           {QStringLiteral("idle"), QStringLiteral("Zofra Zofra"),
+                                            QStringLiteral("The radio is playing"), QStringLiteral("block")});
+        dbus::callLater(*connection, call, std::chrono::seconds(5), m_wish.get(),
+                        [this](const QDBusMessage& reply) {
+                            // The descriptor is a copy of the message's, closed when the wish ends.
+                            if (reply.type() == QDBusMessage::ReplyMessage)
+                                m_lock = qvariant_cast<QDBusUnixFileDescriptor>(reply.arguments().value(0));
+                        });
+    }
 
 private:
     SessionBus& m_bus;

@@ -17,14 +17,12 @@ namespace {
 
 constexpr auto ownersOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
 
-/// What went wrong, or nothing.
-std::optional<QString> replace(const QString& path, const QByteArray& content) {
-    const QString folder = QFileInfo(path).path();
+Result<void> replace(const QString& path, const QByteArray& content) {
     QSaveFile file(path);
-    if (QDir().mkpath(folder) && file.open(QIODevice::WriteOnly) && file.setPermissions(ownersOnly) &&
-        file.write(content) == content.size() && file.commit())
-        return std::nullopt;
-    return QStringLiteral("%1 could not be written: %2").arg(path, file.errorString());
+    if (QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly) &&
+        file.setPermissions(ownersOnly) && file.write(content) == content.size() && file.commit())
+        return {};
+    return failure(QStringLiteral("%1 could not be written: %2").arg(path, file.errorString()));
 }
 
 } // namespace
@@ -61,8 +59,8 @@ void StateFile::write(const QByteArray& content) {
                 return;
             }
             taking.unlock();
-            if (const auto problem = replace(path, *newest))
-                pending->log.log(*problem);
+            if (const auto replaced = replace(path, *newest); !replaced)
+                pending->log.log(replaced.error());
         }
     });
 }

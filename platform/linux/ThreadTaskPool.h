@@ -5,6 +5,7 @@
 #include "platform/TaskPool.h"
 #include "platform/linux/DetachedThread.h"
 
+#include <chrono>
 #include <functional>
 #include <utility>
 
@@ -24,9 +25,17 @@ public:
         : m_mainQueue(mainQueue)
         , m_startThread(std::move(startThread)) {}
 
-    void async(Work work) override;
+    void async(Work work) override { start(m_mainQueue, m_startThread, std::move(work)); }
 
 private:
+    /// Goes on trying after the pool has ended, too.
+    static void start(MainQueue& mainQueue, const StartThread& startThread, Work work) {
+        if (!startThread(work))
+            mainQueue.asyncAfter(std::chrono::seconds(1), [&mainQueue, startThread, work = std::move(work)] {
+                start(mainQueue, startThread, work);
+            });
+    }
+
     MainQueue& m_mainQueue;
     StartThread m_startThread;
 };

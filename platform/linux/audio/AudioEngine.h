@@ -10,6 +10,7 @@
 #include <QHash>
 
 #include <memory>
+#include <utility>
 
 namespace zofra {
 
@@ -18,22 +19,48 @@ namespace zofra {
 class AudioEngine {
 public:
     /// Queue and log outlive the engine.
-    AudioEngine(MainQueue& mainQueue, SystemLog& log, ReconnectPacing::SteadyClock clock,
-                ReconnectPacing::RandomFraction random, AudioCoreMaker makeCore);
+    AudioEngine(MainQueue& queue, SystemLog& log, ReconnectPacing::SteadyClock clock,
+                ReconnectPacing::RandomFraction random, AudioCoreMaker makeCore)
+        : mainQueue(queue)
+        , pacing(clock, std::move(random))
+        , m_log(log)
+        , m_clock(std::move(clock))
+        , m_makeCore(std::move(makeCore)) {}
 
     /// A core that nobody else uses.
-    [[nodiscard]] std::unique_ptr<AudioCore> takeCore();
+    [[nodiscard]] std::unique_ptr<AudioCore> takeCore() {
+        if (m_spare)
+            return std::move(m_spare);
+        return m_makeCore([this](const QString& reason) { report(reason); });
+    }
     /// Silences it at once and keeps it for the next.
-    void giveBack(std::unique_ptr<AudioCore> core);
+    void giveBack(std::unique_ptr<AudioCore> core) {
+        core->stop();
+        if (!m_spare)
+            m_spare = std::move(core);
+    }
 
     /// The network has changed or the computer has woken: every player that waits opens its stream at once.
-    void tryNow();
+    void tryNow() {
+        pacing.tryNow();
+        waitIsOver.notify();
+    }
 
     /// Writes `reason` to the system's log, once until `worksAgain` and at most once a minute: neither a
     /// fault that lasts nor one that comes and goes fills it.
-    void report(const QString& reason);
+    void report(const QString& reason) {
+        const auto earlier = m_reports.constFind(reason);
+        if (earlier != m_reports.cend() &&
+            (!earlier->isNews || m_clock() - earlier->at < leastBetweenReports))
+            return;
+        m_reports.insert(reason, {m_clock(), false});
+        m_log.log(reason);
+    }
     /// A stream sounds: the next fault is news again.
-    void worksAgain();
+    void worksAgain() {
+        for (auto& report : m_reports)
+            report.isNews = true;
+    }
 
     [[nodiscard]] ReconnectPacing::Milliseconds now() const { return m_clock(); }
 
@@ -43,6 +70,8 @@ public:
     ObserverList<> waitIsOver;
 
 private:
+    static constexpr std::chrono::minutes leastBetweenReports{1};
+
     SystemLog& m_log;
     ReconnectPacing::SteadyClock m_clock;
     AudioCoreMaker m_makeCore;
