@@ -24,70 +24,45 @@ QByteArray silence() {
     return "hex://" + (QByteArray("fffb10c4") + QByteArray(2 * bytesAfterHeader, '0')).repeated(frames);
 }
 
-/// One engine, made for this.
-class Engine {
-public:
-    Engine(std::shared_ptr<const MpvLibrary> library, mpv_handle* handle)
-        : m_library(std::move(library))
-        , m_handle(handle) {
-        m_library->observeProperty(m_handle, coreIdleId, "core-idle", MPV_FORMAT_FLAG);
-        m_library->observeProperty(m_handle, driverId, "current-ao", MPV_FORMAT_STRING);
-        m_library->observeProperty(m_handle, devicesId, "audio-device-list", MPV_FORMAT_STRING);
-        const QByteArray address = silence();
-        std::array<const char*, 3> words{"loadfile", address.constData(), nullptr};
-        m_library->commandAsync(m_handle, commandId, words.data());
-    }
-    Engine(const Engine&) = delete;
-    Engine& operator=(const Engine&) = delete;
-    ~Engine() { m_library->terminateDestroy(m_handle); }
+/// Plays silence and listens to what becomes of it.
+void listen(AudioProbe& probe, const MpvLibrary& library, mpv_handle* mpv, std::chrono::milliseconds limit) {
+    library.observeProperty(mpv, coreIdleId, "core-idle", MPV_FORMAT_FLAG);
+    library.observeProperty(mpv, driverId, "current-ao", MPV_FORMAT_STRING);
+    library.observeProperty(mpv, devicesId, "audio-device-list", MPV_FORMAT_STRING);
+    const QByteArray address = silence();
+    std::array<const char*, 3> words{"loadfile", address.constData(), nullptr};
+    library.commandAsync(mpv, commandId, words.data());
 
-    void listen(AudioProbe& probe, std::chrono::milliseconds limit) {
-        const auto deadline = Clock::now() + limit;
-        while (!m_isDone && Clock::now() < deadline) {
-            const mpv_event* event = m_library->waitEvent(m_handle, 0.1);
-            if (event->event_id == MPV_EVENT_PROPERTY_CHANGE)
-                propertyChanged(*event);
-            else if (event->event_id == MPV_EVENT_END_FILE)
-                ended(probe, *static_cast<const mpv_event_end_file*>(event->data));
-            // It sounds, and through which driver.
-            if (m_isRunning && !m_driver.isEmpty()) {
-                probe.outcome = AudioProbe::Outcome::opened;
-                m_isDone = true;
+    bool isDone = false;
+    bool isRunning = false;
+    QByteArray devices;
+    const auto deadline = Clock::now() + limit;
+    while (!isDone && Clock::now() < deadline) {
+        const mpv_event& event = *library.waitEvent(mpv, 0.1);
+        if (event.event_id == MPV_EVENT_PROPERTY_CHANGE) {
+            const auto& property = *static_cast<const mpv_event_property*>(event.data);
+            if (property.format == MPV_FORMAT_FLAG)
+                isRunning = *static_cast<const int*>(property.data) == 0;
+            else if (property.format == MPV_FORMAT_STRING && event.reply_userdata == driverId)
+                probe.driver = QString::fromUtf8(*static_cast<char* const*>(property.data));
+            else if (property.format == MPV_FORMAT_STRING)
+                devices = *static_cast<char* const*>(property.data);
+        } else if (event.event_id == MPV_EVENT_END_FILE) {
+            const auto& end = *static_cast<const mpv_event_end_file*>(event.data);
+            isDone = true;
+            if (end.reason == MPV_END_FILE_REASON_ERROR) {
+                probe.outcome = AudioProbe::Outcome::noDevice;
+                probe.reason = library.errorText(end.error);
             }
         }
-        probe.driver = m_driver;
-        probe.devices = audioDevicesOf(m_driver, m_devices);
+        // It sounds, and through which driver.
+        if (isRunning && !probe.driver.isEmpty()) {
+            probe.outcome = AudioProbe::Outcome::opened;
+            isDone = true;
+        }
     }
-
-private:
-    void propertyChanged(const mpv_event& event) {
-        const auto& property = *static_cast<const mpv_event_property*>(event.data);
-        if (event.reply_userdata == coreIdleId && property.format == MPV_FORMAT_FLAG)
-            m_isRunning = *static_cast<const int*>(property.data) == 0;
-        if (property.format != MPV_FORMAT_STRING)
-            return;
-        const char* text = *static_cast<char* const*>(property.data);
-        if (event.reply_userdata == driverId)
-            m_driver = QString::fromUtf8(text);
-        else if (event.reply_userdata == devicesId)
-            m_devices = text;
-    }
-
-    void ended(AudioProbe& probe, const mpv_event_end_file& end) {
-        m_isDone = true;
-        if (end.reason != MPV_END_FILE_REASON_ERROR)
-            return;
-        probe.outcome = AudioProbe::Outcome::noDevice;
-        probe.reason = m_library->errorText(end.error);
-    }
-
-    std::shared_ptr<const MpvLibrary> m_library;
-    mpv_handle* m_handle;
-    bool m_isDone = false;
-    bool m_isRunning = false;
-    QString m_driver;
-    QByteArray m_devices;
-};
+    probe.devices = audioDevicesOf(probe.driver, devices);
+}
 
 } // namespace
 
@@ -100,8 +75,8 @@ AudioProbe AudioProbe::run(std::chrono::milliseconds limit, const char* libraryF
         probe.reason = handle.error();
         return probe;
     }
-    Engine engine(*library, *handle);
-    engine.listen(probe, limit);
+    listen(probe, **library, *handle, limit);
+    (*library)->terminateDestroy(*handle);
     return probe;
 }
 

@@ -16,11 +16,8 @@ namespace zofra {
 namespace {
 
 bool hasHashedNames(const QString& directory) {
-    return !QDir(directory)
-                .entryList(
-                    {QStringLiteral("[0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f].0")},
-                    QDir::Files)
-                .isEmpty();
+    const auto name = QStringLiteral("[0-9a-f]").repeated(8) + QStringLiteral(".0");
+    return !QDir(directory).entryList({name}, QDir::Files).isEmpty();
 }
 
 std::optional<QByteArray> systemDirectory() {
