@@ -60,12 +60,7 @@ DBusMenuObject::DBusMenuObject(const QDBusConnection& connection, const QString&
 }
 
 dbus::Interface DBusMenuObject::menuInterface() {
-    using Answering = Answer (DBusMenuObject::*)(const QVariantList&);
-    using Reading = Answer (DBusMenuObject::*)(const QVariantList&) const;
-    const auto answering = [this](Answering method) {
-        return [this, method](const QVariantList& arguments) { return (this->*method)(arguments); };
-    };
-    const auto reading = [this](Reading method) {
+    const auto answering = [this](auto method) {
         return [this, method](const QVariantList& arguments) { return (this->*method)(arguments); };
     };
     const auto event = [this](const QVariantList& arguments) {
@@ -77,8 +72,8 @@ dbus::Interface DBusMenuObject::menuInterface() {
             {{"GetLayout", "parentId:i recursionDepth:i propertyNames:as", "revision:u layout:(ia{sv}av)",
               answering(&DBusMenuObject::getLayout)},
              {"GetGroupProperties", "ids:ai propertyNames:as", "properties:a(ia{sv})",
-              reading(&DBusMenuObject::getGroupProperties)},
-             {"GetProperty", "id:i name:s", "value:v", reading(&DBusMenuObject::getProperty)},
+              answering(&DBusMenuObject::getGroupProperties)},
+             {"GetProperty", "id:i name:s", "value:v", answering(&DBusMenuObject::getProperty)},
              {"Event", "id:i eventId:s data:v timestamp:u", "", event},
              {"EventGroup", "events:a(isvu)", "idErrors:ai", answering(&DBusMenuObject::eventGroup)},
              {"AboutToShow", "id:i", "needUpdate:b", answering(&DBusMenuObject::aboutToShow)},
@@ -95,14 +90,13 @@ dbus::Interface DBusMenuObject::menuInterface() {
 
 void DBusMenuObject::menuDidChange() {
     // A panel that never asked has nothing to be corrected.
-    if (m_fetchedRevision != 0 && !std::exchange(m_isCheckPosted, true))
-        m_environment.mainQueue.async(m_lifetime.guard([this] { checkForChange(); }));
-}
-
-void DBusMenuObject::checkForChange() {
-    m_isCheckPosted = false;
-    if (!m_shown)
-        rebuild();
+    if (m_fetchedRevision == 0 || std::exchange(m_isCheckPosted, true))
+        return;
+    m_environment.mainQueue.async(m_lifetime.guard([this] {
+        m_isCheckPosted = false;
+        if (!m_shown)
+            rebuild();
+    }));
 }
 
 bool DBusMenuObject::rebuild() {

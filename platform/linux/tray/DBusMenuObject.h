@@ -7,17 +7,13 @@
 #include "platform/linux/DBusExportedObject.h"
 #include "platform/linux/tray/DBusMenuTree.h"
 
-#include <QDBusConnection>
-#include <QString>
-
 #include <functional>
 #include <memory>
 
 namespace zofra {
 
-/// The menu as an object of the bus, com.canonical.dbusmenu. It is looked at anew whenever a panel is about
-/// to show it or asks for the whole of it, so that panels which do only one of the two see the current state.
-/// Main thread only.
+/// The menu as an object of the bus, com.canonical.dbusmenu. Looked at anew whenever a panel is about to show
+/// it or asks for the whole of it, for some do only one of the two. Main thread only.
 class DBusMenuObject final {
 public:
     struct Environment {
@@ -39,7 +35,6 @@ private:
     [[nodiscard]] dbus::Interface menuInterface();
     /// Takes the current menu over; whether it has other items than a panel was last given.
     bool rebuild();
-    void checkForChange();
     void handleEvent(int id, const QString& eventId);
 
     [[nodiscard]] dbus::Answer getLayout(const QVariantList& arguments);

@@ -10,15 +10,10 @@ namespace zofra {
 
 namespace {
 
-QVariantMap filtered(const QVariantMap& properties, const QStringList& names) {
-    if (names.isEmpty())
-        return properties;
-    QVariantMap chosen;
-    for (auto property = properties.cbegin(); property != properties.cend(); ++property) {
-        if (names.contains(property.key()))
-            chosen.insert(property.key(), property.value());
-    }
-    return chosen;
+QVariantMap filtered(QVariantMap properties, const QStringList& names) {
+    if (!names.isEmpty())
+        properties.removeIf([&names](auto property) { return !names.contains(property.key()); });
+    return properties;
 }
 
 /// The first item of `nodes`, or below them, that `matches`. Menus are as deep as the program makes them.

@@ -4,10 +4,6 @@
 #include "platform/MenuItem.h"
 #include "platform/linux/tray/TrayTypes.h"
 
-#include <QString>
-#include <QStringList>
-#include <QVariantMap>
-
 #include <functional>
 #include <optional>
 #include <vector>

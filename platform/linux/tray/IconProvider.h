@@ -14,11 +14,9 @@ namespace zofra {
 class IconProvider {
 public:
     virtual ~IconProvider() = default;
-    /// The drawing `symbolName` (for example "play.fill"), `pixels` wide and high, its strokes in `color`; a
-    /// null image where there is no such drawing.
+    /// The drawing ("play.fill"), `pixels` wide and high, strokes in `color`; null where there is none.
     [[nodiscard]] virtual QImage image(const QString& symbolName, int pixels, const QColor& color) const = 0;
-    /// What a menu that opens now is drawn with; its standard palette colours the icons. Null for the
-    /// desktop's own style.
+    /// What a menu that opens now is drawn with, in the colours of its standard palette. Null: the desktop's.
     [[nodiscard]] virtual std::shared_ptr<QStyle> menuStyle() const { return nullptr; }
 };
 

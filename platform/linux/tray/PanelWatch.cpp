@@ -33,7 +33,7 @@ void PanelWatch::ownerChanged(const QString& owner) {
     const bool wasThere = !m_owner.isEmpty();
     m_owner = owner;
     m_hostRegistered.reset();
-    if (wasThere && m_handlers.disappeared)
+    if (wasThere)
         m_handlers.disappeared();
     if (owner.isEmpty())
         return;
@@ -42,14 +42,9 @@ void PanelWatch::ownerChanged(const QString& owner) {
         DBusSignal::Source{
             owner, watcherPath, watcherName, QStringLiteral("StatusNotifierHostRegistered"), {}},
         [this](const QDBusMessage&) { askForHost(); });
-    askForProgram(owner);
-}
-
-void PanelWatch::askForProgram(const QString& owner) {
     ask(dbus::busCall("GetConnectionUnixProcessID", {owner}), [this](const QDBusMessage& reply) {
         const uint processId = reply.arguments().value(0).toUInt();
-        if (m_handlers.appeared)
-            m_handlers.appeared(processId == 0 ? QString() : processName(processId));
+        m_handlers.appeared(processId == 0 ? QString() : processName(processId));
     });
 }
 
@@ -71,9 +66,8 @@ void PanelWatch::askForHost() {
     ask(call, [this](const QDBusMessage& reply) {
         // A watcher that does not say is taken for a panel.
         const QVariant hasHost = qvariant_cast<QDBusVariant>(reply.arguments().value(0)).variant();
-        if (m_handlers.registered)
-            m_handlers.registered(reply.type() != QDBusMessage::ReplyMessage || !hasHost.isValid() ||
-                                  hasHost.toBool());
+        m_handlers.registered(reply.type() != QDBusMessage::ReplyMessage || !hasHost.isValid() ||
+                              hasHost.toBool());
     });
 }
 

@@ -4,23 +4,17 @@
 #include "platform/linux/DBusNameOwner.h"
 #include "platform/linux/DBusSignal.h"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QObject>
-#include <QString>
-
 #include <functional>
 #include <memory>
 
 namespace zofra {
 
-/// Follows the panel that shows status items on one connection: there, gone, started anew. Nothing here waits
-/// for the bus. Main thread only.
+/// Follows the panel that shows status items on one connection. Never waits for the bus. Main thread only.
 class PanelWatch final {
 public:
+    /// All of them are there.
     struct Handlers {
-        /// A watcher of status items has appeared; `program` is the name of its process, empty when unknown.
-        /// Answer by `registerItem`.
+        /// A watcher has appeared, from the process `program` (if known). Answer by `registerItem`.
         std::function<void(const QString& program)> appeared;
         std::function<void()> disappeared;
         /// The watcher has taken the item, and says whether a panel is there to show it.
@@ -35,7 +29,6 @@ public:
 
 private:
     void ownerChanged(const QString& owner);
-    void askForProgram(const QString& owner);
     void askForHost();
     void ask(const QDBusMessage& call, std::function<void(const QDBusMessage& reply)> answered);
 

@@ -16,19 +16,18 @@ using dbus::Property;
 
 constexpr auto* interfaceName = "org.kde.StatusNotifierItem";
 
-/// A method without an answer; without a handler nothing is done.
-template<typename Handler, typename Convert>
-Method method(const char* name, const char* in, Handler handler, Convert convert) {
-    return {name, in, "", [handler, convert](const QVariantList& arguments) {
-                if (handler)
-                    convert(handler, arguments);
+/// A method without an answer.
+template<typename Handler>
+Method method(const char* name, const char* in, Handler handler) {
+    return {name, in, "", [handler](const QVariantList& arguments) {
+                handler(arguments);
                 return Answer();
             }};
 }
 
 Method clickMethod(const char* name, const std::function<void(QPoint)>& handler) {
-    return method(name, "x:i y:i", handler, [](const auto& call, const QVariantList& arguments) {
-        call(QPoint(arguments.at(0).toInt(), arguments.at(1).toInt()));
+    return method(name, "x:i y:i", [handler](const QVariantList& arguments) {
+        handler(QPoint(arguments.at(0).toInt(), arguments.at(1).toInt()));
     });
 }
 
@@ -62,21 +61,21 @@ void StatusNotifierObject::setContent(StatusNotifierContent content) {
 }
 
 dbus::Interface StatusNotifierObject::itemInterface() {
-    const auto secondary = [](const auto& call, const QVariantList&) { call(); };
-    const auto scroll = [](const auto& call, const QVariantList& arguments) {
+    const auto secondary = [this](const QVariantList&) { m_handlers.secondaryActivate(); };
+    const auto scroll = [this](const QVariantList& arguments) {
         // Wheels that tilt have no meaning here.
         if (arguments.at(1).toString().compare(QLatin1String("horizontal"), Qt::CaseInsensitive) != 0)
-            call(arguments.at(0).toInt());
+            m_handlers.scroll(arguments.at(0).toInt());
     };
-    const auto token = [](const auto& call, const QVariantList& arguments) {
-        call(arguments.at(0).toString());
+    const auto token = [this](const QVariantList& arguments) {
+        m_handlers.activationToken(arguments.at(0).toString());
     };
     std::vector<Method> methods{
         clickMethod("ContextMenu", m_handlers.contextMenu),
-        method("SecondaryActivate", "x:i y:i", m_handlers.secondaryActivate, secondary),
-        method("XAyatanaSecondaryActivate", "timestamp:u", m_handlers.secondaryActivate, secondary),
-        method("Scroll", "delta:i orientation:s", m_handlers.scroll, scroll),
-        method("ProvideXdgActivationToken", "token:s", m_handlers.activationToken, token),
+        method("SecondaryActivate", "x:i y:i", secondary),
+        method("XAyatanaSecondaryActivate", "timestamp:u", secondary),
+        method("Scroll", "delta:i orientation:s", scroll),
+        method("ProvideXdgActivationToken", "token:s", token),
     };
     if (m_mode == StatusItemMode::direct)
         methods.push_back(clickMethod("Activate", m_handlers.activate));
@@ -100,10 +99,7 @@ std::vector<Property> StatusNotifierObject::properties() const {
     const auto text = [this, &current](const char* name, QString StatusNotifierContent::*field) {
         return current(name, "s", [this, field] { return QVariant(m_content.*field); });
     };
-    const auto pixmaps = [this] {
-        return QVariant::fromValue(m_handlers.pixmaps ? m_handlers.pixmaps(m_content.symbolName)
-                                                      : QList<BusPixmap>());
-    };
+    const auto pixmaps = [this] { return QVariant::fromValue(m_handlers.pixmaps(m_content.symbolName)); };
     const auto noPixmaps = QVariant::fromValue(QList<BusPixmap>());
     using Content = StatusNotifierContent;
     std::vector<Property> properties{

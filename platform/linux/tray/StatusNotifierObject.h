@@ -5,9 +5,7 @@
 #include "platform/linux/DBusExportedObject.h"
 #include "platform/linux/tray/TrayTypes.h"
 
-#include <QDBusConnection>
 #include <QPoint>
-#include <QString>
 
 #include <functional>
 
@@ -31,6 +29,7 @@ public:
     /// Texts are plain; one panel reads tool tips as markup nevertheless.
     enum class ToolTipText { plain, markup };
 
+    /// All of them are there.
     struct Handlers {
         std::function<void(QPoint)> activate;
         std::function<void(QPoint)> contextMenu;

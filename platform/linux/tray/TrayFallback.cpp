@@ -3,7 +3,6 @@
 
 #include "platform/linux/tray/XEmbedIcon.h"
 
-#include <chrono>
 #include <utility>
 
 namespace zofra {
@@ -21,12 +20,9 @@ constexpr int mostLooksForTray = 24;
 
 } // namespace
 
-TrayFallback::TrayFallback(Environment environment)
-    : m_environment(std::move(environment)) {}
-
 void TrayFallback::start(Patience kind) {
     m_waitsLeft = kind == Patience::first ? 0 : waitsAfterPanel;
-    wait(patience);
+    wait();
     // When the bus answers this, it has said before whether somebody watches over items.
     if (kind == Patience::first && m_environment.windows == TraySession::Windows::x11)
         ask([this] {
@@ -40,9 +36,9 @@ void TrayFallback::stop() {
     m_question.reset();
 }
 
-void TrayFallback::wait(std::chrono::milliseconds time) {
+void TrayFallback::wait() {
     m_question.reset();
-    m_waiting = m_environment.mainQueue.startTimer(time, MainQueue::Repeat::once, [this] {
+    m_waiting = m_environment.mainQueue.startTimer(patience, MainQueue::Repeat::once, [this] {
         m_waiting.reset();
         ask([this] { show(); });
     });
@@ -50,14 +46,13 @@ void TrayFallback::wait(std::chrono::milliseconds time) {
 
 void TrayFallback::ask(std::function<void()> answered) {
     m_question = std::make_unique<Lifetime>();
-    // An old tray's icon and the window are both drawn by a toolkit that looks at the bus first, and waits
-    // for it. One that hangs may also have a panel on it.
+    // Icon and window are drawn by a toolkit that looks at the bus first and waits for it.
     const auto told = [this, answered = std::move(answered)](SessionBus::Health health) {
         if (health != SessionBus::Health::silent || m_silences == mostSilences) {
             answered();
         } else if (!m_waiting) {
             ++m_silences;
-            wait(patience);
+            wait();
         }
     };
     m_environment.bus.askHealth(answerLimit, m_question->guard(told));
@@ -76,13 +71,13 @@ void TrayFallback::show() {
         return;
     if (m_waitsLeft > 0) {
         --m_waitsLeft;
-        wait(patience);
+        wait();
         return;
     }
     // While a person logs in, an old tray may take its time, and none of them announces itself on the bus.
     if (m_environment.windows == TraySession::Windows::x11 && m_looksForTray < mostLooksForTray) {
         ++m_looksForTray;
-        wait(patience);
+        wait();
     }
     m_environment.showWindow();
 }

@@ -6,15 +6,14 @@
 #include "platform/linux/SessionBus.h"
 #include "platform/linux/tray/TrayMode.h"
 
-#include <chrono>
 #include <functional>
 #include <memory>
+#include <utility>
 
 namespace zofra {
 
-/// Decides how the program is seen where no panel takes its item: by an icon in an old tray if there is one,
-/// at once where nobody watches over items; else, after a while, by a window. Main thread only; nothing here
-/// waits for the bus.
+/// Decides how the program is seen where no panel takes its item: by an icon in an old tray, at once where
+/// nobody watches over items; else, after a while, by a window. Main thread only; never waits for the bus.
 class TrayFallback final {
 public:
     struct Environment {
@@ -27,7 +26,8 @@ public:
         /// May be called again while an old tray that is late is looked for.
         std::function<void()> showWindow;
     };
-    explicit TrayFallback(Environment environment);
+    explicit TrayFallback(Environment environment)
+        : m_environment(std::move(environment)) {}
     TrayFallback(const TrayFallback&) = delete;
     TrayFallback& operator=(const TrayFallback&) = delete;
 
@@ -39,7 +39,7 @@ public:
     void stop();
 
 private:
-    void wait(std::chrono::milliseconds time);
+    void wait();
     void ask(std::function<void()> answered);
     [[nodiscard]] bool showIcon();
     void show();

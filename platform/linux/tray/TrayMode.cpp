@@ -8,45 +8,41 @@ namespace zofra {
 
 namespace {
 
-/// What is special about a panel. The kernel keeps only the first fifteen letters of a program's name.
-struct PanelTraits {
+/// By program, of whose name the kernel keeps only the first fifteen letters.
+struct KnownPanel {
     const char* program;
-    /// Passes left and right clicks on when there is no menu, and shows the item all the same.
-    bool passesClicksOn;
-    TrayIconKind icon;
-    TrayWheel wheel;
-    StatusNotifierObject::ToolTipText toolTip = StatusNotifierObject::ToolTipText::plain;
+    PanelTraits traits;
 };
 
 using Text = StatusNotifierObject::ToolTipText;
 constexpr TrayWheel upwards{true, 1};
 constexpr TrayWheel downwards{false, 1};
-constexpr PanelTraits knownPanels[] = {
+constexpr KnownPanel knownPanels[] = {
     // Given a name that its theme lacks, it shows nothing, whatever pictures there are beside the name.
-    {"lxqt-panel", true, TrayIconKind::pixmaps, upwards},
-    {"plasmashell", true, TrayIconKind::symbolic, upwards},
+    {"lxqt-panel", {true, TrayIconKind::pixmaps, upwards}},
+    {"plasmashell", {true, TrayIconKind::symbolic, upwards}},
     // Nor does this one, which also reads tool tips as markup.
-    {"mate-panel", true, TrayIconKind::pixmaps, upwards, Text::markup},
-    {"notification-ar", true, TrayIconKind::pixmaps, upwards, Text::markup},
-    {"xapp-sn-watcher", true, TrayIconKind::symbolic, downwards},
-    {"xfce4-panel", false, TrayIconKind::symbolic, upwards},
-    {"wrapper-2.0", false, TrayIconKind::symbolic, upwards},
-    {"gnome-shell", false, TrayIconKind::symbolic, downwards},
-    {"ayatana-indicat", false, TrayIconKind::symbolic, downwards},
-    {"indicator-appli", false, TrayIconKind::symbolic, downwards},
+    {"mate-panel", {true, TrayIconKind::pixmaps, upwards, Text::markup}},
+    {"notification-ar", {true, TrayIconKind::pixmaps, upwards, Text::markup}},
+    {"xapp-sn-watcher", {true, TrayIconKind::symbolic, downwards}},
+    {"xfce4-panel", {false, TrayIconKind::symbolic, upwards}},
+    {"wrapper-2.0", {false, TrayIconKind::symbolic, upwards}},
+    {"gnome-shell", {false, TrayIconKind::symbolic, downwards}},
+    {"ayatana-indicat", {false, TrayIconKind::symbolic, downwards}},
+    {"indicator-appli", {false, TrayIconKind::symbolic, downwards}},
     // It tells of a notch as such and once more as of a smooth turn.
-    {"waybar", false, TrayIconKind::coloured, {false, 2}, Text::markup},
+    {"waybar", {false, TrayIconKind::coloured, {false, 2}, Text::markup}},
 };
-/// Of a panel that is not known: what can be seen on any of them.
-constexpr PanelTraits unknownPanel{"", false, TrayIconKind::coloured, upwards};
 
-PanelTraits traitsOf(const TraySession& session) {
+} // namespace
+
+PanelTraits panelTraits(const TraySession& session) {
     const QString& program = session.panelProgram;
-    for (const PanelTraits& panel : knownPanels) {
-        if (program.startsWith(QLatin1String(panel.program)))
-            return panel;
+    for (const auto& [name, traits] : knownPanels) {
+        if (program.startsWith(QLatin1String(name)))
+            return traits;
     }
-    PanelTraits traits = unknownPanel;
+    PanelTraits traits;
     const QStringList desktops = session.desktop.toUpper().split(QLatin1Char(':'));
     const bool isPlasma = desktops.contains(QLatin1String("KDE"));
     // The watcher of Plasma serves other panels' hosts as well.
@@ -59,28 +55,14 @@ PanelTraits traitsOf(const TraySession& session) {
     return traits;
 }
 
-} // namespace
-
 StatusItemMode trayMode(const TraySession& session) {
     if (session.setting == QLatin1String("direct"))
         return StatusItemMode::direct;
     if (session.setting == QLatin1String("hostmenu"))
         return StatusItemMode::hostmenu;
-    return session.windows == TraySession::Windows::x11 && traitsOf(session).passesClicksOn
+    return session.windows == TraySession::Windows::x11 && panelTraits(session).passesClicksOn
                ? StatusItemMode::direct
                : StatusItemMode::hostmenu;
-}
-
-TrayIconKind trayIconKind(const TraySession& session) {
-    return traitsOf(session).icon;
-}
-
-TrayWheel trayWheel(const TraySession& session) {
-    return traitsOf(session).wheel;
-}
-
-StatusNotifierObject::ToolTipText trayToolTipText(const TraySession& session) {
-    return traitsOf(session).toolTip;
 }
 
 TraySession traySessionFromEnvironment(const QString& platformName, const QString& setting) {

@@ -3,10 +3,6 @@
 
 #include "platform/linux/tray/StatusNotifierObject.h"
 
-#include <QString>
-
-#include <optional>
-
 namespace zofra {
 
 /// What there is to know about the session and its panel.
@@ -21,23 +17,27 @@ struct TraySession {
     QString setting;
 };
 
-/// How this panel gives both a menu and the window: `direct` or `hostmenu`.
-[[nodiscard]] StatusItemMode trayMode(const TraySession& session);
-/// What this panel is to take the item's icon from: a name of a drawing in one tone, which it draws in the
-/// colour of its text; a name of one in its own colours; or pictures only.
+/// What a panel takes the icon from: a drawing in one tone, one in its own colours, or pictures only.
 enum class TrayIconKind { symbolic, coloured, pixmaps };
-[[nodiscard]] TrayIconKind trayIconKind(const TraySession& session);
-/// How this panel tells of a wheel.
+
+/// How a panel tells of a wheel.
 struct TrayWheel {
     bool isPositiveUp = true;
     /// How often it tells of one notch.
     int callsPerNotch = 1;
-
-    friend bool operator==(const TrayWheel&, const TrayWheel&) = default;
 };
-[[nodiscard]] TrayWheel trayWheel(const TraySession& session);
-/// How this panel reads tool tips.
-[[nodiscard]] StatusNotifierObject::ToolTipText trayToolTipText(const TraySession& session);
+
+/// What is special about a panel. The defaults can be seen on any of them.
+struct PanelTraits {
+    /// Passes left and right clicks on when there is no menu, and shows the item all the same.
+    bool passesClicksOn = false;
+    TrayIconKind icon = TrayIconKind::coloured;
+    TrayWheel wheel = {};
+    StatusNotifierObject::ToolTipText toolTip = StatusNotifierObject::ToolTipText::plain;
+};
+[[nodiscard]] PanelTraits panelTraits(const TraySession& session);
+/// How this panel gives both a menu and the window: `direct` or `hostmenu`.
+[[nodiscard]] StatusItemMode trayMode(const TraySession& session);
 
 /// The session of this process as its environment tells; `platformName` is the window system that is used.
 [[nodiscard]] TraySession traySessionFromEnvironment(const QString& platformName, const QString& setting);

@@ -8,7 +8,6 @@
 #include <QPalette>
 #include <QToolTip>
 
-#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -92,33 +91,29 @@ void TrayStatusItem::busDisconnected() {
 }
 
 StatusNotifierObject::Handlers TrayStatusItem::itemHandlers() {
-    StatusNotifierObject::Handlers handlers;
-    handlers.activate = [this](QPoint at) {
-        clicked(ButtonEvent::leftMouseUp, placeOfClick(at, QCursor::pos()));
+    const auto click = [this](ButtonEvent event) {
+        return [this, event](QPoint at) { clicked(event, placeOfClick(at, QCursor::pos())); };
     };
-    handlers.contextMenu = [this](QPoint at) {
-        clicked(ButtonEvent::rightMouseUp, placeOfClick(at, QCursor::pos()));
-    };
-    handlers.secondaryActivate = [this] {
-        if (onSecondaryActivate)
-            onSecondaryActivate();
-    };
-    handlers.scroll = [this](int delta) { scrolled(delta); };
-    handlers.activationToken = [this](const QString& token) {
-        if (m_environment.activationToken)
-            m_environment.activationToken(token.toUtf8());
-    };
-    handlers.pixmaps = [this](const QString& symbolName) { return pixmaps(symbolName); };
-    return handlers;
+    return {.activate = click(ButtonEvent::leftMouseUp),
+            .contextMenu = click(ButtonEvent::rightMouseUp),
+            .secondaryActivate = [this] { secondaryActivated(); },
+            .scroll = [this](int delta) { scrolled(delta); },
+            .activationToken =
+                [this](const QString& token) {
+                    if (m_environment.activationToken)
+                        m_environment.activationToken(token.toUtf8());
+                },
+            .pixmaps = [this](const QString& symbolName) { return pixmaps(symbolName); }};
 }
 
 void TrayStatusItem::panelAppeared(const QString& program) {
     TraySession session = m_environment.session;
     session.panelProgram = program;
     m_panelMode = trayMode(session);
-    m_iconKind = trayIconKind(session);
-    m_wheel.setPanel(trayWheel(session));
-    m_item->setMode(m_panelMode, trayToolTipText(session));
+    const PanelTraits traits = panelTraits(session);
+    m_iconKind = traits.icon;
+    m_wheel.setPanel(traits.wheel);
+    m_item->setMode(m_panelMode, traits.toolTip);
     m_item->setContent(content());
     if (m_panelMode == StatusItemMode::direct) {
         m_menu.reset();
@@ -160,11 +155,7 @@ void TrayStatusItem::showWindow() {
 void TrayStatusItem::showXEmbedIcon() {
     m_xembed = std::make_unique<XEmbedIcon>(
         XEmbedIcon::Handlers{[this](ButtonEvent event) { clicked(event, QCursor::pos()); },
-                             [this] {
-                                 if (onSecondaryActivate)
-                                     onSecondaryActivate();
-                             },
-                             [this](int delta) { scrolled(delta); }});
+                             [this] { secondaryActivated(); }, [this](int delta) { scrolled(delta); }});
     m_mode = StatusItemMode::xembed;
     publish();
     m_xembed->show();
@@ -186,6 +177,11 @@ void TrayStatusItem::clicked(ButtonEvent event, QPoint at) {
     action(event);
 }
 
+void TrayStatusItem::secondaryActivated() {
+    if (onSecondaryActivate)
+        onSecondaryActivate();
+}
+
 void TrayStatusItem::scrolled(int delta) {
     const int steps = m_wheel.add(delta);
     if (steps != 0 && onScroll)
@@ -195,11 +191,6 @@ void TrayStatusItem::scrolled(int delta) {
 void TrayStatusItem::setTitle(const QString& title) {
     m_title = title;
     publish();
-}
-
-void TrayStatusItem::setImagePosition(ImagePosition position) {
-    // Panels that show the text at all show it after the image.
-    Q_UNUSED(position)
 }
 
 void TrayStatusItem::setImage(const QString& symbolName, const QString& accessibilityDescription) {
@@ -246,8 +237,7 @@ StatusNotifierContent TrayStatusItem::content() const {
     content.title = shownLine(isFlashing ? m_flash : m_title);
     content.label = shownLine(m_title, maxLabelCharacters);
     if (isFlashing) {
-        // As wide as before, or the item would shrink away from under the pointer whose wheel is being
-        // turned.
+        // As wide as before, or the item would shrink away from under the pointer that turns the wheel.
         const auto width = content.label.size();
         content.label = shownLine(m_flash, maxLabelCharacters).leftJustified(width, figureSpace);
     }
@@ -276,10 +266,8 @@ double TrayStatusItem::height() const {
 
 void TrayStatusItem::popUpMenu(const Menu& menu, QPointF location) {
     if (m_environment.session.windows != TraySession::Windows::x11) {
-        // There a menu without a window below it would be placed like a window; the panel of our own does not
-        // mind.
-        if (onSecondaryActivate)
-            onSecondaryActivate();
+        // There a menu without a window below it would be placed like a window; our own panel does not mind.
+        secondaryActivated();
         return;
     }
     // A panel tells where it was clicked, not where its button begins.

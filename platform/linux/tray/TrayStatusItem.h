@@ -14,9 +14,7 @@
 #include "platform/linux/tray/WidgetMenu.h"
 #include "platform/linux/tray/XEmbedIcon.h"
 
-#include <QPoint>
 #include <QPointer>
-#include <QString>
 
 #include <memory>
 #include <optional>
@@ -32,8 +30,7 @@ public:
         MainQueue& mainQueue;
         const IconProvider& icons;
         TraySession session;
-        /// Where panels find the program's icon theme, empty when they look there anyway. Absent where there
-        /// is none.
+        /// Where panels find the icon theme, empty where they look anyway. Absent where there is none.
         std::optional<QString> iconFolder;
         /// The item can be seen.
         std::function<void()> shown;
@@ -55,7 +52,8 @@ private:
     void setAction(Action action) override { m_action = std::move(action); }
     void sendActionOn(unsigned eventMask) override { m_eventMask = eventMask; }
     void setTitle(const QString& title) override;
-    void setImagePosition(ImagePosition position) override;
+    /// Panels that show the text at all show it after the image.
+    void setImagePosition(ImagePosition) override {}
     void setImage(const QString& symbolName, const QString& accessibilityDescription) override;
     void setToolTip(const QString& toolTip) override;
     [[nodiscard]] double height() const override;
@@ -72,6 +70,7 @@ private:
     [[nodiscard]] StatusNotifierObject::Handlers itemHandlers();
 
     void clicked(ButtonEvent event, QPoint at);
+    void secondaryActivated();
     void scrolled(int delta);
     void publish();
     [[nodiscard]] StatusNotifierContent content() const;

@@ -7,15 +7,8 @@ namespace zofra {
 
 BusPixmap BusPixmap::fromImage(const QImage& image) {
     const QImage argb = image.convertToFormat(QImage::Format_ARGB32);
-    BusPixmap pixmap{argb.width(), argb.height(), {}};
-    pixmap.bytes.reserve(argb.sizeInBytes());
-    for (int y = 0; y < argb.height(); ++y) {
-        const auto* line = reinterpret_cast<const QRgb*>(argb.constScanLine(y));
-        for (int x = 0; x < argb.width(); ++x) {
-            const quint32 bigEndian = qToBigEndian<quint32>(line[x]);
-            pixmap.bytes.append(reinterpret_cast<const char*>(&bigEndian), sizeof bigEndian);
-        }
-    }
+    BusPixmap pixmap{argb.width(), argb.height(), QByteArray(argb.sizeInBytes(), Qt::Uninitialized)};
+    qToBigEndian<quint32>(argb.constBits(), argb.sizeInBytes() / sizeof(quint32), pixmap.bytes.data());
     return pixmap;
 }
 

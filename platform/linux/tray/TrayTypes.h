@@ -4,12 +4,9 @@
 #include "platform/linux/DBusArguments.h"
 
 #include <QByteArray>
-#include <QDBusVariant>
 #include <QImage>
-#include <QList>
 #include <QString>
 #include <QStringList>
-#include <QVariantMap>
 
 namespace zofra {
 

@@ -8,12 +8,14 @@
 
 namespace zofra {
 
-/// Turns what panels report of a wheel into whole notches, positive away from the user: some count notches,
-/// some give 120 a notch, and touch pads give many small parts of it.
+/// Turns what panels report of a wheel (notches, 120 a notch, parts) into whole notches, positive is away.
 class WheelSteps {
 public:
     /// Begins anew, with a panel that tells of wheels in this way.
-    void setPanel(TrayWheel panel) { *this = WheelSteps(panel); }
+    void setPanel(TrayWheel panel) {
+        m_panel = panel;
+        m_angle = 0;
+    }
 
     [[nodiscard]] int add(int delta) {
         constexpr int smallestAngle = 8;
@@ -29,12 +31,7 @@ public:
         return steps;
     }
 
-    WheelSteps() = default;
-
 private:
-    explicit WheelSteps(TrayWheel panel)
-        : m_panel(panel) {}
-
     TrayWheel m_panel;
     int m_angle = 0;
 };

@@ -147,10 +147,9 @@ bool WidgetMenu::event(QEvent* event) {
     const auto* help = static_cast<QHelpEvent*>(event);
     const QAction* action = actionAt(help->pos());
     const QString text = action ? action->property(toolTipProperty).toString() : QString();
-    if (text.isEmpty())
-        QToolTip::hideText();
-    else
-        QToolTip::showText(help->globalPos(), QStringLiteral("<p>%1</p>").arg(text.toHtmlEscaped()), this);
+    QToolTip::showText(help->globalPos(),
+                       text.isEmpty() ? QString() : QStringLiteral("<p>%1</p>").arg(text.toHtmlEscaped()),
+                       this);
     return true;
 }
 

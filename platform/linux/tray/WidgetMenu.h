@@ -8,14 +8,12 @@
 #include <QPoint>
 #include <QRect>
 #include <QSize>
-#include <QStyle>
 
 #include <memory>
 
 namespace zofra {
 
-/// A menu drawn by this program. It deletes itself once closed when shown with `popUpAndForget`. Main thread
-/// only.
+/// A menu drawn by this program; deletes itself once closed if shown by `popUpAndForget`. Main thread only.
 class WidgetMenu final : public QMenu {
 public:
     WidgetMenu(const Menu& menu, const IconProvider& icons, QWidget* parent = nullptr);

@@ -3,15 +3,13 @@
 
 #include "platform/StatusItem.h"
 
-#include <QIcon>
 #include <QSystemTrayIcon>
 
 #include <functional>
 
 namespace zofra {
 
-/// An icon in the old tray of X11. Made only when no panel of the bus has shown up: the class below caches
-/// its first answer about trays for ever. Main thread only.
+/// An icon in X11's old tray. The class below keeps its first answer about trays for ever. Main thread only.
 class XEmbedIcon final : public QSystemTrayIcon {
 public:
     struct Handlers {

@@ -56,31 +56,32 @@ TEST(TrayModeTest, TheSettingOverrules) {
 
 TEST(TrayModeTest, SomePanelsReadToolTipsAsMarkup) {
     for (const QString& program : {u"waybar"_qs, u"notification-ar"_qs})
-        EXPECT_EQ(trayToolTipText(session(Windows::x11, program)), StatusNotifierObject::ToolTipText::markup);
-    EXPECT_EQ(trayToolTipText(session(Windows::wayland, u"plasmashell"_qs)),
+        EXPECT_EQ(panelTraits(session(Windows::x11, program)).toolTip,
+                  StatusNotifierObject::ToolTipText::markup);
+    EXPECT_EQ(panelTraits(session(Windows::wayland, u"plasmashell"_qs)).toolTip,
               StatusNotifierObject::ToolTipText::plain);
 }
 
 TEST(TrayModeTest, OnlyPanelsThatColourIconsThemselvesGetOnesWithoutColours) {
     for (const QString& program : {u"lxqt-panel"_qs, u"notification-ar"_qs})
-        EXPECT_EQ(trayIconKind(session(Windows::x11, program)), TrayIconKind::pixmaps)
+        EXPECT_EQ(panelTraits(session(Windows::x11, program)).icon, TrayIconKind::pixmaps)
             << "they show nothing for an unknown name";
     for (const QString& program :
          {u"plasmashell"_qs, u"xfce4-panel"_qs, u"gnome-shell"_qs, u"xapp-sn-watcher"_qs})
-        EXPECT_EQ(trayIconKind(session(Windows::x11, program)), TrayIconKind::symbolic)
+        EXPECT_EQ(panelTraits(session(Windows::x11, program)).icon, TrayIconKind::symbolic)
             << program.toStdString();
     for (const QString& program : {u"waybar"_qs, u"python3"_qs, QString()})
-        EXPECT_EQ(trayIconKind(session(Windows::x11, program)), TrayIconKind::coloured)
+        EXPECT_EQ(panelTraits(session(Windows::x11, program)).icon, TrayIconKind::coloured)
             << program.toStdString();
-    EXPECT_EQ(trayIconKind(session(Windows::wayland, u"kded5"_qs, u"KDE"_qs)), TrayIconKind::symbolic);
+    EXPECT_EQ(panelTraits(session(Windows::wayland, u"kded5"_qs, u"KDE"_qs)).icon, TrayIconKind::symbolic);
 }
 
 TEST(TrayModeTest, SomePanelsTellOfAWheelTurnedTowardsTheUserByAPositiveNumber) {
     for (const QString& program :
          {u"ayatana-indicat"_qs, u"gnome-shell"_qs, u"waybar"_qs, u"xapp-sn-watcher"_qs})
-        EXPECT_FALSE(trayWheel(session(Windows::x11, program)).isPositiveUp) << program.toStdString();
+        EXPECT_FALSE(panelTraits(session(Windows::x11, program)).wheel.isPositiveUp) << program.toStdString();
     for (const QString& program : {u"lxqt-panel"_qs, u"plasmashell"_qs, QString()})
-        EXPECT_TRUE(trayWheel(session(Windows::x11, program)).isPositiveUp) << program.toStdString();
+        EXPECT_TRUE(panelTraits(session(Windows::x11, program)).wheel.isPositiveUp) << program.toStdString();
 }
 
 TEST(TrayModeTest, TheSessionIsReadFromTheEnvironment) {
