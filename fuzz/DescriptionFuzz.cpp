@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fuzz/FuzzBytes.h"
-#include "speakers/NetworkPlayerProtocol.h"
+#include "speakers/PlayerDescription.h"
+#include "speakers/SpeakerGrouping.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace zofra;

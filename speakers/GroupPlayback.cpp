@@ -1,14 +1,33 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/GroupPlayback.h"
 
-#include "speakers/CompletionGroup.h"
-
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 namespace zofra {
 
 namespace {
+
+/// Requests that belong together: counts those under way and those that succeeded, and tells once nothing is
+/// under way any more, on the thread of the last to leave. Callable from any thread.
+class CompletionGroup {
+public:
+    explicit CompletionGroup(std::function<void(qsizetype succeeded)> finished)
+        : m_finished(std::move(finished)) {}
+
+    void enter() { ++m_entered; }
+    void succeed() { ++m_succeeded; }
+    void leave() {
+        if (--m_entered == 0)
+            m_finished(m_succeeded);
+    }
+
+private:
+    std::atomic<qsizetype> m_entered = 0;
+    std::atomic<qsizetype> m_succeeded = 0;
+    std::function<void(qsizetype)> m_finished;
+};
 
 /// The chain of one group; each step runs in the completion of the one before.
 class GroupStart : public std::enable_shared_from_this<GroupStart> {

@@ -2,11 +2,8 @@
 #pragma once
 
 #include "speakers/PlayerOrders.h"
-#include "speakers/PlayerPlaybackGroup.h"
 #include "speakers/SpeakerBackground.h"
-
-#include <QList>
-#include <QString>
+#include "speakers/SpeakerGrouping.h"
 
 #include <functional>
 #include <memory>

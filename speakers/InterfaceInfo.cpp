@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/InterfaceInfo.h"
 
-#include <QStringList>
-
 #include <cstdint>
 
 namespace zofra {

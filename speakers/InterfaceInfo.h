@@ -4,7 +4,6 @@
 #include "platform/LocalNetwork.h"
 
 #include <QList>
-#include <QString>
 
 #include <optional>
 #include <vector>
@@ -26,8 +25,7 @@ struct InterfaceInfo {
     friend bool operator==(const InterfaceInfo&, const InterfaceInfo&) = default;
 };
 
-/// The interfaces among `addresses` that are up and running and neither loopback nor point-to-point, in their
-/// order; one record per IPv4 address.
+/// Those that are up, running and neither loopback nor point-to-point, in order; one record per IPv4 address.
 [[nodiscard]] QList<InterfaceInfo> activeIPv4Interfaces(const std::vector<InterfaceAddress>& addresses);
 
 } // namespace zofra

@@ -3,15 +3,25 @@
 
 #include <QSet>
 #include <QStringList>
-#include <QStringView>
 #include <QUrl>
+
+#include <algorithm>
 
 namespace zofra {
 
 /// Whether `a` stands before `b` in plain character order: by code point, case-sensitive, no locale.
-[[nodiscard]] bool plainlyBefore(QStringView a, QStringView b);
+[[nodiscard]] inline bool plainlyBefore(QStringView a, QStringView b) {
+    // The bytes of UTF-8 stand in the order of the code points; units of UTF-16 do not.
+    return a.toUtf8() < b.toUtf8();
+}
 
 /// The absolute texts of these addresses in that order.
-[[nodiscard]] QStringList sortedAddresses(const QSet<QUrl>& addresses);
+[[nodiscard]] inline QStringList sortedAddresses(const QSet<QUrl>& addresses) {
+    QStringList texts;
+    for (const auto& address : addresses)
+        texts += QString::fromLatin1(address.toEncoded(QUrl::FullyEncoded));
+    std::sort(texts.begin(), texts.end(), plainlyBefore);
+    return texts;
+}
 
 } // namespace zofra

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/PlayerAddress.h"
 
+#include <algorithm>
+
 namespace zofra {
 
 namespace {
@@ -23,14 +25,10 @@ bool carriesUserInfo(const QString& text) {
     const auto start = text.indexOf(QLatin1String("//"));
     if (start < 0)
         return false;
-    for (auto i = start + 2; i < text.size(); ++i) {
-        const auto character = text[i];
-        if (character == u'@')
-            return true;
-        if (character == u'/' || character == u'?' || character == u'#')
-            return false;
-    }
-    return false;
+    constexpr QStringView delimiters = u"/?#";
+    const auto host = text.begin() + start + 2;
+    const auto end = std::find_first_of(host, text.end(), delimiters.begin(), delimiters.end());
+    return std::find(host, end, u'@') != end;
 }
 
 QUrl usualDescriptionAddress(const QString& host) {

@@ -8,8 +8,7 @@
 
 namespace zofra {
 
-/// The address that `text` spells, when it is well-formed, its scheme is exactly "http" or "https" in lower
-/// case, and it names a host.
+/// The address that `text` spells, if well-formed, with a host, and exactly "http" or "https" in lower case.
 [[nodiscard]] std::optional<QUrl> playerAddress(const QString& text);
 
 /// Whether the address that `text` spells has room for a user name or password, be it empty.

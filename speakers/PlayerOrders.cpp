@@ -60,19 +60,19 @@ std::optional<PlayerOrders::Step> PlayerOrders::leave(const QString& id) {
     });
 }
 
-void PlayerOrders::pause(const SonosSpeaker& player, Completion then) {
+void PlayerOrders::sendAtOnce(AtOnce order, const SonosSpeaker& player, Completion then) {
     m_lanes.with([&](Lanes& lanes) {
         auto& lane = lanes.transport[player.id];
         ++lane.underWay;
-        lane.stopIsLast = false;
+        lane.stopIsLast = order == &SpeakerControl::stop;
     });
-    SpeakerControl(m_background)
-        .pause(player, [self = shared_from_this(), id = player.id, then = std::move(then)](bool succeeded) {
-            const auto next = self->leave(id);
-            then(succeeded);
-            if (next)
-                self->send(*next);
-        });
+    auto answered = [self = shared_from_this(), id = player.id, then = std::move(then)](bool succeeded) {
+        const auto next = self->leave(id);
+        then(succeeded);
+        if (next)
+            self->send(*next);
+    };
+    (SpeakerControl(m_background).*order)(player, std::move(answered));
 }
 
 void PlayerOrders::stop(const SonosSpeaker& player) {
@@ -82,18 +82,6 @@ void PlayerOrders::stop(const SonosSpeaker& player) {
     });
     if (!isStopping)
         sendStop(player);
-}
-
-void PlayerOrders::sendStop(const SonosSpeaker& player) {
-    m_lanes.with([&](Lanes& lanes) {
-        auto& lane = lanes.transport[player.id];
-        ++lane.underWay;
-        lane.stopIsLast = true;
-    });
-    SpeakerControl(m_background).stop(player, [self = shared_from_this(), id = player.id](bool) {
-        if (const auto next = self->leave(id))
-            self->send(*next);
-    });
 }
 
 void PlayerOrders::setVolume(const SonosSpeaker& player, int percent) {

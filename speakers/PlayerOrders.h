@@ -7,7 +7,6 @@
 #include "speakers/SpeakerControl.h"
 
 #include <QHash>
-#include <QString>
 
 #include <atomic>
 #include <deque>
@@ -32,12 +31,13 @@ public:
     explicit PlayerOrders(std::shared_ptr<SpeakerBackground> background)
         : m_background(std::move(background)) {}
 
-    /// One step of a start. Once the start is `superseded`, the step is not sent any more and `then` is not
-    /// called. A step that may have started the player all the same is followed by Stop, unless a newer start
-    /// waits for that player.
+    /// One step of a start. Once that is `superseded` the step is not sent any more and `then` not called.
+    /// One that may have started the player is followed by Stop, unless a newer start waits for that player.
     void step(const SonosSpeaker& player, const std::stop_token& superseded, Effect effect, Send send,
               Completion then);
-    void pause(const SonosSpeaker& player, Completion then);
+    void pause(const SonosSpeaker& player, Completion then) {
+        sendAtOnce(&SpeakerControl::pause, player, std::move(then));
+    }
     /// Does nothing while Stop is the last order to the player and has not been answered.
     void stop(const SonosSpeaker& player);
     /// Of several volumes for a player that has not answered yet only the last one is sent.
@@ -75,7 +75,11 @@ private:
     void ended(const Step& step, bool succeeded);
     /// An order to the player has been answered: gives the step whose turn it is.
     [[nodiscard]] std::optional<Step> leave(const QString& id);
-    void sendStop(const SonosSpeaker& player);
+    using AtOnce = void (SpeakerControl::*)(const SonosSpeaker&, Completion) const;
+    void sendAtOnce(AtOnce order, const SonosSpeaker& player, Completion then);
+    void sendStop(const SonosSpeaker& player) {
+        sendAtOnce(&SpeakerControl::stop, player, [](bool) {});
+    }
     void sendVolume(const SonosSpeaker& player, int percent);
 
     std::shared_ptr<SpeakerBackground> m_background;

@@ -4,8 +4,6 @@
 #include "speakers/PlayerXMLNode.h"
 
 #include <QByteArray>
-#include <QMap>
-#include <QString>
 #include <QStringView>
 
 #include <cstddef>

@@ -4,7 +4,6 @@
 #include "speakers/SonosRoom.h"
 
 #include <QByteArray>
-#include <QList>
 
 #include <optional>
 
@@ -14,12 +13,10 @@ namespace zofra {
 inline constexpr qsizetype maxCachedRooms = 256;
 inline constexpr qsizetype maxCacheBytes = 262'144;
 
-/// The rooms as the JSON text that is kept between runs. Absent optional fields are left out, and so are
-/// rooms beyond the limits.
+/// The rooms as JSON, without absent optional fields and without rooms beyond the limits.
 [[nodiscard]] QByteArray encodeRooms(const QList<SonosRoom>& rooms);
 
-/// The rooms that `json` spells. A missing or wrongly typed field, or a speaker without any usable address,
-/// makes the whole text unreadable.
+/// The rooms that `json` spells; absent when a field is missing or wrong, or a speaker has no usable address.
 [[nodiscard]] std::optional<QList<SonosRoom>> decodeRooms(const QByteArray& json);
 
 } // namespace zofra

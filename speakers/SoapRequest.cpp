@@ -22,8 +22,7 @@ QString metadata() {
                           "&lt;/item&gt;&lt;/DIDL-Lite&gt;");
 }
 
-} // namespace
-
+/// The envelope around an action's argument elements, as UTF-8.
 QByteArray soapEnvelope(const QString& service, const QString& action, const QString& body) {
     const QString envelope =
         QStringLiteral("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
@@ -37,6 +36,8 @@ QByteArray soapEnvelope(const QString& service, const QString& action, const QSt
                        "</s:Envelope>");
     return envelope.toUtf8();
 }
+
+} // namespace
 
 HttpRequest soapRequest(const QUrl& endpoint, const QString& service, const QString& action,
                         const QString& body) {
@@ -56,14 +57,9 @@ HttpRequest soapRequest(const QUrl& endpoint, const QString& service, const QStr
     return request;
 }
 
-QString escapedForXml(QString text) {
-    // The ampersand first, so that those of the others are not escaped again.
-    text.replace(u'&', QLatin1String("&amp;"));
-    text.replace(u'<', QLatin1String("&lt;"));
-    text.replace(u'>', QLatin1String("&gt;"));
-    text.replace(u'"', QLatin1String("&quot;"));
-    text.replace(u'\'', QLatin1String("&apos;"));
-    return text;
+QString escapedForXml(const QString& text) {
+    // HTML escapes the same but for one.
+    return text.toHtmlEscaped().replace(u'\'', QLatin1String("&apos;"));
 }
 
 QString setTransportUriBody(const QString& uri) {

@@ -3,10 +3,6 @@
 
 #include "platform/HttpSession.h"
 
-#include <QByteArray>
-#include <QString>
-#include <QUrl>
-
 namespace zofra {
 
 /// The fixed control addresses on a player that announces none.
@@ -16,16 +12,12 @@ struct ControlPath {
     static constexpr const char* topology = "/ZoneGroupTopology/Control";
 };
 
-/// The envelope around an action's argument elements, as UTF-8.
-[[nodiscard]] QByteArray soapEnvelope(const QString& service, const QString& action, const QString& body);
-
-/// A control request, as an order whose answer's body is of no interest: `service` with its version, for
-/// example "AVTransport:1"; `body` the argument elements.
+/// An order to `service` with its version ("AVTransport:1"); `body` is the action's argument elements.
 [[nodiscard]] HttpRequest soapRequest(const QUrl& endpoint, const QString& service, const QString& action,
                                       const QString& body);
 
 /// `text` as XML character data.
-[[nodiscard]] QString escapedForXml(QString text);
+[[nodiscard]] QString escapedForXml(const QString& text);
 
 /// The argument elements of SetAVTransportURI: the address, and an item of a fixed title.
 [[nodiscard]] QString setTransportUriBody(const QString& uri);

@@ -2,10 +2,8 @@
 #include "speakers/SonosManager.h"
 
 #include "platform/SharedInstance.h"
-#include "speakers/OutputTitles.h"
 #include "speakers/RoomCache.h"
 #include "speakers/SpeakerDiscovery.h"
-#include "speakers/SpeakerGrouping.h"
 #include "stations/texts/InterfaceTexts.h"
 
 #include <algorithm>
@@ -69,9 +67,7 @@ void SonosManager::discoverDevices(bool forceSubnetScan) {
         return;
     isScanning = true;
     m_environment.tasks.async([background = m_background, forceSubnetScan] {
-        if (background->ended())
-            return;
-        SpeakerDiscovery(background).runDiscovery(forceSubnetScan);
+        runDiscovery(background, forceSubnetScan);
         background->noteRunEnded();
     });
 }
@@ -251,14 +247,6 @@ void SonosManager::stopAllSonos() {
     isSonosPlaying = false;
 }
 
-void SonosManager::setVolume(int percent, const SonosRoom& room) {
-    m_playback.setVolume(room.speakers, percent);
-}
-
-void SonosManager::setVolumeEverywhere(int percent) {
-    m_playback.setVolume(controllableSpeakers(), percent);
-}
-
 QList<SonosSpeaker> SonosManager::controllableSpeakers() const {
     QList<SonosSpeaker> speakers = m_background->allSpeakers.value();
     speakers.removeIf([](const SonosSpeaker& speaker) { return !speaker.isVisible || speaker.isSub; });
@@ -300,10 +288,6 @@ QString SonosManager::activeTargetTitle() const {
         break;
     }
     return texts::thisMac.in(language);
-}
-
-QString SonosManager::displayTitle(const SonosRoom& room) const {
-    return roomTitle(room, rooms);
 }
 
 } // namespace zofra

@@ -6,17 +6,12 @@
 #include "playback/RadioPlayer.h"
 #include "speakers/AudioOutputTarget.h"
 #include "speakers/GroupPlayback.h"
-#include "speakers/PlayerPlaybackGroup.h"
 #include "speakers/SonosRoom.h"
 #include "speakers/SonosSpeaker.h"
 #include "speakers/SpeakerBackground.h"
 #include "stations/LanguageManager.h"
 #include "stations/RadioStation.h"
 #include "stations/ServiceHosts.h"
-
-#include <QHash>
-#include <QList>
-#include <QString>
 
 #include <functional>
 #include <memory>
@@ -25,8 +20,7 @@
 namespace zofra {
 
 /// Owns everything about networked players: what was found, the rooms, where audio goes, what plays there.
-/// Published fields, handlers and operations belong to the main thread. The manager's end waits for nothing;
-/// background work ends by itself soon after.
+/// Main thread only. Its end waits for nothing; background work ends by itself soon after.
 class SonosManager final : public Observable {
 public:
     /// What the manager needs from outside; all of it outlives the manager and its background work.
@@ -42,9 +36,8 @@ public:
         const ServiceHosts& hosts;
     };
 
-    /// With `automaticallyDiscover`, shows the rooms kept from the last run, searches at once and then every
-    /// minute, and keeps what it finds; without, searches only when asked to and reads and writes no
-    /// settings.
+    /// With `automaticallyDiscover`, shows the rooms kept from the last run, searches at once and every
+    /// minute, and keeps what it finds; without, searches only when asked and reads and writes no settings.
     SonosManager(bool automaticallyDiscover, const Environment& environment);
     ~SonosManager();
 
@@ -65,14 +58,12 @@ public:
     [[nodiscard]] QString emptyStateMessage() const;
     /// A room that has disappeared keeps the title it had last.
     [[nodiscard]] QString activeTargetTitle() const;
-    /// The room's name, and what tells it from another room of the same name. Data from the network, not
-    /// markup.
-    [[nodiscard]] QString displayTitle(const SonosRoom& room) const;
+    /// The room's name, and what tells it from others of that name. Data from the network, not markup.
+    [[nodiscard]] QString displayTitle(const SonosRoom& room) const { return roomTitle(room, rooms); }
     [[nodiscard]] std::optional<SonosRoom> room(const QString& id) const;
 
-    /// This computer: the players are stopped. A room, or everywhere: the local player is silenced, the
-    /// players play. Everywhere before any player is known plays once the search under way has ended, unless
-    /// something else is chosen meanwhile.
+    /// This computer: the players are stopped. Else: the local player is silenced, they play. Everywhere with
+    /// no player known waits for the end of the search, unless something else is chosen.
     void selectTarget(const AudioOutputTarget& target);
     /// Players that are playing, or being started, are given the new station.
     void setStation(RadioStation station);
@@ -85,8 +76,8 @@ public:
     /// Whether a player may begin to play although it has been stopped: it is stopped again once it answers.
     [[nodiscard]] bool mayStillStart() const { return m_playback.mayStillStart(); }
     /// Clamped to 0...100.
-    void setVolume(int percent, const SonosRoom& room);
-    void setVolumeEverywhere(int percent);
+    void setVolume(int percent, const SonosRoom& room) { m_playback.setVolume(room.speakers, percent); }
+    void setVolumeEverywhere(int percent) { m_playback.setVolume(controllableSpeakers(), percent); }
     /// Starts a search in the background, unless one is going on already.
     void discoverDevices(bool forceSubnetScan);
 

@@ -3,23 +3,53 @@
 
 #include "speakers/PlainOrder.h"
 
-#include <QLocale>
+#include <algorithm>
 
 namespace zofra {
 
-size_t qHash(const SonosRoom& room, size_t seed) {
-    return qHashMulti(seed, room.name, room.coordinator, room.speakers);
+namespace {
+
+bool isOwn(const SonosSpeaker& speaker) {
+    const auto names = [](const std::optional<QString>& text) {
+        return text && (text->compare(QLatin1String("Zofra Zofra"), Qt::CaseInsensitive) == 0 ||
+                        text->compare(QLatin1String("Zofra Pi Player"), Qt::CaseInsensitive) == 0);
+    };
+    return names(speaker.manufacturer) || names(speaker.modelName) || speaker.isZofra();
 }
 
-QCollator roomNameCollator(const QLocale& locale) {
-    QCollator collator(locale);
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    return collator;
+QString brand(const SonosRoom& room) {
+    return isOwn(room.coordinator) ? QStringLiteral("Zofra") : QStringLiteral("Sonos");
 }
 
-bool comesBefore(const SonosRoom& a, const SonosRoom& b, const QCollator& collator) {
-    const int order = collator.compare(a.name, b.name);
-    return order != 0 ? order < 0 : plainlyBefore(a.coordinator.id, b.coordinator.id);
+/// Where the room's player is, or its id when another of these rooms is there, too.
+QString distinguishingText(const SonosRoom& room, const QList<SonosRoom>& others) {
+    const bool isShared = std::any_of(others.begin(), others.end(), [&room](const SonosRoom& other) {
+        return other.coordinator.ip == room.coordinator.ip;
+    });
+    return isShared ? room.coordinator.id : room.coordinator.ip;
+}
+
+} // namespace
+
+RoomOrder::RoomOrder(const QLocale& locale)
+    : m_collator(locale) {
+    m_collator.setCaseSensitivity(Qt::CaseInsensitive);
+}
+
+bool RoomOrder::operator()(const SonosRoom& a, const SonosRoom& b) const {
+    const int order = m_collator.compare(a.name, b.name);
+    return order != 0 ? order < 0 : plainlyBefore(a.id(), b.id());
+}
+
+QString roomTitle(const SonosRoom& room, const QList<SonosRoom>& rooms) {
+    auto others = rooms;
+    others.removeIf(
+        [&room](const SonosRoom& other) { return other.id() == room.id() || other.name != room.name; });
+    if (others.isEmpty())
+        return room.name;
+    const QString title = room.name + QStringLiteral(" (") + brand(room) + u')';
+    others.removeIf([&room](const SonosRoom& other) { return brand(other) != brand(room); });
+    return others.isEmpty() ? title : title + QStringLiteral(" – ") + distinguishingText(room, others);
 }
 
 } // namespace zofra

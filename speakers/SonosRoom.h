@@ -4,9 +4,8 @@
 #include "speakers/SonosSpeaker.h"
 
 #include <QCollator>
-#include <QHashFunctions>
 #include <QList>
-#include <QString>
+#include <QLocale>
 
 namespace zofra {
 
@@ -22,15 +21,23 @@ struct SonosRoom {
     [[nodiscard]] const QString& id() const { return coordinator.id; }
 
     friend bool operator==(const SonosRoom&, const SonosRoom&) = default;
+    friend size_t qHash(const SonosRoom& room, size_t seed = 0) {
+        return qHashMulti(seed, room.name, room.coordinator, room.speakers);
+    }
 };
 
-[[nodiscard]] size_t qHash(const SonosRoom& room, size_t seed = 0);
+/// Room order: by name as people of the locale have it, case not counting, then by the coordinator's `id` in
+/// plain character order. One thread at a time; make one for each use.
+class RoomOrder {
+public:
+    explicit RoomOrder(const QLocale& locale = QLocale());
+    [[nodiscard]] bool operator()(const SonosRoom& a, const SonosRoom& b) const;
 
-/// What compares room names: the user's locale, case not counting. One thread at a time; make one for each
-/// use.
-[[nodiscard]] QCollator roomNameCollator(const QLocale& locale = QLocale());
+private:
+    QCollator m_collator;
+};
 
-/// Room order: by name, then by the coordinator's `id` in plain character order.
-[[nodiscard]] bool comesBefore(const SonosRoom& a, const SonosRoom& b, const QCollator& collator);
+/// How a room is shown among `rooms`: its name, and as much more as tells it from others of the same name.
+[[nodiscard]] QString roomTitle(const SonosRoom& room, const QList<SonosRoom>& rooms);
 
 } // namespace zofra

@@ -29,19 +29,16 @@ QUrl SonosSpeaker::deviceDescriptionURL() const {
 }
 
 bool SonosSpeaker::isZofra() const {
-    if (manufacturer && sameIgnoringCase(*manufacturer, QLatin1String("Zofra Zofra")))
-        return true;
-    if (modelName && sameIgnoringCase(*modelName, QLatin1String("Zofra Pi Player")))
-        return true;
-    return sameIgnoringCase(model, QLatin1String("Zofra Pi Player"));
+    const QLatin1String ownModel("Zofra Pi Player");
+    return sameIgnoringCase(manufacturer.value_or(QString()), QLatin1String("Zofra Zofra")) ||
+           sameIgnoringCase(modelName.value_or(QString()), ownModel) || sameIgnoringCase(model, ownModel);
 }
 
 QUrl SonosSpeaker::endpoint(const std::optional<QString>& path, const QString& fallback) const {
     const auto base = deviceDescriptionURL();
     if (path) {
         const QUrl reference(*path, QUrl::StrictMode);
-        // An absolute reference brings its own scheme, which must be spelt as required; an empty one is no
-        // address.
+        // An absolute reference brings its own scheme, to be spelt as required; an empty one is no address.
         if (reference.isValid() && (reference.isRelative() || playerAddress(*path))) {
             auto resolved = base.resolved(reference);
             const auto scheme = resolved.scheme();

@@ -36,8 +36,7 @@ struct SonosSpeaker {
     std::optional<QString> renderingPath;
     std::optional<QString> topologyPath;
 
-    /// `descriptionURL`, or the usual address on `ip`. Ends the program when `ip` is no host at all, which no
-    /// record made from a parsed address can hold.
+    /// `descriptionURL`, or the usual address on `ip`. Ends the program when `ip` is no host at all.
     [[nodiscard]] QUrl deviceDescriptionURL() const;
     /// One of this product's own players, which are grouped differently.
     [[nodiscard]] bool isZofra() const;

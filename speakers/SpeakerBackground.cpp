@@ -4,13 +4,8 @@
 #include "speakers/SpeakerGrouping.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace zofra {
-
-SpeakerBackground::SpeakerBackground(const Outside& outside, Reports reports)
-    : m_outside(outside)
-    , m_reports(std::move(reports)) {}
 
 void SpeakerBackground::post(std::function<void()> work) {
     if (ended())

@@ -11,15 +11,12 @@
 #include "speakers/SonosRoom.h"
 #include "speakers/SonosSpeaker.h"
 
-#include <QList>
-#include <QString>
-#include <QUrl>
-
 #include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <stop_token>
+#include <utility>
 
 namespace zofra {
 
@@ -49,7 +46,9 @@ public:
     /// tenth of it; whoever floods the network with invented addresses must not keep a run going for ever.
     static constexpr qsizetype maxAddresses = 1024;
 
-    SpeakerBackground(const Outside& outside, Reports reports);
+    SpeakerBackground(const Outside& outside, Reports reports)
+        : m_outside(outside)
+        , m_reports(std::move(reports)) {}
 
     /// Main thread: the manager ends.
     void end() { m_end.request_stop(); }

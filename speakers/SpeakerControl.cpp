@@ -7,10 +7,6 @@ namespace zofra {
 
 namespace {
 
-QString instance() {
-    return QStringLiteral("<InstanceID>0</InstanceID>");
-}
-
 QString transportService() {
     return QStringLiteral("AVTransport:1");
 }
@@ -53,23 +49,9 @@ void SpeakerControl::setAVTransportURI(const QUrl& endpoint, const QString& uri,
 void SpeakerControl::detachIfGrouped(const SonosSpeaker& speaker, Completion then) const {
     const bool isGrouped = speaker.groupCoordinatorId && *speaker.groupCoordinatorId != speaker.id;
     if (!speaker.isZofra() && isGrouped)
-        sendTransportAction(speaker, QStringLiteral("BecomeCoordinatorOfStandaloneGroup"), instance(),
-                            std::move(then));
+        sendTransportAction(speaker, QStringLiteral("BecomeCoordinatorOfStandaloneGroup"), std::move(then));
     else
         then(true);
-}
-
-void SpeakerControl::play(const SonosSpeaker& speaker, Completion completion) const {
-    sendTransportAction(speaker, QStringLiteral("Play"), instance() + QStringLiteral("<Speed>1</Speed>"),
-                        std::move(completion));
-}
-
-void SpeakerControl::pause(const SonosSpeaker& speaker, Completion completion) const {
-    sendTransportAction(speaker, QStringLiteral("Pause"), instance(), std::move(completion));
-}
-
-void SpeakerControl::stop(const SonosSpeaker& speaker, Completion completion) const {
-    sendTransportAction(speaker, QStringLiteral("Stop"), instance(), std::move(completion));
 }
 
 void SpeakerControl::setVolume(const SonosSpeaker& speaker, int percent, Completion completion) const {
@@ -86,8 +68,9 @@ void SpeakerControl::join(const SonosSpeaker& follower, const SonosSpeaker& coor
 }
 
 void SpeakerControl::sendTransportAction(const SonosSpeaker& speaker, const QString& action,
-                                         const QString& body, Completion completion) const {
-    sendSOAPAction(transportEndpoint(speaker), transportService(), action, body, std::move(completion));
+                                         Completion completion, const QString& arguments) const {
+    sendSOAPAction(transportEndpoint(speaker), transportService(), action,
+                   QStringLiteral("<InstanceID>0</InstanceID>") + arguments, std::move(completion));
 }
 
 } // namespace zofra

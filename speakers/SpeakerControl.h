@@ -4,9 +4,6 @@
 #include "speakers/SonosSpeaker.h"
 #include "speakers/SpeakerBackground.h"
 
-#include <QString>
-#include <QUrl>
-
 #include <functional>
 #include <memory>
 #include <utility>
@@ -27,21 +24,28 @@ public:
                         const QString& body, Completion completion) const;
     /// `endpoint` is the player's AVTransport address.
     void setAVTransportURI(const QUrl& endpoint, const QString& uri, Completion completion) const;
-    /// Makes a player leave its group. One that leads itself, and any own player, has nothing to leave:
-    /// `then` is called with true in place.
+    /// Makes a player leave its group; `then` is called with true where there is nothing to leave.
     void detachIfGrouped(const SonosSpeaker& speaker, Completion then) const;
 
-    void play(const SonosSpeaker& speaker, Completion completion) const;
-    void pause(const SonosSpeaker& speaker, Completion completion) const;
-    void stop(const SonosSpeaker& speaker, Completion completion) const;
+    void play(const SonosSpeaker& speaker, Completion completion) const {
+        sendTransportAction(speaker, QStringLiteral("Play"), std::move(completion),
+                            QStringLiteral("<Speed>1</Speed>"));
+    }
+    void pause(const SonosSpeaker& speaker, Completion completion) const {
+        sendTransportAction(speaker, QStringLiteral("Pause"), std::move(completion));
+    }
+    void stop(const SonosSpeaker& speaker, Completion completion) const {
+        sendTransportAction(speaker, QStringLiteral("Stop"), std::move(completion));
+    }
     /// Clamped to 0...100.
     void setVolume(const SonosSpeaker& speaker, int percent, Completion completion) const;
     /// Makes a player follow another one.
     void join(const SonosSpeaker& follower, const SonosSpeaker& coordinator, Completion completion) const;
 
 private:
-    void sendTransportAction(const SonosSpeaker& speaker, const QString& action, const QString& body,
-                             Completion completion) const;
+    /// `arguments` follow the instance that every action names.
+    void sendTransportAction(const SonosSpeaker& speaker, const QString& action, Completion completion,
+                             const QString& arguments = {}) const;
 
     std::shared_ptr<SpeakerBackground> m_background;
 };

@@ -13,11 +13,6 @@ bool isEligible(const SonosSpeaker& speaker) {
     return speaker.isVisible && !speaker.isSub;
 }
 
-void sortSpeakers(QList<SonosSpeaker>& speakers) {
-    std::stable_sort(speakers.begin(), speakers.end(),
-                     [](const SonosSpeaker& a, const SonosSpeaker& b) { return comesBefore(a, b); });
-}
-
 /// Players with the same key make one room.
 QString roomKey(const SonosSpeaker& speaker) {
     if (speaker.isZofra())
@@ -27,7 +22,7 @@ QString roomKey(const SonosSpeaker& speaker) {
 }
 
 SonosRoom makeRoom(QList<SonosSpeaker> speakers) {
-    sortSpeakers(speakers);
+    std::stable_sort(speakers.begin(), speakers.end(), comesBefore);
     auto coordinator = std::find_if(speakers.cbegin(), speakers.cend(),
                                     [](const SonosSpeaker& speaker) { return speaker.isCoordinator; });
     if (coordinator == speakers.cend())
@@ -40,7 +35,7 @@ SonosRoom makeRoom(QList<SonosSpeaker> speakers) {
 QList<PlayerPlaybackGroup> NetworkPlayerProtocol::playbackGroups(const QList<SonosSpeaker>& speakers) {
     QList<SonosSpeaker> eligible;
     std::copy_if(speakers.begin(), speakers.end(), std::back_inserter(eligible), isEligible);
-    sortSpeakers(eligible);
+    std::stable_sort(eligible.begin(), eligible.end(), comesBefore);
     const auto firstOwn = std::stable_partition(
         eligible.begin(), eligible.end(), [](const SonosSpeaker& speaker) { return !speaker.isZofra(); });
     QList<PlayerPlaybackGroup> groups;
@@ -60,10 +55,7 @@ QList<SonosRoom> NetworkPlayerProtocol::rooms(const QList<SonosSpeaker>& speaker
     QList<SonosRoom> rooms;
     for (const auto& bucket : std::as_const(buckets))
         rooms.append(makeRoom(bucket));
-    const auto collator = roomNameCollator();
-    std::stable_sort(rooms.begin(), rooms.end(), [&collator](const SonosRoom& a, const SonosRoom& b) {
-        return comesBefore(a, b, collator);
-    });
+    std::stable_sort(rooms.begin(), rooms.end(), RoomOrder());
     return rooms;
 }
 

@@ -1,13 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "speakers/PlayerPlaybackGroup.h"
 #include "speakers/SonosRoom.h"
-#include "speakers/SonosSpeaker.h"
 
-#include <QList>
+namespace zofra {
 
-namespace zofra::NetworkPlayerProtocol {
+/// Players that play one stream together. A plain value.
+struct PlayerPlaybackGroup {
+    /// Receives the stream; the others join it.
+    SonosSpeaker leader;
+    QList<SonosSpeaker> followers;
+
+    friend bool operator==(const PlayerPlaybackGroup&, const PlayerPlaybackGroup&) = default;
+    friend size_t qHash(const PlayerPlaybackGroup& group, size_t seed = 0) {
+        return qHashMulti(seed, group.leader, group.followers);
+    }
+};
+
+namespace NetworkPlayerProtocol {
 
 /// How to play on these speakers together: other makers' players as one group, own players each alone.
 [[nodiscard]] QList<PlayerPlaybackGroup> playbackGroups(const QList<SonosSpeaker>& speakers);
@@ -15,4 +25,6 @@ namespace zofra::NetworkPlayerProtocol {
 /// The rooms that these speakers make, in room order.
 [[nodiscard]] QList<SonosRoom> rooms(const QList<SonosSpeaker>& speakers);
 
-} // namespace zofra::NetworkPlayerProtocol
+} // namespace NetworkPlayerProtocol
+
+} // namespace zofra

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/SpeakerLookup.h"
 
-#include "speakers/DescriptionRequest.h"
 #include "speakers/PlayerDescription.h"
 #include "speakers/SoapRequest.h"
-#include "speakers/ZoneGroupTopology.h"
 
 #include <algorithm>
 #include <chrono>
@@ -38,10 +36,6 @@ qsizetype sizeOf(const QList<PlayerTopologyMember>& members) {
 
 } // namespace
 
-SpeakerLookup::SpeakerLookup(std::shared_ptr<SpeakerBackground> background)
-    : m_background(std::move(background))
-    , m_fetcher(m_background) {}
-
 QList<SonosSpeaker> SpeakerLookup::discoverSpeakers(const QList<QUrl>& addresses) {
     fetchDescriptions(addresses);
     const auto members = askForTopology();
@@ -52,8 +46,7 @@ QList<SonosSpeaker> SpeakerLookup::discoverSpeakers(const QList<QUrl>& addresses
             applyTopology(*speaker, member);
     }
     auto speakers = m_speakers.values();
-    std::stable_sort(speakers.begin(), speakers.end(),
-                     [](const SonosSpeaker& a, const SonosSpeaker& b) { return comesBefore(a, b); });
+    std::stable_sort(speakers.begin(), speakers.end(), comesBefore);
     return speakers;
 }
 
@@ -67,8 +60,7 @@ void SpeakerLookup::fetchDescriptions(const QList<QUrl>& addresses) {
         ++m_askedOfHost[address.host()];
         toAsk.append(address);
     }
-    // In this order, whatever order the answers come in, so that of two addresses of one player the same one
-    // is kept on each run.
+    // In this order, so that of two addresses of one player the same one is kept on each run.
     std::sort(toAsk.begin(), toAsk.end());
     std::vector<HttpRequest> requests;
     for (const auto& address : std::as_const(toAsk))

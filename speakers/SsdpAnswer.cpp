@@ -4,29 +4,17 @@
 #include "speakers/PlayerAddress.h"
 
 #include <QHash>
-#include <QList>
-#include <QStringView>
+#include <QRegularExpression>
+#include <QStringList>
 
 namespace zofra {
 
 namespace {
 
-bool isNewline(QChar character) {
-    const auto unit = character.unicode();
-    return (unit >= 0x0A && unit <= 0x0D) || unit == 0x85 || unit == 0x2028 || unit == 0x2029;
-}
-
-QList<QStringView> lines(QStringView text) {
-    QList<QStringView> result;
-    qsizetype start = 0;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        if (isNewline(text[i])) {
-            result.append(text.sliced(start, i - start));
-            start = i + 1;
-        }
-    }
-    result.append(text.sliced(start));
-    return result;
+/// The lines of `text`, whichever of Unicode's line ends part them.
+QStringList lines(const QString& text) {
+    static const QRegularExpression lineEnd(QStringLiteral("[\\n-\\r\\x{85}\\x{2028}\\x{2029}]"));
+    return text.split(lineEnd);
 }
 
 QString headerName(QStringView text) {
@@ -48,7 +36,7 @@ std::optional<QUrl> NetworkPlayerProtocol::ssdpLocation(const QString& datagram)
     for (const auto& line : all.sliced(1)) {
         const auto colon = line.indexOf(u':');
         if (colon >= 0)
-            headers.insert(headerName(line.first(colon)), line.sliced(colon + 1).trimmed().toString());
+            headers.insert(headerName(QStringView(line).first(colon)), line.sliced(colon + 1).trimmed());
     }
     if (headers.value(QStringLiteral("ST")) != QLatin1String(deviceType))
         return std::nullopt;

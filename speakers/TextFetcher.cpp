@@ -5,6 +5,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <iterator>
+#include <map>
 #include <mutex>
 
 namespace zofra {
@@ -39,83 +40,25 @@ struct Arrivals {
     }
 };
 
-/// The session ends a request at its timeout, and only then is there room for another: two clocks that differ
-/// by a moment must not make more requests than there may be. Who waits for a session that never answers
-/// waits so much longer.
+/// Only the session's own end of a request makes room for another, or two clocks that differ by a moment
+/// would make more than there may be. A session that never answers is waited for so much longer.
 constexpr std::chrono::milliseconds patience{500};
-
-struct InFlight {
-    std::size_t index;
-    SteadyTime deadline;
-};
 
 std::optional<QString> textOf(const HttpResult& result) {
     return result && result->status == 200 ? std::optional(QString::fromUtf8(result->body)) : std::nullopt;
 }
 
-/// One batch of requests under way.
-class Batch {
-public:
-    Batch(std::shared_ptr<SpeakerBackground> background, const std::vector<HttpRequest>& requests,
-          TextFetcher::Denial denial)
-        : m_background(std::move(background))
-        , m_requests(requests)
-        , m_denial(denial) {}
-
-    void run(const TextFetcher::Received& received) {
-        while (!m_background->ended()) {
-            startMore();
-            if (m_inFlight.empty())
-                return;
-            // What has come by now is among those taken, however long the reading of others took.
-            const auto now = std::chrono::steady_clock::now();
-            const auto arrived = m_arrivals->take(m_background->endToken(), nextDeadline());
-            for (const auto& outcome : arrived) {
-                const bool isAwaited = std::erase_if(m_inFlight, [&](const auto& entry) {
-                                           return entry.index == outcome.index;
-                                       }) > 0;
-                if (isAwaited && outcome.text)
-                    received(outcome.index, *outcome.text);
-            }
-            // The session ends a request at its timeout; this holds even if it did not.
-            std::erase_if(m_inFlight, [now](const auto& entry) { return entry.deadline <= now; });
-        }
-    }
-
-private:
-    void startMore() {
-        while (m_next < m_requests.size() &&
-               std::ssize(m_inFlight) < SpeakerBackground::maxRequestsInFlight) {
-            const auto& request = m_requests[m_next];
-            m_inFlight.push_back({m_next, std::chrono::steady_clock::now() + request.timeout + patience});
-            m_background->outside().session.start(request, completion(m_next));
-            ++m_next;
-        }
-    }
-
-    HttpSession::Completion completion(std::size_t index) const {
-        return [weak = std::weak_ptr(m_background), denial = m_denial, arrivals = m_arrivals,
-                url = m_requests[index].url, index](const HttpResult& result) {
-            const auto background = weak.lock();
-            if (!result && background && denial == TextFetcher::Denial::noted)
-                background->noteIfDenied(result.error(), url);
-            arrivals->add({index, textOf(result)});
-        };
-    }
-
-    SteadyTime nextDeadline() const {
-        return std::min_element(m_inFlight.begin(), m_inFlight.end(),
-                                [](const auto& a, const auto& b) { return a.deadline < b.deadline; })
-            ->deadline;
-    }
-
-    std::shared_ptr<SpeakerBackground> m_background;
-    const std::vector<HttpRequest>& m_requests;
-    const TextFetcher::Denial m_denial;
-    std::size_t m_next = 0;
-    std::vector<InFlight> m_inFlight;
-    std::shared_ptr<Arrivals> m_arrivals = std::make_shared<Arrivals>();
-};
+HttpSession::Completion completion(const std::shared_ptr<SpeakerBackground>& background,
+                                   TextFetcher::Denial denial, std::shared_ptr<Arrivals> arrivals,
+                                   const QUrl& url, std::size_t index) {
+    return [weak = std::weak_ptr(background), denial, arrivals = std::move(arrivals), url,
+            index](const HttpResult& result) {
+        const auto alive = weak.lock();
+        if (!result && alive && denial == TextFetcher::Denial::noted)
+            alive->noteIfDenied(result.error(), url);
+        arrivals->add({index, textOf(result)});
+    };
+}
 
 } // namespace
 
@@ -128,7 +71,30 @@ std::optional<QString> TextFetcher::fetchText(HttpRequest request) const {
 
 void TextFetcher::fetchTexts(const std::vector<HttpRequest>& requests, Denial denial,
                              const Received& received) const {
-    Batch(m_background, requests, denial).run(received);
+    const auto arrivals = std::make_shared<Arrivals>();
+    std::map<std::size_t, SteadyTime> deadlines; // of those in flight
+    std::size_t next = 0;
+    while (!m_background->ended()) {
+        for (; next < requests.size() && std::ssize(deadlines) < SpeakerBackground::maxRequestsInFlight;
+             ++next) {
+            const auto& request = requests[next];
+            deadlines[next] = std::chrono::steady_clock::now() + request.timeout + patience;
+            m_background->outside().session.start(
+                request, completion(m_background, denial, arrivals, request.url, next));
+        }
+        if (deadlines.empty())
+            return;
+        // What has come by now is among those taken, however long the reading of others took.
+        const auto now = std::chrono::steady_clock::now();
+        const auto first = std::min_element(deadlines.begin(), deadlines.end(),
+                                            [](const auto& a, const auto& b) { return a.second < b.second; });
+        for (const auto& outcome : arrivals->take(m_background->endToken(), first->second)) {
+            if (deadlines.erase(outcome.index) > 0 && outcome.text)
+                received(outcome.index, *outcome.text);
+        }
+        // The session ends a request at its timeout; this holds even if it did not.
+        std::erase_if(deadlines, [now](const auto& entry) { return entry.second <= now; });
+    }
 }
 
 } // namespace zofra

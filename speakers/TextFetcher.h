@@ -3,8 +3,6 @@
 
 #include "speakers/SpeakerBackground.h"
 
-#include <QString>
-
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -28,10 +26,9 @@ public:
     [[nodiscard]] std::optional<QString> fetchText(HttpRequest request) const;
 
     using Received = std::function<void(std::size_t index, const QString& text)>;
-    /// Fetches all of them in their order, with at most `SpeakerBackground::maxRequestsInFlight` under way,
-    /// and waits at most its own timeout for each. Calls `received` on the caller's thread for each text, as
-    /// they come: at no time are there more texts in memory than may be in flight. An answer that came in
-    /// time counts, however long `received` takes with others.
+    /// Fetches all in their order, at most `SpeakerBackground::maxRequestsInFlight` at a time, each no longer
+    /// than its timeout. Calls `received` on the caller's thread, as texts come: no more of them are in
+    /// memory than may be in flight. What came in time counts, however long `received` takes with others.
     void fetchTexts(const std::vector<HttpRequest>& requests, Denial denial, const Received& received) const;
 
 private:

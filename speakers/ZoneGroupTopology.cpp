@@ -13,8 +13,7 @@ namespace zofra {
 
 namespace {
 
-/// Elements looked at in one report. A real one is looked through three times: for its groups, for their
-/// members, for the members' satellites.
+/// Elements looked at in one report. A real one is looked through thrice: groups, members, satellites.
 constexpr std::size_t maxVisits = std::size_t{4} * PlayerXMLLimits::elements;
 
 /// An attribute's value; one that is too long to be kept counts as missing.

@@ -5,6 +5,9 @@
 
 #include <QJsonArray>
 
+#include <algorithm>
+#include <array>
+
 namespace zofra::doctor {
 
 namespace {
@@ -27,15 +30,8 @@ QString deviceList(const QStringList& devices, AppLanguage language) {
 }
 
 QString serverName(const SoundServer& server) {
-    switch (server.state) {
-    case SoundServer::State::absent:
-        return QStringLiteral("absent");
-    case SoundServer::State::refuses:
-        return QStringLiteral("refuses");
-    case SoundServer::State::present:
-        break;
-    }
-    return QStringLiteral("present");
+    static constexpr std::array names{"absent", "refuses", "present"};
+    return QString::fromLatin1(names.at(static_cast<std::size_t>(server.state)));
 }
 
 Finding noDevice(const QString& area, const SoundServer& server, const QString& reason,

@@ -4,8 +4,6 @@
 #include "app/doctor/Finding.h"
 #include "platform/linux/audio/AudioProbe.h"
 
-#include <QString>
-
 namespace zofra::doctor {
 
 /// The sound server of a session, looked at from outside.

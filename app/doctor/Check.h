@@ -2,11 +2,11 @@
 #pragma once
 
 #include "app/doctor/Finding.h"
+#include "platform/Lifetime.h"
 #include "platform/MainQueue.h"
 #include "platform/TaskPool.h"
 
 #include <functional>
-#include <memory>
 #include <utility>
 
 namespace zofra::doctor {
@@ -18,8 +18,7 @@ public:
     using Done = std::function<void(Findings)>;
     virtual ~Check() = default;
 
-    /// Starts looking and returns at once. It goes on in the background, also when this object ends; then
-    /// `done` is not called any more.
+    /// Starts looking in the background; `done` is not called once this object has ended.
     virtual void start(Done done) = 0;
     /// What there is to say when the time is up first.
     [[nodiscard]] virtual Findings soFar() const = 0;
@@ -37,12 +36,10 @@ public:
         , m_work(std::move(work)) {}
 
     void start(Done done) override {
-        m_done = std::make_shared<Done>(std::move(done));
-        m_tasks.async([work = m_work, &queue = m_mainQueue, weak = std::weak_ptr(m_done)] {
-            queue.async([weak, findings = work()] {
-                if (const auto alive = weak.lock())
-                    (*alive)(findings);
-            });
+        m_done = std::move(done);
+        auto tell = m_lifetime.guard([this](const Findings& findings) { m_done(findings); });
+        m_tasks.async([work = m_work, &queue = m_mainQueue, tell] {
+            queue.async([tell, findings = work()]() mutable { tell(findings); });
         });
     }
     [[nodiscard]] Findings soFar() const override { return {m_unfinished}; }
@@ -52,7 +49,8 @@ private:
     MainQueue& m_mainQueue;
     Finding m_unfinished;
     Work m_work;
-    std::shared_ptr<Done> m_done;
+    Done m_done;
+    Lifetime m_lifetime;
 };
 
 } // namespace zofra::doctor

@@ -53,7 +53,6 @@ bool showsItems(const QDBusConnection& bus) {
 } // namespace
 
 void askForPanel(DesktopFacts& facts, const QDBusConnection& bus) {
-    facts.hasBus = true;
     facts.hasWatcher = hasName(bus, watcher);
     if (!facts.hasWatcher)
         return;

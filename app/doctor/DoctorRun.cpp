@@ -46,6 +46,12 @@ QString displayVariables() {
     return set.join(QStringLiteral(", "));
 }
 
+/// The running program writes the system's log, not whoever looks.
+class Silence final : public SystemLog {
+public:
+    void log(const QString&) override {}
+};
+
 /// Puts the checks together, in the order in which they are shown.
 class Doctor {
 public:
@@ -71,6 +77,11 @@ public:
 private:
     std::unique_ptr<Check> background(const Finding& unfinished, const BackgroundCheck::Work& work) {
         return std::make_unique<BackgroundCheck>(m_tasks, m_mainQueue, unfinished, work);
+    }
+
+    /// Of what is known without looking.
+    std::unique_ptr<Check> known(const Finding& finding) {
+        return background(finding, [finding] { return Findings{finding}; });
     }
 
     std::unique_ptr<Check> desktopCheck() {
@@ -125,8 +136,7 @@ private:
             });
     }
 
-    /// Hosts are asked only when it is certain which: a wrong file must not lead to servers that nobody
-    /// meant.
+    /// Hosts are asked only when it is certain which: a wrong file must not lead to servers nobody meant.
     void addEndpoints(std::vector<std::unique_ptr<Check>>& checks) {
         const auto layers = xdg::configFiles(ServiceHosts::fileName);
         const auto hosts = ServiceHosts::load(layers, m_options.endpointsFile);
@@ -139,15 +149,12 @@ private:
             facts.files.append(*m_options.endpointsFile);
         if (!hosts)
             facts.refusal = hosts.error();
-        const Finding finding = judgeEndpoints(facts, m_language);
-        checks.push_back(background(finding, [finding] { return Findings{finding}; }));
-        if (!hosts) {
-            const auto nothing =
-                skipped(QStringLiteral("hosts"), texts::doctor::hostsNotAsked.in(m_language));
-            checks.push_back(background(nothing, [nothing] { return Findings{nothing}; }));
-            return;
-        }
-        addHosts(checks, *hosts);
+        checks.push_back(known(judgeEndpoints(facts, m_language)));
+        if (hosts)
+            addHosts(checks, *hosts);
+        else
+            checks.push_back(
+                known(skipped(QStringLiteral("hosts"), texts::doctor::hostsNotAsked.in(m_language))));
     }
 
     void addHosts(std::vector<std::unique_ptr<Check>>& checks, const ServiceHosts& hosts) {
@@ -166,13 +173,13 @@ private:
     }
 
     std::unique_ptr<Check> speakerCheck() {
-        if (!m_options.noDiscovery)
-            return std::make_unique<SpeakerCheck>(
-                SpeakerCheck::Outside{m_http, m_mainQueue, m_tasks, m_network}, m_language);
-        SpeakerFacts facts;
-        facts.state = SpeakerFacts::State::notWanted;
-        auto findings = judgeSpeakers(facts, m_language);
-        return background(findings.front(), [findings] { return findings; });
+        if (m_options.noDiscovery) {
+            SpeakerFacts facts;
+            facts.state = SpeakerFacts::State::notWanted;
+            return known(judgeSpeakers(facts, m_language).front());
+        }
+        return std::make_unique<SpeakerCheck>(
+            SpeakerBackground::Outside{m_http, m_mainQueue, m_tasks, m_network, m_silence}, m_language);
     }
 
     const Options m_options;
@@ -188,6 +195,7 @@ private:
     /// For the live feed's socket, which trusts what the endpoints say.
     std::unique_ptr<CurlHttpSession> m_liveHttp;
     LinuxLocalNetwork m_network;
+    Silence m_silence;
 };
 
 int print(const Report& report, bool isForScripts, AppLanguage language) {

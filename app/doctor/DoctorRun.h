@@ -5,8 +5,6 @@
 #include "platform/linux/QtMainQueue.h"
 #include "platform/linux/SessionBus.h"
 
-#include <QString>
-
 namespace zofra {
 
 /// `--doctor`: looks at everything that the program needs, at most for about fifteen seconds, prints what it

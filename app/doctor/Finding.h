@@ -4,7 +4,6 @@
 #include "stations/AppLanguage.h"
 
 #include <QJsonObject>
-#include <QString>
 
 #include <utility>
 #include <vector>

@@ -6,7 +6,6 @@
 
 #include <future>
 #include <system_error>
-#include <utility>
 #include <vector>
 
 namespace zofra::doctor {
@@ -59,83 +58,53 @@ std::unique_ptr<Check> hostCheck(TaskPool& tasks, MainQueue& mainQueue, const Ho
         });
 }
 
-struct LiveSocketCheck::State : std::enable_shared_from_this<LiveSocketCheck::State> {
-    MainQueue& mainQueue;
-    HostTarget target;
-    SendProbe sendProbe;
-    MakeWebSocket makeWebSocket;
-    AppLanguage language;
-    Done done;
-    HostProbe probe;
-    std::shared_ptr<RadioMetadataSocket> socket;
-    std::unique_ptr<Timer> patience;
-
-    State(MainQueue& queue, HostTarget wanted, SendProbe send, MakeWebSocket make, AppLanguage tongue)
-        : mainQueue(queue)
-        , target(std::move(wanted))
-        , sendProbe(std::move(send))
-        , makeWebSocket(std::move(make))
-        , language(tongue) {}
-
-    void finish(const LiveSocketOutcome& outcome) {
-        patience.reset();
-        socket.reset();
-        if (const auto tell = std::exchange(done, nullptr))
-            tell({judgeLiveSocket(target, probe, outcome, language)});
-    }
-
-    void openSocket() {
-        const auto url = liveSocketUrl(target.host);
-        if (probe.failedAt != HostProbe::Step::done || !url) {
-            finish({});
-            return;
-        }
-        socket = makeWebSocket(*url);
-        patience = mainQueue.startTimer(socketPatience, MainQueue::Repeat::once, [this] { finish({}); });
-        socket->receive([&queue = mainQueue, weak = weak_from_this()](const auto& result) {
-            queue.async([weak, result] {
-                if (const auto state = weak.lock())
-                    state->received(result);
-            });
-        });
-        socket->resume();
-    }
-
-    void received(const Result<SocketMessage>& result) {
-        if (!result) {
-            finish({false, result.error()});
-            return;
-        }
-        const auto* text = std::get_if<QString>(&*result);
-        const bool isOpen = text && sockJSFrameKind(*text) == SockJSFrameKind::open;
-        finish({isOpen, isOpen ? QString() : texts::doctor::noOpenFrame.in(language)});
-    }
-};
-
-LiveSocketCheck::LiveSocketCheck(TaskPool& tasks, MainQueue& mainQueue, HostTarget target,
-                                 SendProbe sendProbe, MakeWebSocket makeWebSocket, AppLanguage language)
-    : m_mainQueue(mainQueue)
-    , m_tasks(tasks)
-    , m_state(std::make_shared<State>(mainQueue, std::move(target), std::move(sendProbe),
-                                      std::move(makeWebSocket), language)) {}
-
 void LiveSocketCheck::start(Done done) {
-    m_state->done = std::move(done);
-    m_tasks.async([&queue = m_mainQueue, target = m_state->target, send = m_state->sendProbe,
-                   weak = std::weak_ptr(m_state)] {
+    m_done = std::move(done);
+    auto probed = m_lifetime.guard([this](const HostProbe& probe) {
+        m_probe = probe;
+        openSocket();
+    });
+    m_tasks.async([&queue = m_mainQueue, target = m_target, send = m_sendProbe, probed] {
         const auto probe =
             target.urls.isEmpty() ? HostProbe() : send(requestFor(target, target.urls.first()));
-        queue.async([weak, probe] {
-            if (const auto state = weak.lock()) {
-                state->probe = probe;
-                state->openSocket();
-            }
-        });
+        queue.async([probed, probe]() mutable { probed(probe); });
     });
 }
 
+void LiveSocketCheck::openSocket() {
+    const auto url = liveSocketUrl(m_target.host);
+    if (m_probe.failedAt != HostProbe::Step::done || !url) {
+        finish({});
+        return;
+    }
+    m_socket = m_makeWebSocket(*url);
+    m_patience = m_mainQueue.startTimer(socketPatience, MainQueue::Repeat::once, [this] { finish({}); });
+    auto take = m_lifetime.guard([this](const Result<SocketMessage>& result) { received(result); });
+    m_socket->receive([&queue = m_mainQueue, take](const Result<SocketMessage>& result) {
+        queue.async([take, result]() mutable { take(result); });
+    });
+    m_socket->resume();
+}
+
+void LiveSocketCheck::received(const Result<SocketMessage>& result) {
+    if (!result) {
+        finish({false, result.error()});
+        return;
+    }
+    const auto* text = std::get_if<QString>(&*result);
+    const bool isOpen = text && sockJSFrameKind(*text) == SockJSFrameKind::open;
+    finish({isOpen, isOpen ? QString() : texts::doctor::noOpenFrame.in(m_language)});
+}
+
+void LiveSocketCheck::finish(const LiveSocketOutcome& outcome) {
+    m_patience.reset();
+    m_socket.reset();
+    if (const auto tell = std::exchange(m_done, nullptr))
+        tell({judgeLiveSocket(m_target, m_probe, outcome, m_language)});
+}
+
 Findings LiveSocketCheck::soFar() const {
-    return {unanswered(m_state->target, m_state->language)};
+    return {unanswered(m_target, m_language)};
 }
 
 } // namespace zofra::doctor

@@ -7,7 +7,7 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
+#include <utility>
 
 namespace zofra::doctor {
 
@@ -23,17 +23,33 @@ using SendProbe = std::function<HostProbe(const HostProbe::Request&)>;
 class LiveSocketCheck final : public Check {
 public:
     LiveSocketCheck(TaskPool& tasks, MainQueue& mainQueue, HostTarget target, SendProbe sendProbe,
-                    MakeWebSocket makeWebSocket, AppLanguage language);
+                    MakeWebSocket makeWebSocket, AppLanguage language)
+        : m_tasks(tasks)
+        , m_mainQueue(mainQueue)
+        , m_target(std::move(target))
+        , m_sendProbe(std::move(sendProbe))
+        , m_makeWebSocket(std::move(makeWebSocket))
+        , m_language(language) {}
 
     void start(Done done) override;
     [[nodiscard]] Findings soFar() const override;
 
 private:
-    /// Shared with what is under way; ends with the check.
-    struct State;
-    MainQueue& m_mainQueue;
+    void openSocket();
+    void received(const Result<SocketMessage>& result);
+    void finish(const LiveSocketOutcome& outcome);
+
     TaskPool& m_tasks;
-    std::shared_ptr<State> m_state;
+    MainQueue& m_mainQueue;
+    const HostTarget m_target;
+    const SendProbe m_sendProbe;
+    const MakeWebSocket m_makeWebSocket;
+    const AppLanguage m_language;
+    Done m_done;
+    HostProbe m_probe;
+    std::shared_ptr<RadioMetadataSocket> m_socket;
+    std::unique_ptr<Timer> m_patience;
+    Lifetime m_lifetime;
 };
 
 } // namespace zofra::doctor

@@ -8,7 +8,9 @@
 #include <QJsonArray>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <optional>
 
 namespace zofra::doctor {
 
@@ -23,19 +25,8 @@ struct Wrong {
 };
 
 QString stepName(Step step) {
-    switch (step) {
-    case Step::name:
-        return QStringLiteral("name");
-    case Step::connect:
-        return QStringLiteral("connect");
-    case Step::tls:
-        return QStringLiteral("tls");
-    case Step::answer:
-        return QStringLiteral("answer");
-    case Step::done:
-        break;
-    }
-    return QStringLiteral("done");
+    static constexpr std::array names{"name", "connect", "tls", "answer", "done"};
+    return QString::fromLatin1(names.at(static_cast<std::size_t>(step)));
 }
 
 QString because(const HostProbe& probe) {

@@ -5,10 +5,6 @@
 #include "app/doctor/HostTargets.h"
 #include "platform/linux/net/HostProbe.h"
 
-#include <QString>
-
-#include <optional>
-
 namespace zofra::doctor {
 
 /// What one host came to: the first request to it that failed, else the slowest one.

@@ -6,6 +6,7 @@
 #include "stations/ServiceHosts.h"
 
 #include <algorithm>
+#include <array>
 
 namespace zofra::doctor {
 
@@ -74,17 +75,8 @@ void addScraper(std::vector<HostTarget>& targets, const ServiceHosts& hosts) {
 } // namespace
 
 QString areaOf(HostTarget::Kind kind) {
-    switch (kind) {
-    case HostTarget::Kind::live:
-        return QStringLiteral("live");
-    case HostTarget::Kind::onAir:
-        return QStringLiteral("onair");
-    case HostTarget::Kind::scraper:
-        return QStringLiteral("scraper");
-    case HostTarget::Kind::stream:
-        break;
-    }
-    return QStringLiteral("stream");
+    static constexpr std::array areas{"stream", "live", "onair", "scraper"};
+    return QString::fromLatin1(areas.at(static_cast<std::size_t>(kind)));
 }
 
 std::vector<HostTarget> hostTargets(const ServiceHosts& hosts) {

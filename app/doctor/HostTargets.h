@@ -4,7 +4,6 @@
 #include "stations/ServiceHosts.h"
 
 #include <QList>
-#include <QString>
 #include <QUrl>
 
 #include <vector>

@@ -4,8 +4,6 @@
 #include "app/doctor/Finding.h"
 #include "platform/linux/tray/TrayMode.h"
 
-#include <QString>
-
 namespace zofra::doctor {
 
 /// What is known of the desktop that the program would show itself on.
@@ -18,7 +16,6 @@ struct DesktopFacts {
     QString variables;
     /// As the program sees it.
     TraySession session;
-    bool hasBus = false;
     /// Somebody watches over status items; its program is in `session`.
     bool hasWatcher = false;
     /// A panel is there to show them.

@@ -3,9 +3,6 @@
 
 #include "app/doctor/Finding.h"
 
-#include <QJsonObject>
-#include <QString>
-
 #include <optional>
 
 namespace zofra::doctor {

@@ -4,21 +4,15 @@
 #include <QJsonArray>
 
 #include <algorithm>
+#include <array>
 
 namespace zofra::doctor {
 
 namespace {
 
 QString name(Verdict verdict) {
-    switch (verdict) {
-    case Verdict::ok:
-        return QStringLiteral("ok");
-    case Verdict::problem:
-        return QStringLiteral("problem");
-    case Verdict::skipped:
-        break;
-    }
-    return QStringLiteral("skipped");
+    static constexpr std::array names{"ok", "problem", "skipped"};
+    return QString::fromLatin1(names.at(static_cast<std::size_t>(verdict)));
 }
 
 QJsonObject toJson(const Finding& finding) {

@@ -3,9 +3,6 @@
 
 #include "app/doctor/Finding.h"
 
-#include <QJsonObject>
-#include <QString>
-
 namespace zofra::doctor {
 
 /// Everything that was found, in the order in which it is shown. A plain value.
@@ -22,9 +19,8 @@ struct Report {
 /// The area of findings about endpoints files, whose problems have an exit status of their own.
 inline constexpr const char* endpointsArea = "endpoints";
 
-/// The object that `--doctor --json` prints: `version`, `status` ("ok" or "problem"), `problems` (how many)
-/// and `checks`, a list of `area`, `status` ("ok", "problem" or "skipped"), `text`, `cure` (or null),
-/// `details`.
+/// The object that `--doctor --json` prints: `version`, `status` ("ok" or "problem"), `problems` (how many),
+/// `checks`: a list of `area`, `status` ("ok", "problem", "skipped"), `text`, `cure` (or null), `details`.
 [[nodiscard]] QJsonObject toJson(const Report& report);
 
 /// What `--doctor` prints, without a last line end: lines of at most `columns` characters, whatever was

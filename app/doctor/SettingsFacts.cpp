@@ -35,9 +35,8 @@ QString mistakeInWriting(const QString& folder, qsizetype bytes) {
     const int file = ::open(QFile::encodeName(folder).constData(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
     if (file < 0) {
         // Not every file system knows such files.
-        const bool isUnknown = errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL;
         const int error = errno;
-        return isUnknown ? QString() : reason(error);
+        return error == EOPNOTSUPP || error == EISDIR || error == EINVAL ? QString() : reason(error);
     }
     int error = 0;
     const QByteArray block(4096, ' ');

@@ -4,7 +4,6 @@
 #include "app/doctor/Finding.h"
 
 #include <QByteArray>
-#include <QString>
 
 #include <optional>
 

@@ -4,7 +4,7 @@
 #include <QFile>
 
 #include <algorithm>
-#include <cstring>
+#include <cerrno>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -25,14 +25,12 @@ SoundServer::State stateOf(const QString& path) {
     if (descriptor < 0)
         return SoundServer::State::absent;
     const auto* generic = reinterpret_cast<const sockaddr*>(&address);
-    const int result = ::connect(descriptor, generic, sizeof(address));
-    // A server with a full queue is there all the same.
-    const bool isThere = result == 0 || errno == EAGAIN;
-    const bool isRefused = !isThere && errno != ENOENT;
+    const int error = ::connect(descriptor, generic, sizeof(address)) == 0 ? 0 : errno;
     ::close(descriptor);
-    if (isThere)
+    // A server with a full queue is there all the same.
+    if (error == 0 || error == EAGAIN)
         return SoundServer::State::present;
-    return isRefused ? SoundServer::State::refuses : SoundServer::State::absent;
+    return error == ENOENT ? SoundServer::State::absent : SoundServer::State::refuses;
 }
 
 } // namespace

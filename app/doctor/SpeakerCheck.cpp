@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/doctor/SpeakerCheck.h"
 
-#include "speakers/NetworkPlayerProtocol.h"
+#include "speakers/PlayerDescription.h"
+#include "speakers/SsdpAnswer.h"
 
 #include <algorithm>
 #include <utility>
@@ -64,9 +65,7 @@ bool isRefusal(const HttpResult& result) {
     return !result && result.error().code == HttpError::Code::notConnected;
 }
 
-} // namespace
-
-class SpeakerCheck::WatchedNetwork final : public LocalNetwork {
+class WatchedNetwork final : public LocalNetwork {
 public:
     WatchedNetwork(LocalNetwork& network, Facts facts)
         : m_network(network)
@@ -91,7 +90,7 @@ private:
     const Facts m_facts;
 };
 
-class SpeakerCheck::WatchedSession final : public HttpSession {
+class WatchedSession final : public HttpSession {
 public:
     WatchedSession(HttpSession& session, Facts facts)
         : m_session(session)
@@ -121,25 +120,20 @@ private:
     const Facts m_facts;
 };
 
-/// The running program writes the system's log, not whoever looks.
-class SpeakerCheck::Silence final : public SystemLog {
-public:
-    void log(const QString&) override {}
-};
+} // namespace
 
 /// What the search uses; it stays as long as the search does.
 struct SpeakerCheck::Watch {
-    explicit Watch(const Outside& outside)
+    explicit Watch(const SpeakerBackground::Outside& outside)
         : network(outside.network, facts)
         , session(outside.session, facts) {}
 
     Facts facts = std::make_shared<PlayerLocked<SpeakerFacts>>();
     WatchedNetwork network;
     WatchedSession session;
-    Silence log;
 };
 
-SpeakerCheck::SpeakerCheck(const Outside& outside, AppLanguage language)
+SpeakerCheck::SpeakerCheck(const SpeakerBackground::Outside& outside, AppLanguage language)
     : m_outside(outside)
     , m_language(language)
     , m_watch(std::make_shared<Watch>(outside)) {}
@@ -163,11 +157,11 @@ void SpeakerCheck::start(Done done) {
     };
     m_background = std::make_shared<SpeakerBackground>(
         SpeakerBackground::Outside{m_watch->session, m_outside.mainQueue, m_outside.tasks, m_watch->network,
-                                   m_watch->log},
+                                   m_outside.systemLog},
         std::move(reports));
     // The search keeps what it uses: it may outlast the patience of whoever asked.
     m_outside.tasks.async([watch = m_watch, background = m_background] {
-        SpeakerDiscovery(background).runDiscovery(false);
+        runDiscovery(background, false);
         background->noteRunEnded();
     });
 }

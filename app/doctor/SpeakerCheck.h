@@ -3,9 +3,6 @@
 
 #include "app/doctor/Check.h"
 #include "app/doctor/SpeakerFindings.h"
-#include "platform/HttpSession.h"
-#include "platform/LocalNetwork.h"
-#include "speakers/PlayerLocked.h"
 #include "speakers/SpeakerBackground.h"
 
 #include <memory>
@@ -16,14 +13,8 @@ namespace zofra::doctor {
 /// interface, what answers, and which addresses had to be asked one by one. Main thread only.
 class SpeakerCheck final : public Check {
 public:
-    /// All of them outlive the search, which goes on in the background when this object ends.
-    struct Outside {
-        HttpSession& session;
-        MainQueue& mainQueue;
-        TaskPool& tasks;
-        LocalNetwork& network;
-    };
-    SpeakerCheck(const Outside& outside, AppLanguage language);
+    /// What is `outside` outlives the search, which goes on in the background when this object ends.
+    SpeakerCheck(const SpeakerBackground::Outside& outside, AppLanguage language);
     ~SpeakerCheck() override;
     SpeakerCheck(const SpeakerCheck&) = delete;
     SpeakerCheck& operator=(const SpeakerCheck&) = delete;
@@ -32,12 +23,9 @@ public:
     [[nodiscard]] Findings soFar() const override;
 
 private:
-    class WatchedNetwork;
-    class WatchedSession;
-    class Silence;
     struct Watch;
 
-    Outside m_outside;
+    SpeakerBackground::Outside m_outside;
     const AppLanguage m_language;
     std::shared_ptr<Watch> m_watch;
     std::shared_ptr<SpeakerBackground> m_background;

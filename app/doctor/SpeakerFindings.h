@@ -6,7 +6,6 @@
 #include "speakers/SpeakerDiscovery.h"
 
 #include <QMap>
-#include <QString>
 #include <QUrl>
 
 #include <vector>

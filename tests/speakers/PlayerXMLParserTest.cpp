@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/PlayerXMLParser.h"
 
-#include "speakers/NetworkPlayerProtocol.h"
 #include "tests/support/PrintQt.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/AudioOutputTarget.h"
 #include "speakers/PlayerLocked.h"
-#include "speakers/PlayerPlaybackGroup.h"
-#include "speakers/PlayerTopologyMember.h"
 #include "speakers/SonosRoom.h"
+#include "speakers/SpeakerGrouping.h"
+#include "speakers/ZoneGroupTopology.h"
 #include "tests/speakers/Samples.h"
 #include "tests/support/PrintQt.h"
 
@@ -90,21 +90,21 @@ TEST(PlayerPlaybackGroupTest, LeaderAndFollowersCount) {
 }
 
 TEST(RoomOrderTest, NamesThatDifferInCaseOnlyAreTheSame) {
-    const auto collator = roomNameCollator();
+    const RoomOrder comesBefore;
     const auto a = roomOf(QStringLiteral("kitchen"), QStringLiteral("A"));
     const auto b = roomOf(QStringLiteral("Kitchen"), QStringLiteral("B"));
-    EXPECT_TRUE(comesBefore(a, b, collator));
-    EXPECT_FALSE(comesBefore(b, a, collator));
+    EXPECT_TRUE(comesBefore(a, b));
+    EXPECT_FALSE(comesBefore(b, a));
 }
 
 TEST(RoomOrderTest, FollowsTheLanguage) {
     const QLocale german(QLocale::German, QLocale::Germany);
-    const auto collator = roomNameCollator(german);
+    const RoomOrder comesBefore(german);
     const auto upper = roomOf(QStringLiteral("Ärzte"), QStringLiteral("A"));
     const auto zoo = roomOf(QStringLiteral("Zoo"), QStringLiteral("B"));
     const auto bath = roomOf(QStringLiteral("bad"), QStringLiteral("C"));
-    EXPECT_TRUE(comesBefore(upper, bath, collator));
-    EXPECT_TRUE(comesBefore(bath, zoo, collator));
+    EXPECT_TRUE(comesBefore(upper, bath));
+    EXPECT_TRUE(comesBefore(bath, zoo));
 }
 
 TEST(RoomOrderTest, IsTotal) {
@@ -116,10 +116,10 @@ TEST(RoomOrderTest, IsTotal) {
                              "\xE2\x80\x8EKüche", "K", "Ｋ", "küche"})
         rooms.append(roomOf(QString::fromUtf8(name), QString::number(++id)));
     for (const auto& locale : {QLocale::c(), QLocale(QLocale::German), QLocale(QLocale::French)}) {
-        const auto collator = roomNameCollator(locale);
+        const RoomOrder comesBefore(locale);
         for (const auto& a : std::as_const(rooms)) {
             for (const auto& b : std::as_const(rooms))
-                EXPECT_EQ(comesBefore(a, b, collator) + comesBefore(b, a, collator), a.id() == b.id() ? 0 : 1)
+                EXPECT_EQ(comesBefore(a, b) + comesBefore(b, a), a.id() == b.id() ? 0 : 1)
                     << a.id().toStdString() << ' ' << b.id().toStdString();
         }
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/SpeakerDiscovery.h"
 
-#include "speakers/DescriptionRequest.h"
+#include "speakers/PlayerDescription.h"
 #include "tests/speakers/Background.h"
 #include "tests/speakers/Samples.h"
 #include "tests/support/PrintQt.h"
@@ -46,7 +46,7 @@ protected:
 
     void run(bool forceSubnetScan = false) {
         const auto before = background.found.size();
-        SpeakerDiscovery(background.state).runDiscovery(forceSubnetScan);
+        runDiscovery(background.state, forceSubnetScan);
         background.queue.drain();
         if (background.found.size() > before)
             results.append(background.state->allSpeakers.value());

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "speakers/NetworkPlayerProtocol.h"
+#include "speakers/ZoneGroupTopology.h"
+
 #include "tests/speakers/Samples.h"
 #include "tests/support/PrintQt.h"
 

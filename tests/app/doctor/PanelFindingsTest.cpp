@@ -16,7 +16,6 @@ DesktopFacts desktop(Windows windows, const QString& desktopName, const QString&
     facts.session.windows = windows;
     facts.session.desktop = desktopName;
     facts.session.panelProgram = panelProgram;
-    facts.hasBus = true;
     facts.hasWatcher = !panelProgram.isEmpty();
     facts.hasPanel = facts.hasWatcher;
     return facts;

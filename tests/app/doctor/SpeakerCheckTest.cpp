@@ -7,6 +7,7 @@
 #include "tests/support/FakeTaskPool.h"
 #include "tests/support/ManualMainQueue.h"
 #include "tests/support/PrintQt.h"
+#include "tests/support/RecordingOutput.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -28,7 +29,7 @@ protected:
         };
     }
     Findings run() {
-        SpeakerCheck check({session, queue, tasks, network}, AppLanguage::en);
+        SpeakerCheck check({session, queue, tasks, network, log}, AppLanguage::en);
         Findings found;
         check.start([&found](const Findings& findings) { found = findings; });
         tasks.runAll();
@@ -40,6 +41,7 @@ protected:
     test::FakeTaskPool tasks{test::FakeTaskPool::Mode::onDemandThenInPlace};
     test::FakeHttpSession session;
     test::FakeLocalNetwork network;
+    test::RecordingSystemLog log;
     QList<int> players;
 };
 
@@ -78,8 +80,8 @@ TEST_F(SpeakerCheckTest, NoticesWhatTheSystemRefuses) {
 }
 
 TEST_F(SpeakerCheckTest, EndsBeforeItsSearchDoes) {
-    auto check = std::make_unique<SpeakerCheck>(SpeakerCheck::Outside{session, queue, tasks, network},
-                                                AppLanguage::en);
+    auto check = std::make_unique<SpeakerCheck>(
+        SpeakerBackground::Outside{session, queue, tasks, network, log}, AppLanguage::en);
     bool isTold = false;
     check->start([&isTold](const Findings&) { isTold = true; });
     EXPECT_EQ(check->soFar().size(), 1U);
