@@ -46,10 +46,9 @@ QImage render(const QString& name, QSize pixels, const QColor& color) {
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setOpacity(color.alphaF());
-    const QSizeF fitted = renderer.viewBoxF().size().scaled(QSizeF(pixels), Qt::KeepAspectRatio);
-    renderer.render(&painter, QRectF(QPointF((pixels.width() - fitted.width()) / 2,
-                                             (pixels.height() - fitted.height()) / 2),
-                                     fitted));
+    QRectF fitted({}, renderer.viewBoxF().size().scaled(QSizeF(pixels), Qt::KeepAspectRatio));
+    fitted.moveCenter(QRectF({}, QSizeF(pixels)).center());
+    renderer.render(&painter, fitted);
     return image;
 }
 
@@ -71,8 +70,6 @@ public:
         return QPixmap::fromImage(render(m_name, size, color));
     }
     QIconEngine* clone() const override { return new DrawingEngine(m_name, m_color); }
-    QString key() const override { return QStringLiteral("zofra-drawing"); }
-    QString iconName() override { return m_name; }
     bool isNull() override { return !IconSet::contains(m_name); }
 
 private:
@@ -92,8 +89,8 @@ bool IconSet::contains(const QString& name) {
     return QFile::exists(pathOf(name));
 }
 
-QImage IconSet::image(const QString& name, QSize pixels, const QColor& color) const {
-    return render(name, pixels, color);
+QImage IconSet::image(const QString& name, int pixels, const QColor& color) const {
+    return render(name, {pixels, pixels}, color);
 }
 
 QPixmap IconSet::pixmap(const QString& name, QSize size, qreal devicePixelRatio, const QColor& color) const {

@@ -135,15 +135,9 @@ bool AboutPopupView::event(QEvent* event) {
 }
 
 void AboutPopupView::changeEvent(QEvent* event) {
-    switch (event->type()) {
-    case QEvent::PaletteChange:
-    case QEvent::FontChange:
-    case QEvent::StyleChange:
+    const auto type = event->type();
+    if (type == QEvent::PaletteChange || type == QEvent::FontChange || type == QEvent::StyleChange)
         updateLook();
-        break;
-    default:
-        break;
-    }
     QWidget::changeEvent(event);
 }
 
@@ -154,8 +148,7 @@ void AboutPopupView::closeEvent(QCloseEvent* event) {
 }
 
 void AboutPopupView::keyPressEvent(QKeyEvent* event) {
-    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (isReturn)
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         m_parts->close->click();
     else if (event->matches(QKeySequence::Cancel) || event->matches(QKeySequence::Close))
         askToClose();

@@ -11,8 +11,6 @@
 #include "platform/SystemLog.h"
 #include "platform/Workspace.h"
 
-#include <QWidget>
-
 #include <functional>
 #include <memory>
 
@@ -67,8 +65,7 @@ private:
     void updateLook();
     void askToClose();
     void launchAtLoginToggled(bool isOn);
-    /// Registers or unregisters the program where that changes anything; a failure is one line on standard
-    /// output.
+    /// Registers or unregisters the program where needed; a failure is one line on standard output.
     void updateLaunchAtLogin(bool enabled);
     void showLaunchAtLogin();
 

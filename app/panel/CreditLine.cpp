@@ -36,10 +36,6 @@ void CreditLine::setLanguage(AppLanguage language) {
     update();
 }
 
-QString CreditLine::shownText(int width) const {
-    return fitsOneLine(width) ? m_text + dot : m_text;
-}
-
 int CreditLine::textWidth() const {
     return QFontMetrics(m_look.metrics.font(textSize), this).horizontalAdvance(m_text + dot);
 }
@@ -67,10 +63,6 @@ void CreditLine::place() {
                             link.height());
 }
 
-void CreditLine::resizeEvent(QResizeEvent*) {
-    place();
-}
-
 void CreditLine::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     painter.fillRect(event->rect(), m_look.theme.window);
@@ -78,7 +70,7 @@ void CreditLine::paintEvent(QPaintEvent* event) {
     painter.setPen(m_look.theme.dim);
     const int bleed = m_look.metrics.bleed();
     paintLine(painter, QRect(bleed, 0, width() - bleed, m_link->sizeHint().height()), Qt::AlignLeft,
-              shownText(width()));
+              fitsOneLine(width()) ? m_text + dot : m_text);
 }
 
 } // namespace zofra

@@ -8,8 +8,7 @@
 
 namespace zofra {
 
-/// Who made this, and a link to write to them; the link goes to a line of its own where one line is too
-/// short.
+/// Who made this, and a link to write to them, which goes to a line of its own where one is too short.
 class CreditLine final : public QWidget {
 public:
     CreditLine(const PanelLook& look, QWidget* parent);
@@ -25,14 +24,13 @@ public:
     [[nodiscard]] int heightForWidth(int width) const override;
 
 protected:
-    void resizeEvent(QResizeEvent* event) override;
+    void resizeEvent(QResizeEvent*) override { place(); }
     void paintEvent(QPaintEvent* event) override;
 
 private:
     /// The text's own, without the room for rings.
     [[nodiscard]] int textWidth() const;
     [[nodiscard]] bool fitsOneLine(int width) const;
-    [[nodiscard]] QString shownText(int width) const;
     void place();
 
     const PanelLook& m_look;

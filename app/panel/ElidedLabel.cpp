@@ -9,7 +9,6 @@
 #include <QToolTip>
 
 #include <algorithm>
-#include <cmath>
 
 namespace zofra {
 
@@ -44,16 +43,18 @@ QFont ElidedLabel::textFont() const {
     return font;
 }
 
+QMargins ElidedLabel::margins() const {
+    return m_style.bleed == Bleed::likeButtons ? m_look.metrics.bleeds() : QMargins();
+}
+
 QRect ElidedLabel::textRect() const {
-    const int bleed = m_style.bleed == Bleed::likeButtons ? m_look.metrics.bleed() : 0;
-    return rect().adjusted(bleed, bleed, -bleed, -bleed);
+    return rect() - margins();
 }
 
 QSize ElidedLabel::sizeHint() const {
     const QFontMetrics metrics(textFont(), this);
-    const int bleed = m_style.bleed == Bleed::likeButtons ? m_look.metrics.bleed() : 0;
     const int line = std::max(metrics.height(), m_look.metrics.px(m_style.size * 1.35));
-    return {metrics.horizontalAdvance(m_text) + 1 + 2 * bleed, line + 2 * bleed};
+    return QSize(metrics.horizontalAdvance(m_text) + 1, line).grownBy(margins());
 }
 
 QSize ElidedLabel::minimumSizeHint() const {
@@ -74,10 +75,8 @@ void ElidedLabel::paintEvent(QPaintEvent* event) {
 bool ElidedLabel::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip)
         return QLabel::event(event);
-    if (isElided())
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), toolTipText(m_text), this, rect());
-    else
-        QToolTip::hideText();
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
+                       isElided() ? toolTipText(m_text) : QString(), this, rect());
     return true;
 }
 

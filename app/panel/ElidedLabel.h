@@ -46,6 +46,7 @@ protected:
 
 private:
     [[nodiscard]] QFont textFont() const;
+    [[nodiscard]] QMargins margins() const;
     [[nodiscard]] QRect textRect() const;
 
     const PanelLook& m_look;

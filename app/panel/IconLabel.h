@@ -3,7 +3,9 @@
 
 #include "app/panel/PanelLook.h"
 
-#include <QWidget>
+#include <QPaintEvent>
+
+#include <utility>
 
 namespace zofra {
 
@@ -25,17 +27,42 @@ public:
         int bleeds = 1;
     };
 
-    IconLabel(const PanelLook& look, QString name, const Style& style, QWidget* parent);
+    IconLabel(const PanelLook& look, QString name, const Style& style, QWidget* parent)
+        : QWidget(parent)
+        , m_look(look)
+        , m_name(std::move(name))
+        , m_style(style) {
+        setAttribute(Qt::WA_OpaquePaintEvent);
+        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    }
 
-    void setInk(Ink ink);
+    void setInk(Ink ink) {
+        if (std::exchange(m_style.ink, ink) != ink)
+            update();
+    }
     [[nodiscard]] const QString& name() const { return m_name; }
     [[nodiscard]] Ink ink() const { return m_style.ink; }
     [[nodiscard]] const Style& drawnAs() const { return m_style; }
-    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize sizeHint() const override {
+        const PanelMetrics& metrics = m_look.metrics;
+        return QSize(metrics.px(m_style.cellWidth), metrics.px(m_style.cellHeight))
+            .grownBy(metrics.bleeds() * m_style.bleeds);
+    }
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
+    void paintEvent(QPaintEvent* event) override {
+        QPainter painter(this);
+        painter.fillRect(event->rect(), backdropColor(m_look.theme, m_style.backdrop));
+        const int edge = m_look.metrics.px(m_style.size);
+        const int bleed = m_style.bleeds * m_look.metrics.bleed();
+        const int spare = width() - 2 * bleed - edge;
+        const int left = m_style.alignment.testFlag(Qt::AlignLeft)    ? 0
+                         : m_style.alignment.testFlag(Qt::AlignRight) ? spare
+                                                                      : spare / 2;
+        paintIcon(painter, m_look, m_name, QRect(bleed + left, (height() - edge) / 2, edge, edge),
+                  m_style.ink == Ink::accent ? m_look.theme.accentText : m_look.theme.dim);
+    }
 
 private:
     const PanelLook& m_look;

@@ -4,7 +4,6 @@
 #include "stations/texts/InterfaceTexts.h"
 
 #include <QEasingCurve>
-#include <QStyle>
 
 namespace zofra {
 
@@ -43,9 +42,7 @@ void LanguageButton::setCurrent(bool isCurrent, Change change) {
     if (m_fade.state() == QAbstractAnimation::Running ? m_fade.endValue() == goal : m_mark == goal)
         return;
     m_fade.stop();
-    // A desktop without animations says so through its style.
-    const bool animates = style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0;
-    if (change == Change::fades && animates && isVisible()) {
+    if (change == Change::fades && animates() && isVisible()) {
         m_fade.setStartValue(m_mark);
         m_fade.setEndValue(goal);
         m_fade.start();
@@ -80,7 +77,7 @@ void LanguageButton::paintBody(QPainter& painter, const QRect& body) {
     painter.translate(flag.topLeft());
     painter.setPen(Qt::NoPen);
     painter.setBrush(cloth);
-    painter.drawRoundedRect(QRectF(QPointF(0, 0), QSizeF(size)), metrics.scaled(3), metrics.scaled(3));
+    painter.drawRoundedRect(QRectF({}, QSizeF(size)), metrics.scaled(3), metrics.scaled(3));
     painter.restore();
     // White stripes need an edge on a light ground, black ones on a dark ground.
     QColor hem = theme.text;

@@ -18,7 +18,7 @@ public:
     void setContent(const QString& label, const QString& title);
 
     /// Makes the lines; asked each time the menu opens.
-    std::function<QList<PanelMenuEntry>()> makeEntries;
+    std::function<Menu()> makeEntries;
     /// Brings an open menu up to date.
     void refreshMenu();
     /// Opens the menu, on the line of what is chosen now.

@@ -10,9 +10,8 @@ class QMenu;
 
 namespace zofra {
 
-/// Goes to a line of a menu by the letters that it begins with, as people do in lists: letters that follow
-/// one another within a second are one beginning, the same letter again goes on to the next line. An event
-/// filter of menus; main thread only.
+/// Goes to a line of a menu by the letters that it begins with: letters within a second are one beginning,
+/// the same letter again goes on to the next line. An event filter of menus; main thread only.
 class MenuKeys final : public QObject {
 public:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -6,6 +6,7 @@
 #include <QFontMetrics>
 #include <QHelpEvent>
 #include <QPaintEvent>
+#include <QStyle>
 #include <QToolTip>
 
 #include <algorithm>
@@ -31,16 +32,6 @@ void PanelButton::setTitle(const QString& title) {
     update();
 }
 
-QSize PanelButton::sizeHint() const {
-    const int bleed = m_look.metrics.bleed();
-    return bodySize() + QSize(2 * bleed, 2 * bleed);
-}
-
-QRect PanelButton::bodyRect() const {
-    const int bleed = m_look.metrics.bleed();
-    return rect().adjusted(bleed, bleed, -bleed, -bleed);
-}
-
 QFont PanelButton::textFont() const {
     return m_look.metrics.font(m_style.textSize, m_style.weight);
 }
@@ -58,6 +49,10 @@ void PanelButton::paintTitle(QPainter& painter, const QRect& room, Qt::Alignment
     painter.setFont(textFont());
     painter.setPen(color);
     paintLine(painter, room, alignment, m_title);
+}
+
+bool PanelButton::animates() const {
+    return style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0;
 }
 
 QColor PanelButton::groundUnderPointer() const {

@@ -30,7 +30,7 @@ public:
     void setHelp(const QString& help) { m_help = help; }
     [[nodiscard]] const QString& help() const { return m_help; }
 
-    [[nodiscard]] QSize sizeHint() const final;
+    [[nodiscard]] QSize sizeHint() const final { return bodySize().grownBy(m_look.metrics.bleeds()); }
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
@@ -45,13 +45,15 @@ protected:
     [[nodiscard]] virtual QStringList helpLines() const { return {m_help}; }
 
     [[nodiscard]] const PanelLook& look() const { return m_look; }
-    [[nodiscard]] QRect bodyRect() const;
+    [[nodiscard]] QRect bodyRect() const { return rect() - m_look.metrics.bleeds(); }
     [[nodiscard]] qreal radius() const { return m_look.metrics.scaled(m_style.radius); }
     [[nodiscard]] virtual QFont textFont() const;
     [[nodiscard]] int titleWidth() const;
     [[nodiscard]] int titleHeight() const;
     /// The title in one line of `room`.
     void paintTitle(QPainter& painter, const QRect& room, Qt::Alignment alignment, const QColor& color) const;
+    /// A desktop without animations says so through its style.
+    [[nodiscard]] bool animates() const;
     /// The body's ground while the pointer is on it or it is pressed.
     [[nodiscard]] QColor groundUnderPointer() const;
 

@@ -7,7 +7,19 @@
 #include <QAction>
 #include <QGuiApplication>
 
+#include <algorithm>
+#include <utility>
+
 namespace zofra {
+
+namespace {
+
+bool looksSame(const MenuItem& a, const MenuItem& b) {
+    return a.kind == b.kind && a.title == b.title && a.isEnabled == b.isEnabled && a.state == b.state &&
+           a.identity == b.identity && a.toolTip == b.toolTip;
+}
+
+} // namespace
 
 PanelMenu::PanelMenu(const PanelLook& look, QWidget* owner)
     : QMenu(owner)
@@ -15,8 +27,7 @@ PanelMenu::PanelMenu(const PanelLook& look, QWidget* owner)
     , m_style(std::make_unique<PanelMenuStyle>(look)) {
     setStyle(m_style.get());
     setToolTipsVisible(true);
-    // A click beside the menu closes it and does nothing else; clicking its own button again must not reopen
-    // it.
+    // A click beside the menu closes it and does nothing else; on its own button it must not reopen it.
     setAttribute(Qt::WA_NoMouseReplay);
     // Rounded corners need a compositor, which only Wayland promises.
     if (QGuiApplication::platformName() == QLatin1String("wayland"))
@@ -28,24 +39,23 @@ PanelMenu::~PanelMenu() {
     setStyle(nullptr);
 }
 
-void PanelMenu::setEntries(const QList<PanelMenuEntry>& entries) {
-    if (entries == m_entries)
+void PanelMenu::setEntries(const Menu& entries) {
+    if (std::equal(entries.begin(), entries.end(), m_entries.begin(), m_entries.end(), looksSame))
         return;
-    const int activeIndex = static_cast<int>(actions().indexOf(activeAction()));
-    const PanelMenuEntry active = m_entries.value(activeIndex);
-    m_entries = entries;
+    const qsizetype activeIndex = actions().indexOf(activeAction());
+    const Menu before = std::exchange(m_entries, entries);
     clear();
-    for (const PanelMenuEntry& entry : entries)
+    for (const MenuItem& entry : entries)
         addEntry(entry);
     // Whoever is on a line stays on it when others come and go around it.
     if (!isVisible() || activeIndex < 0)
         return;
-    for (qsizetype i = 0; i < entries.size(); ++i) {
-        if (entries[i].text == active.text && entries[i].id == active.id) {
-            setActiveAction(actions().at(i));
-            break;
-        }
-    }
+    const MenuItem& active = before.at(static_cast<std::size_t>(activeIndex));
+    const auto same = std::find_if(entries.begin(), entries.end(), [&active](const MenuItem& entry) {
+        return entry.title == active.title && entry.identity == active.identity;
+    });
+    if (same != entries.end())
+        setActiveAction(actions().at(same - entries.begin()));
 }
 
 void PanelMenu::goToCurrent() {
@@ -56,28 +66,26 @@ void PanelMenu::goToCurrent() {
     }
 }
 
-void PanelMenu::addEntry(const PanelMenuEntry& entry) {
-    if (entry.kind == PanelMenuEntry::Kind::separator) {
+void PanelMenu::addEntry(const MenuItem& entry) {
+    if (entry.isSeparator()) {
         addSeparator();
         return;
     }
-    QAction* action = addAction(menuText(entry.text));
-    if (!entry.help.isEmpty())
-        action->setToolTip(toolTipText(entry.help));
-    if (entry.kind == PanelMenuEntry::Kind::message) {
+    QAction* action = addAction(menuText(entry.title));
+    if (!entry.toolTip.isEmpty())
+        action->setToolTip(toolTipText(entry.toolTip));
+    if (!entry.isEnabled) {
         action->setFont(m_look.metrics.font(11));
         action->setEnabled(false);
         return;
     }
-    if (entry.mark != PanelMenuEntry::Mark::none) {
-        action->setCheckable(true);
-        action->setChecked(entry.mark == PanelMenuEntry::Mark::on);
-    }
-    connect(action, &QAction::triggered, this, [action, entry] {
+    const bool isOn = entry.state == MenuItem::CheckState::on;
+    action->setCheckable(entry.state != MenuItem::CheckState::none);
+    action->setChecked(isOn);
+    connect(action, &QAction::triggered, this, [action, entry, isOn] {
         // The check mark follows the state, not the click.
-        if (action->isCheckable())
-            action->setChecked(entry.mark == PanelMenuEntry::Mark::on);
-        entry.act();
+        action->setChecked(isOn);
+        entry.action(entry);
     });
 }
 

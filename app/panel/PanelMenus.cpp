@@ -7,45 +7,53 @@ namespace zofra {
 
 namespace {
 
-using Kind = PanelMenuEntry::Kind;
-using Mark = PanelMenuEntry::Mark;
+using State = MenuItem::CheckState;
 
-Mark markOf(bool isCurrent) {
-    return isCurrent ? Mark::on : Mark::off;
+MenuItem choice(const QString& title, State state, const std::function<void()>& act) {
+    MenuItem item;
+    item.title = title;
+    item.state = state;
+    item.action = [act](const MenuItem&) { act(); };
+    return item;
+}
+
+State onIf(bool isCurrent) {
+    return isCurrent ? State::on : State::off;
 }
 
 } // namespace
 
-QList<PanelMenuEntry> stationMenuEntries(const RadioState& state, RadioControls& controls) {
-    QList<PanelMenuEntry> entries;
+Menu stationMenuEntries(const RadioState& state, RadioControls& controls) {
+    Menu menu;
     for (const RadioStation station : RadioStation::allCases)
-        entries +=
-            {Kind::choice, station.displayName() + QStringLiteral(" – ") + station.genre(),
-             markOf(station == state.station), [&controls, station] { controls.chooseStation(station); }};
-    return entries;
+        menu.push_back(choice(station.displayName() + QStringLiteral(" – ") + station.genre(),
+                              onIf(station == state.station),
+                              [&controls, station] { controls.chooseStation(station); }));
+    return menu;
 }
 
-QList<PanelMenuEntry> outputMenuEntries(const RadioState& state, RadioControls& controls) {
+Menu outputMenuEntries(const RadioState& state, RadioControls& controls) {
     const AppLanguage language = state.language;
-    QList<PanelMenuEntry> entries;
-    entries +=
-        {Kind::choice, texts::thisMac.in(language), markOf(state.target == AudioOutputTarget::localMac()),
-         [&controls] { controls.chooseThisComputer(); }};
-    for (const auto& [room, title] : state.rooms)
-        entries += {Kind::choice, title, markOf(state.target == AudioOutputTarget::sonos(room.id())),
-                    [&controls, id = room.id()] { controls.chooseRoom(id); }, room.id()};
-    if (state.rooms.empty())
-        entries += {Kind::message, state.emptyStateMessage, Mark::none, {}};
-    entries += {Kind::choice, texts::everywhere.in(language),
-                markOf(state.target == AudioOutputTarget::sonosEverywhere()),
-                [&controls] { controls.chooseEverywhere(); }};
-    entries.back().help = texts::synchronizationNote.in(language);
-    entries += {Kind::separator, {}, Mark::none, {}};
-    entries +=
-        {Kind::choice, texts::searchEntry.in(language), Mark::none, [&controls] { controls.search(); }};
-    entries += {Kind::choice, texts::allowLocalNetwork.in(language), Mark::none,
-                [&controls] { controls.openLocalNetworkSettings(); }};
-    return entries;
+    Menu menu{choice(texts::thisMac.in(language), onIf(state.target == AudioOutputTarget::localMac()),
+                     [&controls] { controls.chooseThisComputer(); })};
+    for (const auto& [room, title] : state.rooms) {
+        menu.push_back(choice(title, onIf(state.target == AudioOutputTarget::sonos(room.id())),
+                              [&controls, id = room.id()] { controls.chooseRoom(id); }));
+        menu.back().identity = room.id();
+    }
+    if (state.rooms.empty()) {
+        menu.emplace_back().title = state.emptyStateMessage;
+        menu.back().isEnabled = false;
+    }
+    menu.push_back(choice(texts::everywhere.in(language),
+                          onIf(state.target == AudioOutputTarget::sonosEverywhere()),
+                          [&controls] { controls.chooseEverywhere(); }));
+    menu.back().toolTip = texts::synchronizationNote.in(language);
+    menu.push_back(MenuItem::separator());
+    menu.push_back(choice(texts::searchEntry.in(language), State::none, [&controls] { controls.search(); }));
+    menu.push_back(choice(texts::allowLocalNetwork.in(language), State::none,
+                          [&controls] { controls.openLocalNetworkSettings(); }));
+    return menu;
 }
 
 } // namespace zofra

@@ -3,16 +3,16 @@
 
 #include "app/RadioControls.h"
 #include "app/RadioState.h"
-#include "app/panel/PanelMenu.h"
+#include "platform/MenuItem.h"
 
 namespace zofra {
 
 // The lines of the panel's menus. What choosing one does goes to `controls`, which outlives them.
 
 /// Every station with name and genre.
-[[nodiscard]] QList<PanelMenuEntry> stationMenuEntries(const RadioState& state, RadioControls& controls);
+[[nodiscard]] Menu stationMenuEntries(const RadioState& state, RadioControls& controls);
 
 /// This computer, the rooms or why there are none, everywhere, and what finds more.
-[[nodiscard]] QList<PanelMenuEntry> outputMenuEntries(const RadioState& state, RadioControls& controls);
+[[nodiscard]] Menu outputMenuEntries(const RadioState& state, RadioControls& controls);
 
 } // namespace zofra

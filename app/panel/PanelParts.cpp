@@ -43,13 +43,6 @@ QHBoxLayout* makeRow(const PanelMetrics& metrics, qreal gap) {
     return row;
 }
 
-ElidedLabel::Style dimLabel(ElidedLabel::Room room) {
-    ElidedLabel::Style style;
-    style.ink = ElidedLabel::Ink::dim;
-    style.room = room;
-    return style;
-}
-
 } // namespace
 
 PanelParts::PanelParts(QWidget& panel, const PanelLook& look, const QString& version)
@@ -94,13 +87,10 @@ int PanelParts::widestLanguage() {
 }
 
 void PanelParts::addHeader(QBoxLayout& rows, const QString& version) {
-    IconLabel::Style logo;
-    logo.size = logo.cellWidth = logo.cellHeight = 38;
-    ElidedLabel::Style style = dimLabel(ElidedLabel::Room::givesWay);
-    style.size = 13;
     auto* row = makeRow(m_look.metrics, 12);
-    row->addWidget(new IconLabel(m_look, QStringLiteral("ZofraLogo"), logo, &m_panel));
-    auto* label = new ElidedLabel(m_look, style, &m_panel);
+    row->addWidget(new IconLabel(m_look, QStringLiteral("ZofraLogo"),
+                                 {.size = 38, .cellWidth = 38, .cellHeight = 38}, &m_panel));
+    auto* label = new ElidedLabel(m_look, {.size = 13, .ink = ElidedLabel::Ink::dim}, &m_panel);
     label->setContent(texts::version.in(AppLanguage::en, version));
     row->addWidget(label);
     rows.addLayout(row);
@@ -119,10 +109,9 @@ void PanelParts::addLanguages(QBoxLayout& rows) {
 
 MenuButton* PanelParts::addMenuRow(QBoxLayout& rows, const QString& icon, ElidedLabel*& label) {
     auto* row = makeRow(m_look.metrics, 10);
-    IconLabel::Style style;
-    style.alignment = Qt::AlignLeft;
-    row->addWidget(new IconLabel(m_look, icon, style, &m_panel));
-    label = new ElidedLabel(m_look, dimLabel(ElidedLabel::Room::insists), &m_panel);
+    row->addWidget(new IconLabel(m_look, icon, {.alignment = Qt::AlignLeft}, &m_panel));
+    label =
+        new ElidedLabel(m_look, {.ink = ElidedLabel::Ink::dim, .room = ElidedLabel::Room::insists}, &m_panel);
     row->addWidget(label);
     row->addStretch();
     auto* button = new MenuButton(m_look, &m_panel);
@@ -135,12 +124,9 @@ void PanelParts::addPlay(QBoxLayout& rows) {
     auto* row = makeRow(m_look.metrics, 12);
     play = new PlayButton(m_look, &m_panel);
     row->addWidget(play);
-    IconLabel::Style speaker;
     // As small as the drawings before the labels: a larger one beside a button looks like another button.
-    speaker.cellWidth = 24;
-    speaker.cellHeight = 24;
-    speaker.alignment = Qt::AlignRight;
-    m_speaker = new IconLabel(m_look, QStringLiteral("speaker.wave.2.fill"), speaker, &m_panel);
+    m_speaker = new IconLabel(m_look, QStringLiteral("speaker.wave.2.fill"),
+                              {.cellWidth = 24, .cellHeight = 24, .alignment = Qt::AlignRight}, &m_panel);
     row->addWidget(m_speaker);
     rows.addLayout(row);
 }
@@ -149,9 +135,8 @@ void PanelParts::addVolume(QBoxLayout& rows) {
     auto* row = makeRow(m_look.metrics, 12);
     volume = new VolumeSlider(m_look, &m_panel);
     row->addWidget(volume);
-    ElidedLabel::Style percent = dimLabel(ElidedLabel::Room::givesWay);
-    percent.alignment = Qt::AlignRight;
-    m_volumePercent = new ElidedLabel(m_look, percent, &m_panel);
+    m_volumePercent =
+        new ElidedLabel(m_look, {.ink = ElidedLabel::Ink::dim, .alignment = Qt::AlignRight}, &m_panel);
     // As wide as its widest text, so that the slider beside it keeps its length.
     m_volumePercent->setContent(texts::volumePercent.in(AppLanguage::en, 100));
     m_volumePercent->setFixedWidth(

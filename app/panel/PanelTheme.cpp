@@ -47,8 +47,7 @@ QColor readable(const QColor& color, const QColor& ground, const QColor& goal, d
     return goal;
 }
 
-// Text on the accent colour is white where a slight darkening of the surface allows it, since that is what
-// people know from buttons; on pale colours it is dark.
+// Text on the accent colour is white, as on buttons people know, unless the colour is too pale for that.
 void setAccent(PanelTheme& theme, const QColor& accent, double ratio) {
     const QColor ink(0x1b, 0x05, 0x08);
     const QColor white = Qt::white;
@@ -71,24 +70,25 @@ void setAccent(PanelTheme& theme, const QColor& accent, double ratio) {
                                     : readable(accent, theme.window, Qt::black, ratio);
 }
 
+/// What the rest stands on and is written in.
+struct Grounds {
+    QRgb window, card, line, text, dim, hover, pressed;
+};
+constexpr Grounds light{0xfbfbfd, 0xffffff, 0xe4e5ea, 0x1d1e22, 0x6b6e78, 0xf0f1f5, 0xe4e5ea};
+constexpr Grounds lightContrast{0xffffff, 0xffffff, 0x3a3b42, 0x000000, 0x26272c, 0xf0f1f5, 0xe4e5ea};
+constexpr Grounds dark{0x1f2024, 0x292a2f, 0x3a3b42, 0xf2f2f5, 0xa0a3ad, 0x34353b, 0x3f4048};
+constexpr Grounds darkContrast{0x000000, 0x000000, 0xd0d0d4, 0xffffff, 0xe6e6ea, 0x34353b, 0x3f4048};
+
 void setGrounds(PanelTheme& theme) {
-    if (theme.isDark) {
-        theme.window = theme.isHighContrast ? QColor(Qt::black) : QColor(0x1f2024);
-        theme.card = theme.isHighContrast ? QColor(Qt::black) : QColor(0x292a2f);
-        theme.line = theme.isHighContrast ? QColor(0xd0d0d4) : QColor(0x3a3b42);
-        theme.text = theme.isHighContrast ? QColor(Qt::white) : QColor(0xf2f2f5);
-        theme.dim = theme.isHighContrast ? QColor(0xe6e6ea) : QColor(0xa0a3ad);
-        theme.hover = QColor(0x34353b);
-        theme.pressed = QColor(0x3f4048);
-    } else {
-        theme.window = theme.isHighContrast ? QColor(Qt::white) : QColor(0xfbfbfd);
-        theme.card = Qt::white;
-        theme.line = theme.isHighContrast ? QColor(0x3a3b42) : QColor(0xe4e5ea);
-        theme.text = theme.isHighContrast ? QColor(Qt::black) : QColor(0x1d1e22);
-        theme.dim = theme.isHighContrast ? QColor(0x26272c) : QColor(0x6b6e78);
-        theme.hover = QColor(0xf0f1f5);
-        theme.pressed = QColor(0xe4e5ea);
-    }
+    const Grounds& grounds = theme.isDark ? (theme.isHighContrast ? darkContrast : dark)
+                                          : (theme.isHighContrast ? lightContrast : light);
+    theme.window = grounds.window;
+    theme.card = grounds.card;
+    theme.line = grounds.line;
+    theme.text = grounds.text;
+    theme.dim = grounds.dim;
+    theme.hover = grounds.hover;
+    theme.pressed = grounds.pressed;
     theme.mark = readable(theme.line, theme.isDark ? theme.card : theme.window, theme.text, markContrast);
 }
 
@@ -121,17 +121,9 @@ PanelTheme PanelTheme::make(const DesktopAppearance& desktop, const QPalette& pa
     PanelTheme theme;
     const QColor window = palette.color(QPalette::Active, QPalette::Window);
     const QColor text = palette.color(QPalette::Active, QPalette::WindowText);
-    switch (desktop.colorScheme) {
-    case DesktopAppearance::ColorScheme::dark:
-        theme.isDark = true;
-        break;
-    case DesktopAppearance::ColorScheme::light:
-        theme.isDark = false;
-        break;
-    case DesktopAppearance::ColorScheme::unsaid:
-        theme.isDark = luminance(window) < luminance(text);
-        break;
-    }
+    using Scheme = DesktopAppearance::ColorScheme;
+    theme.isDark = desktop.colorScheme == Scheme::unsaid ? luminance(window) < luminance(text)
+                                                         : desktop.colorScheme == Scheme::dark;
     // Pure black on pure white, or the reverse, is what contrast themes are made of.
     theme.isHighContrast =
         desktop.contrast == DesktopAppearance::Contrast::high || contrastRatio(window, text) > 20.5;

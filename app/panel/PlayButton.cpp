@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/PlayButton.h"
 
-#include <QStyle>
-
 #include <algorithm>
 
 namespace zofra {
@@ -45,9 +43,8 @@ void PlayButton::setWaiting(bool isWaiting, const QString& word) {
 }
 
 void PlayButton::turn() {
-    // A desktop without animations says so through its style; the arc then stands still.
-    const bool animates = style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0;
-    if (m_isWaiting && isVisible() && animates)
+    // Else the arc stands still.
+    if (m_isWaiting && isVisible() && animates())
         m_turning.start();
     else
         m_turning.stop();

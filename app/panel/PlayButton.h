@@ -15,8 +15,7 @@ public:
     /// `icon` names a drawing.
     void setContent(const QString& icon, const QString& title);
     [[nodiscard]] const QString& iconName() const { return m_icon; }
-    /// Shows whether what was asked for is still being waited for; `word` says so to screen readers and on
-    /// hover.
+    /// Shows whether sound is still being waited for; `word` says so to screen readers and on hover.
     void setWaiting(bool isWaiting, const QString& word);
     [[nodiscard]] bool isWaiting() const { return m_isWaiting; }
 

@@ -4,12 +4,9 @@
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QMap>
 #include <QStringList>
 #include <QVariantMap>
-
-#include <optional>
 
 namespace zofra {
 
@@ -45,9 +42,6 @@ std::optional<QColor> colorOf(const QVariant& value) {
 }
 
 } // namespace
-
-PortalAppearance::PortalAppearance(AppearanceSource& source)
-    : m_source(source) {}
 
 void PortalAppearance::apply(DesktopAppearance& appearance, const QString& key, const QVariant& value) {
     const QVariant plain = unwrapped(value);

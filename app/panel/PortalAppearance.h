@@ -20,10 +20,10 @@ class PortalAppearance final : public QObject {
 
 public:
     /// `source` outlives this object.
-    explicit PortalAppearance(AppearanceSource& source);
+    explicit PortalAppearance(AppearanceSource& source)
+        : m_source(source) {}
 
-    /// Asks the portal on this bus, and again whenever one appears there, for at the start of a session
-    /// programs come before it. Call again for a new connection.
+    /// Asks the portal on this bus, and again whenever one appears there. Call again for a new connection.
     void attach(const QDBusConnection& bus);
 
     /// Lays one setting of "org.freedesktop.appearance" over `appearance`. Unknown keys, wrong types and

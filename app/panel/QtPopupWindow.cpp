@@ -5,7 +5,6 @@
 #include <QCursor>
 #include <QFontMetrics>
 #include <QGuiApplication>
-#include <QPointer>
 #include <QScreen>
 
 #include <utility>
@@ -20,7 +19,11 @@ public:
                   std::shared_ptr<QByteArray> token)
         : m_host(new AboutPopupView(std::move(content), environment))
         , m_token(std::move(token)) {
-        m_host->onClosed = [this] { tellClosing(); };
+        m_host->onClosed = [this] {
+            // A copy: the handler may destroy this window and with it the handler.
+            if (const auto handler = std::exchange(onWillClose, nullptr))
+                handler(*this);
+        };
     }
     QtPopupWindow(const QtPopupWindow&) = delete;
     QtPopupWindow& operator=(const QtPopupWindow&) = delete;
@@ -72,12 +75,6 @@ public:
     void close() override { m_host->close(); }
 
 private:
-    void tellClosing() {
-        // A copy: the handler may destroy this window and with it the handler.
-        if (const auto handler = std::exchange(onWillClose, nullptr))
-            handler(*this);
-    }
-
     AboutPopupView* m_host;
     std::shared_ptr<QByteArray> m_token;
 };

@@ -44,23 +44,18 @@ ElidedLabel* SongCard::addLabel(int row, ElidedLabel::Style style) {
 }
 
 SongCard::Row SongCard::addRow(int row, const QString& icon, QFont::Weight weight) {
-    IconLabel::Style iconStyle;
-    iconStyle.cellWidth = iconColumn;
-    iconStyle.cellHeight = 20;
-    iconStyle.alignment = Qt::AlignLeft;
-    iconStyle.backdrop = Backdrop::card;
-    iconStyle.bleeds = 0;
-    auto* drawing = new IconLabel(look(), icon, iconStyle, this);
+    const IconLabel::Style style{.cellWidth = iconColumn,
+                                 .cellHeight = 20,
+                                 .alignment = Qt::AlignLeft,
+                                 .backdrop = Backdrop::card,
+                                 .bleeds = 0};
+    auto* drawing = new IconLabel(look(), icon, style, this);
     m_grid->addWidget(drawing, row, 0, 2, 1, Qt::AlignTop);
-    ElidedLabel::Style header;
-    header.size = 10;
-    header.weight = QFont::Bold;
-    header.ink = ElidedLabel::Ink::dim;
-    header.letterSpacing = 0.06;
-    ElidedLabel::Style song;
-    song.size = 12;
-    song.weight = weight;
-    return {drawing, addLabel(row, header), addLabel(row + 1, song)};
+    return {
+        drawing,
+        addLabel(row,
+                 {.size = 10, .weight = QFont::Bold, .ink = ElidedLabel::Ink::dim, .letterSpacing = 0.06}),
+        addLabel(row + 1, {.size = 12, .weight = weight})};
 }
 
 void SongCard::setLanguage(AppLanguage language) {
@@ -76,8 +71,7 @@ void SongCard::setSongs(const QString& current, const std::optional<QString>& ne
 }
 
 void SongCard::showNext(bool isThere) {
-    for (QWidget* part : {static_cast<QWidget*>(m_next.icon), static_cast<QWidget*>(m_next.header),
-                          static_cast<QWidget*>(m_next.song)})
+    for (QWidget* part : std::initializer_list<QWidget*>{m_next.icon, m_next.header, m_next.song})
         part->setVisible(isThere);
     const PanelMetrics& metrics = look().metrics;
     m_grid->setRowMinimumHeight(gapRow, isThere ? metrics.gap(rowGap) - 2 * metrics.px(1) : 0);

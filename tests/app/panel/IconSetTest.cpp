@@ -157,7 +157,7 @@ TEST(IconSetTest, KeepsTheProportionsOfAFlag) {
 TEST(IconSetTest, HasNothingForUnknownNamesAndSenselessSizes) {
     const IconSet icons;
     EXPECT_TRUE(icons.image(u"no.such.drawing"_qs, 16, Qt::black).isNull());
-    EXPECT_TRUE(icons.pixmap(u"no.such.drawing"_qs, 16, 1, Qt::black).isNull());
+    EXPECT_TRUE(icons.pixmap(u"no.such.drawing"_qs, {16, 16}, 1, Qt::black).isNull());
     EXPECT_TRUE(icons.image(u"play.fill"_qs, 0, Qt::black).isNull());
     EXPECT_TRUE(icons.image(u"play.fill"_qs, 5000, Qt::black).isNull());
     EXPECT_TRUE(icons.icon(u"no.such.drawing"_qs, Qt::black).isNull());
@@ -165,11 +165,11 @@ TEST(IconSetTest, HasNothingForUnknownNamesAndSenselessSizes) {
 
 TEST(IconSetTest, GivesPixmapsAtTheRatioOfTheDevice) {
     const IconSet icons;
-    const QPixmap pixmap = icons.pixmap(u"play.fill"_qs, 18, 1.5, Qt::black);
+    const QPixmap pixmap = icons.pixmap(u"play.fill"_qs, {18, 18}, 1.5, Qt::black);
     EXPECT_EQ(pixmap.size(), QSize(27, 27));
     EXPECT_DOUBLE_EQ(pixmap.devicePixelRatio(), 1.5);
-    EXPECT_EQ(icons.pixmap(u"play.fill"_qs, 18, 1.5, Qt::black).cacheKey(), pixmap.cacheKey());
-    EXPECT_NE(icons.pixmap(u"play.fill"_qs, 18, 1.5, Qt::red).cacheKey(), pixmap.cacheKey());
+    EXPECT_EQ(icons.pixmap(u"play.fill"_qs, {18, 18}, 1.5, Qt::black).cacheKey(), pixmap.cacheKey());
+    EXPECT_NE(icons.pixmap(u"play.fill"_qs, {18, 18}, 1.5, Qt::red).cacheKey(), pixmap.cacheKey());
 }
 
 TEST(IconSetTest, MakesIconsThatAreRenderedWhenDrawn) {

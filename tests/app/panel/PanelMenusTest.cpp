@@ -11,15 +11,15 @@
 namespace zofra::test {
 namespace {
 
-QStringList linesOf(const QList<PanelMenuEntry>& entries) {
+QStringList linesOf(const Menu& entries) {
     QStringList lines;
-    for (const PanelMenuEntry& entry : entries) {
-        if (entry.kind == PanelMenuEntry::Kind::separator)
+    for (const MenuItem& entry : entries) {
+        if (entry.isSeparator())
             lines << u"---"_qs;
-        else if (entry.kind == PanelMenuEntry::Kind::message)
-            lines << u"("_qs + entry.text + u")"_qs;
+        else if (!entry.isEnabled)
+            lines << u"("_qs + entry.title + u")"_qs;
         else
-            lines << (entry.mark == PanelMenuEntry::Mark::on ? u"* "_qs : u"  "_qs) + entry.text;
+            lines << (entry.state == MenuItem::CheckState::on ? u"* "_qs : u"  "_qs) + entry.title;
     }
     return lines;
 }
@@ -79,9 +79,9 @@ TEST(OutputMenuTest, GivesRoomsOfOneNameTitlesThatTellThemApart) {
 
 TEST(OutputMenuTest, ExplainsPlayingEverywhere) {
     PanelWorld world(u"fr"_qs);
-    for (const PanelMenuEntry& entry : outputMenuEntries(world.state(), world.controls)) {
-        const bool isEverywhere = entry.text == u"Partout (Toutes les pièces)"_qs;
-        EXPECT_EQ(entry.help.isEmpty(), !isEverywhere) << entry.text.toStdString();
+    for (const MenuItem& entry : outputMenuEntries(world.state(), world.controls)) {
+        const bool isEverywhere = entry.title == u"Partout (Toutes les pièces)"_qs;
+        EXPECT_EQ(entry.toolTip.isEmpty(), !isEverywhere) << entry.title.toStdString();
     }
 }
 
