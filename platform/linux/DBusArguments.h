@@ -51,15 +51,14 @@ template<typename Value>
     const auto encoded = qvariant_cast<QDBusArgument>(argument);
     QList<Value> list;
     encoded.beginArray();
-    while (!encoded.atEnd()) {
-        if (list.size() == most)
-            return std::nullopt;
+    while (!encoded.atEnd() && list.size() <= most) {
         Value value;
         encoded >> value;
         list.append(value);
     }
+    // Without this the library would never free the message.
     encoded.endArray();
-    return list;
+    return list.size() <= most ? std::optional(list) : std::nullopt;
 }
 
 /// The map (a{sv}) that an argument of a call is, its values without their wrappers; absent when it has more
@@ -70,9 +69,8 @@ template<typename Value>
     const auto encoded = qvariant_cast<QDBusArgument>(argument);
     QVariantMap map;
     encoded.beginMap();
-    for (int entries = 0; !encoded.atEnd(); ++entries) {
-        if (entries == most)
-            return std::nullopt;
+    int entries = 0;
+    for (; !encoded.atEnd() && entries <= most; ++entries) {
         QString key;
         QDBusVariant value;
         encoded.beginMapEntry();
@@ -81,7 +79,7 @@ template<typename Value>
         map.insert(key, value.variant());
     }
     encoded.endMap();
-    return map;
+    return entries <= most ? std::optional(map) : std::nullopt;
 }
 
 } // namespace dbus

@@ -131,3 +131,25 @@ def test_calls_that_carry_too_much_are_refused_at_once(running, bus, method, arg
         time.sleep(0.02)
     assert outcome == [LIMITS]
     assert slowest < 5, f"{slowest:.1f} s"
+
+
+@pytest.mark.measured
+@pytest.mark.parametrize("path, interface, method, arguments", [
+    (*MENU, "AboutToShowGroup", lambda: (ones(250_000),)),
+    (*APPLICATION, "Run", lambda: (GLib.Variant("a{sv}", {f"{i:010000}": GLib.Variant("b", True) for i in range(100)}),)),
+], ids=lambda value: value if value in ("AboutToShowGroup", "Run") else "")
+def test_what_is_refused_is_not_kept(running, bus, path, interface, method, arguments):
+    radio, name = running
+    body = GLib.Variant.new_tuple(*arguments())
+
+    def refused():
+        with pytest.raises(GLib.Error) as error:
+            bus.connection.call_sync(name, path, interface, method, body, None, 0, 20000, None)
+        assert BusError(error.value).name == LIMITS
+    for _ in range(10):
+        refused()
+    before = radio.memory()
+    for _ in range(100):
+        refused()
+    # Each is a megabyte.
+    assert radio.memory() - before < 20000, f"{before} kB before, {radio.memory()} kB after"
