@@ -60,6 +60,8 @@ void PortalAppearance::apply(DesktopAppearance& appearance, const QString& key, 
 
 void PortalAppearance::attach(const QDBusConnection& bus) {
     QDBusConnection& connection = m_connection.emplace(bus);
+    // Slots whose types nobody has used before are not found.
+    qRegisterMetaType<QDBusVariant>();
     // Without the sender's name, for looking up who owns it would wait for the bus.
     connection.connect(QString(), portalPath, settingsInterface, QStringLiteral("SettingChanged"), this,
                        SLOT(settingChanged(QString, QString, QDBusVariant)));
