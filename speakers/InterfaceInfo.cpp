@@ -14,9 +14,10 @@ std::optional<std::uint32_t> numberOf(const QString& ip) {
     std::uint32_t number = 0;
     for (const auto& piece : pieces) {
         bool isNumber = false;
-        number = number << bitsPerPiece | piece.toUShort(&isNumber);
-        if (!isNumber || piece.size() > 3)
+        const auto value = piece.toUShort(&isNumber);
+        if (!isNumber || value >> bitsPerPiece != 0 || piece.size() > 3)
             return std::nullopt;
+        number = number << bitsPerPiece | value;
     }
     return pieces.size() == 4 ? std::optional(number) : std::nullopt;
 }
