@@ -4,7 +4,6 @@
 #include "platform/linux/lan/LinuxLocalNetwork.h"
 
 #include <QFile>
-#include <QList>
 
 #include <algorithm>
 #include <array>
@@ -33,25 +32,9 @@ void appendInterfaces(QList<QByteArray>& lines) {
     }
 }
 
-/// Default routes: where the destination and its length are zero.
-void appendRoutes(QList<QByteArray>& lines) {
-    QFile four(QStringLiteral("/proc/net/route"));
-    if (four.open(QIODevice::ReadOnly)) {
-        for (const auto& line : four.readAll().split('\n')) {
-            const auto fields = line.simplified().split(' ');
-            if (fields.size() > 7 && fields[1] == "00000000" && fields[7] == "00000000")
-                lines += "route " + fields[0] + ' ' + fields[2];
-        }
-    }
-    QFile six(QStringLiteral("/proc/net/ipv6_route"));
-    if (six.open(QIODevice::ReadOnly)) {
-        for (const auto& line : six.readAll().split('\n')) {
-            const auto fields = line.simplified().split(' ');
-            if (fields.size() > 9 && fields[1] == "00" && fields[0] == QByteArray(32, '0') &&
-                fields[9] != "lo")
-                lines += "route " + fields[9] + ' ' + fields[4];
-        }
-    }
+QByteArray contentsOf(const char* path) {
+    QFile file(QString::fromLatin1(path));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 } // namespace
@@ -94,10 +77,25 @@ void NetworkChange::compare() {
     m_observers.notify();
 }
 
-QByteArray NetworkChange::snapshot() {
+QList<QByteArray> NetworkChange::defaultRoutes(const QByteArray& four, const QByteArray& six) {
+    // Where the destination and its length are zero.
     QList<QByteArray> lines;
+    for (const auto& line : four.split('\n')) {
+        const auto fields = line.simplified().split(' ');
+        if (fields.size() > 7 && fields[1] == "00000000" && fields[7] == "00000000")
+            lines += "route " + fields[0] + ' ' + fields[2];
+    }
+    for (const auto& line : six.split('\n')) {
+        const auto fields = line.simplified().split(' ');
+        if (fields.size() > 9 && fields[1] == "00" && fields[0] == QByteArray(32, '0') && fields[9] != "lo")
+            lines += "route " + fields[9] + ' ' + fields[4];
+    }
+    return lines;
+}
+
+QByteArray NetworkChange::snapshot() {
+    auto lines = defaultRoutes(contentsOf("/proc/net/route"), contentsOf("/proc/net/ipv6_route"));
     appendInterfaces(lines);
-    appendRoutes(lines);
     std::sort(lines.begin(), lines.end());
     // An interface stands there once for each kind of address.
     lines.erase(std::unique(lines.begin(), lines.end()), lines.end());

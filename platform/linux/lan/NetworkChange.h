@@ -6,6 +6,7 @@
 #include "platform/linux/Descriptor.h"
 
 #include <QByteArray>
+#include <QList>
 #include <QSocketNotifier>
 
 #include <functional>
@@ -27,6 +28,8 @@ public:
 
     /// The present state as text, for comparison.
     [[nodiscard]] static QByteArray snapshot();
+    /// The default routes in the kernel's tables, /proc/net/route and /proc/net/ipv6_route.
+    [[nodiscard]] static QList<QByteArray> defaultRoutes(const QByteArray& four, const QByteArray& six);
 
 private:
     void newsArrived();
