@@ -82,7 +82,7 @@ public:
         case 8:
             return QVariant::fromValue(byte());
         case 9:
-            return {};
+            return static_cast<qulonglong>(number());
         case 10:
         case 11: {
             QVariantList list;
