@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """What must hold after every fault, and what must hold again once everything around has been put right.
 
-Times allow for what the machine owes the program: seconds in which its main thread was ready to run and did not get a
-processor are not the program's.
+Times allow for what the machine owes: seconds in which the program's main thread, or whoever carries its answers, was ready to
+run and did not get a processor are not the program's.
 """
 
 import os

@@ -36,6 +36,21 @@ def wait_for(condition, seconds):
     return value
 
 
+def _waited(pid, names):
+    """Seconds in which the main thread of a process, and those of its threads with such a name, waited for a processor."""
+    total = 0
+    for task in glob.glob(f"/proc/{pid}/task/*"):
+        try:
+            with open(f"{task}/comm", encoding="utf-8", errors="replace") as file:
+                name = file.read().strip()
+            if os.path.basename(task) == str(pid) or name in names:
+                with open(f"{task}/schedstat", encoding="ascii") as file:
+                    total += int(file.read().split()[1])
+        except OSError:
+            pass  # it has ended meanwhile
+    return total / 1e9
+
+
 class Surroundings:
     """Use as a context: a lab, a session, ears, and the radio in the middle."""
 
@@ -108,13 +123,10 @@ class Surroundings:
                 raise RuntimeError(f"the program has no clock of its own: {FAKETIME} was not loaded")
 
     def owed(self):
-        """Seconds in which its main thread was ready to run and got no processor."""
-        pid = self.radio.pid
-        try:
-            with open(f"/proc/{pid}/task/{pid}/schedstat", encoding="ascii") as file:
-                return int(file.read().split()[1]) / 1e9
-        except OSError:
-            return 0.0
+        """Seconds in which somebody on an answer's way was ready to run and got no processor: the radio's main thread, the
+        threads that speak to the bus, there and here, and the bus itself."""
+        ways = ((self.radio.pid, ("QDBusConnection",)), (self.session.session_bus.pid, ()), (os.getpid(), ("gdbus",)))
+        return sum(_waited(pid, names) for pid, names in ways)
 
     def answers(self):
         """Whether it answers at all just now."""
