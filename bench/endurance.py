@@ -13,6 +13,9 @@ RESCAN = ("Audio Output (…", "🔄 Search for Sonos and Zofra devices")
 COUNTS = {"songs": 10_000, "stations": 1000, "menus": 1000, "panels": 500}
 #: Hours, and how many times faster than a clock they pass for the program.
 HOURS, SPEED = 8, 60
+PLAYERS = 10
+#: What can be measured by itself.
+PARTS = (*COUNTS, "hours", "searches")
 
 
 def _show(stage, what, held, count, name, across="repetitions"):
@@ -29,24 +32,23 @@ def _show(stage, what, held, count, name, across="repetitions"):
         "descriptors": [(step * (i + 1), one["descriptors"]) for i, one in enumerate(held)]}))
 
 
-def _repetitions(stage, share):
-    """Songs, menus, panels and station changes, each with a radio of its own."""
-    for what, full in COUNTS.items():
-        count = max(long_run.SAMPLES, int(full * share))
-        with stage.status_bar() as bar, stage.radio() as radio:
-            radio.write_settings()
-            if what != "menus":
-                radio.write_section("tray", mode="direct")
-            radio.start(*(("--play", "qmusic") if what == "stations" else ()), headless=False)
-            item = bar.wait_for_item()
-            held = {
-                "songs": lambda: long_run.songs(stage.lab, radio, item, count),
-                "menus": lambda: long_run.menus(radio, item, count),
-                "panels": lambda: long_run.panels(stage.peer, radio, stage.display, item, count),
-                "stations": lambda: long_run.stations(stage.peer, radio, stage.ears, count),
-            }[what]()
-            name = {"songs": "live songs", "stations": "station changes while playing"}.get(what, f"{what} opened and closed")
-            _show(stage, f"{count} {name}", held, count, f"long-{what}")
+def _repetitions(stage, share, what):
+    """Songs, menus, panels or station changes."""
+    count = max(long_run.SAMPLES, int(COUNTS[what] * share))
+    with stage.status_bar() as bar, stage.radio() as radio:
+        radio.write_settings()
+        if what != "menus":
+            radio.write_section("tray", mode="direct")
+        radio.start(*(("--play", "qmusic") if what == "stations" else ()), headless=False)
+        item = bar.wait_for_item()
+        held = {
+            "songs": lambda: long_run.songs(stage.lab, radio, item, count),
+            "menus": lambda: long_run.menus(radio, item, count),
+            "panels": lambda: long_run.panels(stage.peer, radio, stage.display, item, count),
+            "stations": lambda: long_run.stations(stage.peer, radio, stage.ears, count),
+        }[what]()
+        name = {"songs": "live songs", "stations": "station changes while playing"}.get(what, f"{what} opened and closed")
+        _show(stage, f"{count} {name}", held, count, f"long-{what}")
 
 
 def _hours(stage, share):
@@ -74,17 +76,22 @@ def _hours(stage, share):
 def _discovery(stage, count):
     with stage.status_bar() as bar, stage.radio(with_log=True) as (radio, log):
         stage.lab.household.others(mode="refused")
-        stage.lab.household.scene(scene="many", count=8)
+        stage.lab.household.scene(scene="many", count=PLAYERS)
         radio.start(headless=False, discovery=True)
         menu = bar.wait_for_item().menu
         wait_until(lambda: not radio.status()["scanning"], 60, "the first run", 0.2)
         held = measure.repeated_runs(radio, log, lambda: menu.choose(*RESCAN), count)
-        _show(stage, f"{count} discovery runs", held[len(held) // 3:], count - count // 3, "long-searches")
+        _show(stage, f"{count} discovery runs against {PLAYERS} players", held[len(held) // 3:], count - count // 3, "long-searches")
 
 
-def run(stage, _seconds, runs=60, share=1.0):
-    """Every row; `runs` searches for players, each of which takes about four seconds; `share` of everything else."""
-    stage.heading("Endurance")
-    _repetitions(stage, share)
-    _hours(stage, share)
-    _discovery(stage, runs)
+def run(stage, _seconds, runs=60, share=1.0, parts=PARTS):
+    """Every row of these parts; `runs` searches for players, each of which takes about four seconds; `share` of everything
+    else. Each part has a heading of its own, so that one can be measured and published without the others."""
+    for part in parts:
+        stage.heading(f"Endurance: {part}")
+        if part == "hours":
+            _hours(stage, share)
+        elif part == "searches":
+            _discovery(stage, runs)
+        else:
+            _repetitions(stage, share, part)

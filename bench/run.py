@@ -36,6 +36,7 @@ def main():
     parser.add_argument("--seconds", type=float, default=20.0, help="how long each cost is measured")
     parser.add_argument("--runs", type=int, default=60, help="searches for players in the endurance chapter")
     parser.add_argument("--share", type=float, default=1.0, help="of the repetitions of the endurance chapter")
+    parser.add_argument("--only", action="append", choices=endurance.PARTS, help="this part of the endurance chapter")
     parser.add_argument("--publish", action="store_true", help="write the figures into docs/performance.md")
     parser.add_argument("--json", metavar="FILE", help="also write every figure there")
     parser.add_argument("--check", action="store_true", help="only count, and fail where something is a tenth worse")
@@ -53,7 +54,7 @@ def main():
             return check.write(stage)
         for name in options.chapters or CHAPTERS:
             if name == "endurance":
-                endurance.run(stage, options.seconds, options.runs, options.share)
+                endurance.run(stage, options.seconds, options.runs, options.share, options.only or endurance.PARTS)
             else:
                 CHAPTERS[name].run(stage, options.seconds)
         if options.json:

@@ -57,11 +57,13 @@ def silent_subnet(house: Any, radio: Any, log: SystemLog) -> dict[str, float]:
 def repeated_runs(radio: Any, log: SystemLog, again: Callable[[], None], count: int) -> list[dict[str, int]]:
     """What the running program holds after each of so many runs, each begun by `again` when the last has ended."""
     held = []
+    since = time.monotonic()
     for _ in range(count):
-        since = time.monotonic()
         again()
+        # Or one that begins by itself the moment before, which lets nobody begin another.
         log.wait_for(_BEGUN, 20, since)
         wait_until(lambda: not radio.status()["scanning"], 60, "the end of a run", 0.1)
+        since = time.monotonic()
         held.append({"memory": own_memory(radio.pid), "threads": radio.threads(), "descriptors": radio.descriptors()})
     return held
 
