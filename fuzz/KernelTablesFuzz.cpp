@@ -4,8 +4,8 @@
 // so what counts is what is looked up after them.
 #include "fuzz/FuzzBytes.h"
 #include "fuzz/FuzzInput.h"
-#include "platform/linux/NetworkChange.h"
 #include "platform/linux/lan/LinuxLocalNetwork.h"
+#include "platform/linux/lan/NetworkChange.h"
 #include "speakers/InterfaceInfo.h"
 
 #include <QUrl>
