@@ -121,7 +121,7 @@ TEST(InterfaceInfoTest, ReachesTheAddressesOfItsNetwork) {
     for (const auto* host : {"10.1.0.0", "10.1.3.255", "10.1.2.3"})
         EXPECT_TRUE(interface.reaches(QLatin1String(host))) << host;
     for (const auto* host : {"10.1.4.0", "10.0.255.255", "fd00::1", "10.1.2", "10.1.2.3.4", "player.local",
-                             "", "10.1.2.3000", "10.1..3", "10.1.2.-3"})
+                             "", "10.1.2.3000", "10.1..3", "10.1.2.-3", "10.1.2.258"})
         EXPECT_FALSE(interface.reaches(QLatin1String(host))) << host;
     interface.prefixLength = 32;
     EXPECT_FALSE(interface.reaches(QStringLiteral("10.1.2.2")));
