@@ -58,12 +58,16 @@ def repeated_runs(radio: Any, log: SystemLog, again: Callable[[], None], count: 
     """What the running program holds after each of so many runs, each begun by `again` when the last has ended."""
     held = []
     since = time.monotonic()
+
+    def ended() -> bool:
+        nonlocal since
+        since = time.monotonic()
+        return not radio.status()["scanning"]
     for _ in range(count):
         again()
-        # Or one that begins by itself the moment before, which lets nobody begin another.
+        # Or one that begins by itself the moment before, which lets nobody begin another: looked for from the last look on.
         log.wait_for(_BEGUN, 20, since)
-        wait_until(lambda: not radio.status()["scanning"], 60, "the end of a run", 0.1)
-        since = time.monotonic()
+        wait_until(ended, 60, "the end of a run", 0.1)
         held.append({"memory": own_memory(radio.pid), "threads": radio.threads(), "descriptors": radio.descriptors()})
     return held
 
