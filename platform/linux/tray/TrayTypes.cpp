@@ -8,7 +8,8 @@ namespace zofra {
 BusPixmap BusPixmap::fromImage(const QImage& image) {
     const QImage argb = image.convertToFormat(QImage::Format_ARGB32);
     BusPixmap pixmap{argb.width(), argb.height(), QByteArray(argb.sizeInBytes(), Qt::Uninitialized)};
-    qToBigEndian<quint32>(argb.constBits(), argb.sizeInBytes() / sizeof(quint32), pixmap.bytes.data());
+    qToBigEndian<quint32>(argb.constBits(), argb.sizeInBytes() / qsizetype{sizeof(quint32)},
+                          pixmap.bytes.data());
     return pixmap;
 }
 
