@@ -32,9 +32,10 @@ private:
 /// The chain of one group; each step runs in the completion of the one before.
 class GroupStart : public std::enable_shared_from_this<GroupStart> {
 public:
-    GroupStart(std::shared_ptr<PlayerOrders> orders, PlayerPlaybackGroup group, QString streamUri,
-               std::stop_token superseded, std::shared_ptr<CompletionGroup> all)
-        : m_orders(std::move(orders))
+    /// `orders` runs the steps, and outlives each.
+    GroupStart(PlayerOrders& orders, PlayerPlaybackGroup group, QString streamUri, std::stop_token superseded,
+               std::shared_ptr<CompletionGroup> all)
+        : m_orders(orders)
         , m_group(std::move(group))
         , m_streamUri(std::move(streamUri))
         , m_superseded(std::move(superseded))
@@ -52,13 +53,13 @@ private:
     /// Does one thing and goes on when it succeeded; the group has failed when it did not.
     void step(PlayerOrders::Send send, Next next,
               PlayerOrders::Effect effect = PlayerOrders::Effect::prepares) {
-        m_orders->step(m_group.leader, m_superseded, effect, std::move(send),
-                       [self = shared_from_this(), next](bool succeeded) {
-                           if (succeeded)
-                               (*self.*next)();
-                           else
-                               self->m_all->leave();
-                       });
+        m_orders.step(m_group.leader, m_superseded, effect, std::move(send),
+                      [self = shared_from_this(), next](bool succeeded) {
+                          if (succeeded)
+                              (*self.*next)();
+                          else
+                              self->m_all->leave();
+                      });
     }
 
     void setStream() {
@@ -79,7 +80,7 @@ private:
         m_all->succeed();
         for (const auto& follower : std::as_const(m_group.followers)) {
             m_all->enter();
-            m_orders->step(
+            m_orders.step(
                 follower, m_superseded, PlayerOrders::Effect::prepares,
                 [follower, leader = m_group.leader](const SpeakerControl& control, auto then) {
                     control.join(follower, leader, std::move(then));
@@ -89,7 +90,7 @@ private:
         m_all->leave();
     }
 
-    std::shared_ptr<PlayerOrders> m_orders;
+    PlayerOrders& m_orders;
     PlayerPlaybackGroup m_group;
     QString m_streamUri;
     std::stop_token m_superseded;
@@ -143,7 +144,7 @@ void GroupPlayback::play(const QList<PlayerPlaybackGroup>& groups, const QString
     all->enter();
     for (const auto& group : groups) {
         all->enter();
-        std::make_shared<GroupStart>(m_orders, group, streamUri, superseded, all)->detach();
+        std::make_shared<GroupStart>(*m_orders, group, streamUri, superseded, all)->detach();
     }
     all->leave();
 }

@@ -83,6 +83,7 @@ TEST_F(SearchProviderTest, matchesAsTheRunnerWantsThem) {
     list >> id >> text >> icon >> type >> relevance >> more;
     list.endStructure();
     EXPECT_TRUE(list.atEnd());
+    list.endArray();
     EXPECT_EQ(id, QStringLiteral("two"));
     EXPECT_EQ(text, QStringLiteral("Second Radio"));
     EXPECT_EQ(type, 100) << "the whole name";
