@@ -20,9 +20,8 @@ namespace zofra::test {
 
 using namespace std::chrono_literals;
 
-/// Runs the event loop until `condition` holds; false after 20 s. Without the check of types, which needs a
-/// descriptor: tests wait here while there is none.
-[[gnu::no_sanitize("vptr")]] inline bool waitUntil(const std::function<bool()>& condition) {
+/// Runs the event loop until `condition` holds; false after 20 s.
+inline bool waitUntil(const std::function<bool()>& condition) {
     QElapsedTimer clock;
     clock.start();
     while (!condition()) {
