@@ -120,7 +120,7 @@ struct Search {
 
 std::shared_ptr<Search> searchEverywhere(const std::shared_ptr<SpeakerBackground>& background,
                                          const QList<InterfaceInfo>& interfaces) {
-    const auto search = std::make_shared<Search>(interfaces.size());
+    auto search = std::make_shared<Search>(interfaces.size());
     for (const auto& interface : interfaces) {
         background->outside().tasks.async([background, interface, search] {
             const auto urls = searchViaSSDP(*background, interface);

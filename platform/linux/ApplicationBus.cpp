@@ -62,8 +62,8 @@ QVariantMap Activation::platformData() const {
 }
 
 Activation Activation::takeFromEnvironment() {
-    const Activation activation{qEnvironmentVariable("DESKTOP_STARTUP_ID"),
-                                qEnvironmentVariable("XDG_ACTIVATION_TOKEN")};
+    Activation activation{qEnvironmentVariable("DESKTOP_STARTUP_ID"),
+                          qEnvironmentVariable("XDG_ACTIVATION_TOKEN")};
     qunsetenv("DESKTOP_STARTUP_ID");
     qunsetenv("XDG_ACTIVATION_TOKEN");
     return activation;
