@@ -102,5 +102,23 @@ TEST(NetworkChangeTest, seesInterfacesInItsSnapshot) {
     EXPECT_TRUE(NetworkChange::snapshot().contains("lo up running 127.0.0.1"));
 }
 
+TEST(NetworkChangeTest, ofTheKernelsTablesOnlyDefaultRoutesCount) {
+    const QByteArray four =
+        "Iface\tDestination\tGateway\tFlags\tRefCnt\tUse\tMetric\tMask\tMTU\tWindow\tIRTT\n"
+        "wlan0\t00000000\t0101A8C0\t0003\t0\t0\t600\t00000000\t0\t0\t0\n"
+        "wlan0\t0001A8C0\t00000000\t0001\t0\t0\t600\t00FFFFFF\t0\t0\t0\n";
+    const QByteArray all(32, '0');
+    const QByteArray gateway = "fe80" + QByteArray(27, '0') + "1";
+    const auto row = [&](const QByteArray& length, const QByteArray& interface) {
+        return all + ' ' + length + ' ' + all + " 00 " + gateway +
+               " 00000400 00000001 00000000 00000003    " + interface + '\n';
+    };
+    // Of the loopback interface the kernel has one that leads nowhere.
+    const QByteArray six = row("00", "wlan0") + row("40", "eth0") + row("00", "lo");
+    EXPECT_EQ(NetworkChange::defaultRoutes(four, six),
+              (QList<QByteArray>{"route wlan0 0101A8C0", "route wlan0 " + gateway}));
+    EXPECT_TRUE(NetworkChange::defaultRoutes({}, "nonsense\n\n").isEmpty());
+}
+
 } // namespace
 } // namespace zofra
