@@ -5,15 +5,17 @@
 #include "platform/TaskPool.h"
 #include "platform/linux/DetachedThread.h"
 
-#include <chrono>
 #include <functional>
-#include <utility>
+#include <memory>
 
 namespace zofra {
 
 /// A background thread for each task: those that wait for others never take a thread away from them. A task
 /// for which the system has no thread to give waits, and is tried again every second. Nobody ever waits for
 /// the threads; they end with their task.
+///
+/// One more thread starts the others and lasts: while libraries are being loaded the C library lets whoever
+/// starts a thread wait, and the caller may be the main thread.
 class ThreadTaskPool final : public TaskPool {
 public:
     using Work = std::function<void()>;
@@ -21,23 +23,15 @@ public:
     using StartThread = std::function<bool(const Work& work)>;
 
     /// `mainQueue` outlives every task.
-    explicit ThreadTaskPool(MainQueue& mainQueue, StartThread startThread = startDetachedThread)
-        : m_mainQueue(mainQueue)
-        , m_startThread(std::move(startThread)) {}
+    explicit ThreadTaskPool(MainQueue& mainQueue, StartThread startThread = startDetachedThread);
 
-    void async(Work work) override { start(m_mainQueue, m_startThread, std::move(work)); }
+    /// From any thread.
+    void async(Work work) override;
 
 private:
-    /// Goes on trying after the pool has ended, too.
-    static void start(MainQueue& mainQueue, const StartThread& startThread, Work work) {
-        if (!startThread(work))
-            mainQueue.asyncAfter(std::chrono::seconds(1), [&mainQueue, startThread, work = std::move(work)] {
-                start(mainQueue, startThread, work);
-            });
-    }
+    struct Starter;
 
-    MainQueue& m_mainQueue;
-    StartThread m_startThread;
+    std::shared_ptr<Starter> m_starter;
 };
 
 } // namespace zofra

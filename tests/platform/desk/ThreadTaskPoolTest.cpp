@@ -3,6 +3,7 @@
 
 #include "tests/support/ManualMainQueue.h"
 
+#include <atomic>
 #include <chrono>
 #include <future>
 #include <gtest/gtest.h>
@@ -49,23 +50,61 @@ TEST(ThreadTaskPoolTest, hasAThreadForTasksThatTasksWaitFor) {
     EXPECT_EQ(done.get_future().wait_for(limit), std::future_status::ready);
 }
 
-TEST(ThreadTaskPoolTest, triesAgainWhenThereIsNoThreadToBeHad) {
+/// Whether `done` comes while the time of `mainQueue` moves on.
+bool comes(test::ManualMainQueue& mainQueue, std::future<void> done) {
+    for (auto waited = 0ms; waited < limit; waited += 1ms) {
+        if (done.wait_for(1ms) == std::future_status::ready)
+            return true;
+        mainQueue.advance(1s);
+    }
+    return false;
+}
+
+TEST(ThreadTaskPoolTest, triesAgainEachSecondWhenThereIsNoThreadAtAll) {
     test::ManualMainQueue mainQueue;
-    int refusals = 3;
+    std::atomic<int> starts = 0;
     ThreadTaskPool pool(mainQueue, [&](const ThreadTaskPool::Work& work) {
-        if (refusals-- > 0)
-            return false;
-        work();
-        return true;
+        return ++starts > 4 && startDetachedThread(work);
     });
-    int runs = 0;
-    pool.async([&] { ++runs; });
-    mainQueue.advance(2999ms);
-    EXPECT_EQ(runs, 0);
+    std::promise<void> done;
+    pool.async([&] { done.set_value(); });
+    EXPECT_EQ(starts, 2);
+    mainQueue.advance(1999ms);
+    EXPECT_EQ(starts, 3);
     mainQueue.advance(1ms);
-    EXPECT_EQ(runs, 1);
-    mainQueue.advance(1min);
-    EXPECT_EQ(runs, 1);
+    EXPECT_EQ(starts, 4);
+    EXPECT_TRUE(comes(mainQueue, done.get_future()));
+    EXPECT_EQ(starts, 6);
+}
+
+TEST(ThreadTaskPoolTest, triesAgainWhenThereIsNoThreadForATask) {
+    test::ManualMainQueue mainQueue;
+    std::atomic<int> starts = 0;
+    ThreadTaskPool pool(mainQueue, [&](const ThreadTaskPool::Work& work) {
+        const int start = ++starts;
+        return (start < 2 || start > 4) && startDetachedThread(work);
+    });
+    std::promise<void> done;
+    pool.async([&] { done.set_value(); });
+    EXPECT_TRUE(comes(mainQueue, done.get_future()));
+    EXPECT_EQ(starts, 5);
+}
+
+TEST(ThreadTaskPoolTest, whoGivesATaskDoesNotWaitForItsThread) {
+    test::ManualMainQueue mainQueue;
+    // As the C library does while libraries are being loaded.
+    std::promise<void> loaded;
+    const auto untilLoaded = loaded.get_future().share();
+    std::atomic<int> starts = 0;
+    ThreadTaskPool pool(mainQueue, [&](const ThreadTaskPool::Work& work) {
+        if (++starts > 1)
+            untilLoaded.wait();
+        return startDetachedThread(work);
+    });
+    std::promise<void> done;
+    pool.async([&] { done.set_value(); });
+    loaded.set_value();
+    EXPECT_EQ(done.get_future().wait_for(limit), std::future_status::ready);
 }
 
 } // namespace
