@@ -67,7 +67,6 @@ public:
         : m_environment(environment)
         , m_symbols(m_icons, m_appearance)
         , m_statusBar(itemEnvironment()) {
-        QApplication::setWindowIcon(m_icons.icon(QStringLiteral("ZofraLogo"), Qt::white));
         // Once the item is there: the first panel is to know light from dark, which takes a while to ask.
         m_environment.mainQueue.async([this] { panel(); });
     }

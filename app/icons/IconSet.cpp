@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/icons/IconSet.h"
 
+#include <QCache>
 #include <QFile>
 #include <QIconEngine>
 #include <QPainter>
 #include <QSvgRenderer>
 
 #include <algorithm>
+#include <utility>
 
 // Outside of any namespace, as the macro asks for. Needed because the resources live in a static library.
 static void registerIconResources() {
@@ -32,9 +34,7 @@ QByteArray drawing(const QString& name, const QColor& color) {
     return file.readAll().replace("currentColor", color.name(QColor::HexRgb).toLatin1());
 }
 
-QImage render(const QString& name, QSize pixels, const QColor& color) {
-    if (pixels.isEmpty() || std::max(pixels.width(), pixels.height()) > longestEdge)
-        return {};
+QImage draw(const QString& name, QSize pixels, const QColor& color) {
     const QByteArray source = drawing(name, color);
     if (source.isEmpty())
         return {};
@@ -49,6 +49,21 @@ QImage render(const QString& name, QSize pixels, const QColor& color) {
     QRectF fitted({}, renderer.viewBoxF().size().scaled(QSizeF(pixels), Qt::KeepAspectRatio));
     fitted.moveCenter(QRectF({}, QSizeF(pixels)).center());
     renderer.render(&painter, fitted);
+    return image;
+}
+
+/// Kept, for the same few are asked for with each window and each line that is drawn.
+QImage render(const QString& name, QSize pixels, const QColor& color) {
+    if (pixels.isEmpty() || std::max(pixels.width(), pixels.height()) > longestEdge)
+        return {};
+    static QCache<std::pair<QString, quint64>, QImage> kept(cacheBytes);
+    const std::pair key(name, quint64{color.rgba()} << 32 | quint64(pixels.width()) << 16 |
+                                  quint64(pixels.height()));
+    if (const QImage* image = kept.object(key))
+        return *image;
+    const QImage image = draw(name, pixels, color);
+    if (!image.isNull())
+        kept.insert(key, new QImage(image), image.sizeInBytes());
     return image;
 }
 
@@ -79,8 +94,7 @@ private:
 
 } // namespace
 
-IconSet::IconSet()
-    : m_pixmaps(cacheBytes) {
+IconSet::IconSet() {
     registerIconResources();
 }
 
@@ -94,20 +108,8 @@ QImage IconSet::image(const QString& name, int pixels, const QColor& color) cons
 }
 
 QPixmap IconSet::pixmap(const QString& name, QSize size, qreal devicePixelRatio, const QColor& color) const {
-    const QSize pixels = (QSizeF(size) * devicePixelRatio).toSize();
-    const QString key = QStringLiteral("%1/%2x%3/%4/%5")
-                            .arg(name)
-                            .arg(pixels.width())
-                            .arg(pixels.height())
-                            .arg(devicePixelRatio)
-                            .arg(color.name(QColor::HexArgb));
-    if (const QPixmap* kept = m_pixmaps.object(key))
-        return *kept;
-    QPixmap pixmap = QPixmap::fromImage(render(name, pixels, color));
-    if (pixmap.isNull())
-        return pixmap;
+    QPixmap pixmap = QPixmap::fromImage(render(name, (QSizeF(size) * devicePixelRatio).toSize(), color));
     pixmap.setDevicePixelRatio(devicePixelRatio);
-    m_pixmaps.insert(key, new QPixmap(pixmap), qsizetype{4} * pixels.width() * pixels.height());
     return pixmap;
 }
 

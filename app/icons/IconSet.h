@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QCache>
 #include <QColor>
 #include <QIcon>
 #include <QImage>
@@ -31,9 +30,6 @@ public:
 
     /// An icon that renders each size when it is first drawn. May outlive this object.
     [[nodiscard]] QIcon icon(const QString& name, const QColor& color) const;
-
-private:
-    mutable QCache<QString, QPixmap> m_pixmaps;
 };
 
 } // namespace zofra

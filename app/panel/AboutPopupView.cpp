@@ -48,6 +48,8 @@ AboutPopupView::AboutPopupView(PopupPanelContent content, const PanelEnvironment
     // The program lives in the status bar, whether or not this window is open.
     setAttribute(Qt::WA_QuitOnClose, false);
     setAccessibleName(QStringLiteral("Zofra Zofra"));
+    // Of this window only: giving each menu a picture for the task bar would make it come later.
+    setWindowIcon(environment.icons.icon(QStringLiteral("ZofraLogo"), Qt::white));
     build();
     m_stateChanged = m_source.observe([this](const RadioState& state) { refresh(state); });
     m_appearanceChanged = m_environment.appearance.observeChanged([this] { updateLook(); });

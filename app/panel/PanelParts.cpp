@@ -16,6 +16,8 @@
 #include <QBoxLayout>
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace zofra {
 
@@ -77,12 +79,17 @@ PanelParts::PanelParts(QWidget& panel, const PanelLook& look, const QString& ver
 }
 
 int PanelParts::widestLanguage() {
+    // Four layouts that come out the same as long as the sizes do.
+    static std::optional<std::pair<PanelMetrics, int>> last;
+    if (last && last->first == m_look.metrics)
+        return last->second;
     int widest = m_look.metrics.px(panelWidth);
     for (const AppLanguage language : allAppLanguages) {
         showTexts(language);
         m_panel.layout()->activate();
         widest = std::max(widest, m_panel.layout()->totalMinimumSize().width());
     }
+    last.emplace(m_look.metrics, widest);
     return widest;
 }
 
