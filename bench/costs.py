@@ -13,10 +13,11 @@ CACHE = ("--cache=yes", "--cache-secs=20", "--demuxer-max-bytes=4MiB", "--demuxe
 
 
 @contextlib.contextmanager
-def _radio(stage, *options):
+def _radio(stage, *options, headless=False):
     with stage.status_bar() as bar, stage.radio() as radio:
-        radio.start(*options, headless=False)
-        bar.wait_for_item(10)
+        radio.start(*options, headless=headless)
+        if not headless:
+            bar.wait_for_item(10)
         yield radio.process
 
 
@@ -46,9 +47,14 @@ def run(stage, seconds):
     """Every row."""
     stage.heading(f"Costs: anonymous memory, processor, wake-ups of all threads")
     _row(stage, "idle: a bare program on the bus", stage.other([FLOOR]), seconds)
-    _row(stage, "idle: zofrazofra", _radio(stage), seconds, "<= 3.2 MB, 0.0 %, 0/s beside polls")
+    _row(stage, "idle: zofrazofra --headless", _radio(stage, headless=True), seconds, "<= 3.2 MB, 0.0 %, 0/s beside polls")
+    _row(stage, "idle: zofrazofra, panel and menu prepared", _radio(stage), seconds)
     _row(stage, "idle: goodvibes", stage.other(["goodvibes"]), seconds)
-    _row(stage, "playing: zofrazofra", _radio(stage, "--play", "qmusic"), seconds, "<= 12 MB, <= 0.35 %, <= 15/s", True)
+    _row(stage, "playing: the bare engine (no TLS)", stage.other(stage.engine_floor()), seconds, playing=True)
+    _row(stage, "playing: zofrazofra --headless", _radio(stage, "--play", "qmusic", headless=True), seconds,
+         "<= 12 MB, <= 0.35 %, <= 15/s", True)
+    _row(stage, "playing: zofrazofra, panel and menu prepared", _radio(stage, "--play", "qmusic"), seconds,
+         playing=True)
     _row(stage, "playing: mpv", stage.other(stage.mpv()), seconds, playing=True)
     _row(stage, "playing: mpv, the radio's cache", stage.other([*stage.mpv(), *CACHE]), seconds, playing=True)
     # It trusts the system's authorities only, so it gets the same stream in the clear. (Strawberry, told the same, opens its

@@ -6,6 +6,7 @@ import time
 
 import long_run
 import plot
+from measure import cpu_seconds, wake_ups
 from zofralab.household import measure
 from zofralab.process import wait_until
 
@@ -14,8 +15,9 @@ COUNTS = {"songs": 10_000, "stations": 1000, "menus": 1000, "panels": 500}
 #: Hours, and how many times faster than a clock they pass for the program.
 HOURS, SPEED = 8, 60
 PLAYERS = 10
-#: What can be measured by itself.
-PARTS = (*COUNTS, "hours", "searches")
+#: What is measured when nothing is named, and what else can be: the day takes eight hours.
+USUAL = (*COUNTS, "hours", "searches")
+PARTS = (*USUAL, "day")
 
 
 def _show(stage, what, held, count, name, across="repetitions"):
@@ -73,6 +75,31 @@ def _hours(stage, share):
         _show(stage, f"{hours:g} simulated hours: {asked} polls, {searched} search datagrams", held, hours, "long-hours", "hours")
 
 
+def _day(stage, hours):
+    """Hours by the clock of playing, with a new song every third minute and a search for ten players every minute."""
+    with stage.status_bar() as bar, stage.radio() as radio:
+        stage.lab.household.others(mode="refused")
+        stage.lab.household.scene(scene="many", count=PLAYERS)
+        radio.start("--play", "zofra", headless=False, discovery=True)
+        bar.wait_for_item()
+        stage.ears.wait_for(("zofra", "aac"), 20)
+        with stage.deaf():
+            held, began = [], time.monotonic()
+            cpu, woken = cpu_seconds(radio.pid), wake_ups(radio.pid)
+            for minute in range(1, max(3, int(hours * 60)) + 1):
+                time.sleep(max(0.0, began + 60 * minute - time.monotonic()))
+                if minute % 3 == 0:
+                    stage.lab.livefeed.song(station="zofra", artist=f"Artist {minute}", title=f"Title {minute}")
+                now = cpu_seconds(radio.pid), wake_ups(radio.pid)
+                held.append({**long_run.hold(radio), "cpu": 100 * (now[0] - cpu) / 60, "wake_ups": (now[1] - woken) / 60})
+                cpu, woken = now
+        warm = held[1:]
+        _show(stage, f"{len(held) / 60:.1f} hours of playing, from the second minute on", warm, len(held) / 60, "long-day", "hours")
+        stage.draw("long-day-cost", plot.lines("What they cost", "hours", {
+            "wake-ups a second": [((i + 2) / 60, one["wake_ups"]) for i, one in enumerate(warm)],
+            "processor, %": [((i + 2) / 60, one["cpu"]) for i, one in enumerate(warm)]}))
+
+
 def _discovery(stage, count):
     with stage.status_bar() as bar, stage.radio(with_log=True) as (radio, log):
         stage.lab.household.others(mode="refused")
@@ -86,12 +113,14 @@ def _discovery(stage, count):
 
 def run(stage, _seconds, runs=60, share=1.0, parts=PARTS):
     """Every row of these parts; `runs` searches for players, each of which takes about four seconds; `share` of everything
-    else. Each part has a heading of its own, so that one can be measured and published without the others."""
+    else, the eight hours of playing included. Each part has a heading of its own, so that one can be measured and published without the others."""
     for part in parts:
         stage.heading(f"Endurance: {part}")
         if part == "hours":
             _hours(stage, share)
         elif part == "searches":
             _discovery(stage, runs)
+        elif part == "day":
+            _day(stage, HOURS * share)
         else:
             _repetitions(stage, share, part)

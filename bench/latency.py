@@ -10,6 +10,7 @@ import time
 
 from radio import MEDIA_PLAYER, NAME
 from stage import FLOOR, quantile
+from zofralab.desktop import Menu
 from zofralab.process import wait_until
 
 
@@ -53,27 +54,50 @@ def _call_floor(stage, calls=200):
     return f"empty call {statistics.median(times) * 1e3:.1f}, p99 {quantile(times, 0.99) * 1e3:.1f} ms"
 
 
-def _sound_floor(stage, runs=5):
-    """The first bytes of the stream by curl, and a tone by the sound server's own player until it is heard."""
-    first, device = [], []
-    for _ in range(runs):
-        done = subprocess.run([*stage.lab.enter("/"), "curl", "-s", "-m", "1", "--cacert", stage.lab.authority, "-o", "/dev/null",
-                               "-w", "%{time_starttransfer}", stage.address()], capture_output=True, text=True, check=False,
-                              env=stage.session.sound.environment)
-        first.append(float(done.stdout or "nan"))
-        samples = b"".join(struct.pack("<h", int(8000 * math.sin(2 * math.pi * 440 * i / 8000))) for i in range(8000))
+def _first_sound_sent(stage, enough=4096):
+    """Seconds until curl has as much of the stream as a decoder wants to see: look-up, TLS and what the server takes."""
+    began = time.monotonic()
+    with subprocess.Popen([*stage.lab.enter("/"), "curl", "-sN", "-m", "10", "--cacert", stage.lab.authority, stage.address()],
+                          stdout=subprocess.PIPE, env=stage.session.sound.environment) as process:
+        process.stdout.read(enough)
+        took = time.monotonic() - began
+        process.kill()
+    return took
+
+
+def _tone_heard(stage):
+    """Seconds from a tone given to the sound server's own player until it is heard."""
+    samples = b"".join(struct.pack("<h", int(8000 * math.sin(2 * math.pi * 440 * i / 8000))) for i in range(8000))
+    stage.ears.wait_for(None, 10)
+    began = time.monotonic()
+    with subprocess.Popen(["pacat", "--rate=8000", "--channels=1", "--format=s16le", "--latency-msec=20"],
+                          stdin=subprocess.PIPE, env=stage.session.sound.environment) as process:
+        process.stdin.write(samples)
+        process.stdin.close()
+        wait_until(lambda: any(span.what is not None for span in stage.ears.spans(began)), 10, "a tone", 0.01)
+        return next(span.start for span in stage.ears.spans(began) if span.what is not None) - began
+
+
+def _engine_heard(stage):
+    """Seconds from the order to sound of the bare engine that is loaded already, over a plain connection."""
+    with stage.other(stage.engine_floor(), stdin=subprocess.PIPE, stdout=subprocess.PIPE) as process:
+        process.stdout.readline()
         stage.ears.wait_for(None, 10)
+        time.sleep(0.5)
         began = time.monotonic()
-        with subprocess.Popen(["pacat", "--rate=8000", "--channels=1", "--format=s16le", "--latency-msec=20"],
-                              stdin=subprocess.PIPE, env=stage.session.sound.environment) as process:
-            process.stdin.write(samples)
-            process.stdin.close()
-            wait_until(lambda began=began: any(span.what is not None for span in stage.ears.spans(began)), 10, "a tone", 0.01)
-            device.append(next(span.start for span in stage.ears.spans(began) if span.what is not None) - began)
-    return f"first byte {statistics.median(first):.2f} s, a tone heard {statistics.median(device):.2f} s"
+        process.stdin.write(b"\n")
+        process.stdin.flush()
+        return stage.ears.wait_for(("qmusic", "aac"), 15, since=began, seconds=0.15) - began
 
 
-def _change(stage, changes=16):
+def _sound_floor(stage, runs=7):
+    """Piece by piece."""
+    sent, tone, engine = (statistics.median(piece(stage) for _ in range(runs))
+                          for piece in (_first_sound_sent, _tone_heard, _engine_heard))
+    return f"sent after {sent:.2f} s (curl), a tone heard after {tone:.2f} s, the bare engine heard after {engine:.2f} s"
+
+
+def _change(stage, floor, changes=16):
     """From the order to the new station's first sound."""
     times = []
     with stage.radio() as radio:
@@ -87,7 +111,7 @@ def _change(stage, changes=16):
                             ({"play": _variant("b", True), "station": _variant("s", station)},))
             at, _ = stage.ears.wait_for_any(((station, "aac"), (station, "mp3")), 15, since=began, seconds=0.15)
             times.append(at - began)
-    _show(stage, "station change to sound", times, "<= 0.25 s", 1)
+    _show(stage, "station change to sound", times, "<= 0.25 s", 1, floor)
 
 
 def _variant(kind, value):
@@ -95,7 +119,7 @@ def _variant(kind, value):
     return GLib.Variant(kind, value)
 
 
-def _sound(stage, runs=7):
+def _sound(stage, floor, runs=7):
     heard = ("qmusic", "aac")
     pressed, ours, theirs = [], [], []
     for _ in range(runs):
@@ -114,7 +138,7 @@ def _sound(stage, runs=7):
             began = time.monotonic()
             if process is not None:
                 theirs.append(stage.ears.wait_for(heard, 15, since=began, seconds=0.15) - began)
-    _show(stage, "play pressed to sound: zofrazofra", pressed, "<= 0.25 s", 1, _sound_floor(stage))
+    _show(stage, "play pressed to sound: zofrazofra", pressed, "<= 0.25 s", 1, floor)
     _show(stage, "start to sound: zofrazofra --play", ours, "", 1)
     if theirs:
         _show(stage, "start to sound: mpv", theirs, "", 1)
@@ -149,19 +173,35 @@ def _hang(lab):
     lab.dns.answer(mode="silent")
 
 
+def _opened(menu, clicks):
+    """Seconds that each click takes until the whole menu is there."""
+    times = []
+    for _ in range(clicks):
+        began = time.monotonic()
+        menu.open()
+        times.append(time.monotonic() - began)
+        menu.close()
+        time.sleep(0.05)
+    return times
+
+
+def _menu_floor(stage, menu, clicks):
+    """The same menu, kept by a bare program that answers with it."""
+    with stage.other([FLOOR, menu.name, menu.path]):
+        stage.peer.wait_for_name("be.zofra.Floor", 10)
+        kept = Menu(stage.peer, "be.zofra.Floor", "/Menu")
+        assert len(kept.tree().children) == len(menu.tree().children)
+        times = _opened(kept, clicks)
+    return f"bare program {statistics.median(times) * 1e3:.1f}, p99 {quantile(times, 0.99) * 1e3:.1f} ms"
+
+
 def _menu_of_the_panel(stage, clicks=200):
     with stage.status_bar() as bar, stage.radio() as radio:
         _hang(stage.lab)
         radio.start("--play", headless=False)
         menu = bar.wait_for_item().menu
-        times = []
-        for _ in range(clicks):
-            began = time.monotonic()
-            menu.open()
-            times.append(time.monotonic() - began)
-            menu.close()
-            time.sleep(0.05)
-        _show(stage, "click to menu, drawn by the panel, all hanging", times, "p99 <= 5 ms", floor=_call_floor(stage))
+        floor = _menu_floor(stage, menu, clicks)
+        _show(stage, "click to menu, drawn by the panel, all hanging", _opened(menu, clicks), "p99 <= 5 ms", floor=floor)
 
 
 def _windows(stage, mode, click, name, clicks=40):
@@ -219,8 +259,9 @@ def run(stage, _seconds):
     """Every row."""
     stage.heading("Waiting")
     _start(stage)
-    _sound(stage)
-    _change(stage)
+    floor = _sound_floor(stage)
+    _sound(stage, floor)
+    _change(stage, floor)
     _song(stage)
     _menu_of_the_panel(stage)
     try:

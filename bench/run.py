@@ -54,7 +54,7 @@ def main():
             return check.write(stage)
         for name in options.chapters or CHAPTERS:
             if name == "endurance":
-                endurance.run(stage, options.seconds, options.runs, options.share, options.only or endurance.PARTS)
+                endurance.run(stage, options.seconds, options.runs, options.share, options.only or endurance.USUAL)
             else:
                 CHAPTERS[name].run(stage, options.seconds)
         if options.json:

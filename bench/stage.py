@@ -23,6 +23,8 @@ from zofralab.sound import Ears
 BINARY = os.path.abspath(os.environ.get("ZOFRA_BINARY", os.path.join(ROOT, "build", "release", "bin", "zofrazofra")))
 #: The least that a program of this kind can be: an application object of the toolkit and a name on the bus.
 FLOOR = os.path.join(ROOT, "build", "release", "bin", "floor")
+#: And the least that can play: libmpv with the radio's options and a plain connection.
+ENGINE_FLOOR = os.path.join(ROOT, "build", "release", "bin", "engine_floor")
 
 
 class Stage:
@@ -108,16 +110,16 @@ class Stage:
             yield (radio, log) if with_log else radio
 
     @contextlib.contextmanager
-    def other(self, command):
-        """Another player, started where the radio is; None where it is not installed."""
+    def other(self, command, **pipes):
+        """Another player, started where the radio is; None where it is not installed. `pipes` in place of no input and output."""
         if shutil.which(command[0]) is None:
             yield None
             return
         with tempfile.TemporaryDirectory(dir=self.place) as home:
             environment = {**program_environment(self.lab, self.session), "DISPLAY": self.display.name, "HOME": home,
                            "XDG_CONFIG_HOME": home, "XDG_CACHE_HOME": home, "XDG_DATA_HOME": home, "LANG": "C.UTF-8"}
-            process = subprocess.Popen([*self.lab.enter("/"), *command], env=environment, stdin=subprocess.DEVNULL,
-                                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
+            process = subprocess.Popen([*self.lab.enter("/"), *command], env=environment, start_new_session=True,
+                                       **{name: subprocess.DEVNULL for name in ("stdin", "stdout", "stderr")} | pipes)
             try:
                 yield process
             finally:
@@ -126,6 +128,11 @@ class Stage:
     def address(self, scheme="https"):
         """A stream of the lab that any player can open."""
         return f"{scheme}://qmusic-aac.streams.zofra.test/qmusic.aac"
+
+    def engine_floor(self):
+        """The bare engine on that stream."""
+        host, _, path = self.address("http").removeprefix("http://").partition("/")
+        return [ENGINE_FLOOR, host, "/" + path]
 
     def mpv(self):
         """mpv on that stream, as careful about certificates as the radio is."""

@@ -145,12 +145,12 @@ class Menu:
 
     def __init__(self, peer, name, path):
         self._peer = peer
-        self._name = name
-        self._path = path
+        self.name = name
+        self.path = path
 
     def call(self, method, signature, arguments, timeout=5.0):
         """One call to the program's menu object."""
-        return self._peer.call(self._name, self._path, MENU, method, signature, arguments, timeout)
+        return self._peer.call(self.name, self.path, MENU, method, signature, arguments, timeout)
 
     def open(self):
         """What a panel does when its user clicks: announce it, say that it is open, ask for the whole tree. Returns
@@ -188,7 +188,7 @@ class Menu:
         """The menu closes before the click is reported, and nobody waits for an answer in between."""
         for what, kind in ((0, "closed"), (identity, "clicked")):
             arguments = GLib.Variant("(isvu)", (what, kind, GLib.Variant("i", 0), 0))
-            self._peer.connection.call(self._name, self._path, MENU, "Event", arguments, None,
+            self._peer.connection.call(self.name, self.path, MENU, "Event", arguments, None,
                                        Gio.DBusCallFlags.NO_AUTO_START, 5000, None, None)
 
 
