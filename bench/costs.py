@@ -5,7 +5,7 @@ import contextlib
 import time
 
 from measure import cost
-from stage import FLOOR
+from stage import FLOOR, FLOOR_LINKED
 
 SETTLED = 10  # seconds that a program gets to come to rest
 HEARD = ("qmusic", "aac")
@@ -47,6 +47,7 @@ def run(stage, seconds):
     """Every row."""
     stage.heading(f"Costs: anonymous memory, processor, wake-ups of all threads")
     _row(stage, "idle: a bare program on the bus", stage.other([FLOOR]), seconds)
+    _row(stage, "idle: the radio's libraries, one secure connection", stage.other([FLOOR_LINKED, stage.on_air(), stage.lab.authority]), seconds)
     _row(stage, "idle: zofrazofra --headless", _radio(stage, headless=True), seconds, "<= 3.2 MB, 0.0 %, 0/s beside polls")
     _row(stage, "idle: zofrazofra, panel and menu prepared", _radio(stage), seconds)
     _row(stage, "idle: goodvibes", stage.other(["goodvibes"]), seconds)

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Where measuring happens: the lab, a session with sound and a screen, and rows of results that are shown at once."""
 
+import configparser
 import contextlib
 import json
 import os
@@ -23,6 +24,8 @@ from zofralab.sound import Ears
 BINARY = os.path.abspath(os.environ.get("ZOFRA_BINARY", os.path.join(ROOT, "build", "release", "bin", "zofrazofra")))
 #: The least that a program of this kind can be: an application object of the toolkit and a name on the bus.
 FLOOR = os.path.join(ROOT, "build", "release", "bin", "floor")
+#: The same without a face, with every library of the radio's and one secure connection.
+FLOOR_LINKED = FLOOR + "_linked"
 #: And the least that can play: libmpv with the radio's options and a plain connection.
 ENGINE_FLOOR = os.path.join(ROOT, "build", "release", "bin", "engine_floor")
 
@@ -128,6 +131,12 @@ class Stage:
     def address(self, scheme="https"):
         """A stream of the lab that any player can open."""
         return f"{scheme}://qmusic-aac.streams.zofra.test/qmusic.aac"
+
+    def on_air(self):
+        """The address that is polled for what is on the air."""
+        endpoints = configparser.ConfigParser()
+        endpoints.read(self.lab.endpoints)
+        return f"https://{endpoints['metadata']['on_air']}/056/qp/v3/onair?rpIds=1"
 
     def engine_floor(self):
         """The bare engine on that stream."""
