@@ -18,30 +18,45 @@ OBJECT, INTERFACE = "/be/zofra/ZofraZofra", "be.zofra.ZofraZofra1"
 STATIONS = ("qmusic", "joe", "zofra", "bel_rtl")
 
 
-def _show(stage, name, values, target, unit=1e3, floor=""):
+def _show(stage, name, values, target, unit=1e3, floor="", peer=""):
     mark = "ms" if unit == 1e3 else "s"
     digits = 1 if unit == 1e3 else 2
     median, tail, worst = statistics.median(values), quantile(values, 0.99), max(values)
     stage.row(name, f"median {median * unit:.{digits}f}, p99 {tail * unit:.{digits}f}, worst {worst * unit:.{digits}f} "
-              f"{mark} ({len(values)})", target, median_s=median, p99_s=tail, worst_s=worst, count=len(values), floor=floor)
+              f"{mark} ({len(values)})", target, median_s=median, p99_s=tail, worst_s=worst, count=len(values), floor=floor, peer=peer)
+
+
+def _until_name(stage, command, name):
+    """Seconds from the start of another program to its name on the bus; None where it is not installed."""
+    began = time.monotonic()
+    with stage.other(command) as process:
+        if process is None:
+            return None
+        stage.peer.wait_for_name(name, 10)
+        return time.monotonic() - began
+
+
+def _beside(mine, theirs, who, unit=1e3):
+    """How many times as long as somebody else."""
+    if not theirs:
+        return ""
+    other = statistics.median(theirs)
+    return f"{who} {other * unit:.{1 if unit == 1e3 else 2}f} {'ms' if unit == 1e3 else 's'}: x {statistics.median(mine) / other:.2f}"
 
 
 def _start(stage, runs=10):
-    """The radio and a bare program in turn, so that the load of the machine is the same for both."""
-    times, bare = [], []
+    """The radio and others in turn, so that the load of the machine is the same for all."""
+    times, bare, peers = [], [], []
     for _ in range(runs):
         with stage.status_bar() as bar, stage.radio() as radio:
             radio.start(headless=False, wait=False)
             item = bar.wait_for_item(10)
             stage.peer.wait_for_name(MEDIA_PLAYER, 10)
             times.append(max(item.registered_at, time.monotonic()) - radio.started_at)
-        began = time.monotonic()
-        with stage.other([FLOOR]) as process:
-            if process is not None:
-                stage.peer.wait_for_name("be.zofra.Floor", 10)
-                bare.append(time.monotonic() - began)
-    _show(stage, "start to name on the bus and item", times, "<= 35 ms",
-          floor=f"bare program {statistics.median(bare) * 1e3:.1f} ms" if bare else "")
+        bare.append(_until_name(stage, [FLOOR], "be.zofra.Floor"))
+        peers.append(_until_name(stage, ["goodvibes"], "org.mpris.MediaPlayer2.Goodvibes"))
+    _show(stage, "start to name on the bus and item", times, "<= 35 ms", floor=f"bare program {statistics.median(bare) * 1e3:.1f} ms",
+          peer=_beside(times, [one for one in peers if one is not None], "goodvibes"))
 
 
 def _call_floor(stage, calls=200):
@@ -138,10 +153,8 @@ def _sound(stage, floor, runs=7):
             began = time.monotonic()
             if process is not None:
                 theirs.append(stage.ears.wait_for(heard, 15, since=began, seconds=0.15) - began)
-    _show(stage, "play pressed to sound: zofrazofra", pressed, "<= 0.25 s", 1, floor)
-    _show(stage, "start to sound: zofrazofra --play", ours, "", 1)
-    if theirs:
-        _show(stage, "start to sound: mpv", theirs, "", 1)
+    _show(stage, "play pressed to sound", pressed, "<= 0.25 s", 1, floor, _beside(pressed, theirs, "mpv from its start", 1))
+    _show(stage, "start to sound: zofrazofra --play", ours, "", 1, peer=_beside(ours, theirs, "mpv", 1))
 
 
 def _song(stage, songs=200):

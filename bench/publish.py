@@ -35,8 +35,9 @@ def table(chapters):
     for title, chapter in chapters.items():
         taken = chapter["taken"]
         out += ["", f"### {title}", "", f"{taken['day']}, {taken['system']}, {taken['processors']} processors "
-                f"({taken['processor']}), load {taken['load']}.", "", "| what | measured | goal | floor |", "|---|---|---|---|"]
-        out += [f"| {row['what']} | {row['value']} | {row['target']} | {row.get('floor', '')} |" for row in chapter["rows"]]
+                f"({taken['processor']}), load {taken['load']}.", "", "| what | measured | goal | best peer | floor |", "|---|---|---|---|---|"]
+        out += [f"| {row['what']} | {row['value']} | {row['target']} | {row.get('peer', '')} | {row.get('floor', '')} |"
+                for row in chapter["rows"]]
         out += [f"\n![{name}](images/{name}.svg)" for name in chapter.get("pictures", [])]
     return "\n".join(out) + "\n\n"
 

@@ -60,7 +60,7 @@ class Stage:
         """Show one result at once, and keep its figures."""
         self.rows.append({"what": what, "value": value, "target": target, **figures})
         self.chapters.setdefault(self._title, []).append(self.rows[-1])
-        print(f"{what:<46} {value:<46} {target:<16} {figures.get('floor', '')}", flush=True)
+        print(f"{what:<46} {value:<46} {target:<16} {figures.get('peer', '')} {figures.get('floor', '')}", flush=True)
 
     def heading(self, text):
         """Show what the next rows are about."""
