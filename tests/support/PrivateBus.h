@@ -60,9 +60,11 @@ public:
         int printed[2] = {-1, -1};
         if (::pipe2(printed, O_CLOEXEC) != 0)
             return false;
+        // Dies with this process, however that ends.
         m_daemon = spawnProgram(
-            QStringLiteral("dbus-daemon"),
-            {QStringLiteral("--config-file=") + m_folder.filePath(QStringLiteral("session.conf")),
+            QStringLiteral("setpriv"),
+            {QStringLiteral("--pdeathsig"), QStringLiteral("KILL"), QStringLiteral("dbus-daemon"),
+             QStringLiteral("--config-file=") + m_folder.filePath(QStringLiteral("session.conf")),
              QStringLiteral("--nofork"), QStringLiteral("--nopidfile"), QStringLiteral("--nosyslog"),
              QStringLiteral("--print-address")},
             {printed[1], STDERR_FILENO});
