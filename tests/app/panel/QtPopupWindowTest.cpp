@@ -72,6 +72,11 @@ TEST_F(QtPopupWindowTest, IsTitledAndClosableOnly) {
     EXPECT_TRUE(host->isWindow());
 }
 
+TEST_F(QtPopupWindowTest, HasThePictureThatTaskBarsShow) {
+    open();
+    EXPECT_FALSE(windows().first()->windowIcon().pixmap(32, 32).isNull());
+}
+
 TEST_F(QtPopupWindowTest, IsAsLargeAsThePanelAndFollowsIt) {
     open();
     const QWidget* host = windows().first();
