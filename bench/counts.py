@@ -11,7 +11,7 @@ import stat
 import subprocess
 import time
 
-from measure import wake_ups
+from measure import cpu_seconds, wake_ups
 from radio import NAME
 from stage import BINARY
 from zofralab.desktop import ITEM, Menu
@@ -72,6 +72,16 @@ class Counted:
         """Its menu, as a panel that draws it sees it."""
         return PatientMenu(self._stage.peer, self._stage.peer.owner(NAME), "/MenuBar")
 
+    def settle(self, most=0.1):
+        """What a start leaves for idle moments is done: a stretch of two seconds has cost next to nothing."""
+        before = [cpu_seconds(self.radio.pid)]
+
+        def rests():
+            before.append(cpu_seconds(self.radio.pid))
+            return before[-1] - before[-2] < most
+        time.sleep(2)
+        wait_until(rests, PATIENCE, "rest", 2)
+
     def zero(self):
         """From now on."""
         self._control("-z")
@@ -119,18 +129,13 @@ def _each(taken, count):
     return {what: value / count for what, value in taken.items()}
 
 
-def settle(seconds=3.0):
-    """What a start leaves for later is done."""
-    time.sleep(seconds)
-
-
 def shell(stage):
     """{what: figures} of a start, a song and a menu."""
     found = {}
     with stage.status_bar() as bar, Counted(stage) as radio:
         item = bar.wait_for_item(PATIENCE)
         wait_until(lambda: "–" in radio.title(), PATIENCE, "the first song", 0.2)
-        settle()
+        radio.settle()
         found["start"] = radio.taken()
         # What the item tells is waited for: questions would be counted with it, and never the same number of them.
         stage.peer.record_signals(sender=item.name)
@@ -158,12 +163,12 @@ def search(stage, players=PLAYERS):
         bar.wait_for_item(PATIENCE)
         wait_until(lambda: not radio.status()["scanning"], PATIENCE, "the first run", 0.5)
         menu = radio.menu()
-        settle()
+        radio.settle()
         radio.zero()
         menu.choose("Audio Output (…", "🔄 Search for Sonos and Zofra devices")
         wait_until(lambda: radio.status()["scanning"], PATIENCE, "a run", 0.01)
         wait_until(lambda: not radio.status()["scanning"], PATIENCE, "its end", 0.5)
-        settle(1.0)
+        radio.settle()
         taken = radio.taken()
         found = [room["title"] for room in radio.status()["rooms"]]
         if len(found) != players:
@@ -182,7 +187,7 @@ def menu_with(stage, rooms):
             raise RuntimeError(f"a search of {rooms} players showed {len(radio.status()['rooms'])}")
         menu = radio.menu()
         menu.look()
-        settle()
+        radio.settle()
         radio.zero()
         for _ in range(MENUS):
             menu.look()
