@@ -211,7 +211,7 @@ void AppDelegate::openAboutWindow(Asked asked) {
     }
     auto window = m_environment.windows.makeWindow(PopupPanelContent{
         versionText(m_environment.bundle), *m_viewModel, m_lifetime.guard([this] { closeAboutWindow(); }),
-        m_player, m_sonos, m_languages, m_controls});
+        m_player, m_sonos, m_languages, m_controls, [this] { return contextMenu(); }});
     if (!window)
         return;
     window->setTitle(QStringLiteral("Zofra Zofra"));

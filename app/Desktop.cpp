@@ -48,10 +48,14 @@ private:
 
 /// What only the panel needs.
 struct PanelSide {
-    PanelSide(const Desktop::Environment& environment, const IconSet& icons, AppearanceSource& appearance)
+    PanelSide(const Desktop::Environment& environment, const IconSet& icons, AppearanceSource& appearance,
+              const IconProvider& symbols)
         : portal(appearance)
         , factory(PanelEnvironment{loginItem, environment.mainQueue, environment.output,
-                                   environment.workspace, icons, appearance})
+                                   environment.workspace, icons, appearance,
+                                   [&symbols](const Menu& menu, QPoint at, QWidget& window) {
+                                       (new WidgetMenu(menu, symbols, &window))->popUpAndForget(at);
+                                   }})
         , connected(environment.sessionBus.observeConnected(
               [this](const QDBusConnection& connection) { portal.attach(connection); })) {}
 
@@ -95,7 +99,7 @@ private:
 
     PanelSide& panel() {
         if (!m_panel)
-            m_panel = std::make_unique<PanelSide>(m_environment, m_icons, m_appearance);
+            m_panel = std::make_unique<PanelSide>(m_environment, m_icons, m_appearance, m_symbols);
         return *m_panel;
     }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/MenuItem.h"
+
 #include <QString>
 
 #include <functional>
@@ -26,6 +28,8 @@ struct PopupPanelContent {
     LanguageManager& languages;
     /// Reaches the acts.
     RadioControls& controls;
+    /// The status bar's menu as it is now, for whoever asks for it here: there may be no status bar.
+    std::function<Menu()> menu = nullptr;
 };
 
 /// Parts of a window's frame, as bit masks.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/RemoteOptions.h"
 
+#include "stations/texts/CommandTexts.h"
+
 #include <utility>
 
 namespace zofra {
@@ -66,10 +68,11 @@ public:
         if (entry.isValid() && !value)
             refuse(QString::fromLatin1(name));
     }
-    [[nodiscard]] QString refusal() {
+    /// The name of that one, once all that is known has been taken; absent when all is well.
+    [[nodiscard]] std::optional<QString> refused() {
         if (!m_map.isEmpty())
             refuse(m_map.firstKey());
-        return m_refusal;
+        return m_refused;
     }
 
 private:
@@ -80,12 +83,12 @@ private:
         return value;
     }
     void refuse(const QString& name) {
-        if (m_refusal.isEmpty())
-            m_refusal = QStringLiteral("option \"%1\" is unknown or has a wrong value").arg(name);
+        if (!m_refused)
+            m_refused = name;
     }
 
     QVariantMap m_map;
-    QString m_refusal;
+    std::optional<QString> m_refused;
 };
 
 /// What travels: the name of each entry, and the option it stands for.
@@ -127,9 +130,8 @@ Result<Options> fromVariantMap(const QVariantMap& map) {
     std::optional<AppLanguage> language;
     reader.value("language", language, appLanguageFromRawValue);
     options.language = language.value_or(AppLanguage::en);
-    const QString refusal = reader.refusal();
-    if (!refusal.isEmpty())
-        return failure(refusal);
+    if (const auto refused = reader.refused())
+        return failure(texts::command::refusedEntry.in(options.language, *refused));
     return options;
 }
 

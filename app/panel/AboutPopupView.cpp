@@ -12,6 +12,7 @@
 #include "app/panel/VolumeSlider.h"
 
 #include <QCloseEvent>
+#include <QContextMenuEvent>
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QLayout>
@@ -149,6 +150,10 @@ void AboutPopupView::closeEvent(QCloseEvent* event) {
         onClosed();
 }
 
+void AboutPopupView::contextMenuEvent(QContextMenuEvent* event) {
+    showMenu(event->globalPos());
+}
+
 void AboutPopupView::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         m_parts->close->click();
@@ -158,6 +163,8 @@ void AboutPopupView::keyPressEvent(QKeyEvent* event) {
         m_content.controls.toggle();
     else if (event->keyCombination() == (Qt::CTRL | Qt::Key_Q))
         m_content.controls.quit(); // where there is no tray, this window is all there is of the program
+    else if (event->keyCombination() == (Qt::SHIFT | Qt::Key_F10))
+        showMenuAtFocus(); // the menu key comes as an event of its own
     else
         QWidget::keyPressEvent(event);
 }
@@ -178,6 +185,16 @@ void AboutPopupView::askToClose() {
     // A copy, for it may end the panel.
     if (const auto onClose = m_content.onClose)
         onClose();
+}
+
+void AboutPopupView::showMenu(QPoint at) {
+    if (m_content.menu && m_environment.popUpMenu)
+        m_environment.popUpMenu(m_content.menu(), at, *this);
+}
+
+void AboutPopupView::showMenuAtFocus() {
+    const QWidget* part = focusWidget() ? focusWidget() : this;
+    showMenu(part->mapToGlobal(part->rect().bottomLeft()));
 }
 
 void AboutPopupView::showLaunchAtLogin() {

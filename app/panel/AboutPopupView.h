@@ -26,6 +26,8 @@ struct PanelEnvironment {
     Workspace& workspace;
     const IconSet& icons;
     AppearanceSource& appearance;
+    /// Shows a menu that belongs to `window`, at a point of the screen.
+    std::function<void(const Menu& menu, QPoint at, QWidget& window)> popUpMenu = nullptr;
 };
 
 /// The popup panel, a window of its own: shows the state of the observed objects and changes it through the
@@ -53,6 +55,7 @@ protected:
     bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void showEvent(QShowEvent* event) override;
@@ -64,6 +67,8 @@ private:
     void updateNaturalSize();
     void updateLook();
     void askToClose();
+    void showMenu(QPoint at);
+    void showMenuAtFocus();
     void launchAtLoginToggled(bool isOn);
     /// Registers or unregisters the program where needed; a failure is one line on standard output.
     void updateLaunchAtLogin(bool enabled);

@@ -5,7 +5,6 @@
 #include "platform/ForeignText.h"
 
 #include <QAction>
-#include <QGuiApplication>
 
 #include <algorithm>
 #include <utility>
@@ -13,6 +12,9 @@
 namespace zofra {
 
 namespace {
+
+/// With mark and margins a menu stays below 480.
+constexpr qreal widestText = 400;
 
 bool looksSame(const MenuItem& a, const MenuItem& b) {
     return a.kind == b.kind && a.title == b.title && a.isEnabled == b.isEnabled && a.state == b.state &&
@@ -26,12 +28,11 @@ PanelMenu::PanelMenu(const PanelLook& look, QWidget* owner)
     , m_look(look)
     , m_style(std::make_unique<PanelMenuStyle>(look)) {
     setStyle(m_style.get());
+    // Now, for the style has a say in the font that texts are measured with.
+    ensurePolished();
     setToolTipsVisible(true);
     // A click beside the menu closes it and does nothing else; on its own button it must not reopen it.
     setAttribute(Qt::WA_NoMouseReplay);
-    // Rounded corners need a compositor, which only Wayland promises.
-    if (QGuiApplication::platformName() == QLatin1String("wayland"))
-        setAttribute(Qt::WA_TranslucentBackground);
 }
 
 PanelMenu::~PanelMenu() {
@@ -71,9 +72,15 @@ void PanelMenu::addEntry(const MenuItem& entry) {
         addSeparator();
         return;
     }
-    QAction* action = addAction(menuText(entry.title));
-    if (!entry.toolTip.isEmpty())
-        action->setToolTip(toolTipText(entry.toolTip));
+    const QString whole = displayText(entry.title);
+    // What cannot be chosen is a sentence of ours.
+    const QString shown = entry.isEnabled
+                              ? fontMetrics().elidedText(whole, Qt::ElideRight, m_look.metrics.px(widestText))
+                              : whole;
+    QAction* action = addAction(menuText(shown));
+    const QString toolTip = shown != whole ? whole : entry.toolTip;
+    if (!toolTip.isEmpty())
+        action->setToolTip(toolTipText(toolTip));
     if (!entry.isEnabled) {
         action->setFont(m_look.metrics.font(11));
         action->setEnabled(false);

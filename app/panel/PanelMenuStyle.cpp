@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/panel/PanelMenuStyle.h"
 
+#include "platform/linux/x11/XServer.h"
+
 #include <QApplication>
 #include <QFontMetrics>
 #include <QMenu>
@@ -27,6 +29,14 @@ constexpr qreal textSize = 14;
 /// Begins a menu text that searches. Fonts may lack it, so it is drawn; the text stays what it is.
 const QString searchSign = QStringLiteral("\U0001F504");
 
+/// Rounded corners show what is below a menu.
+bool canShowWhatIsBelow() {
+    if (QGuiApplication::platformName() == QLatin1String("wayland"))
+        return true;
+    const auto server = XServer::ofToolkit();
+    return server && server->hasCompositor();
+}
+
 int searchSignWidth(const QStyleOptionMenuItem& item) {
     return QFontMetrics(item.font).ascent();
 }
@@ -48,6 +58,8 @@ void PanelMenuStyle::polish(QWidget* widget) {
     QProxyStyle::polish(widget);
     if (!qobject_cast<QMenu*>(widget))
         return;
+    if (canShowWhatIsBelow())
+        widget->setAttribute(Qt::WA_TranslucentBackground);
     // The same type size in all of them, whatever the desktop gives its own menus.
     widget->setFont(m_look.metrics.font(textSize));
     widget->installEventFilter(&m_keys);

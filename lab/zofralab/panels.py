@@ -79,6 +79,8 @@ class Panel:
     desktop = ""
     #: The programs that it consists of, and the libraries that they load.
     programs = ()
+    #: The window manager that it is used with; none where it manages windows itself.
+    manager = ("openbox", "--sm-disable")
 
     def __init__(self):
         self._processes = []
@@ -87,6 +89,13 @@ class Panel:
     def missing(cls):
         """What of it this machine does not have."""
         return [program for program in cls.programs if not shutil.which(program) and not os.path.exists(program)]
+
+    def configure(self, screen):
+        """Write what it reads, before anything is started."""
+
+    def box(self, whole):
+        """What of it, at the top of the screen, changes with its items only."""
+        return whole
 
     def start(self, screen):
         """Start it on that screen; returns when it is there."""

@@ -1,13 +1,14 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """A virtual desktop: a display without a screen, a window manager, a panel with a status bar, a mouse."""
 
+import glob
 import os
 import shutil
 import subprocess
 import time
 
 from .display import Display
-from .panels import HEIGHT, WIDTH, LxqtPanel
+from .panels import HEIGHT, WIDTH, LxqtPanel, Panel
 from .picture import Box
 from .process import DIE_WITH_PARENT, terminate, wait_until
 from .xserver import XServer
@@ -35,6 +36,9 @@ class Screen:
         for process in reversed(self._processes):
             terminate(process)
         self._processes.clear()
+
+    def _told(self, *names):
+        return {name: self.environment[name] for name in names if name in self.environment}
 
     # Programs on it.
 
@@ -87,8 +91,9 @@ class Screen:
 
     @property
     def panel_box(self):
-        """Where the panel is."""
-        return Box(0, 0, WIDTH, HEIGHT)
+        """Where the panel is, as far as it stands still."""
+        whole = Box(0, 0, WIDTH, HEIGHT)
+        return self.panel.box(whole) if self.panel else whole
 
     def wait_for_item(self, empty, timeout=30.0):
         """Wait until something is shown in the panel that was not in `empty`, a picture of it, and stands still. Returns
@@ -98,7 +103,8 @@ class Screen:
         def stands_still():
             seen.append(self.picture(self.panel_box).difference(empty))
             return len(seen) > 1 and seen[-1] is not None and seen[-1] == seen[-2] and seen[-1]
-        return wait_until(stands_still, timeout, "an item in the panel", 0.1)
+        found = wait_until(stands_still, timeout, "an item in the panel", 0.1)
+        return found._replace(x=found.x + self.panel_box.x, y=found.y + self.panel_box.y)
 
     def wait_for_no_item(self, empty, timeout=30.0):
         """Wait until the panel looks as in `empty`."""
@@ -125,12 +131,18 @@ class VirtualScreen(Screen):
         self.display.start()
         self.server = XServer(self.display.name)
         self.environment["DISPLAY"] = self.display.name
-        self.spawn("openbox", "--sm-disable")
-        # A panel that shows itself while the window manager takes over may stay hidden for ever.
-        wait_until(self.server.manager_is_there, 30, "the window manager", 0.02)
+        if self.panel:
+            self.panel.configure(self)
+        self._start_manager(self.panel.manager if self.panel else Panel.manager)
         if self.panel:
             self.panel.start(self)
         return self
+
+    def _start_manager(self, command):
+        if command:
+            self.spawn(*command)
+            # A panel that shows itself while the window manager takes over may stay hidden for ever.
+            wait_until(self.server.manager_is_there, 60, "the window manager", 0.02)
 
     def stop(self):
         """End all of it."""
@@ -142,7 +154,7 @@ class VirtualScreen(Screen):
     @property
     def variables(self):
         """What a program needs to be shown on it."""
-        return {name: self.environment[name] for name in ("DISPLAY", "XDG_SESSION_TYPE", "XDG_CURRENT_DESKTOP")}
+        return self._told("DISPLAY", "XDG_SESSION_TYPE", "XDG_CURRENT_DESKTOP", "XDG_DATA_DIRS")
 
     # Looking at it.
 
@@ -183,3 +195,40 @@ class VirtualScreen(Screen):
         """Press keys, one after the other."""
         for name in names:
             self.server.key(name)
+
+
+class NestedScreen(VirtualScreen):
+    """A Wayland desktop in a window that fills an X server without a screen: mouse, keyboard and pictures are the X
+    server's, and programs know of the Wayland display only."""
+
+    def __init__(self, directory, environment, prefix=(), panel=None):
+        super().__init__(directory, environment, prefix, panel)
+        self.environment["XDG_SESSION_TYPE"] = "wayland"
+
+    @staticmethod
+    def missing():
+        """What this machine lacks for it."""
+        absent = VirtualScreen.missing()
+        if not glob.glob("/usr/lib/*/qt6/plugins/platforms/libqwayland*.so"):
+            absent.append("part of the toolkit for Wayland")
+        return absent
+
+    def _start_manager(self, command):
+        if self.panel.compositor:
+            # A copy has no capabilities of its own: not every container may give those of the original.
+            program = shutil.copy(shutil.which(self.panel.compositor[0]), self.home)
+            self.spawn(program, *self.panel.compositor[1:], self.display.name)
+            socket = os.path.join(self.environment["XDG_RUNTIME_DIR"], "wayland-0")
+            wait_until(lambda: os.path.exists(socket), 60, "the compositor", 0.05)
+            del self.environment["DISPLAY"]
+            self.environment["WAYLAND_DISPLAY"] = "wayland-0"
+
+    @property
+    def variables(self):
+        """What a program needs to be shown on it."""
+        return {"WAYLAND_DISPLAY": "wayland-0", **self._told("XDG_SESSION_TYPE", "XDG_CURRENT_DESKTOP", "XDG_DATA_DIRS")}
+
+    @property
+    def below_panel(self):
+        """Everything but the panel, and a strip in which the pointer may rest: some draw it into the picture."""
+        return Box(0, HEIGHT, WIDTH, 776 - HEIGHT)

@@ -52,6 +52,10 @@ constexpr Text firstStartOnly{u"%1 can only be given to a first start; the progr
                               u"%1 kan alleen bij een eerste start gegeven worden; het programma loopt al",
                               u"%1 ne peut être donné qu’au premier lancement ; le programme tourne déjà",
                               u"%1 kann nur beim ersten Start angegeben werden; das Programm läuft schon"};
+constexpr Text refusedEntry{u"option \"%1\" is unknown or has a wrong value",
+                            u"optie \"%1\" is onbekend of heeft een verkeerde waarde",
+                            u"l’option « %1 » est inconnue ou sa valeur est fausse",
+                            u"die Option „%1“ ist unbekannt oder hat einen falschen Wert"};
 constexpr Text noSuchRoom{u"--output: there is no room \"%1\"", u"--output: er is geen kamer \"%1\"",
                           u"--output : il n’y a pas de pièce « %1 »", u"--output: es gibt keinen Raum „%1“"};
 constexpr Text noHistory{u"no songs have been noted yet", u"er zijn nog geen nummers genoteerd",

@@ -69,5 +69,18 @@ TEST(RemoteOptionsTest, WhatAnyoneOnTheBusMaySendIsChecked) {
     EXPECT_FALSE(isRefused({{u"play"_qs, false}}));
 }
 
+TEST(RemoteOptionsTest, ARefusalIsInTheLanguageOfWhoeverAsked) {
+    const auto refusal = [](const char* language) {
+        return fromVariantMap({{u"language"_qs, QString::fromLatin1(language)}, {u"volume"_qs, u"101"_qs}})
+            .error();
+    };
+    EXPECT_EQ(fromVariantMap({{u"volume"_qs, u"101"_qs}}).error(),
+              u"option \"volume\" is unknown or has a wrong value"_qs);
+    EXPECT_EQ(refusal("en"), u"option \"volume\" is unknown or has a wrong value"_qs);
+    EXPECT_EQ(refusal("nl"), u"optie \"volume\" is onbekend of heeft een verkeerde waarde"_qs);
+    EXPECT_EQ(refusal("fr"), u"l’option « volume » est inconnue ou sa valeur est fausse"_qs);
+    EXPECT_EQ(refusal("de"), u"die Option „volume“ ist unbekannt oder hat einen falschen Wert"_qs);
+}
+
 } // namespace
 } // namespace zofra

@@ -6,6 +6,7 @@ from types import SimpleNamespace
 
 import pytest
 from zofralab.lab import program_environment
+from zofralab.picture import Box
 from zofralab.process import wait_until
 from zofralab.screen import VirtualScreen
 from zofralab.session import Session
@@ -75,6 +76,34 @@ def popup(screen):
     window = screen.wait_for_window("zofrazofra", "Zofra Zofra")
     wait_until(lambda: screen.server.active_window() == window.identity, 30, "the keyboard", 0.05)
     return window
+
+
+def own_menus(screen):
+    """The menus of the program's own drawing that can be seen."""
+    return [w for w in screen.windows("zofrazofra") if not w.title and w.box.height > 60]
+
+
+def wait_for_menus(screen, count):
+    """Wait until so many of them can be seen. One that is painted has the keyboard."""
+    def are_there():
+        found = own_menus(screen)
+        return len(found) == count and all(screen.picture(menu.box).drawn() > 0.02 for menu in found) and (found or True)
+    return wait_until(are_there, 30, f"{count} menus", 0.05)
+
+
+def calm(screen, pointer=(4, 798)):
+    """What is below the panel while no menu is open and the pointer rests at a place, else far from all of it."""
+    screen.move(*pointer)
+    return screen.still_picture(screen.below_panel, seconds=0.5)
+
+
+def drawn_menu(screen, before):
+    """Where the menu is that the panel has opened since that picture, once it stands still."""
+    def opened():
+        now = screen.still_picture(screen.below_panel, seconds=0.3)
+        return now.difference(before)
+    box = wait_until(opened, 30, "a menu", 0.1)
+    return Box(box.x, box.y + screen.below_panel.y, box.width, box.height)
 
 
 class Item:

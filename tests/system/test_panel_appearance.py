@@ -62,13 +62,17 @@ def test_the_first_panel_is_dark_on_a_dark_desktop_and_follows_a_change(shown, b
     assert len(portal.asked_at) == 1, "the answer is kept"
 
 
-def test_the_menu_is_as_dark_as_the_panel(shown, bus, radio):
+def test_the_menu_is_as_dark_as_the_panel_and_follows_a_change_while_it_is_open(shown, bus, radio):
     start, wait_ground = shown
     portal = Portal(bus, "dark").appear()
     click = start()
     wait_until(lambda: portal.asked_at, 30, "the question at the start")
     radio.status()  # messages arrive in order: once this is answered, so was the program's question
     click("Activate")
+    wait_ground(DARK_MENU)
+    portal.become("light")
+    wait_ground(LIGHT_MENU)
+    portal.become("dark")
     wait_ground(DARK_MENU)
 
 

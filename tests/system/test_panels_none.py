@@ -51,6 +51,22 @@ def test_the_window_ends_the_program_by_its_key(radio, screen):
     assert radio.wait_end(30) == 0
 
 
+@pytest.mark.parametrize("way", ["mouse", "Menu", "shift+F10"])
+def test_the_menu_that_a_tray_would_show_opens_in_the_window_and_ends_the_program(radio, screen, way):
+    radio.start(headless=False)
+    unasked(screen)
+    radio.ask()
+    window = popup(screen)
+    if way == "mouse":
+        screen.click((window.box.x + 40, window.box.y + 30), 3)
+    else:
+        screen.key(way)
+    menu = wait_until(lambda: next((w for w in screen.windows(PROGRAM) if not w.title), None), 30, "a menu", 0.05)
+    wait_until(lambda: screen.picture(menu.box).drawn() > 0.02, 30, "something in the menu", 0.05)
+    screen.key("q", "Return")
+    assert radio.wait_end(30) == 0, "its line that begins with Q ends the program"
+
+
 def test_without_a_tray_the_panel_is_an_ordinary_window(radio, screen):
     radio.start(headless=False)
     assert radio.status()["tray"] == "none" and screen.windows(PROGRAM) == [], "a panel may still come"

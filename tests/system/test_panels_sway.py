@@ -2,9 +2,8 @@
 """sway with waybar: the menu is drawn by the bar, the popup panel floats, and nothing of ours is ever tiled."""
 
 import pytest
-from panels_support import display, empty, item, radio, reader, screen, session  # noqa: F401
+from panels_support import calm, display, drawn_menu, empty, item, radio, reader, screen, session  # noqa: F401
 from zofralab.panels import Waybar
-from zofralab.picture import Box
 from zofralab.process import wait_until
 from zofralab.wayland import SwayScreen
 
@@ -12,22 +11,6 @@ PANEL = Waybar
 SCREEN = SwayScreen
 pytestmark = pytest.mark.xdist_group("panels_sway")
 
-
-
-
-def calm(item):
-    """What is below the bar while no menu is open and the pointer rests on the item."""
-    item.screen.move(*item.box.centre)
-    return item.screen.still_picture(item.screen.below_panel)
-
-
-def drawn_menu(screen, before):
-    """Where the menu is that has been opened since that picture, once it stands still."""
-    def opened():
-        now = screen.still_picture(screen.below_panel)
-        return now.difference(before)
-    box = wait_until(opened, 30, "a menu", 0.1)
-    return Box(box.x, box.y + screen.below_panel.y, box.width, box.height)
 
 
 def popup(screen):
@@ -39,7 +22,7 @@ def popup(screen):
 def test_the_item_can_be_seen_and_the_bar_draws_its_menu(item, screen):
     assert item.radio.status()["tray"] == "hostmenu"
     assert screen.picture(item.box).drawn() > 0.2
-    before = calm(item)
+    before = calm(screen, item.box.centre)
     item.click()
     menu = drawn_menu(screen, before)
     assert menu.width > 200 and menu.height > 150
@@ -48,7 +31,7 @@ def test_the_item_can_be_seen_and_the_bar_draws_its_menu(item, screen):
 
 
 def test_an_entry_chosen_with_the_mouse_plays(item, screen, ears):
-    before = calm(item)
+    before = calm(screen, item.box.centre)
     item.click()
     menu = drawn_menu(screen, before)
     # The bar itself covers the menu's upper edge.
@@ -58,7 +41,7 @@ def test_an_entry_chosen_with_the_mouse_plays(item, screen, ears):
 
 
 def test_the_right_click_opens_the_menu_and_no_window(item, screen):
-    before = calm(item)
+    before = calm(screen, item.box.centre)
     item.click(3)
     assert drawn_menu(screen, before).height > 150
     assert screen.windows() == []

@@ -148,7 +148,19 @@ Answer DBusMenuObject::getLayout(const QVariantList& arguments) {
     const auto layout = m_tree.layout(id, arguments.at(1).toInt(), names);
     if (!layout)
         return unknownItem(id);
+    if (id == 0)
+        announceSubmenus(*layout);
     return {{m_revision, QVariant::fromValue(*layout)}, {}, {}};
+}
+
+void DBusMenuObject::announceSubmenus(const BusMenuLayout& given) {
+    for (const BusMenuLayout& child : given.children) {
+        if (!child.children.isEmpty() || !m_tree.hasSubmenu(child.id))
+            continue;
+        m_environment.mainQueue.async(m_lifetime.guard([this, id = child.id] {
+            m_object.send(interfaceName, "LayoutUpdated", {m_revision, id});
+        }));
+    }
 }
 
 Answer DBusMenuObject::getGroupProperties(const QVariantList& arguments) const {

@@ -36,6 +36,9 @@ private:
     /// Takes the current menu over; whether it has other items than a panel was last given.
     bool rebuild();
     void handleEvent(int id, const QString& eventId);
+    /// A panel that asks for one level only would look into a submenu when it opens it, and place it before
+    /// it knows how large it is. Told that it has changed, such a panel looks at once.
+    void announceSubmenus(const BusMenuLayout& given);
 
     [[nodiscard]] dbus::Answer getLayout(const QVariantList& arguments);
     [[nodiscard]] dbus::Answer getGroupProperties(const QVariantList& arguments) const;

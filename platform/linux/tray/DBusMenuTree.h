@@ -30,6 +30,7 @@ public:
     [[nodiscard]] Changes replace(const Menu& menu);
 
     [[nodiscard]] bool contains(int id) const { return node(id) != nullptr; }
+    [[nodiscard]] bool hasSubmenu(int id) const { return contains(id) && !node(id)->children.empty(); }
     /// The item with this number; null for the root and for unknown numbers.
     [[nodiscard]] const MenuItem* item(int id) const;
     /// The item and `depth` levels below it (all when negative), with the named properties (all when empty).

@@ -80,6 +80,8 @@ WidgetMenu::WidgetMenu(const Menu& menu, const IconProvider& icons, std::shared_
     , m_style(std::move(style)) {
     if (m_style)
         setStyle(m_style.get());
+    // Now, for the style has a say in the font that texts are measured with.
+    ensurePolished();
     for (const MenuItem& item : menu)
         addItem(item, icons);
 }

@@ -58,9 +58,18 @@ std::unique_ptr<XServer> XServer::ofToolkit() {
 }
 
 bool XServer::hasTray() const {
-    const xcb_atom_t tray = atom("_NET_SYSTEM_TRAY_S" + QByteArray::number(m_screen));
+    return isTaken("_NET_SYSTEM_TRAY_S");
+}
+
+bool XServer::hasCompositor() const {
+    return isTaken("_NET_WM_CM_S");
+}
+
+bool XServer::isTaken(const QByteArray& selection) const {
+    const auto question =
+        xcb_get_selection_owner(m_connection, atom(selection + QByteArray::number(m_screen)));
     const Owned<xcb_get_selection_owner_reply_t> owner(
-        xcb_get_selection_owner_reply(m_connection, xcb_get_selection_owner(m_connection, tray), nullptr));
+        xcb_get_selection_owner_reply(m_connection, question, nullptr));
     return owner && owner->owner != XCB_WINDOW_NONE;
 }
 

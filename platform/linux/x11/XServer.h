@@ -22,6 +22,8 @@ public:
 
     /// Whether there is a tray of the old kind (XEmbed) now.
     [[nodiscard]] bool hasTray() const;
+    /// Whether somebody puts windows together, so that they can be seen through in places.
+    [[nodiscard]] bool hasCompositor() const;
     /// Tells the desktop that what it has started is up, though no window was shown: else its busy pointer
     /// would turn for many seconds. An empty id is none.
     void endStartup(const QString& startupId) const;
@@ -30,6 +32,8 @@ private:
     enum class Ownership { ours, toolkits };
     XServer(xcb_connection_t* connection, int screen, Ownership ownership);
 
+    /// Whether somebody has taken `selection` of this screen.
+    [[nodiscard]] bool isTaken(const QByteArray& selection) const;
     [[nodiscard]] xcb_atom_t atom(const QByteArray& name) const;
     [[nodiscard]] xcb_window_t root() const;
     void broadcastStartupInfo(const QByteArray& text) const;

@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QLibraryInfo>
 #include <QString>
+#include <QStringList>
 #include <QWidget>
 
 #include <cstdlib>
@@ -33,9 +34,23 @@ inline const QString pictureFontFamily = QStringLiteral("Inter");
     return {};
 }
 
+/// Fonts for what the first one lacks, so that it does not depend on what else is installed: Hebrew, Chinese
+/// and Japanese.
+inline const QStringList otherScriptFamilies{QStringLiteral("DejaVu Sans"),
+                                             QStringLiteral("WenQuanYi Micro Hei")};
+
+/// Why pictures with other scripts cannot be compared; empty when they can.
+[[nodiscard]] inline std::string whyNoOtherScripts() {
+    for (const QString& family : otherScriptFamilies) {
+        if (!QFontDatabase::families().contains(family))
+            return "skipped: the font " + family.toStdString() + " is not installed";
+    }
+    return {};
+}
+
 /// Text of 14 pixels, without the hinting that differs from one set-up to the next.
 [[nodiscard]] inline QFont pictureFont(qreal pixels = 14) {
-    QFont font(pictureFontFamily);
+    QFont font(QStringList(pictureFontFamily) + otherScriptFamilies);
     font.setPointSizeF(pixels * 72 / 96);
     font.setHintingPreference(QFont::PreferNoHinting);
     font.setStyleStrategy(QFont::PreferAntialias);

@@ -7,6 +7,8 @@
 #include "app/panel/VolumeSlider.h"
 #include "tests/app/panel/PanelViewTest.h"
 
+#include <QContextMenuEvent>
+
 #include <gtest/gtest.h>
 
 namespace zofra::test {
@@ -92,6 +94,21 @@ TEST_F(PanelKeyboardTest, TheMenusKeyForPlayingWorksInThePanelToo) {
         press(part, Qt::Key_P, Qt::ControlModifier);
         EXPECT_NE(world.player.isPlaying.get(), wasPlaying);
     }
+}
+
+TEST_F(PanelKeyboardTest, TheStatusBarsMenuOpensHereToo) {
+    showPanel();
+    QWidget* play = partOf<PlayButton>(*view);
+    play->setFocus(Qt::TabFocusReason);
+    press(play, Qt::Key_F10, Qt::ShiftModifier);
+    EXPECT_EQ(world.calls, QStringList{u"menu of 10"_qs});
+    const QRect place(play->mapTo(view.get(), QPoint(0, 0)), play->size());
+    EXPECT_EQ(world.menuPlace, place.bottomLeft()) << "at the part that has the keyboard";
+    // A click with the right button, or the menu key.
+    QContextMenuEvent asked(QContextMenuEvent::Mouse, QPoint(3, 4), play->mapToGlobal(QPoint(3, 4)));
+    QApplication::sendEvent(play, &asked);
+    EXPECT_EQ(world.calls.size(), 2);
+    EXPECT_EQ(world.menuPlace, place.topLeft() + QPoint(3, 4));
 }
 
 TEST_F(PanelKeyboardTest, MenusOpenWithTheKeyboard) {

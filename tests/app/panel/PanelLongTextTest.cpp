@@ -33,6 +33,19 @@ TEST_F(PanelLongTextTest, LongAndHostileSongsAreCutAndReadWhole) {
     EXPECT_EQ(view->width(), width);
 }
 
+TEST_F(PanelLongTextTest, AMenuCutsALongNameAndTellsItWhole) {
+    const QString name(100, u'W');
+    world.sonos.rooms = QList<SonosRoom>{makeRoom(u"A"_qs, name), makeRoom(u"B"_qs, u"Bath"_qs)};
+    showPanel();
+    MenuButton* output = menuButtons(*view).at(1);
+    output->openMenu();
+    const QList<QAction*> lines = output->openedMenu()->actions();
+    EXPECT_TRUE(lines.at(1)->text().endsWith(u'…')) << lines.at(1)->text().toStdString();
+    EXPECT_TRUE(lines.at(1)->toolTip().contains(name));
+    EXPECT_EQ(lines.at(2)->text(), u"Bath"_qs);
+    EXPECT_LE(output->openedMenu()->width(), 480);
+}
+
 TEST_F(PanelLongTextTest, TheWholeOfALongTextAppearsOnHoverAndOnlyThen) {
     world.viewModel.currentSong = u"<b>Tom & Jerry</b> "_qs + QString(200, u'x');
     world.viewModel.nextSong = std::optional(u"Short"_qs);

@@ -93,13 +93,25 @@ public:
                                   player,
                                   sonos,
                                   languages,
-                                  controls};
+                                  controls,
+                                  [] { return Menu(10); }};
         return std::make_unique<AboutPopupView>(std::move(content), environment());
     }
 
     RadioState state() { return RadioStateSource(queue, {viewModel, player, sonos, languages}).now(); }
 
-    PanelEnvironment environment() { return {loginItem, queue, output, workspace, icons, appearance}; }
+    PanelEnvironment environment() {
+        return {loginItem,
+                queue,
+                output,
+                workspace,
+                icons,
+                appearance,
+                [this](const Menu& menu, QPoint at, QWidget& window) {
+                    calls << QStringLiteral("menu of %1").arg(menu.size());
+                    menuPlace = window.mapFromGlobal(at);
+                }};
+    }
 
     /// Lets main queue and event loop turn until nothing is waiting.
     void settle() {
@@ -165,6 +177,8 @@ public:
     RadioControls controls;
     IconSet icons;
     AppearanceSource appearance;
+    /// Where in the panel a menu was last shown.
+    QPoint menuPlace;
     /// What happened, in order, as far as the test listens.
     QStringList calls;
 

@@ -130,6 +130,21 @@ TEST_F(DBusMenuObjectTest, LayoutHasTheDepthTheFilterAndTheParentAskedFor) {
               u"org.freedesktop.DBus.Error.InvalidArgs"_qs);
 }
 
+TEST_F(DBusMenuObjectTest, WhoeverAsksForOneLevelIsLedIntoTheSubmenusBeforeTheyOpen) {
+    const auto given = getLayout(0, 1);
+    queue.drain();
+    ASSERT_TRUE(spinUntil([&] { return !updates.empty(); }));
+    EXPECT_EQ(updates, (std::vector{std::pair(given.revision, given.root.children.at(1).id)}));
+    updates.clear();
+    static_cast<void>(getLayout());
+    static_cast<void>(getLayout(given.root.children.at(1).id, 1));
+    song_ = u"Song B"_qs;
+    object->menuDidChange();
+    queue.drain();
+    ASSERT_TRUE(spinUntil([&] { return !told.isEmpty(); }));
+    EXPECT_TRUE(updates.empty()) << "whoever has everything is told of nothing";
+}
+
 TEST_F(DBusMenuObjectTest, AboutToShowSaysWhetherTheLayoutMustBeAskedForAnew) {
     EXPECT_TRUE(aboutToShow()) << "nothing has been asked for yet";
     const auto first = getLayout();
