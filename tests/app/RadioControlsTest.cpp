@@ -2,7 +2,7 @@
 // What every face of the program calls, over the real objects.
 #include "app/RadioControls.h"
 
-#include "tests/app/panel/PanelWorld.h"
+#include "tests/app/RadioWorld.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ protected:
         world.players.calls.clear();
     }
 
-    PanelWorld world;
+    RadioWorld world;
     RadioControls& controls = world.controls;
 
 private:
