@@ -62,21 +62,20 @@ QString historyLines(const SongHistory& history) {
     QStringList lines;
     for (const PlayedSong& song : history.songs()) {
         const auto time = QDateTime::fromSecsSinceEpoch(song.time);
-        lines.append(QStringLiteral("%1  %2: %3")
-                         .arg(time.toString(QStringLiteral("yyyy-MM-dd HH:mm")),
-                              visibleText(titleOf(song.station)), visibleText(song.song)));
+        lines.append(u"%1  %2: %3"_qs.arg(time.toString(u"yyyy-MM-dd HH:mm"_qs),
+                                          visibleText(titleOf(song.station)), visibleText(song.song)));
     }
-    return lines.join(QLatin1Char('\n'));
+    return lines.join(u'\n');
 }
 
 QString historyJson(const SongHistory& history) {
     QJsonArray songs;
     for (const PlayedSong& song : history.songs()) {
         const auto time = QDateTime::fromSecsSinceEpoch(song.time);
-        songs.append(QJsonObject{
-            {QStringLiteral("time"), time.toOffsetFromUtc(time.offsetFromUtc()).toString(Qt::ISODate)},
-            {QStringLiteral("station"), song.station},
-            {QStringLiteral("song"), song.song}});
+        songs.append(
+            QJsonObject{{u"time"_qs, time.toOffsetFromUtc(time.offsetFromUtc()).toString(Qt::ISODate)},
+                        {u"station"_qs, song.station},
+                        {u"song"_qs, song.song}});
     }
     return compactJson(songs);
 }

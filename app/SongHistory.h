@@ -25,16 +25,12 @@ struct PlayedSong {
     QString station;
     QString song;
 
-    friend bool operator==(const PlayedSong&, const PlayedSong&) = default;
-};
-
-template<>
-struct JsonFields<PlayedSong> {
-    static void visit(auto& song, auto&& field) {
+    static void visitFields(auto& song, auto&& field) {
         field("time", song.time);
         field("station", song.station);
         field("song", song.song);
     }
+    friend bool operator==(const PlayedSong&, const PlayedSong&) = default;
 };
 
 /// The song that `state` plays; absent while nothing plays, or nothing is known of it.

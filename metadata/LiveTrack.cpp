@@ -19,7 +19,7 @@ QString joined(const std::optional<ZofraLiveArtist>& artist, const std::optional
 } // namespace
 
 QString nowPlayingSeparator() {
-    return QStringLiteral(" \u2013 ");
+    return u" \u2013 "_qs;
 }
 
 QString ZofraNextTrack::formatted() const {
@@ -27,7 +27,12 @@ QString ZofraNextTrack::formatted() const {
 }
 
 QString ZofraLiveTrackData::formattedCurrent() const {
-    return joined(artist, title, QStringLiteral("Radio"));
+    return joined(artist, title, u"Radio"_qs);
+}
+
+std::optional<QString> ZofraLiveTrackData::formattedNext() const {
+    const QString text = next ? next->formatted() : QString();
+    return text.isEmpty() ? std::nullopt : std::optional(text);
 }
 
 } // namespace zofra

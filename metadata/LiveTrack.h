@@ -21,6 +21,7 @@ namespace zofra {
 /// Who performs a track.
 struct ZofraLiveArtist {
     std::optional<QString> name;
+    static void visitFields(auto& artist, auto&& field) { field("name", artist.name); }
     friend bool operator==(const ZofraLiveArtist&, const ZofraLiveArtist&) = default;
 };
 
@@ -31,6 +32,10 @@ struct ZofraNextTrack {
 
     /// Artist and title, or the one there is; empty when there is neither.
     [[nodiscard]] QString formatted() const;
+    static void visitFields(auto& track, auto&& field) {
+        field("title", track.title);
+        field("artist", track.artist);
+    }
     friend bool operator==(const ZofraNextTrack&, const ZofraNextTrack&) = default;
 };
 
@@ -42,6 +47,13 @@ struct ZofraLiveTrackData {
 
     /// Artist and title, or the one there is; "Radio" when there is neither.
     [[nodiscard]] QString formattedCurrent() const;
+    /// The same of the track that will follow, if anything is known of it.
+    [[nodiscard]] std::optional<QString> formattedNext() const;
+    static void visitFields(auto& track, auto&& field) {
+        field("title", track.title);
+        field("artist", track.artist);
+        field("next", track.next);
+    }
     friend bool operator==(const ZofraLiveTrackData&, const ZofraLiveTrackData&) = default;
 };
 
@@ -52,6 +64,12 @@ struct ZofraLivePlayEvent {
     std::optional<QString> entity;
     std::optional<QString> action;
     std::optional<ZofraLiveTrackData> data;
+    static void visitFields(auto& event, auto&& field) {
+        field("station", event.station);
+        field("entity", event.entity);
+        field("action", event.action);
+        field("data", event.data);
+    }
     friend bool operator==(const ZofraLivePlayEvent&, const ZofraLivePlayEvent&) = default;
 };
 
@@ -62,6 +80,11 @@ struct SockJSDataPayload {
     std::optional<std::vector<std::int64_t>> ids;
     /// A further JSON document: a ZofraLivePlayEvent.
     std::optional<QString> data;
+    static void visitFields(auto& payload, auto&& field) {
+        field("action", payload.action);
+        field("ids", payload.ids);
+        field("data", payload.data);
+    }
     friend bool operator==(const SockJSDataPayload&, const SockJSDataPayload&) = default;
 };
 
@@ -71,46 +94,5 @@ template<typename Record>
     const auto document = parseJsonText(utf8, budget);
     return document && document->isObject() ? fromJson<Record>(document->object()) : std::nullopt;
 }
-
-template<>
-struct JsonFields<ZofraLiveArtist> {
-    static void visit(auto& artist, auto&& field) { field("name", artist.name); }
-};
-
-template<>
-struct JsonFields<ZofraNextTrack> {
-    static void visit(auto& track, auto&& field) {
-        field("title", track.title);
-        field("artist", track.artist);
-    }
-};
-
-template<>
-struct JsonFields<ZofraLiveTrackData> {
-    static void visit(auto& track, auto&& field) {
-        field("title", track.title);
-        field("artist", track.artist);
-        field("next", track.next);
-    }
-};
-
-template<>
-struct JsonFields<ZofraLivePlayEvent> {
-    static void visit(auto& event, auto&& field) {
-        field("station", event.station);
-        field("entity", event.entity);
-        field("action", event.action);
-        field("data", event.data);
-    }
-};
-
-template<>
-struct JsonFields<SockJSDataPayload> {
-    static void visit(auto& payload, auto&& field) {
-        field("action", payload.action);
-        field("ids", payload.ids);
-        field("data", payload.data);
-    }
-};
 
 } // namespace zofra

@@ -16,17 +16,15 @@ namespace zofra {
 
 // Records as JSON objects, both ways. A record names its fields once:
 //
-//     template<> struct JsonFields<Artist> {
-//         static void visit(auto& artist, auto&& field) { field("name", artist.name); }
+//     struct Artist {
+//         QString name;
+//         static void visitFields(auto& artist, auto&& field) { field("name", artist.name); }
 //     };
 //
 // A field may be a text, a truth, a whole number, an address, a record, or a list of these. An optional one
 // is left out when it is absent, and is absent when its key is missing or null. A value of another JSON type,
 // or a missing one that is not optional, makes the whole record unreadable; unknown keys are ignored. Pure
 // functions, callable from any thread.
-
-template<typename Record>
-struct JsonFields;
 
 template<typename Field>
 [[nodiscard]] std::optional<Field> fromJson(const QJsonValue& value);
@@ -83,7 +81,7 @@ std::optional<Record> record(const QJsonValue& value) {
     const auto object = value.toObject();
     Record record;
     bool isGood = value.isObject();
-    JsonFields<Record>::visit(record, [&](const char* key, auto& field) {
+    Record::visitFields(record, [&](const char* key, auto& field) {
         isGood = isGood && read(object.value(QLatin1String(key)), field);
     });
     return isGood ? std::optional(std::move(record)) : std::nullopt;
@@ -122,7 +120,7 @@ template<typename Field>
         return array;
     } else {
         QJsonObject object;
-        JsonFields<Field>::visit(field, [&]<typename Member>(const char* key, const Member& member) {
+        Field::visitFields(field, [&]<typename Member>(const char* key, const Member& member) {
             if constexpr (requires { member.has_value(); }) {
                 if (member)
                     object.insert(QLatin1String(key), toJson(*member));

@@ -10,35 +10,6 @@
 
 namespace zofra {
 
-template<>
-struct JsonFields<SonosSpeaker> {
-    static void visit(auto& speaker, auto&& field) {
-        field("id", speaker.id);
-        field("ip", speaker.ip);
-        field("roomName", speaker.roomName);
-        field("model", speaker.model);
-        field("isCoordinator", speaker.isCoordinator);
-        field("isSub", speaker.isSub);
-        field("isVisible", speaker.isVisible);
-        field("groupCoordinatorId", speaker.groupCoordinatorId);
-        field("manufacturer", speaker.manufacturer);
-        field("modelName", speaker.modelName);
-        field("descriptionURL", speaker.descriptionURL);
-        field("transportPath", speaker.transportPath);
-        field("renderingPath", speaker.renderingPath);
-        field("topologyPath", speaker.topologyPath);
-    }
-};
-
-template<>
-struct JsonFields<SonosRoom> {
-    static void visit(auto& room, auto&& field) {
-        field("name", room.name);
-        field("coordinator", room.coordinator);
-        field("speakers", room.speakers);
-    }
-};
-
 namespace {
 
 /// The text can be edited by hand, so an address that is none must not get as far as a request.
@@ -47,8 +18,7 @@ bool hasAddress(const SonosSpeaker& speaker) {
 }
 
 bool isUsable(const SonosRoom& room) {
-    return hasAddress(room.coordinator) &&
-           std::all_of(room.speakers.begin(), room.speakers.end(), hasAddress);
+    return hasAddress(room.coordinator) && std::ranges::all_of(room.speakers, hasAddress);
 }
 
 } // namespace
@@ -66,7 +36,7 @@ QByteArray encodeRooms(const QList<SonosRoom>& rooms) {
 std::optional<QList<SonosRoom>> decodeRooms(const QByteArray& json) {
     const auto document = QJsonDocument::fromJson(json);
     auto rooms = document.isArray() ? fromJson<QList<SonosRoom>>(document.array()) : std::nullopt;
-    return rooms && std::all_of(rooms->begin(), rooms->end(), isUsable) ? rooms : std::nullopt;
+    return rooms && std::ranges::all_of(*rooms, isUsable) ? rooms : std::nullopt;
 }
 
 } // namespace zofra

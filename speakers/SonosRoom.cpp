@@ -11,21 +11,20 @@ namespace {
 
 bool isOwn(const SonosSpeaker& speaker) {
     const auto names = [](const std::optional<QString>& text) {
-        return text && (text->compare(QLatin1String("Zofra Zofra"), Qt::CaseInsensitive) == 0 ||
-                        text->compare(QLatin1String("Zofra Pi Player"), Qt::CaseInsensitive) == 0);
+        return text && (text->compare(u"Zofra Zofra", Qt::CaseInsensitive) == 0 ||
+                        text->compare(u"Zofra Pi Player", Qt::CaseInsensitive) == 0);
     };
     return names(speaker.manufacturer) || names(speaker.modelName) || speaker.isZofra();
 }
 
 QString brand(const SonosRoom& room) {
-    return isOwn(room.coordinator) ? QStringLiteral("Zofra") : QStringLiteral("Sonos");
+    return isOwn(room.coordinator) ? u"Zofra"_qs : u"Sonos"_qs;
 }
 
 /// Where the room's player is, or its id when another of these rooms is there, too.
 QString distinguishingText(const SonosRoom& room, const QList<SonosRoom>& others) {
-    const bool isShared = std::any_of(others.begin(), others.end(), [&room](const SonosRoom& other) {
-        return other.coordinator.ip == room.coordinator.ip;
-    });
+    const bool isShared = std::ranges::any_of(
+        others, [&room](const SonosRoom& other) { return other.coordinator.ip == room.coordinator.ip; });
     return isShared ? room.coordinator.id : room.coordinator.ip;
 }
 
@@ -47,9 +46,9 @@ QString roomTitle(const SonosRoom& room, const QList<SonosRoom>& rooms) {
         [&room](const SonosRoom& other) { return other.id() == room.id() || other.name != room.name; });
     if (others.isEmpty())
         return room.name;
-    const QString title = room.name + QStringLiteral(" (") + brand(room) + u')';
+    const QString title = room.name + u" ("_qs + brand(room) + u')';
     others.removeIf([&room](const SonosRoom& other) { return brand(other) != brand(room); });
-    return others.isEmpty() ? title : title + QStringLiteral(" – ") + distinguishingText(room, others);
+    return others.isEmpty() ? title : title + u" – "_qs + distinguishingText(room, others);
 }
 
 } // namespace zofra

@@ -20,6 +20,11 @@ struct SonosRoom {
     /// What identifies the room: its coordinator's `id`.
     [[nodiscard]] const QString& id() const { return coordinator.id; }
 
+    static void visitFields(auto& room, auto&& field) {
+        field("name", room.name);
+        field("coordinator", room.coordinator);
+        field("speakers", room.speakers);
+    }
     friend bool operator==(const SonosRoom&, const SonosRoom&) = default;
     friend size_t qHash(const SonosRoom& room, size_t seed = 0) {
         return qHashMulti(seed, room.name, room.coordinator, room.speakers);

@@ -12,11 +12,6 @@ bool sameIgnoringCase(const QString& a, QLatin1String b) {
     return a.compare(b, Qt::CaseInsensitive) == 0;
 }
 
-template<typename Value>
-size_t hashOptional(const std::optional<Value>& value, size_t seed) {
-    return value ? qHashMulti(seed, 1, *value) : qHashMulti(seed, 0);
-}
-
 } // namespace
 
 QUrl SonosSpeaker::deviceDescriptionURL() const {
@@ -42,7 +37,7 @@ QUrl SonosSpeaker::endpoint(const std::optional<QString>& path, const QString& f
         if (reference.isValid() && (reference.isRelative() || playerAddress(*path))) {
             auto resolved = base.resolved(reference);
             const auto scheme = resolved.scheme();
-            const bool isHttp = scheme == QLatin1String("http") || scheme == QLatin1String("https");
+            const bool isHttp = scheme == u"http" || scheme == u"https";
             if (resolved.isValid() && isHttp && !resolved.host().isEmpty())
                 return resolved;
         }
@@ -51,15 +46,13 @@ QUrl SonosSpeaker::endpoint(const std::optional<QString>& path, const QString& f
 }
 
 size_t qHash(const SonosSpeaker& speaker, size_t seed) {
-    seed = qHashMulti(seed, speaker.id, speaker.ip, speaker.roomName, speaker.model);
-    seed = qHashMulti(seed, speaker.isCoordinator, speaker.isSub, speaker.isVisible);
-    seed = hashOptional(speaker.groupCoordinatorId, seed);
-    seed = hashOptional(speaker.manufacturer, seed);
-    seed = hashOptional(speaker.modelName, seed);
-    seed = hashOptional(speaker.descriptionURL, seed);
-    seed = hashOptional(speaker.transportPath, seed);
-    seed = hashOptional(speaker.renderingPath, seed);
-    return hashOptional(speaker.topologyPath, seed);
+    SonosSpeaker::visitFields(speaker, [&seed]<typename Field>(const char*, const Field& field) {
+        if constexpr (requires { field.has_value(); })
+            seed = field ? qHashMulti(seed, 1, *field) : qHashMulti(seed, 0);
+        else
+            seed = qHashMulti(seed, field);
+    });
+    return seed;
 }
 
 bool comesBefore(const SonosSpeaker& a, const SonosSpeaker& b) {

@@ -44,6 +44,23 @@ struct SonosSpeaker {
     /// http or https address with a host, else `fallback` resolved likewise.
     [[nodiscard]] QUrl endpoint(const std::optional<QString>& path, const QString& fallback) const;
 
+    /// In their order, under the names that they are kept by.
+    static void visitFields(auto& speaker, auto&& field) {
+        field("id", speaker.id);
+        field("ip", speaker.ip);
+        field("roomName", speaker.roomName);
+        field("model", speaker.model);
+        field("isCoordinator", speaker.isCoordinator);
+        field("isSub", speaker.isSub);
+        field("isVisible", speaker.isVisible);
+        field("groupCoordinatorId", speaker.groupCoordinatorId);
+        field("manufacturer", speaker.manufacturer);
+        field("modelName", speaker.modelName);
+        field("descriptionURL", speaker.descriptionURL);
+        field("transportPath", speaker.transportPath);
+        field("renderingPath", speaker.renderingPath);
+        field("topologyPath", speaker.topologyPath);
+    }
     friend bool operator==(const SonosSpeaker&, const SonosSpeaker&) = default;
 };
 
