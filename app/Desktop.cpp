@@ -8,7 +8,7 @@
 #include "app/panel/QtPopupWindow.h"
 #include "platform/linux/IconTheme.h"
 #include "platform/linux/XdgLoginItem.h"
-#include "platform/linux/tray/LinuxStatusBar.h"
+#include "platform/linux/tray/TrayStatusItem.h"
 #include "platform/linux/tray/WidgetMenu.h"
 #include "platform/linux/x11/XServer.h"
 
@@ -65,17 +65,16 @@ struct PanelSide {
     ObservationToken connected;
 };
 
-class QtDesktop final : public Desktop, private PopupWindowFactory {
+class QtDesktop final : public Desktop, private StatusBar, private PopupWindowFactory {
 public:
     explicit QtDesktop(const Environment& environment)
         : m_environment(environment)
-        , m_symbols(m_icons, m_appearance)
-        , m_statusBar(itemEnvironment()) {
+        , m_symbols(m_icons, m_appearance) {
         // Once the item is there: the first panel is to know light from dark, which takes a while to ask.
         m_environment.mainQueue.async([this] { panel(); });
     }
 
-    StatusBar& statusBar() override { return m_statusBar; }
+    StatusBar& statusBar() override { return *this; }
     PopupWindowFactory& windows() override { return *this; }
     void setActivationToken(const QByteArray& token) override {
         if (!token.isEmpty())
@@ -86,13 +85,17 @@ public:
         IdleSteps steps = panel().factory.preparation(content);
         steps.emplace_back([this, menu] {
             // Only there is the menu one of our own.
-            if (QGuiApplication::platformName() == QLatin1String("xcb"))
+            if (QGuiApplication::platformName() == u"xcb")
                 static_cast<void>(WidgetMenu(menu, m_symbols).grab());
         });
         return steps;
     }
 
 private:
+    /// Panels decide about lengths themselves.
+    std::unique_ptr<StatusItem> statusItem(double) override {
+        return std::make_unique<TrayStatusItem>(itemEnvironment());
+    }
     std::unique_ptr<PopupWindow> makeWindow(PopupPanelContent content) override {
         return panel().factory.makeWindow(std::move(content));
     }
@@ -111,8 +114,7 @@ private:
     }
 
     TrayStatusItem::Environment itemEnvironment() {
-        const QString setting =
-            m_environment.defaults.string(QStringLiteral("tray/mode")).value_or(QString());
+        const QString setting = m_environment.defaults.string(u"tray/mode"_qs).value_or(QString());
         return {m_environment.sessionBus,
                 m_environment.mainQueue,
                 m_symbols,
@@ -126,7 +128,6 @@ private:
     IconSet m_icons;
     AppearanceSource m_appearance;
     SymbolIcons m_symbols;
-    LinuxStatusBar m_statusBar;
     std::unique_ptr<PanelSide> m_panel;
 };
 
