@@ -87,9 +87,8 @@ QStringList audioDevicesOf(const QString& driver, const QByteArray& list) {
     const auto entries = QJsonDocument::fromJson(list).array();
     for (const auto& entry : entries) {
         const auto device = entry.toObject();
-        if (devices.size() < maxDevices &&
-            device.value(QLatin1String("name")).toString().startsWith(driver + u'/'))
-            devices.append(device.value(QLatin1String("description")).toString());
+        if (devices.size() < maxDevices && device.value(u"name").toString().startsWith(driver + u'/'))
+            devices.append(device.value(u"description").toString());
     }
     return devices;
 }

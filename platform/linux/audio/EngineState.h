@@ -4,6 +4,7 @@
 #include "platform/StreamPlayer.h"
 
 #include <optional>
+#include <utility>
 
 namespace zofra {
 
@@ -43,12 +44,40 @@ public:
     [[nodiscard]] Sound wanted() const { return m_sound; }
 
     /// A connection is being made.
-    void opening();
+    void opening() {
+        closed();
+        m_open = true;
+    }
     /// The connection was given up on purpose.
-    void closed();
+    void closed() {
+        const auto sound = m_sound;
+        *this = {};
+        m_sound = sound;
+    }
     [[nodiscard]] bool isOpen() const { return m_open; }
 
-    void take(const EngineEvent& event);
+    void take(const EngineEvent& event) {
+        if (!m_open)
+            return;
+        switch (event.kind) {
+        case EngineEvent::Kind::fileLoaded:
+            m_loaded = true;
+            break;
+        case EngineEvent::Kind::playbackRestarted:
+            m_restarted = true;
+            break;
+        case EngineEvent::Kind::coreIdle:
+            m_coreIdle = event.value;
+            break;
+        case EngineEvent::Kind::pausedForCache:
+            m_pausedForCache = event.value;
+            break;
+        case EngineEvent::Kind::ended:
+            closed();
+            m_ended = event.cause;
+            break;
+        }
+    }
 
     struct Outcome {
         TimeControlStatus status = TimeControlStatus::paused;
@@ -60,11 +89,39 @@ public:
         bool failed = false;
     };
     /// Draws the conclusions from what was taken since the last call.
-    [[nodiscard]] Outcome conclude();
+    [[nodiscard]] Outcome conclude() {
+        Outcome outcome;
+        outcome.ended = std::exchange(m_ended, std::nullopt);
+        outcome.failed = outcome.ended && m_sound == Sound::wanted;
+        outcome.status = status();
+        outcome.stalled = isNewStall(outcome.status);
+        return outcome;
+    }
 
 private:
-    [[nodiscard]] TimeControlStatus status() const;
-    [[nodiscard]] bool isNewStall(TimeControlStatus status);
+    [[nodiscard]] TimeControlStatus status() const {
+        if (m_sound == Sound::notWanted)
+            return TimeControlStatus::paused;
+        // Only from the restart on does `core-idle` speak of this stream; before, it may be of the last one.
+        if (m_loaded && m_restarted && !m_coreIdle)
+            return TimeControlStatus::playing;
+        return TimeControlStatus::waitingToPlayAtSpecifiedRate;
+    }
+    [[nodiscard]] bool isNewStall(TimeControlStatus status) {
+        if (!m_pausedForCache)
+            m_stallTold = false;
+        if (!m_pausedForCache || m_stallTold)
+            return false;
+        if (status == TimeControlStatus::paused) {
+            m_stallTold = true; // Nobody listens: not a stall, also not once somebody does.
+            return false;
+        }
+        // Never together with "playing": whoever is told would wait for another one, which does not come.
+        if (!m_restarted || status != TimeControlStatus::waitingToPlayAtSpecifiedRate)
+            return false;
+        m_stallTold = true;
+        return true;
+    }
 
     Sound m_sound = Sound::notWanted;
     bool m_open = false;

@@ -255,8 +255,7 @@ void MpvCore::deliver(const std::vector<EngineEvent>& events) {
         return;
     // Whoever is told may load, stop or end this core: nothing of it is touched afterwards.
     auto handler = m_handler;
-    if (std::any_of(events.begin(), events.end(),
-                    [](const EngineEvent& event) { return event.kind == EngineEvent::Kind::ended; })) {
+    if (std::ranges::find(events, EngineEvent::Kind::ended, &EngineEvent::kind) != events.end()) {
         m_handler = nullptr;
         m_entry.reset();
         m_startTimer.reset();

@@ -61,7 +61,7 @@ void MpvHandle::make(MainQueue& mainQueue, const Recipe& recipe, std::function<v
         mainQueue.async([ready, made = std::move(made)] { ready(made); });
     };
     if (!recipe.startThread([recipe, callbacks, post] { post(makeNow(recipe, callbacks)); }))
-        post(failure(QStringLiteral("No thread could be started for the audio engine")));
+        post(failure(u"No thread could be started for the audio engine"_qs));
 }
 
 MpvHandle::MpvHandle(std::shared_ptr<const MpvLibrary> library, mpv_handle* handle,
@@ -118,7 +118,7 @@ Result<std::shared_ptr<MpvHandle>> MpvHandle::makeNow(const Recipe& recipe,
         return failure(handle.error());
     if (const int result = recipe.streams->serve(*handle, (*library)->streamCbAddRo); result < 0) {
         (*library)->terminateDestroy(*handle);
-        return failure(QStringLiteral("libmpv does not take our streams: ") + (*library)->errorText(result));
+        return failure(u"libmpv does not take our streams: "_qs + (*library)->errorText(result));
     }
     (*library)->observeProperty(*handle, coreIdleId, "core-idle", MPV_FORMAT_FLAG);
     (*library)->observeProperty(*handle, pausedForCacheId, "paused-for-cache", MPV_FORMAT_FLAG);
@@ -144,10 +144,6 @@ void MpvHandle::setText(const char* property, const QString& value) {
     const auto bytes = value.toUtf8();
     const char* text = bytes.constData();
     m_library->setPropertyAsync(m_handle, 0, property, MPV_FORMAT_STRING, &text);
-}
-
-mpv_event* MpvHandle::nextEvent() {
-    return m_library->waitEvent(m_handle, 0);
 }
 
 } // namespace zofra

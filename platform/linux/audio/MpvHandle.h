@@ -48,7 +48,7 @@ public:
     void setNumber(const char* property, double value);
     void setText(const char* property, const QString& value);
     /// The next event; MPV_EVENT_NONE when there is none. Valid until the next call.
-    [[nodiscard]] mpv_event* nextEvent();
+    [[nodiscard]] mpv_event* nextEvent() { return m_library->waitEvent(m_handle, 0); }
 
     static constexpr std::uint64_t coreIdleId = 1;
     static constexpr std::uint64_t pausedForCacheId = 2;

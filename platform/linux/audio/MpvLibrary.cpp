@@ -33,8 +33,8 @@ Result<std::shared_ptr<const MpvLibrary>> MpvLibrary::load(const char* fileName)
     void* handle = ::dlopen(fileName, RTLD_LAZY | RTLD_LOCAL);
     if (!handle) {
         const char* reason = ::dlerror();
-        return failure(QStringLiteral("libmpv cannot be loaded: %1")
-                           .arg(reason ? QString::fromLocal8Bit(reason) : QString::fromLatin1(fileName)));
+        return failure(u"libmpv cannot be loaded: %1"_qs.arg(reason ? QString::fromLocal8Bit(reason)
+                                                                    : QString::fromLatin1(fileName)));
     }
     auto library = std::make_shared<MpvLibrary>();
     QString missing;
@@ -56,10 +56,10 @@ Result<std::shared_ptr<const MpvLibrary>> MpvLibrary::load(const char* fileName)
     find(library->errorString, "mpv_error_string");
     find(library->streamCbAddRo, "mpv_stream_cb_add_ro");
     if (!missing.isEmpty())
-        return failure(QStringLiteral("libmpv cannot be used: it has no %1").arg(missing));
+        return failure(u"libmpv cannot be used: it has no %1"_qs.arg(missing));
     const auto major = library->clientApiVersion() >> 16;
     if (major != MPV_CLIENT_API_VERSION >> 16)
-        return failure(QStringLiteral("libmpv cannot be used: its interface has version %1").arg(major));
+        return failure(u"libmpv cannot be used: its interface has version %1"_qs.arg(major));
     silenceWhatStandsBehind(handle);
     return library;
 }
@@ -67,20 +67,18 @@ Result<std::shared_ptr<const MpvLibrary>> MpvLibrary::load(const char* fileName)
 Result<mpv_handle*> MpvLibrary::start() const {
     mpv_handle* handle = create();
     if (!handle)
-        return failure(QStringLiteral("libmpv cannot be started"));
+        return failure(u"libmpv cannot be started"_qs);
     const auto failed = [&](const QString& what, int error) {
         terminateDestroy(handle);
-        return failure(what + QStringLiteral(": ") + errorText(error));
+        return failure(what + u": "_qs + errorText(error));
     };
     for (const auto& option : mpvOptions()) {
         const int result = setOptionString(handle, option.name, option.value.constData());
         if (result < 0 && option.need == MpvOption::Need::required)
-            return failed(QStringLiteral("libmpv does not take the option ") +
-                              QString::fromLatin1(option.name),
-                          result);
+            return failed(u"libmpv does not take the option "_qs + QString::fromLatin1(option.name), result);
     }
     if (const int result = initialize(handle); result < 0)
-        return failed(QStringLiteral("libmpv cannot be started"), result);
+        return failed(u"libmpv cannot be started"_qs, result);
     return handle;
 }
 

@@ -22,10 +22,6 @@ MpvStreamPlayer::MpvStreamPlayer(std::shared_ptr<AudioEngine> engine, std::share
     : m_engine(std::move(engine))
     , m_item(std::move(item)) {}
 
-MpvStreamPlayer::~MpvStreamPlayer() {
-    close();
-}
-
 void MpvStreamPlayer::play() {
     m_state.want(EngineState::Sound::wanted);
     m_pauseTimer.reset();
@@ -133,7 +129,7 @@ void MpvStreamPlayer::tellChanges() {
 
 void MpvStreamPlayer::connectionEnded(EndCause cause) {
     if (cause == EndCause::noAudioDevice)
-        m_engine->report(QStringLiteral("There is no audio device to play on"));
+        m_engine->report(u"There is no audio device to play on"_qs);
     m_pauseTimer.reset();
     m_silenceTimer.reset();
     m_engine->pacing.failed(m_item->url, takePlayedTime());

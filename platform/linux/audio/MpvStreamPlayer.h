@@ -16,7 +16,7 @@ namespace zofra {
 class MpvStreamPlayer final : public StreamPlayer {
 public:
     MpvStreamPlayer(std::shared_ptr<AudioEngine> engine, std::shared_ptr<StreamItem> item);
-    ~MpvStreamPlayer() override;
+    ~MpvStreamPlayer() override { close(); }
 
     void play() override;
     void pause() override;

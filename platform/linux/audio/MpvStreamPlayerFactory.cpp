@@ -5,7 +5,6 @@
 #include "platform/linux/audio/AudioEngine.h"
 #include "platform/linux/audio/MpvCore.h"
 #include "platform/linux/audio/MpvStreamPlayer.h"
-#include "platform/linux/net/UserAgent.h"
 
 #include <QRandomGenerator>
 

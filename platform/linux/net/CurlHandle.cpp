@@ -49,9 +49,9 @@ constexpr long keptAddressSeconds = 60;
 } // namespace
 
 CurlHandle::CurlHandle(const QUrl& url, const TrustedAuthorities& authorities, HttpRequest::Route route) {
-    const bool isSecure = url.scheme() == QLatin1String("https");
+    const bool isSecure = url.scheme() == u"https";
     if (!m_easy)
-        m_refusal = QStringLiteral("No request could be made.");
+        m_refusal = u"No request could be made."_qs;
     else if (isSecure)
         m_refusal = authorities.problem();
     if (m_refusal)
@@ -171,7 +171,7 @@ QString CurlHandle::errorText(CURLcode code) const {
     if (m_refusal)
         return *m_refusal;
     if (m_isDowngrade)
-        return QStringLiteral("A redirect leads from a secure address to an insecure one.");
+        return u"A redirect leads from a secure address to an insecure one."_qs;
     return oneLine(
         QString::fromUtf8(m_errorText.front() != '\0' ? m_errorText.data() : curl_easy_strerror(code)));
 }

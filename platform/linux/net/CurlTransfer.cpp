@@ -15,14 +15,13 @@ namespace {
 using Code = HttpError::Code;
 
 bool isToken(QByteArrayView name) {
-    return !name.isEmpty() && std::all_of(name.begin(), name.end(), [](char c) {
+    return !name.isEmpty() && std::ranges::all_of(name, [](char c) {
         return c > ' ' && c < 0x7f && !QByteArrayView("()<>@,;:\\\"/[]?={}").contains(c);
     });
 }
 
 bool isFieldValue(QByteArrayView value) {
-    return std::none_of(value.begin(), value.end(),
-                        [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
+    return std::ranges::none_of(value, [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
 }
 
 } // namespace
@@ -32,12 +31,12 @@ CurlTransfer::CurlTransfer(HttpRequest request, const TrustedAuthorities& author
     , m_handle(m_request.url, authorities, m_request.route) {
     const auto scheme = m_request.url.scheme();
     if (!m_request.url.isValid() || m_request.url.host().isEmpty() ||
-        (scheme != QLatin1String("http") && scheme != QLatin1String("https")))
-        m_refusal = {Code::unsupportedUrl, 0, QStringLiteral("The address is not one of the web.")};
+        (scheme != u"http" && scheme != u"https"))
+        m_refusal = {Code::unsupportedUrl, 0, u"The address is not one of the web."_qs};
     else if (const auto& refusal = m_handle.refusal())
         m_refusal = {easy() == nullptr ? Code::other : Code::secureConnectionFailed, 0, *refusal};
     else if (!isToken(m_request.method) || !setUpHeaders())
-        m_refusal = {Code::other, 0, QStringLiteral("The request's method or a header is malformed.")};
+        m_refusal = {Code::other, 0, u"The request's method or a header is malformed."_qs};
     if (m_refusal)
         return;
     setUpMethod();
@@ -104,7 +103,7 @@ void CurlTransfer::addHeader(const QByteArray& line) {
 }
 
 bool CurlTransfer::hasHeader(QByteArrayView name) const {
-    return std::any_of(m_request.headers.begin(), m_request.headers.end(), [name](const auto& header) {
+    return std::ranges::any_of(m_request.headers, [name](const auto& header) {
         return header.first.compare(name, Qt::CaseInsensitive) == 0;
     });
 }
@@ -118,10 +117,6 @@ std::size_t CurlTransfer::receiveBody(const char* bytes, std::size_t size) {
     if (!isOrder())
         m_body.append(bytes, static_cast<qsizetype>(size));
     return size;
-}
-
-HttpError CurlTransfer::cancelled() {
-    return {Code::cancelled, 0, QStringLiteral("The request has been cancelled.")};
 }
 
 HttpResult CurlTransfer::result(CURLcode code) {
@@ -138,7 +133,7 @@ HttpError CurlTransfer::error(CURLcode code) const {
     const int systemErrno = m_handle.connectErrno(code);
     const bool isTooLarge = m_isTooLarge || m_handle.hasRefusedHead();
     return {isTooLarge ? Code::tooLarge : errorCode(code, systemErrno), systemErrno,
-            isTooLarge ? QStringLiteral("The answer is larger than allowed.") : m_handle.errorText(code)};
+            isTooLarge ? u"The answer is larger than allowed."_qs : m_handle.errorText(code)};
 }
 
 HttpError::Code CurlTransfer::errorCode(CURLcode code, int systemErrno) const {

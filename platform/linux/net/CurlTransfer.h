@@ -25,7 +25,9 @@ public:
     [[nodiscard]] const std::stop_token& stop() const { return m_request.stop; }
     [[nodiscard]] CURL* easy() const { return m_handle.easy(); }
     [[nodiscard]] CurlHandle& handle() { return m_handle; }
-    [[nodiscard]] static HttpError cancelled();
+    [[nodiscard]] static HttpError cancelled() {
+        return {HttpError::Code::cancelled, 0, u"The request has been cancelled."_qs};
+    }
     /// What it came to, once libcurl is done with it.
     [[nodiscard]] HttpResult result(CURLcode code);
 

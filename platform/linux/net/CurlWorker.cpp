@@ -82,8 +82,7 @@ void CurlWorker::refuse(std::deque<Job> jobs) {
     QMetaObject::invokeMethod(
         QCoreApplication::instance(),
         [self = shared_from_this(), jobs = std::make_shared<std::deque<Job>>(std::move(jobs))] {
-            const HttpError reason{HttpError::Code::other, 0,
-                                   QStringLiteral("No thread could be started for requests.")};
+            const HttpError reason{HttpError::Code::other, 0, u"No thread could be started for requests."_qs};
             for (const auto& job : *jobs)
                 self->complete(job, failure(reason));
         },

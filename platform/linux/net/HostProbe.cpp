@@ -106,14 +106,14 @@ HostProbe HostProbe::run(const Request& request, const std::optional<QString>& e
     const bool isEnough = static_cast<std::size_t>(body.bytes.size()) >= body.enough;
     if (code == CURLE_OK || isEnough)
         return probe;
-    probe.failedAt = failedStep(code, probe, request.url.scheme() == QLatin1String("https"), wasConnected);
+    probe.failedAt = failedStep(code, probe, request.url.scheme() == u"https", wasConnected);
     // A name server that says no says it at once; the system's own patience with one that says nothing may be
     // shorter than ours.
     const bool nobodyKnew =
         probe.failedAt == Step::name && timeOf(easy, CURLINFO_TOTAL_TIME_T) > shortestNamePatience;
     probe.timedOut = code == CURLE_OPERATION_TIMEDOUT || nobodyKnew;
     probe.reason = handle.hasRefusedDowngrade()
-                       ? QStringLiteral("a redirect leads from a secure address to an insecure one")
+                       ? u"a redirect leads from a secure address to an insecure one"_qs
                        : handle.errorText(code);
     return probe;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/linux/net/UserAgent.h"
+#include "platform/linux/net/HttpStream.h"
 
 #include <QByteArray>
 #include <QString>

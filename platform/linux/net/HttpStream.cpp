@@ -24,6 +24,10 @@ constexpr qsizetype mostPending = 131'072;
 
 } // namespace
 
+QByteArray userAgent() {
+    return "ZofraZofra/" ZOFRA_VERSION;
+}
+
 /// The libcurl handles of one stream. All of it on the reader's thread, but for `cancel`.
 class HttpStream::Transfer {
 public:

@@ -12,6 +12,9 @@
 
 namespace zofra {
 
+/// What this program calls itself before the servers of streams: its name and version.
+[[nodiscard]] QByteArray userAgent();
+
 /// A stream without an end over HTTP, under the rules of `CurlHandle`, for a reader who waits for each next
 /// piece. What the reader does not take yet is left in the network, but for a bounded rest.
 class HttpStream {

@@ -19,7 +19,7 @@ bool isLocal(std::uint32_t address) {
     };
     constexpr std::array networks{Network{0x7f000000U, 8}, Network{0x0a000000U, 8}, Network{0xac100000U, 12},
                                   Network{0xc0a80000U, 16}, Network{0xa9fe0000U, 16}};
-    return std::any_of(networks.begin(), networks.end(), [address](const Network& network) {
+    return std::ranges::any_of(networks, [address](const Network& network) {
         return (address ^ network.address) >> (32 - network.length) == 0;
     });
 }
@@ -59,8 +59,7 @@ bool isLocalHost(const QString& host) {
     constexpr std::array homes{QLatin1String(".localhost"), QLatin1String(".local"),
                                QLatin1String(".lan"),       QLatin1String(".home"),
                                QLatin1String(".internal"),  QLatin1String(".home.arpa")};
-    return std::any_of(homes.begin(), homes.end(),
-                       [&name](QLatin1String home) { return name.endsWith(home); });
+    return std::ranges::any_of(homes, [&name](QLatin1String home) { return name.endsWith(home); });
 }
 
 } // namespace zofra

@@ -16,7 +16,7 @@ namespace zofra {
 namespace {
 
 bool hasHashedNames(const QString& directory) {
-    const auto name = QStringLiteral("[0-9a-f]").repeated(8) + QStringLiteral(".0");
+    const auto name = u"[0-9a-f]"_qs.repeated(8) + u".0"_qs;
     return !QDir(directory).entryList({name}, QDir::Files).isEmpty();
 }
 
@@ -44,14 +44,14 @@ Result<QByteArray> certificatesIn(const QByteArray& name) {
     constexpr qint64 mostBytes = 4'194'304;
     QFile file(QFile::decodeName(name));
     if (QFileInfo(file).exists() && !QFileInfo(file).isFile())
-        return failure(QStringLiteral("not a file"));
+        return failure(u"not a file"_qs);
     if (!file.open(QIODevice::ReadOnly))
         return failure(file.errorString());
     if (file.size() > mostBytes)
-        return failure(QStringLiteral("too large"));
+        return failure(u"too large"_qs);
     auto bytes = file.readAll();
     if (!bytes.contains("-----BEGIN "))
-        return failure(QStringLiteral("it holds none in PEM form"));
+        return failure(u"it holds none in PEM form"_qs);
     return bytes;
 }
 
@@ -82,8 +82,8 @@ std::optional<QString> TrustedAuthorities::problem() const {
     const auto certificates = certificatesIn(*extra);
     if (certificates)
         return std::nullopt;
-    const auto line = QStringLiteral("No certificate could be read from ") + QFile::decodeName(*extra) +
-                      QStringLiteral(": ") + certificates.error();
+    const auto line = u"No certificate could be read from "_qs + QFile::decodeName(*extra) + u": "_qs +
+                      certificates.error();
     static std::atomic<bool> isTold = false;
     if (!isTold.exchange(true))
         std::fprintf(stderr, "zofrazofra: %s\n", qUtf8Printable(line));

@@ -10,7 +10,6 @@
 #include <array>
 #include <poll.h>
 #include <utility>
-#include <variant>
 
 namespace zofra {
 
@@ -35,18 +34,12 @@ QByteArray randomBytes() {
     return {reinterpret_cast<const char*>(words.data()), sizeof words};
 }
 
-std::size_t sizeOf(const SocketMessage& message) {
-    return std::visit(
-        [](const auto& held) { return static_cast<std::size_t>(held.size()) * sizeof held.front(); },
-        message);
-}
-
 /// The same place, as libcurl knows it; empty when `url` is not one of a web socket.
 QUrl transportUrl(QUrl url) {
-    const bool isSecure = url.scheme() == QLatin1String("wss");
-    if (url.host().isEmpty() || (!isSecure && url.scheme() != QLatin1String("ws")))
+    const bool isSecure = url.scheme() == u"wss";
+    if (url.host().isEmpty() || (!isSecure && url.scheme() != u"ws"))
         return {};
-    url.setScheme(isSecure ? QStringLiteral("https") : QStringLiteral("http"));
+    url.setScheme(isSecure ? u"https"_qs : u"http"_qs);
     return url;
 }
 
@@ -57,12 +50,8 @@ WebSocketConnection::WebSocketConnection(QUrl url, WebSocketLimits limits)
     , m_limits(limits)
     , m_reader(limits.messageBytes)
     , m_bytes(limits.bytes)
-    , m_messages(limits.messages) {}
-
-void WebSocketConnection::silence() {
-    const std::scoped_lock lock(m_handlerMutex);
-    m_isSilenced = true;
-}
+    , m_messages(limits.messages)
+    , m_inbox(limits.waitingMessages, limits.waitingBytes) {}
 
 void WebSocketConnection::open(CurlWorker& worker) {
     if (m_state != State::idle)
@@ -71,7 +60,7 @@ void WebSocketConnection::open(CurlWorker& worker) {
     m_deadline = std::chrono::steady_clock::now() + m_limits.handshakeTime;
     const auto url = transportUrl(m_url);
     if (url.isEmpty())
-        return fail(QStringLiteral("The address is not one of a web socket."));
+        return fail(u"The address is not one of a web socket."_qs);
     m_handle.emplace(url, worker.authorities());
     if (const auto& refusal = m_handle->refusal())
         return fail(*refusal);
@@ -87,7 +76,7 @@ void WebSocketConnection::connected(CURLcode code) {
     if (m_state != State::connecting)
         return;
     if (code == CURLE_OPERATION_TIMEDOUT)
-        return fail(QStringLiteral("The connection could not be made in time."));
+        return fail(u"The connection could not be made in time."_qs);
     if (code != CURLE_OK)
         return fail(m_handle->errorText(code));
     m_isConnected = true;
@@ -98,7 +87,7 @@ void WebSocketConnection::connected(CURLcode code) {
 
 std::optional<WebSocketConnection::Wait> WebSocketConnection::step(TimePoint now) {
     if (m_state == State::connecting && now >= m_deadline)
-        fail(QStringLiteral("The connection could not be made in time."));
+        fail(u"The connection could not be made in time."_qs);
     if (m_state == State::ended || (m_state == State::closing && now >= m_deadline))
         return std::nullopt;
     if (!m_isConnected)
@@ -145,8 +134,7 @@ bool WebSocketConnection::readPiece() {
     if (code == CURLE_AGAIN)
         return false;
     if (code != CURLE_OK || count == 0) {
-        brokenOff(code == CURLE_OK ? QStringLiteral("The server has closed the connection.")
-                                   : m_handle->errorText(code));
+        brokenOff(code == CURLE_OK ? u"The server has closed the connection."_qs : m_handle->errorText(code));
         return false;
     }
     m_bytes.spend(static_cast<double>(count));
@@ -210,12 +198,10 @@ void WebSocketConnection::handle(WebSocketEvent event, TimePoint now) {
         return countFrame(now);
     case Kind::close:
         leave(event.closeCode == 1005 ? 1000 : event.closeCode);
-        return fail(QStringLiteral("The server has closed the connection (%1) %2")
-                        .arg(event.closeCode)
-                        .arg(event.text));
+        return fail(u"The server has closed the connection (%1) %2"_qs.arg(event.closeCode).arg(event.text));
     case Kind::violation:
         leave(event.closeCode);
-        return fail(QStringLiteral("The server has sent what it may not: ") + event.text);
+        return fail(u"The server has sent what it may not: "_qs + event.text);
     }
 }
 
@@ -228,26 +214,20 @@ void WebSocketConnection::countFrame(TimePoint now) {
     if (++m_frames <= m_limits.frames)
         return;
     leave(policyViolation);
-    fail(QStringLiteral("The server sends frames without end."));
+    fail(u"The server sends frames without end."_qs);
 }
 
 void WebSocketConnection::enqueue(SocketMessage message) {
-    const auto bytes = sizeOf(message);
-    if (m_waiting.size() >= m_limits.waitingMessages || m_waitingBytes + bytes > m_limits.waitingBytes) {
-        leave(policyViolation);
-        return fail(QStringLiteral("The server sends messages faster than they are read."));
-    }
     m_messages.spend(1);
-    m_waiting.push_back(std::move(message));
-    m_waitingBytes += bytes;
-    deliver();
+    if (m_inbox.put(std::move(message)))
+        return;
+    leave(policyViolation);
+    fail(u"The server sends messages faster than they are read."_qs);
 }
 
 void WebSocketConnection::fail(const QString& description) {
     leave(goingAway);
-    if (!m_failure)
-        m_failure = oneLine(description);
-    deliver();
+    m_inbox.end(oneLine(description));
 }
 
 /// Says good-bye where there is somebody to hear it, and lets go of the connection.
@@ -263,7 +243,7 @@ void WebSocketConnection::leave(std::uint16_t closeCode, const QByteArray& reaso
 
 void WebSocketConnection::close(std::uint16_t closeCode, const QByteArray& reason) {
     leave(closeCode, reason);
-    fail(QStringLiteral("The connection has been cancelled."));
+    fail(u"The connection has been cancelled."_qs);
 }
 
 void WebSocketConnection::write(WebSocketOpcode opcode, QByteArrayView payload) {
@@ -294,43 +274,16 @@ void WebSocketConnection::send(const SocketMessage& message,
                                const RadioMetadataSocket::SendHandler& handler) {
     Result<void> result;
     if (m_state != State::open) {
-        result = failure(QStringLiteral("The connection is not open."));
+        result = failure(u"The connection is not open."_qs);
     } else if (m_outputBytes + static_cast<qsizetype>(sizeOf(message)) > stuckBytes) {
-        result = failure(QStringLiteral("The server does not take what is sent."));
+        result = failure(u"The server does not take what is sent."_qs);
     } else if (const auto* text = std::get_if<QString>(&message)) {
         write(WebSocketOpcode::text, text->toUtf8());
     } else {
         write(WebSocketOpcode::binary, std::get<QByteArray>(message));
     }
     if (handler)
-        tell([&] { handler(result); });
-}
-
-void WebSocketConnection::receive(RadioMetadataSocket::ReceiveHandler handler) {
-    if (m_receiver)
-        return tell(
-            [&] { handler(failure(QStringLiteral("Another message is being waited for already."))); });
-    m_receiver = std::move(handler);
-    deliver();
-}
-
-void WebSocketConnection::deliver() {
-    if (!m_receiver || (m_waiting.empty() && !m_failure))
-        return;
-    const auto receiver = std::exchange(m_receiver, nullptr);
-    if (m_waiting.empty())
-        return tell([&] { receiver(failure(*m_failure)); });
-    auto message = std::move(m_waiting.front());
-    m_waiting.pop_front();
-    m_waitingBytes -= sizeOf(message);
-    tell([&] { receiver(std::move(message)); });
-}
-
-template<typename Call>
-void WebSocketConnection::tell(const Call& call) {
-    const std::scoped_lock lock(m_handlerMutex);
-    if (!m_isSilenced)
-        call();
+        m_inbox.tell([&] { handler(result); });
 }
 
 } // namespace zofra

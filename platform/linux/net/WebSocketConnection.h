@@ -4,6 +4,7 @@
 #include "platform/RadioMetadataSocket.h"
 #include "platform/linux/RateLimit.h"
 #include "platform/linux/net/CurlHandle.h"
+#include "platform/linux/net/SocketInbox.h"
 #include "platform/linux/net/WebSocketHandshake.h"
 #include "platform/linux/net/WebSocketWire.h"
 
@@ -16,8 +17,8 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
-#include <mutex>
 #include <optional>
+#include <utility>
 
 namespace zofra {
 
@@ -50,12 +51,12 @@ public:
 
     /// From now on no handler is called. Waits for one that is being called. Any thread, also from within a
     /// handler.
-    void silence();
+    void silence() { m_inbox.silence(); }
 
     // As the operations of RadioMetadataSocket; on the worker's thread, as all that follows.
     void open(CurlWorker& worker);
     void close(std::uint16_t closeCode = goingAway, const QByteArray& reason = {});
-    void receive(RadioMetadataSocket::ReceiveHandler handler);
+    void receive(SocketInbox::Handler handler) { m_inbox.receive(std::move(handler)); }
     void send(const SocketMessage& message, const RadioMetadataSocket::SendHandler& handler);
 
     using TimePoint = std::chrono::steady_clock::time_point;
@@ -91,9 +92,6 @@ private:
     void leave(std::uint16_t closeCode, const QByteArray& reason = {});
     void write(WebSocketOpcode opcode, QByteArrayView payload);
     void writePieces();
-    void deliver();
-    template<typename Call>
-    void tell(const Call& call);
 
     const QUrl m_url;
     const WebSocketLimits m_limits;
@@ -120,13 +118,7 @@ private:
     qsizetype m_sent = 0;
     qsizetype m_outputBytes = 0;
 
-    std::deque<SocketMessage> m_waiting;
-    std::size_t m_waitingBytes = 0;
-    std::optional<QString> m_failure;
-    RadioMetadataSocket::ReceiveHandler m_receiver;
-    /// Held while a handler is called; recursive, because a handler may end the socket.
-    std::recursive_mutex m_handlerMutex;
-    bool m_isSilenced = false;
+    SocketInbox m_inbox;
 };
 
 } // namespace zofra

@@ -32,7 +32,7 @@ bool hasToken(const std::optional<QByteArray>& value, const QByteArray& token) {
     if (!value)
         return false;
     const auto tokens = value->split(',');
-    return std::any_of(tokens.begin(), tokens.end(), [&token](const QByteArray& one) {
+    return std::ranges::any_of(tokens, [&token](const QByteArray& one) {
         return one.trimmed().compare(token, Qt::CaseInsensitive) == 0;
     });
 }
@@ -51,7 +51,7 @@ QByteArray target(const QUrl& url) {
 
 /// The three digits of a status line; empty when it is none.
 QByteArray statusOf(const QByteArray& head) {
-    static const QRegularExpression line(QStringLiteral(R"(^HTTP/1\.1 (\d{3})(?:[ \r\n]|$))"));
+    static const QRegularExpression line(uR"(^HTTP/1\.1 (\d{3})(?:[ \r\n]|$))"_qs);
     return line.match(QString::fromLatin1(head)).captured(1).toLatin1();
 }
 
@@ -85,7 +85,7 @@ std::optional<Result<QByteArray>> WebSocketHandshake::receive(const QByteArray& 
         const auto end = m_received.indexOf(endOfHead, m_searched);
         const auto earliestEnd = std::max(m_headStart, m_received.size() - endOfHead.size() + 1);
         if ((end < 0 ? earliestEnd : end) > maxAnswerBytes)
-            return failure(QStringLiteral("The server's answer is too long."));
+            return failure(u"The server's answer is too long."_qs);
         if (end < 0) {
             m_searched = earliestEnd;
             return std::nullopt;
@@ -102,17 +102,17 @@ Result<void> WebSocketHandshake::check(const QByteArray& head) const {
     const auto lines = head.split('\n');
     const auto status = statusOf(head);
     if (status.isEmpty())
-        return failure(QStringLiteral("The server does not speak HTTP."));
+        return failure(u"The server does not speak HTTP."_qs);
     if (status != "101")
-        return failure(QStringLiteral("The server answered with status ") + QString::fromLatin1(status) +
-                       QStringLiteral(" instead of opening a web socket."));
+        return failure(u"The server answered with status "_qs + QString::fromLatin1(status) +
+                       u" instead of opening a web socket."_qs);
     // Neither extensions nor sub-protocols were offered, so none may be chosen.
     if (!hasToken(headerValue(lines, "Upgrade"), "websocket") ||
         !hasToken(headerValue(lines, "Connection"), "upgrade") ||
         headerValue(lines, "Sec-WebSocket-Accept") != acceptFor(m_key) ||
         !headerValue(lines, "Sec-WebSocket-Extensions").value_or(QByteArray()).isEmpty() ||
         headerValue(lines, "Sec-WebSocket-Protocol").has_value())
-        return failure(QStringLiteral("The server's answer does not open a web socket."));
+        return failure(u"The server's answer does not open a web socket."_qs);
     return {};
 }
 

@@ -87,13 +87,13 @@ bool WebSocketReader::readHeader(QByteArrayView& input) {
 
 std::optional<WebSocketEvent> WebSocketReader::checkHeader() {
     if ((headerByte(0) & 0x70U) != 0)
-        return violation(protocolError, QStringLiteral("reserved bits are set"));
+        return violation(protocolError, u"reserved bits are set"_qs);
     if ((headerByte(1) & 0x80U) != 0)
-        return violation(protocolError, QStringLiteral("a frame of the server is masked"));
+        return violation(protocolError, u"a frame of the server is masked"_qs);
     // The shortest form is the only one, and the top bit of the longest is no part of the number.
     if ((m_header.size() == 4 && m_left < 126) ||
         (m_header.size() == 10 && (m_left <= 0xffff || m_left >> 63 != 0)))
-        return violation(protocolError, QStringLiteral("a length is malformed"));
+        return violation(protocolError, u"a length is malformed"_qs);
     switch (opcode()) {
     case Opcode::continuation:
     case Opcode::text:
@@ -103,20 +103,20 @@ std::optional<WebSocketEvent> WebSocketReader::checkHeader() {
     case Opcode::ping:
     case Opcode::pong:
         if (!isFinal() || m_left > maxControlBytes)
-            return violation(protocolError, QStringLiteral("a control frame is too long or in parts"));
+            return violation(protocolError, u"a control frame is too long or in parts"_qs);
         return std::nullopt;
     }
-    return violation(protocolError, QStringLiteral("a frame is of an unknown kind"));
+    return violation(protocolError, u"a frame is of an unknown kind"_qs);
 }
 
 std::optional<WebSocketEvent> WebSocketReader::checkDataFrame() {
     const bool continues = opcode() == Opcode::continuation;
     if (continues != m_messageOpcode.has_value())
-        return violation(protocolError, QStringLiteral("the parts of a message do not fit together"));
+        return violation(protocolError, u"the parts of a message do not fit together"_qs);
     if (!continues)
         m_messageOpcode = opcode();
     if (m_left > m_maxMessageBytes - static_cast<std::size_t>(m_message.size()))
-        return violation(messageTooBig, QStringLiteral("a message is too long"));
+        return violation(messageTooBig, u"a message is too long"_qs);
     return std::nullopt;
 }
 
@@ -141,7 +141,7 @@ WebSocketEvent WebSocketReader::endMessage() {
         return {WebSocketEvent::Kind::binary, {}, std::move(bytes)};
     auto text = strictUtf8(bytes);
     if (!text)
-        return violation(invalidPayload, QStringLiteral("a text is not valid UTF-8"));
+        return violation(invalidPayload, u"a text is not valid UTF-8"_qs);
     return {WebSocketEvent::Kind::text, *std::move(text), {}};
 }
 
@@ -152,10 +152,10 @@ WebSocketEvent WebSocketReader::endClose() {
         return {WebSocketEvent::Kind::close, {}, {}, noCodeGiven};
     const auto closeCode = payload.size() >= 2 ? qFromBigEndian<quint16>(payload.constData()) : quint16{0};
     if (!mayBeSent(closeCode))
-        return violation(protocolError, QStringLiteral("a close frame is malformed"));
+        return violation(protocolError, u"a close frame is malformed"_qs);
     const auto reason = strictUtf8(QByteArrayView(payload).sliced(2));
     if (!reason)
-        return violation(invalidPayload, QStringLiteral("the reason of a close is not valid UTF-8"));
+        return violation(invalidPayload, u"the reason of a close is not valid UTF-8"_qs);
     return {WebSocketEvent::Kind::close, *reason, {}, closeCode};
 }
 
