@@ -30,7 +30,7 @@ bool turnsDirection(QChar c) {
 }
 
 QString replaced(QString text, bool (*isMeant)(QChar), QChar replacement) {
-    std::replace_if(text.begin(), text.end(), isMeant, replacement);
+    std::ranges::replace_if(text, isMeant, replacement);
     return text;
 }
 
@@ -51,7 +51,7 @@ QString hexadecimal(QChar c, int width) {
 /// The escape that every language has for `c`; empty when there is none.
 QString commonEscape(QChar c) {
     const auto place = QStringView(u"\n\r\t").indexOf(c);
-    return place < 0 ? QString() : QStringLiteral("\\") + QStringView(u"nrt")[place];
+    return place < 0 ? QString() : u"\\"_qs + QStringView(u"nrt")[place];
 }
 
 QString visible(QChar c) {
@@ -59,19 +59,17 @@ QString visible(QChar c) {
         return c;
     if (auto escape = commonEscape(c); !escape.isEmpty())
         return escape;
-    return isControl(c) ? QStringLiteral("\\x") + hexadecimal(c, 2)
-                        : QStringLiteral("\\u") + hexadecimal(c, 4);
+    return isControl(c) ? u"\\x"_qs + hexadecimal(c, 2) : u"\\u"_qs + hexadecimal(c, 4);
 }
 
 QString quotable(QChar c) {
     if (auto escape = commonEscape(c); !escape.isEmpty())
         return escape;
     if (c.isNull())
-        return QStringLiteral("\\0");
+        return u"\\0"_qs;
     if (c == u'\\' || c == u'"' || c == u'\'')
-        return QStringLiteral("\\") + c;
-    return c < u' ' || c == QChar(0x7F) ? QStringLiteral("\\u{") + hexadecimal(c, 2).toUpper() + u'}'
-                                        : QString(c);
+        return u"\\"_qs + c;
+    return c < u' ' || c == QChar(0x7F) ? u"\\u{"_qs + hexadecimal(c, 2).toUpper() + u'}' : QString(c);
 }
 
 /// The closing characters that are missing in `text`, in the right order.
@@ -93,7 +91,7 @@ QString missingClosers(const QString& text) {
             stack.append(c < closesIsolate && c >= QChar(0x2066) ? closesIsolate : closesEmbedding);
         }
     }
-    std::reverse(stack.begin(), stack.end());
+    std::ranges::reverse(stack);
     return stack;
 }
 
@@ -145,12 +143,12 @@ QString quotedList(const QStringList& texts) {
             quoted += quotable(c);
         all += quoted + u'"';
     }
-    return u'[' + all.join(QStringLiteral(", ")) + u']';
+    return u'[' + all.join(u", "_qs) + u']';
 }
 
 QString withoutLineBreaks(QString text) {
-    static const QRegularExpression breaks(QStringLiteral("[\\n\\r\\v\\f\\x{0085}\\x{2028}\\x{2029}]+"));
-    return text.replace(breaks, QStringLiteral(" "));
+    static const QRegularExpression breaks(u"[\\n\\r\\v\\f\\x{0085}\\x{2028}\\x{2029}]+"_qs);
+    return text.replace(breaks, u" "_qs);
 }
 
 QString shownLine(const QString& text, int maxCharacters) {
@@ -194,7 +192,7 @@ QString menuText(const QString& text) {
 
 QString toolTipText(const QString& text) {
     // A tool tip guesses whether it was given markup; given escaped markup it has nothing to guess.
-    return QStringLiteral("<p>") + displayText(text).toHtmlEscaped() + QStringLiteral("</p>");
+    return u"<p>"_qs + displayText(text).toHtmlEscaped() + u"</p>"_qs;
 }
 
 } // namespace zofra

@@ -26,9 +26,9 @@ struct HttpRequest {
     enum class Route { environment, direct };
 
     QByteArray method = "GET";
-    QUrl url;
-    std::vector<std::pair<QByteArray, QByteArray>> headers;
-    QByteArray body;
+    QUrl url{};
+    std::vector<std::pair<QByteArray, QByteArray>> headers{};
+    QByteArray body{};
     /// For the whole request, from start to last byte.
     std::chrono::milliseconds timeout{60000};
     CachePolicy cachePolicy = CachePolicy::useProtocol;

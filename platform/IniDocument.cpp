@@ -94,7 +94,7 @@ bool startsJson(QByteArrayView text) {
 
 bool isText(const QByteArray& line) {
     const bool hasControl =
-        std::any_of(line.begin(), line.end(), [](char c) { return isControl(c) && c != '\t' && c != '\r'; });
+        std::ranges::any_of(line, [](char c) { return isControl(c) && c != '\t' && c != '\r'; });
     // A comment in an older encoding is a person's all the same.
     const auto start = line.trimmed();
     return !hasControl && line.size() <= IniDocument::maxLineBytes &&
@@ -149,7 +149,7 @@ QByteArrayView withoutIniComment(QByteArrayView line) {
 }
 
 QByteArray encodedIniValue(const QByteArray& value) {
-    if (std::none_of(value.begin(), value.end(), isControl) && decodedIniValue(value) == value &&
+    if (std::ranges::none_of(value, isControl) && decodedIniValue(value) == value &&
         QString::fromUtf8(value).toUtf8() == value)
         return value;
     return quoted(value);
@@ -255,7 +255,7 @@ QByteArray IniDocument::bytes() const {
 }
 
 bool IniDocument::isDamaged() const {
-    return std::any_of(m_lines.begin(), m_lines.end(), [](const Line& line) { return !isText(line.text); });
+    return std::ranges::any_of(m_lines, [](const Line& line) { return !isText(line.text); });
 }
 
 void IniDocument::dropDamage() {

@@ -21,31 +21,27 @@ struct MenuItem {
     enum class CheckState { none, off, on };
 
     Kind kind = Kind::action;
-    QString title;
+    QString title{};
     bool isEnabled = true;
     CheckState state = CheckState::none;
     /// A name of the program's own drawings, for example "play.fill"; empty for none.
-    QString iconName;
+    QString iconName{};
     /// What the icon says to those who do not see it.
-    QString iconDescription;
-    QString toolTip;
+    QString iconDescription{};
+    QString toolTip{};
     /// A letter that chooses the item together with the platform's command key; empty for none.
-    QString keyEquivalent;
-    Menu submenu;
+    QString keyEquivalent{};
+    Menu submenu{};
     /// The value that the item stands for; empty for most items.
-    std::any representedObject;
+    std::any representedObject{};
     /// Called with the item itself. Empty where choosing does nothing.
-    std::function<void(const MenuItem& sender)> action;
+    std::function<void(const MenuItem& sender)> action{};
     /// Name of the action, for records and tests; empty where there is none.
-    QString actionName;
+    QString actionName{};
     /// Tells items of the same title and action apart, for example by a room's id; empty for most items.
-    QString identity;
+    QString identity{};
 
-    [[nodiscard]] static MenuItem separator() {
-        MenuItem item;
-        item.kind = Kind::separator;
-        return item;
-    }
+    [[nodiscard]] static MenuItem separator() { return {.kind = Kind::separator}; }
     [[nodiscard]] bool isSeparator() const { return kind == Kind::separator; }
 };
 

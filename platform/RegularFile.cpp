@@ -16,9 +16,9 @@ Result<std::optional<QByteArray>> readRegularFile(const QString& path, qint64 ma
     if (error)
         return failure(QString::fromStdString(error.message()));
     if (status.type() == std::filesystem::file_type::directory)
-        return failure(QStringLiteral("Is a directory"));
+        return failure(u"Is a directory"_qs);
     if (status.type() != std::filesystem::file_type::regular)
-        return failure(QStringLiteral("Not a regular file"));
+        return failure(u"Not a regular file"_qs);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return failure(file.errorString());

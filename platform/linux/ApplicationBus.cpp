@@ -17,28 +17,27 @@ using dbus::Answer;
 
 constexpr auto* standardInterface = "org.freedesktop.Application";
 constexpr auto* programInterface = ApplicationBus::ownInterfaceName.data();
-const auto startupIdKey = QStringLiteral("desktop-startup-id");
-const auto tokenKey = QStringLiteral("activation-token");
+const auto startupIdKey = u"desktop-startup-id"_qs;
+const auto tokenKey = u"activation-token"_qs;
 constexpr auto answerLimit = std::chrono::seconds(5);
 
 /// A call of the running program.
 QDBusMessage callOf(const char* interface, const char* method, const QVariantList& arguments) {
-    auto message = dbus::methodCall(ApplicationBus::name.data(), ApplicationBus::path.data(), interface,
-                                    method, arguments);
+    auto message = dbus::methodCall(ApplicationBus::name, ApplicationBus::path, interface, method, arguments);
     // It is running or it is not; starting it is not what was asked for.
     message.setAutoStartService(false);
     return message;
 }
 
 Answer notOffered() {
-    return dbus::refused("NotSupported", QStringLiteral("The program does not offer this now"));
+    return dbus::refused("NotSupported", u"The program does not offer this now"_qs);
 }
 
 /// More than any request of ours, or of a desktop, has.
 constexpr int mostEntries = 64;
 
 Answer tooMuch() {
-    return dbus::refused("LimitsExceeded", QStringLiteral("No request has as much as that"));
+    return dbus::refused("LimitsExceeded", u"No request has as much as that"_qs);
 }
 
 std::optional<Activation> activationFrom(const QVariant& platformData) {
@@ -167,9 +166,7 @@ dbus::Interface ApplicationBus::applicationInterface() {
     return {standardInterface,
             {{"Activate", "platform_data:a{sv}", "", activate},
              {"Open", "uris:as platform_data:a{sv}", "", open},
-             {"ActivateAction", "action_name:s parameter:av platform_data:a{sv}", "", action}},
-            {},
-            {}};
+             {"ActivateAction", "action_name:s parameter:av platform_data:a{sv}", "", action}}};
 }
 
 dbus::Interface ApplicationBus::ownInterface() {
@@ -179,14 +176,13 @@ dbus::Interface ApplicationBus::ownInterface() {
             return tooMuch();
         if (!onRun)
             return notOffered();
-        // What an act starts costs more than the call.
-        if (!m_acts.take(std::chrono::steady_clock::now()))
-            return dbus::refused("LimitsExceeded", QStringLiteral("Too many acts at once"));
-        const auto reply = onRun(*options);
-        return Answer{{reply.exitStatus, reply.line}, {}, {}};
+        return dbus::withinLimit(m_acts, [&] {
+            const auto reply = onRun(*options);
+            return Answer{{reply.exitStatus, reply.line}};
+        });
     };
     const auto status = [this](const QVariantList&) {
-        return onStatus ? Answer{{onStatus()}, {}, {}} : notOffered();
+        return onStatus ? Answer{{onStatus()}} : notOffered();
     };
     return {programInterface,
             {{"Run", "options:a{sv}", "exit_status:i line:s", run}, {"Status", "", "json:s", status}},

@@ -2,6 +2,7 @@
 #include "platform/linux/DBusCalls.h"
 
 #include <QDBusPendingCallWatcher>
+#include <QDBusVariant>
 
 #include <algorithm>
 #include <cstdint>
@@ -32,12 +33,24 @@ NameRequest outcome(const QDBusMessage& reply) {
 
 } // namespace
 
-QDBusMessage methodCall(const char* service, const char* path, const char* interface, const char* method,
-                        const QVariantList& arguments) {
-    auto call = QDBusMessage::createMethodCall(QLatin1String(service), QLatin1String(path),
-                                               QLatin1String(interface), QLatin1String(method));
+QDBusMessage methodCall(QAnyStringView service, QAnyStringView path, QAnyStringView interface,
+                        QAnyStringView method, const QVariantList& arguments) {
+    auto call = QDBusMessage::createMethodCall(service.toString(), path.toString(), interface.toString(),
+                                               method.toString());
     call.setArguments(arguments);
     return call;
+}
+
+QDBusMessage propertyCall(QAnyStringView service, QAnyStringView path, QAnyStringView interface,
+                          QAnyStringView property) {
+    return methodCall(service, path, "org.freedesktop.DBus.Properties", "Get",
+                      {interface.toString(), property.toString()});
+}
+
+QVariant propertyIn(const QDBusMessage& reply) {
+    return reply.type() == QDBusMessage::ReplyMessage
+               ? qvariant_cast<QDBusVariant>(reply.arguments().value(0)).variant()
+               : QVariant();
 }
 
 QDBusMessage busCall(const char* method, const QVariantList& arguments) {

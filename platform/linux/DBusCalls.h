@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QAnyStringView>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QObject>
@@ -13,8 +14,12 @@
 namespace zofra::dbus {
 
 /// A call of a method.
-[[nodiscard]] QDBusMessage methodCall(const char* service, const char* path, const char* interface,
-                                      const char* method, const QVariantList& arguments = {});
+[[nodiscard]] QDBusMessage methodCall(QAnyStringView service, QAnyStringView path, QAnyStringView interface,
+                                      QAnyStringView method, const QVariantList& arguments = {});
+/// A question for a property's value, and what its answer says; invalid when that is an error.
+[[nodiscard]] QDBusMessage propertyCall(QAnyStringView service, QAnyStringView path, QAnyStringView interface,
+                                        QAnyStringView property);
+[[nodiscard]] QVariant propertyIn(const QDBusMessage& reply);
 /// A call of the bus itself.
 [[nodiscard]] QDBusMessage busCall(const char* method, const QVariantList& arguments = {});
 

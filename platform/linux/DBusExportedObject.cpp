@@ -5,7 +5,6 @@
 #include <QDBusVariant>
 #include <QPointer>
 #include <QStringList>
-#include <QVariantMap>
 
 #include <algorithm>
 #include <chrono>
@@ -31,13 +30,9 @@ std::chrono::duration<double> processorTime() {
     return std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec);
 }
 
-bool isNamed(const char* name, const QString& wanted) {
-    return wanted == QLatin1String(name);
-}
-
 /// The interfaces that a caller means by this name; an empty one means all.
 bool isMeant(const Interface& interface, const QString& name) {
-    return name.isEmpty() || isNamed(interface.name, name);
+    return name.isEmpty() || name == QLatin1String(interface.name);
 }
 
 /// The first of the members with this name; null where there is none.
@@ -46,7 +41,7 @@ const Member* find(const std::vector<Interface>& interfaces, std::vector<Member>
                    const QString& interface, const QString& name) {
     for (const auto& one : interfaces) {
         for (const auto& member : one.*members) {
-            if (isMeant(one, interface) && isNamed(member.name, name))
+            if (isMeant(one, interface) && name == QLatin1String(member.name))
                 return &member;
         }
     }
@@ -55,8 +50,8 @@ const Member* find(const std::vector<Interface>& interfaces, std::vector<Member>
 
 QList<QStringList> argumentsOf(const char* text) {
     QList<QStringList> arguments;
-    for (const QString& one : QString::fromLatin1(text).split(QLatin1Char(' '), Qt::SkipEmptyParts))
-        arguments.append(one.split(QLatin1Char(':')));
+    for (const QString& one : QString::fromLatin1(text).split(u' ', Qt::SkipEmptyParts))
+        arguments.append(one.split(u':'));
     return arguments;
 }
 
@@ -72,58 +67,45 @@ QString signatureOf(const QVariant& value) {
 }
 
 Answer wrongTypes(const QString& what, const QString& wanted, const QString& given) {
-    return refused("InvalidArgs", QStringLiteral("%1 takes \"%2\", not \"%3\"").arg(what, wanted, given));
+    return refused("InvalidArgs", u"%1 takes \"%2\", not \"%3\""_qs.arg(what, wanted, given));
 }
 
 Answer unknown(const char* kind, const QString& name) {
     return refused((QByteArray("Unknown") + kind).constData(),
-                   QStringLiteral("There is no %1 \"%2\" here")
-                       .arg(QString::fromLatin1(kind).toLower(), name.left(quotedCharacters)));
+                   u"There is no %1 \"%2\" here"_qs.arg(QString::fromLatin1(kind).toLower(),
+                                                        name.left(quotedCharacters)));
 }
 
 // Only constants of this program are written here, so nothing has to be escaped.
-QString argumentsXml(const char* arguments, const char* direction) {
+QString argumentsXml(const char* arguments, const QString& direction = {}) {
     QString xml;
-    for (const QStringList& argument : argumentsOf(arguments)) {
-        xml += QStringLiteral("      <arg name=\"%1\" type=\"%2\"").arg(argument.first(), argument.last());
-        if (direction)
-            xml += QStringLiteral(" direction=\"%1\"").arg(QLatin1String(direction));
-        xml += QStringLiteral("/>\n");
-    }
+    for (const QStringList& argument : argumentsOf(arguments))
+        xml +=
+            u"      <arg name=\"%1\" type=\"%2\"%3/>\n"_qs.arg(argument.first(), argument.last(), direction);
     return xml;
 }
 
 QString memberXml(const char* kind, const char* name, const QString& arguments) {
-    return QStringLiteral("    <%1 name=\"%2\">\n%3    </%1>\n")
-        .arg(QLatin1String(kind), QLatin1String(name), arguments);
+    return u"    <%1 name=\"%2\">\n%3    </%1>\n"_qs.arg(QLatin1String(kind), QLatin1String(name), arguments);
 }
 
 QString propertyXml(const Property& property) {
-    const auto xml = QStringLiteral("    <property name=\"%1\" type=\"%2\" access=\"%3\"")
-                         .arg(QLatin1String(property.name), QLatin1String(property.signature),
-                              property.set ? QStringLiteral("readwrite") : QStringLiteral("read"));
+    const auto xml = u"    <property name=\"%1\" type=\"%2\" access=\"%3\""_qs.arg(
+        QLatin1String(property.name), QLatin1String(property.signature),
+        property.set ? u"readwrite"_qs : u"read"_qs);
     if (property.changes == Property::Changes::areTold)
-        return xml + QStringLiteral("/>\n");
-    const auto emits =
-        property.changes == Property::Changes::never ? QStringLiteral("const") : QStringLiteral("false");
-    return xml +
-           QStringLiteral(">\n      <annotation name=\"org.freedesktop.DBus.Property.EmitsChangedSignal\" "
-                          "value=\"%1\"/>\n    </property>\n")
-               .arg(emits);
+        return xml + u"/>\n"_qs;
+    const auto emits = property.changes == Property::Changes::never ? u"const"_qs : u"false"_qs;
+    return xml + u">\n      <annotation name=\"org.freedesktop.DBus.Property.EmitsChangedSignal\" "
+                 u"value=\"%1\"/>\n    </property>\n"_qs.arg(emits);
 }
 
 } // namespace
 
-Error error(const char* name, const QString& text) {
-    return {QStringLiteral("org.freedesktop.DBus.Error.") + QLatin1String(name), text};
-}
-
-Answer refused(const char* name, const QString& text) {
-    return {{}, error(name, text), {}};
-}
-
-Property constant(const char* name, const char* signature, const QVariant& value) {
-    return {name, signature, [value] { return value; }, Property::Changes::never};
+Answer withinLimit(RateLimit& acts, const std::function<Answer()>& act) {
+    return acts.take(std::chrono::steady_clock::now())
+               ? act()
+               : refused("LimitsExceeded", u"Too many acts at once"_qs);
 }
 
 ExportedObject::ExportedObject(QString path, std::vector<Interface> interfaces)
@@ -144,21 +126,19 @@ bool ExportedObject::exportOn(const QDBusConnection& connection) {
     return m_connection->registerVirtualObject(m_path, this);
 }
 
-void ExportedObject::connectionLost() {
-    m_connection.reset();
-}
-
 void ExportedObject::replaceInterfaces(std::vector<Interface> interfaces) {
     m_interfaces = std::move(interfaces);
     m_told = toldValues();
 }
 
-std::vector<std::vector<QVariant>> ExportedObject::toldValues() const {
-    std::vector<std::vector<QVariant>> values;
+std::vector<QVariantMap> ExportedObject::toldValues() const {
+    std::vector<QVariantMap> values;
     for (const auto& interface : m_interfaces) {
         auto& told = values.emplace_back();
-        for (const auto& property : interface.properties)
-            told.push_back(property.changes == Property::Changes::areTold ? property.get() : QVariant());
+        for (const auto& property : interface.properties) {
+            if (property.changes == Property::Changes::areTold)
+                told.insert(QLatin1String(property.name), property.get());
+        }
     }
     return values;
 }
@@ -166,18 +146,14 @@ std::vector<std::vector<QVariant>> ExportedObject::toldValues() const {
 void ExportedObject::tellChangedProperties() {
     if (!m_connection)
         return;
-    auto values = toldValues();
+    const auto before = std::exchange(m_told, toldValues());
     for (std::size_t i = 0; i < m_interfaces.size(); ++i) {
-        QVariantMap changed;
-        for (std::size_t j = 0; j < values[i].size(); ++j) {
-            if (values[i][j] != m_told[i][j])
-                changed.insert(QLatin1String(m_interfaces[i].properties[j].name), values[i][j]);
-        }
+        QVariantMap changed = m_told[i];
+        changed.removeIf([&](auto told) { return before[i].value(told.key()) == told.value(); });
         if (!changed.isEmpty())
             send(propertiesInterface.data(), "PropertiesChanged",
                  {QString::fromLatin1(m_interfaces[i].name), changed, QStringList()});
     }
-    m_told = std::move(values);
 }
 
 void ExportedObject::send(const char* interface, const char* signal, const QVariantList& arguments) const {
@@ -194,24 +170,25 @@ QString ExportedObject::introspect(const QString& path) const {
         return {};
     QString xml;
     for (const auto& interface : m_interfaces) {
-        xml += QStringLiteral("  <interface name=\"%1\">\n").arg(QLatin1String(interface.name));
+        xml += u"  <interface name=\"%1\">\n"_qs.arg(QLatin1String(interface.name));
         for (const auto& method : interface.methods)
             xml += memberXml("method", method.name,
-                             argumentsXml(method.in, "in") + argumentsXml(method.out, "out"));
+                             argumentsXml(method.in, u" direction=\"in\""_qs) +
+                                 argumentsXml(method.out, u" direction=\"out\""_qs));
         for (const auto& signal : interface.signalList)
-            xml += memberXml("signal", signal.name, argumentsXml(signal.arguments, nullptr));
+            xml += memberXml("signal", signal.name, argumentsXml(signal.arguments));
         for (const auto& property : interface.properties)
             xml += propertyXml(property);
-        xml += QStringLiteral("  </interface>\n");
+        xml += u"  </interface>\n"_qs;
     }
     return xml;
 }
 
 bool ExportedObject::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
     // The library describes objects itself, with our introspect() as a part.
-    const bool isStandard = message.interface().startsWith(QLatin1String("org.freedesktop.DBus."));
+    const bool isStandard = message.interface().startsWith(u"org.freedesktop.DBus.");
     if ((isStandard && message.interface() != propertiesInterface) ||
-        (message.interface().isEmpty() && message.member() == QLatin1String("Introspect")))
+        (message.interface().isEmpty() && message.member() == u"Introspect"))
         return false;
     // A handler may end this object: nothing of it is touched afterwards.
     const auto result = answerWithin(message);
@@ -234,7 +211,7 @@ Answer ExportedObject::answerWithin(const QDBusMessage& message) {
         caller = m_callers.insert(message.service(), CallBudget(ofOne));
     // What is refused to one does not count against the others.
     if (!caller->take(now) || !m_all.take(now))
-        return refused("LimitsExceeded", QStringLiteral("Too many calls at once"));
+        return refused("LimitsExceeded", u"Too many calls at once"_qs);
     // The handler may end this object; then nobody counts any more.
     const QPointer<ExportedObject> alive(this);
     const auto before = processorTime();
@@ -275,19 +252,18 @@ Answer ExportedObject::answer(const QDBusMessage& message) const {
 Answer ExportedObject::answerProperties(const QDBusMessage& message) const {
     const auto arguments = message.arguments();
     const auto member = message.member();
-    const QString wanted = member == QLatin1String("Get")      ? QStringLiteral("ss")
-                           : member == QLatin1String("GetAll") ? QStringLiteral("s")
-                           : member == QLatin1String("Set")    ? QStringLiteral("ssv")
-                                                               : QString();
+    const QString wanted = member == u"Get"      ? u"ss"_qs
+                           : member == u"GetAll" ? u"s"_qs
+                           : member == u"Set"    ? u"ssv"_qs
+                                                 : QString();
     if (wanted.isEmpty())
         return unknown("Method", member);
     if (message.signature() != wanted)
         return wrongTypes(member, wanted, message.signature());
     const QString interface = arguments[0].toString();
-    if (std::none_of(m_interfaces.begin(), m_interfaces.end(),
-                     [&](const Interface& one) { return isMeant(one, interface); }))
+    if (std::ranges::none_of(m_interfaces, [&](const Interface& one) { return isMeant(one, interface); }))
         return unknown("Interface", interface);
-    if (member == QLatin1String("GetAll")) {
+    if (member == u"GetAll") {
         QVariantMap all;
         for (const auto& one : m_interfaces) {
             for (const auto& property : one.properties) {
@@ -295,19 +271,19 @@ Answer ExportedObject::answerProperties(const QDBusMessage& message) const {
                     all.insert(QLatin1String(property.name), property.get());
             }
         }
-        return {{all}, {}, {}};
+        return {{all}};
     }
     const auto* property = find(m_interfaces, &Interface::properties, interface, arguments[1].toString());
     if (!property)
         return unknown("Property", arguments[1].toString());
-    if (member == QLatin1String("Get"))
-        return {{QVariant::fromValue(QDBusVariant(property->get()))}, {}, {}};
+    if (member == u"Get")
+        return {{QVariant::fromValue(QDBusVariant(property->get()))}};
 
     const QString name = QString::fromLatin1(property->name);
     if (!property->set)
-        return refused("PropertyReadOnly", QStringLiteral("%1 can only be read").arg(name));
+        return refused("PropertyReadOnly", u"%1 can only be read"_qs.arg(name));
     const auto value = qvariant_cast<QDBusVariant>(arguments[2]).variant();
-    if (!isNamed(property->signature, signatureOf(value)))
+    if (signatureOf(value) != QLatin1String(property->signature))
         return wrongTypes(name, QString::fromLatin1(property->signature), signatureOf(value));
     const auto set = property->set;
     return {{}, set(value), {}};

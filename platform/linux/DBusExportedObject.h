@@ -10,6 +10,7 @@
 #include <QHash>
 #include <QString>
 #include <QVariant>
+#include <QVariantMap>
 
 #include <chrono>
 #include <functional>
@@ -23,15 +24,21 @@ struct Error {
     QString text;
 };
 /// One of the errors that the bus itself knows, `name` without their common prefix.
-[[nodiscard]] Error error(const char* name, const QString& text);
+[[nodiscard]] inline Error error(const char* name, const QString& text) {
+    return {u"org.freedesktop.DBus.Error."_qs + QLatin1String(name), text};
+}
 
 /// What a method comes to: values, or an error. `afterwards` runs when the answer has been sent.
 struct Answer {
-    QVariantList values;
-    std::optional<Error> error;
-    std::function<void()> afterwards;
+    QVariantList values{};
+    std::optional<Error> error{};
+    std::function<void()> afterwards{};
 };
-[[nodiscard]] Answer refused(const char* name, const QString& text);
+[[nodiscard]] inline Answer refused(const char* name, const QString& text) {
+    return {.error = error(name, text)};
+}
+/// What `act` comes to, unless too many are asked for: what an act starts costs more than the call.
+[[nodiscard]] Answer withinLimit(RateLimit& acts, const std::function<Answer()>& act);
 
 /// Arguments are written "name:type name:type", here and in signals.
 struct Method {
@@ -56,13 +63,15 @@ struct Property {
     /// Absent for one that can only be read. Called with a value of type `signature`.
     std::function<std::optional<Error>(const QVariant& value)> set = {};
 };
-[[nodiscard]] Property constant(const char* name, const char* signature, const QVariant& value);
+[[nodiscard]] inline Property constant(const char* name, const char* signature, const QVariant& value) {
+    return {name, signature, [value] { return value; }, Property::Changes::never};
+}
 
 struct Interface {
     const char* name;
     std::vector<Method> methods;
-    std::vector<Signal> signalList;
-    std::vector<Property> properties;
+    std::vector<Signal> signalList{};
+    std::vector<Property> properties{};
 };
 
 /// How much a caller on the bus may ask for: calls in one turn of the event loop, calls in the long run, and
@@ -111,7 +120,7 @@ public:
     /// Appears on `connection`, instead of the one before. False when the path is taken.
     bool exportOn(const QDBusConnection& connection);
     /// Forgets the connection, which is gone.
-    void connectionLost();
+    void connectionLost() { m_connection.reset(); }
     /// Has other members from now on.
     void replaceInterfaces(std::vector<Interface> interfaces);
 
@@ -132,13 +141,13 @@ private:
     [[nodiscard]] Answer answerWithin(const QDBusMessage& message);
     [[nodiscard]] Answer answer(const QDBusMessage& message) const;
     [[nodiscard]] Answer answerProperties(const QDBusMessage& message) const;
-    [[nodiscard]] std::vector<std::vector<QVariant>> toldValues() const;
+    [[nodiscard]] std::vector<QVariantMap> toldValues() const;
 
     QString m_path;
     std::vector<Interface> m_interfaces;
     std::optional<QDBusConnection> m_connection;
-    /// Values last told, by interface and property; invalid for properties whose changes are not told.
-    std::vector<std::vector<QVariant>> m_told;
+    /// Values last told, by interface and property; only of those whose changes are told.
+    std::vector<QVariantMap> m_told;
     /// What is left to all callers together, and to each by its bus name.
     CallBudget m_all;
     QHash<QString, CallBudget> m_callers;

@@ -24,8 +24,8 @@ public:
         : m_name(std::move(name))
         , m_handler(std::move(handler))
         , m_changed(connection,
-                    {QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-                     QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameOwnerChanged"), m_name},
+                    {u"org.freedesktop.DBus"_qs, u"/org/freedesktop/DBus"_qs, u"org.freedesktop.DBus"_qs,
+                     u"NameOwnerChanged"_qs, m_name},
                     [this](const QDBusMessage& message) {
                         const auto arguments = message.arguments();
                         if (arguments.size() == 3 && arguments[0].toString() == m_name)

@@ -49,15 +49,15 @@ QString escapedString(const QString& text) {
 }
 
 QString execArgument(const QString& argument) {
-    static const QString reserved = QStringLiteral(" \t\n\"'\\><~|&;$*?#()`=");
+    static const QString reserved = u" \t\n\"'\\><~|&;$*?#()`="_qs;
     QString text = argument;
     // A percent sign begins a field code.
-    text.replace(u'%', QStringLiteral("%%"));
-    const bool mustBeQuoted = text.isEmpty() || std::any_of(text.cbegin(), text.cend(),
-                                                            [](QChar c) { return reserved.contains(c); });
+    text.replace(u'%', u"%%"_qs);
+    const bool mustBeQuoted =
+        text.isEmpty() || std::ranges::any_of(text, [](QChar c) { return reserved.contains(c); });
     if (!mustBeQuoted)
         return text;
-    QString quoted = QStringLiteral("\"");
+    QString quoted = u"\""_qs;
     for (const auto c : std::as_const(text)) {
         if (c == u'"' || c == u'`' || c == u'$' || c == u'\\')
             quoted += u'\\';
@@ -72,7 +72,7 @@ QHash<QString, QString> mainGroup(const QByteArray& file) {
     for (const auto& raw : file.split('\n')) {
         const auto line = withoutBlanks(QString::fromUtf8(raw));
         if (line.startsWith(u'[')) {
-            isInside = line == QStringLiteral("[Desktop Entry]");
+            isInside = line == u"[Desktop Entry]";
             continue;
         }
         const auto equals = line.indexOf(u'=');

@@ -24,15 +24,15 @@ public:
             return;
         constexpr int serversOwnTime = -1;
         constexpr quint8 lowUrgency = 0;
-        const auto id = QStringLiteral("be.zofra.ZofraZofra");
-        const QVariantMap hints{{QStringLiteral("desktop-entry"), id},
-                                {QStringLiteral("urgency"), QVariant::fromValue(lowUrgency)},
-                                {QStringLiteral("transient"), true}};
+        const auto id = u"be.zofra.ZofraZofra"_qs;
+        const QVariantMap hints{{u"desktop-entry"_qs, id},
+                                {u"urgency"_qs, QVariant::fromValue(lowUrgency)},
+                                {u"transient"_qs, true}};
         // Many servers read markup in the text, none in the title.
         const auto call = dbus::methodCall("org.freedesktop.Notifications", "/org/freedesktop/Notifications",
                                            "org.freedesktop.Notifications", "Notify",
-                                           {QStringLiteral("Zofra Zofra"), m_shown, id, title,
-                                            text.toHtmlEscaped(), QStringList(), hints, serversOwnTime});
+                                           {u"Zofra Zofra"_qs, m_shown, id, title, text.toHtmlEscaped(),
+                                            QStringList(), hints, serversOwnTime});
         dbus::callLater(*connection, call, std::chrono::seconds(5), &m_context,
                         [this](const QDBusMessage& reply) {
                             const bool isShown = reply.type() == QDBusMessage::ReplyMessage;

@@ -15,8 +15,7 @@
 namespace zofra {
 namespace {
 
-const auto privacyPage =
-    QStringLiteral("x-apple.systempreferences:com.apple.preference.security?Privacy_LocalNetwork");
+const auto privacyPage = u"x-apple.systempreferences:com.apple.preference.security?Privacy_LocalNetwork"_qs;
 
 bool startDetached(const QString& program, const QStringList& arguments) {
     QProcess process;
@@ -50,16 +49,14 @@ constexpr NetworkSettings knownSettings[] = {
 
 bool isAddressForOthers(const QUrl& url) {
     const auto scheme = url.scheme();
-    return url.isValid() && (scheme == QStringLiteral("https") || scheme == QStringLiteral("http") ||
-                             scheme == QStringLiteral("mailto"));
+    return url.isValid() && (scheme == u"https" || scheme == u"http" || scheme == u"mailto");
 }
 
 } // namespace
 
 DesktopWorkspace::DesktopWorkspace(SessionBus& bus)
     : DesktopWorkspace(bus, startDetached,
-                       QFile::exists(QStringLiteral("/.flatpak-info")) ? Sandbox::portalOnly
-                                                                       : Sandbox::none) {}
+                       QFile::exists(u"/.flatpak-info"_qs) ? Sandbox::portalOnly : Sandbox::none) {}
 
 DesktopWorkspace::DesktopWorkspace(SessionBus& bus, Spawn spawn, Sandbox sandbox)
     : m_bus(bus)
@@ -76,7 +73,7 @@ void DesktopWorkspace::open(const QUrl& url) {
     }
     if (!isAddressForOthers(url))
         return;
-    const auto opener = m_sandbox == Sandbox::none ? xdg::findProgram(QStringLiteral("xdg-open")) : QString();
+    const auto opener = m_sandbox == Sandbox::none ? xdg::findProgram(u"xdg-open"_qs) : QString();
     if (opener.isEmpty() || !m_spawn(opener, {url.toString(QUrl::FullyEncoded)}))
         openThroughPortal(url);
 }
@@ -99,9 +96,9 @@ std::optional<QStringList> DesktopWorkspace::networkSettingsCommand() {
 }
 
 void DesktopWorkspace::openHelp() {
-    const auto page = QStandardPaths::locate(QStandardPaths::GenericDataLocation,
-                                             QStringLiteral("doc/zofrazofra/speakers.md"));
-    const auto opener = m_sandbox == Sandbox::none ? xdg::findProgram(QStringLiteral("xdg-open")) : QString();
+    const auto page =
+        QStandardPaths::locate(QStandardPaths::GenericDataLocation, u"doc/zofrazofra/speakers.md"_qs);
+    const auto opener = m_sandbox == Sandbox::none ? xdg::findProgram(u"xdg-open"_qs) : QString();
     if (!page.isEmpty() && !opener.isEmpty())
         m_spawn(opener, {page});
 }

@@ -9,15 +9,15 @@
 namespace zofra::icontheme {
 namespace {
 
-const auto iconFile = QStringLiteral("/hicolor/scalable/apps/be.zofra.ZofraZofra.svg");
+const auto iconFile = u"/hicolor/scalable/apps/be.zofra.ZofraZofra.svg"_qs;
 
-} // namespace
-
+/// Beside the program, before it is installed and after.
 std::optional<QString> folder() {
-    const QString path =
-        QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/icons"));
+    const QString path = QDir::cleanPath(QCoreApplication::applicationDirPath() + u"/../share/icons"_qs);
     return QFileInfo::exists(path + iconFile) ? std::optional(path) : std::nullopt;
 }
+
+} // namespace
 
 std::optional<QString> unusualFolder() {
     const auto path = folder();

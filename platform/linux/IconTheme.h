@@ -7,10 +7,8 @@
 
 namespace zofra::icontheme {
 
-/// The program's own icon theme, beside the program before it is installed and after; absent where there is
-/// none.
-[[nodiscard]] std::optional<QString> folder();
-/// The same for those who look into the usual places anyway: empty when it is one of these.
+/// Where the program's own icon theme is; empty when those who look into the usual places find it anyway,
+/// absent where there is none.
 [[nodiscard]] std::optional<QString> unusualFolder();
 /// The file with the program's own icon; empty where there is none.
 [[nodiscard]] QString programIcon();

@@ -45,8 +45,7 @@ public:
         if (read)
             m_document = std::move(*read);
         else
-            tell(QStringLiteral("cannot be read from"), read.error(),
-                 QStringLiteral("nothing stored there is used or changed"));
+            tell(u"cannot be read from"_qs, read.error(), u"nothing stored there is used or changed"_qs);
     }
 
     std::optional<QByteArray> value(const QByteArray& key) {
@@ -56,7 +55,7 @@ public:
     }
 
     [[nodiscard]] bool isInRange(const QString& key, float number) const {
-        return std::all_of(m_options.ranges.begin(), m_options.ranges.end(), [&](const Range& range) {
+        return std::ranges::all_of(m_options.ranges, [&](const Range& range) {
             return range.key != key || (number >= range.least && number <= range.most);
         });
     }
@@ -67,9 +66,8 @@ public:
         m_written.insert(key, value);
         // What could not be read again is not written.
         if (key.size() + encodedIniValue(value).size() >= IniDocument::maxLineBytes) {
-            tell(QStringLiteral("cannot be written to"),
-                 QString::fromUtf8(key) + QStringLiteral(" is too long"),
-                 QStringLiteral("it lasts until the program ends"));
+            tell(u"cannot be written to"_qs, QString::fromUtf8(key) + u" is too long"_qs,
+                 u"it lasts until the program ends"_qs);
             return Next::nothing;
         }
         m_unsaved.insert(key, value);
@@ -99,8 +97,7 @@ public:
             // Kept for the next time, but for what has been set anew since.
             batch.insert(std::exchange(m_unsaved, {}));
             m_unsaved = std::move(batch);
-            tell(QStringLiteral("cannot be written to"), merged.error(),
-                 QStringLiteral("changes last until the program ends"));
+            tell(u"cannot be written to"_qs, merged.error(), u"changes last until the program ends"_qs);
             break;
         }
         m_isWriting = false;
@@ -116,13 +113,12 @@ private:
     void tell(const QString& what, const QString& reason, const QString& consequence) {
         if (reason == std::exchange(m_toldReason, reason))
             return;
-        m_report(visibleText(QStringLiteral("Settings ") + what + u' ' + m_path + QStringLiteral(": ") +
-                             reason + QStringLiteral("; ") + consequence));
+        m_report(visibleText(u"Settings %1 %2: %3; %4"_qs.arg(what, m_path, reason, consequence)));
     }
 
     void tellKept(const QString& copy) {
-        m_report(visibleText(QStringLiteral("Settings in ") + m_path +
-                             QStringLiteral(" were damaged: what was there is kept in ") + copy));
+        m_report(
+            visibleText(u"Settings in %1 were damaged: what was there is kept in %2"_qs.arg(m_path, copy)));
     }
 
     const QString m_path;
@@ -146,7 +142,7 @@ IniDefaultsStore::IniDefaultsStore(const QString& path, TaskPool& pool, Report r
     , m_pool(pool) {}
 
 QString IniDefaultsStore::defaultPath() {
-    return xdg::configHome() + QStringLiteral("/zofrazofra/zofrazofra.ini");
+    return xdg::configHome() + u"/zofrazofra/zofrazofra.ini"_qs;
 }
 
 IniDefaultsStore::Report IniDefaultsStore::reportTo(SystemLog& log) {
@@ -171,20 +167,12 @@ std::optional<QByteArray> IniDefaultsStore::data(const QString& key) const {
     return m_state->value(key.toUtf8());
 }
 
-void IniDefaultsStore::setString(const QString& key, const QString& value) {
-    set(key, value.toUtf8());
-}
-
 void IniDefaultsStore::setFloat(const QString& key, float value) {
     // The shortest text that reads back as the same number, whatever the locale.
     std::array<char, 32> text{};
     const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), value);
     Q_ASSERT(error == std::errc());
     set(key, QByteArray(text.data(), end - text.data()));
-}
-
-void IniDefaultsStore::setData(const QString& key, const QByteArray& value) {
-    set(key, value);
 }
 
 void IniDefaultsStore::set(const QString& key, const QByteArray& value) {

@@ -48,9 +48,9 @@ public:
     [[nodiscard]] std::optional<float> floatValue(const QString& key) const override;
     [[nodiscard]] std::optional<QByteArray> data(const QString& key) const override;
 
-    void setString(const QString& key, const QString& value) override;
+    void setString(const QString& key, const QString& value) override { set(key, value.toUtf8()); }
     void setFloat(const QString& key, float value) override;
-    void setData(const QString& key, const QByteArray& value) override;
+    void setData(const QString& key, const QByteArray& value) override { set(key, value); }
 
     /// Waits until everything is written, at most for `limit`; for the end of the program. False when
     /// something is not.

@@ -33,12 +33,12 @@ Result<void> makeFolder(const QString& folder) {
 /// Replaces the file in one step, or makes it; it is complete or as it was. A link is followed.
 Result<void> save(const QString& path, const QByteArray& bytes) {
     if (bytes.size() > maxFileBytes)
-        return failure(QStringLiteral("it would be too large"));
+        return failure(u"it would be too large"_qs);
     // Replacing a file needs no right to write it, but whoever took that right away meant it.
     constexpr auto anyonesRight = QFileDevice::WriteOwner | QFileDevice::WriteGroup | QFileDevice::WriteOther;
     const QFileInfo present(path);
     if (present.exists() && (!present.isWritable() || !(present.permissions() & anyonesRight)))
-        return failure(QStringLiteral("it is read-only"));
+        return failure(u"it is read-only"_qs);
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return failure(file.errorString());
@@ -53,18 +53,17 @@ Result<void> save(const QString& path, const QByteArray& bytes) {
 /// Keeps `bytes` under the first free name beside the file, or under one that holds just these already.
 Result<QString> keepDamaged(const QString& path, const QByteArray& bytes) {
     for (int i = 1; i <= maxDamagedCopies; ++i) {
-        const QString copy =
-            path + QStringLiteral(".damaged") + (i > 1 ? u'-' + QString::number(i) : QString());
+        const QString copy = path + u".damaged"_qs + (i > 1 ? u'-' + QString::number(i) : QString());
         const auto present = readRegularFile(copy, bytes.size() + 1);
         if (present && *present == bytes)
             return copy;
         if (!present || *present)
             continue;
         if (const auto kept = save(copy, bytes); !kept)
-            return failure(QStringLiteral("it is damaged and no copy of it can be kept: ") + kept.error());
+            return failure(u"it is damaged and no copy of it can be kept: "_qs + kept.error());
         return copy;
     }
-    return failure(QStringLiteral("it is damaged and there are too many copies of it already"));
+    return failure(u"it is damaged and there are too many copies of it already"_qs);
 }
 
 /// The file with `values` in it.
@@ -101,7 +100,7 @@ Result<IniDocument> read(const QString& path) {
     if (!bytes)
         return failure(bytes.error());
     if (*bytes && (*bytes)->size() > maxFileBytes)
-        return failure(QStringLiteral("it is too large"));
+        return failure(u"it is too large"_qs);
     return IniDocument(bytes->value_or(QByteArray()));
 }
 
@@ -113,10 +112,10 @@ Result<Merged> merge(const QString& path, const QMap<QByteArray, QByteArray>& va
     const QFileInfo info(path);
     if (auto made = makeFolder(info.path()); !made)
         return failure(made.error());
-    QLockFile lock(info.path() + QStringLiteral("/.") + info.fileName() + QStringLiteral(".lock"));
+    QLockFile lock(info.path() + u"/."_qs + info.fileName() + u".lock"_qs);
     // Where no lock can be made, none is held; why not is told by the writing.
     if (!lock.tryLock(static_cast<int>(lockWait.count())) && lock.error() == QLockFile::LockFailedError)
-        return failure(QStringLiteral("another program holds its lock"));
+        return failure(u"another program holds its lock"_qs);
     auto change = changed(path, values);
     if (!change)
         return failure(change.error());

@@ -29,10 +29,9 @@ public:
         const auto connection = m_bus.connection();
         if (!isInhibited || !connection)
             return;
-        const auto call = dbus::methodCall("org.freedesktop.login1", "/org/freedesktop/login1",
-                                           "org.freedesktop.login1.Manager", "Inhibit",
-                                           {QStringLiteral("idle"), QStringLiteral("Zofra Zofra"),
-                                            QStringLiteral("The radio is playing"), QStringLiteral("block")});
+        const auto call = dbus::methodCall(
+            "org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager", "Inhibit",
+            {u"idle"_qs, u"Zofra Zofra"_qs, u"The radio is playing"_qs, u"block"_qs});
         dbus::callLater(*connection, call, std::chrono::seconds(5), m_wish.get(),
                         [this](const QDBusMessage& reply) {
                             // The descriptor is a copy of the message's, closed when the wish ends.

@@ -24,8 +24,8 @@ using dbus::Interface;
 using dbus::Method;
 using dbus::Property;
 
-const auto busName = QStringLiteral("org.mpris.MediaPlayer2.zofrazofra");
-const auto objectPath = QStringLiteral("/org/mpris/MediaPlayer2");
+const auto busName = u"org.mpris.MediaPlayer2.zofrazofra"_qs;
+const auto objectPath = u"/org/mpris/MediaPlayer2"_qs;
 
 /// In the order of `MprisPlayer::PlaybackState`.
 constexpr std::array statusNames{QLatin1String("Stopped"), QLatin1String("Paused"), QLatin1String("Playing")};
@@ -38,15 +38,14 @@ Method inert(const char* name, const char* in = "") {
 Method openUri() {
     // No kind of address is supported, and whoever tries one anyway should hear of it.
     return {"OpenUri", "Uri:s", "", [](const QVariantList&) {
-                return dbus::refused("NotSupported",
-                                     QStringLiteral("Only the stations of the catalogue can be played"));
+                return dbus::refused("NotSupported", u"Only the stations of the catalogue can be played"_qs);
             }};
 }
 
 /// A handler's outcome as an answer; without a handler nothing is done.
 Answer run(const RemoteCommandCenter::Handler& handler) {
     if (handler && handler() == RemoteCommandStatus::commandFailed)
-        return dbus::refused("Failed", QStringLiteral("It failed"));
+        return dbus::refused("Failed", u"It failed"_qs);
     return {};
 }
 
@@ -99,8 +98,8 @@ void MprisPlayer::requestName(const QDBusConnection& connection, const QString& 
             m_ownedName = name;
         else if (result == dbus::NameRequest::taken && name == busName)
             // Another player of this kind: several are told apart by a suffix.
-            requestName(connection, busName + QStringLiteral(".instance") +
-                                        QString::number(QCoreApplication::applicationPid()));
+            requestName(connection,
+                        busName + u".instance"_qs + QString::number(QCoreApplication::applicationPid()));
     });
 }
 
@@ -110,10 +109,6 @@ void MprisPlayer::setNowPlayingInfo(const NowPlayingInfo& info) {
     m_info = info;
     ++m_track;
     m_object->tellChangedProperties();
-}
-
-void MprisPlayer::setTogglePlayPauseHandler(Handler handler) {
-    m_toggle = std::move(handler);
 }
 
 void MprisPlayer::setPlayHandler(Handler handler) {
@@ -158,33 +153,33 @@ QVariantMap MprisPlayer::metadata() const {
     if (!m_info)
         return {};
     QVariantMap map{
-        {QStringLiteral("mpris:trackid"),
-         QVariant::fromValue(QDBusObjectPath(QStringLiteral("/be/zofra/ZofraZofra/track/%1").arg(m_track)))},
-        {QStringLiteral("xesam:title"), m_info->title},
-        {QStringLiteral("zofra:isLiveStream"), m_info->isLiveStream},
+        {u"mpris:trackid"_qs,
+         QVariant::fromValue(QDBusObjectPath(u"/be/zofra/ZofraZofra/track/%1"_qs.arg(m_track)))},
+        {u"xesam:title"_qs, m_info->title},
+        {u"zofra:isLiveStream"_qs, m_info->isLiveStream},
     };
     if (!m_stationName.isEmpty())
-        map.insert(QStringLiteral("xesam:album"), m_stationName);
+        map.insert(u"xesam:album"_qs, m_stationName);
     if (const QString icon = iconUrl(); !icon.isEmpty())
-        map.insert(QStringLiteral("mpris:artUrl"), icon);
+        map.insert(u"mpris:artUrl"_qs, icon);
     if (m_info->artist && !m_info->artist->isEmpty())
-        map.insert(QStringLiteral("xesam:artist"), QStringList{*m_info->artist});
+        map.insert(u"xesam:artist"_qs, QStringList{*m_info->artist});
     return map;
 }
 
 Interface MprisPlayer::rootInterface() {
     const auto canRaise = [this] { return QVariant(static_cast<bool>(onRaise)); };
-    const auto raise = [this](const QVariantList&) { return Answer{{}, {}, onRaise}; };
+    const auto raise = [this](const QVariantList&) { return Answer{.afterwards = onRaise}; };
     // The answer goes out before everything ends.
-    const auto quit = [this](const QVariantList&) { return Answer{{}, {}, onQuit}; };
+    const auto quit = [this](const QVariantList&) { return Answer{.afterwards = onQuit}; };
     return {"org.mpris.MediaPlayer2",
             {{"Raise", "", "", raise}, {"Quit", "", "", quit}},
             {},
             {constant("CanQuit", "b", true),
              {"CanRaise", "b", canRaise},
              constant("HasTrackList", "b", false),
-             constant("Identity", "s", QStringLiteral("Zofra Zofra")),
-             constant("DesktopEntry", "s", QStringLiteral("be.zofra.ZofraZofra")),
+             constant("Identity", "s", u"Zofra Zofra"_qs),
+             constant("DesktopEntry", "s", u"be.zofra.ZofraZofra"_qs),
              constant("SupportedUriSchemes", "as", QStringList()),
              constant("SupportedMimeTypes", "as", QStringList())}};
 }
@@ -192,10 +187,7 @@ Interface MprisPlayer::rootInterface() {
 Interface MprisPlayer::playerInterface() {
     const auto method = [this](const char* name, std::function<Answer()> act) {
         return Method{name, "", "", [this, act = std::move(act)](const QVariantList&) {
-                          // What an act starts costs more than the call.
-                          if (!m_acts.take(std::chrono::steady_clock::now()))
-                              return dbus::refused("LimitsExceeded", QStringLiteral("Too many acts at once"));
-                          return act();
+                          return dbus::withinLimit(m_acts, act);
                       }};
     };
     const auto setRate = [this](const QVariant& rate) -> std::optional<Error> {
@@ -204,7 +196,7 @@ Interface MprisPlayer::playerInterface() {
     };
     const auto setVolume = [this](const QVariant& volume) -> std::optional<Error> {
         if (!std::isfinite(volume.toDouble()))
-            return dbus::error("InvalidArgs", QStringLiteral("Volume is a finite number"));
+            return dbus::error("InvalidArgs", u"Volume is a finite number"_qs);
         if (onVolumeRequested)
             onVolumeRequested(std::clamp(volume.toDouble(), 0.0, 1.0));
         return std::nullopt;

@@ -26,7 +26,7 @@ public:
     ~MprisPlayer() override;
 
     void setNowPlayingInfo(const NowPlayingInfo& info) override;
-    void setTogglePlayPauseHandler(Handler handler) override;
+    void setTogglePlayPauseHandler(Handler handler) override { m_toggle = std::move(handler); }
     void setPlayHandler(Handler handler) override;
     void setPauseHandler(Handler handler) override;
 

@@ -2,7 +2,10 @@
 #pragma once
 
 #include <QByteArray>
+#include <QHash>
 #include <QProcessEnvironment>
+
+#include <optional>
 
 namespace zofra {
 
@@ -11,9 +14,28 @@ namespace zofra {
 class OwnEnvironment {
 public:
     /// Before there are threads that may read it.
-    static void set(const char* name, const QByteArray& value);
+    static void set(const char* name, const QByteArray& value) {
+        const auto key = QString::fromLatin1(name);
+        if (!s_replaced.contains(key))
+            s_replaced.insert(key, qEnvironmentVariableIsSet(name) ? std::optional(qEnvironmentVariable(name))
+                                                                   : std::nullopt);
+        qputenv(name, value);
+    }
     /// The environment as it was found. Main thread only.
-    [[nodiscard]] static QProcessEnvironment forOthers();
+    [[nodiscard]] static QProcessEnvironment forOthers() {
+        auto environment = QProcessEnvironment::systemEnvironment();
+        for (auto value = s_replaced.cbegin(); value != s_replaced.cend(); ++value) {
+            if (*value)
+                environment.insert(value.key(), **value);
+            else
+                environment.remove(value.key());
+        }
+        return environment;
+    }
+
+private:
+    /// What was there before; nothing where there was none.
+    static inline QHash<QString, std::optional<QString>> s_replaced;
 };
 
 } // namespace zofra

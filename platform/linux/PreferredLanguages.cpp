@@ -16,8 +16,7 @@ QString messagesLocale() {
 }
 
 bool isNeutral(const QString& locale) {
-    return locale.isEmpty() || locale == QStringLiteral("C") || locale.startsWith(QStringLiteral("C.")) ||
-           locale == QStringLiteral("POSIX");
+    return locale.isEmpty() || locale == u"C" || locale.startsWith(u"C.") || locale == u"POSIX";
 }
 
 } // namespace

@@ -36,23 +36,22 @@ namespace {
 
 using dbus::Answer;
 
-const auto programIcon = QStringLiteral("be.zofra.ZofraZofra");
+const auto programIcon = u"be.zofra.ZofraZofra"_qs;
 /// More words, and more results, than any search of stations has.
 constexpr qsizetype mostTerms = 64;
 constexpr qsizetype longestText = 200;
 
 Answer tooMuch() {
-    return dbus::refused("LimitsExceeded", QStringLiteral("No search has as much as that"));
+    return dbus::refused("LimitsExceeded", u"No search has as much as that"_qs);
 }
 
 bool isTooMuch(const QStringList& terms) {
-    return terms.size() > mostTerms || std::any_of(terms.begin(), terms.end(), [](const QString& term) {
-               return term.size() > longestText;
-           });
+    return terms.size() > mostTerms ||
+           std::ranges::any_of(terms, [](const QString& term) { return term.size() > longestText; });
 }
 
 QStringList wordsOf(const QString& text) {
-    static const QRegularExpression between(QStringLiteral("\\s+"));
+    static const QRegularExpression between(u"\\s+"_qs);
     return text.split(between, Qt::SkipEmptyParts);
 }
 
@@ -60,7 +59,7 @@ QStringList wordsOf(const QString& text) {
 
 SearchProvider::SearchProvider(SessionBus& bus, std::vector<Entry> entries)
     : m_entries(std::move(entries))
-    , m_object(QStringLiteral("/be/zofra/ZofraZofra/search"), {shellInterface(), runnerInterface()}) {
+    , m_object(u"/be/zofra/ZofraZofra/search"_qs, {shellInterface(), runnerInterface()}) {
     dbus::registerTypes<QList<QVariantMap>, RunnerMatch, QList<RunnerMatch>, RunnerAction,
                         QList<RunnerAction>>();
     m_connected =
@@ -71,7 +70,7 @@ SearchProvider::SearchProvider(SessionBus& bus, std::vector<Entry> entries)
 dbus::Interface SearchProvider::shellInterface() {
     const auto search = [this](const QVariantList& arguments) {
         const auto terms = arguments.last().toStringList();
-        return isTooMuch(terms) ? tooMuch() : Answer{{found(terms)}, {}, {}};
+        return isTooMuch(terms) ? tooMuch() : Answer{{found(terms)}};
     };
     const auto metas = [this](const QVariantList& arguments) {
         return describe(arguments.at(0).toStringList());
@@ -79,29 +78,25 @@ dbus::Interface SearchProvider::shellInterface() {
     const auto activate = [this](const QVariantList& arguments) {
         return choose(arguments.at(0).toString());
     };
-    const auto launch = [this](const QVariantList&) { return Answer{{}, {}, onShow}; };
+    const auto launch = [this](const QVariantList&) { return Answer{.afterwards = onShow}; };
     return {"org.gnome.Shell.SearchProvider2",
             {{"GetInitialResultSet", "terms:as", "results:as", search},
              {"GetSubsearchResultSet", "previous_results:as terms:as", "results:as", search},
              {"GetResultMetas", "identifiers:as", "metas:aa{sv}", metas},
              {"ActivateResult", "identifier:s terms:as timestamp:u", "", activate},
-             {"LaunchSearch", "terms:as timestamp:u", "", launch}},
-            {},
-            {}};
+             {"LaunchSearch", "terms:as timestamp:u", "", launch}}};
 }
 
 dbus::Interface SearchProvider::runnerInterface() {
     const auto matches = [this](const QVariantList& arguments) { return match(arguments.at(0).toString()); };
     const auto actions = [](const QVariantList&) {
-        return Answer{{QVariant::fromValue(QList<RunnerAction>())}, {}, {}};
+        return Answer{{QVariant::fromValue(QList<RunnerAction>())}};
     };
     const auto run = [this](const QVariantList& arguments) { return choose(arguments.at(0).toString()); };
     return {"org.kde.krunner1",
             {{"Match", "query:s", "matches:a(sssida{sv})", matches},
              {"Actions", "", "actions:a(sss)", actions},
-             {"Run", "matchId:s actionId:s", "", run}},
-            {},
-            {}};
+             {"Run", "matchId:s actionId:s", "", run}}};
 }
 
 QStringList SearchProvider::found(const QStringList& terms) const {
@@ -109,11 +104,10 @@ QStringList SearchProvider::found(const QStringList& terms) const {
     for (const Entry& entry : m_entries) {
         const QStringList words = wordsOf(entry.title);
         const auto isFound = [&words](const QString& term) {
-            return std::any_of(words.begin(), words.end(), [&term](const QString& word) {
-                return word.startsWith(term, Qt::CaseInsensitive);
-            });
+            return std::ranges::any_of(
+                words, [&term](const QString& word) { return word.startsWith(term, Qt::CaseInsensitive); });
         };
-        if (!terms.isEmpty() && std::all_of(terms.begin(), terms.end(), isFound))
+        if (!terms.isEmpty() && std::ranges::all_of(terms, isFound))
             ids.append(entry.id);
     }
     return ids;
@@ -125,12 +119,12 @@ Answer SearchProvider::describe(const QStringList& ids) const {
     QList<QVariantMap> metas;
     for (const Entry& entry : m_entries) {
         if (ids.contains(entry.id))
-            metas.append({{QStringLiteral("id"), entry.id},
-                          {QStringLiteral("name"), entry.title},
-                          {QStringLiteral("description"), entry.description},
-                          {QStringLiteral("gicon"), programIcon}});
+            metas.append({{u"id"_qs, entry.id},
+                          {u"name"_qs, entry.title},
+                          {u"description"_qs, entry.description},
+                          {u"gicon"_qs, programIcon}});
     }
-    return {{QVariant::fromValue(metas)}, {}, {}};
+    return {{QVariant::fromValue(metas)}};
 }
 
 Answer SearchProvider::match(const QString& text) const {
@@ -149,14 +143,13 @@ Answer SearchProvider::match(const QString& text) const {
                         programIcon,
                         isExact ? exactMatch : possibleMatch,
                         isExact ? 1.0 : 0.7,
-                        {{QStringLiteral("subtext"), entry.description}}});
+                        {{u"subtext"_qs, entry.description}}});
     }
-    return {{QVariant::fromValue(matches)}, {}, {}};
+    return {{QVariant::fromValue(matches)}};
 }
 
 Answer SearchProvider::choose(const QString& id) const {
-    const bool isKnown =
-        std::any_of(m_entries.begin(), m_entries.end(), [&id](const Entry& entry) { return entry.id == id; });
+    const bool isKnown = std::ranges::find(m_entries, id, &Entry::id) != m_entries.end();
     const auto chosen = onChosen;
     if (isKnown && chosen)
         chosen(id);

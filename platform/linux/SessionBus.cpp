@@ -23,20 +23,20 @@ constexpr auto lookInterval = 20ms;
 QString busAddress(SessionBus::Kind kind) {
     if (kind == SessionBus::Kind::system) {
         auto set = qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS");
-        return set.isEmpty() ? QStringLiteral("unix:path=/run/dbus/system_bus_socket") : set;
+        return set.isEmpty() ? u"unix:path=/run/dbus/system_bus_socket"_qs : set;
     }
     auto set = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
     if (!set.isEmpty())
         return set;
     const auto folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    const auto path = folder + QStringLiteral("/bus");
-    return !folder.isEmpty() && QFileInfo::exists(path) ? QStringLiteral("unix:path=") + path : QString();
+    const auto path = folder + u"/bus"_qs;
+    return !folder.isEmpty() && QFileInfo::exists(path) ? u"unix:path="_qs + path : QString();
 }
 
 /// Names inside the library; a name can only be used again once everything that holds its connection is gone.
 QString freshName() {
     static std::atomic<int> next = 0;
-    return QStringLiteral("zofra-bus-") + QString::number(++next);
+    return u"zofra-bus-"_qs + QString::number(++next);
 }
 
 } // namespace
@@ -91,10 +91,6 @@ ObservationToken SessionBus::observeConnected(std::function<void(QDBusConnection
     return m_connectedObservers.add(std::move(handler));
 }
 
-ObservationToken SessionBus::observeDisconnected(std::function<void()> handler) {
-    return m_disconnectedObservers.add(std::move(handler));
-}
-
 void SessionBus::connectNow() {
     const auto address = busAddress(m_kind);
     if (address.isEmpty()) {
@@ -138,12 +134,7 @@ void SessionBus::connected(const QString& name) {
     m_name = name;
     m_connected = true;
     const QDBusConnection connection(name);
-    m_lost = std::make_unique<DBusSignal>(connection,
-                                          DBusSignal::Source{{},
-                                                             QStringLiteral("/org/freedesktop/DBus/Local"),
-                                                             QStringLiteral("org.freedesktop.DBus.Local"),
-                                                             QStringLiteral("Disconnected"),
-                                                             {}},
+    m_lost = std::make_unique<DBusSignal>(connection, DBusSignal::disconnected(),
                                           [this](const QDBusMessage&) { disconnected(); });
     // It may have gone before anybody listened.
     if (!connection.isConnected()) {

@@ -37,7 +37,9 @@ public:
     /// now.
     [[nodiscard]] ObservationToken observeConnected(std::function<void(QDBusConnection)> handler);
     /// Calls `handler` each time the bus has gone away.
-    [[nodiscard]] ObservationToken observeDisconnected(std::function<void()> handler);
+    [[nodiscard]] ObservationToken observeDisconnected(std::function<void()> handler) {
+        return m_disconnectedObservers.add(std::move(handler));
+    }
 
 private:
     struct Attempt;

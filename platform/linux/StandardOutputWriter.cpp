@@ -44,15 +44,11 @@ void neverWaitForReaders() {
 
 void writeErrorLine(const QString& line) {
     static auto& writer = *new StandardOutputWriter(STDERR_FILENO);
-    writer.writeLine(QStringLiteral("zofrazofra: ") + line);
+    writer.writeLine(u"zofrazofra: "_qs + line);
 }
 
 StandardOutputWriter::StandardOutputWriter(int descriptor)
     : m_descriptor(descriptor) {}
-
-StandardOutputWriter::~StandardOutputWriter() {
-    flush();
-}
 
 void StandardOutputWriter::writeLine(const QString& line) {
     const std::scoped_lock lock(m_mutex);

@@ -34,7 +34,7 @@ public:
     /// Writes to `descriptor`, which stays the caller's.
     explicit StandardOutputWriter(int descriptor = 1);
     /// Writes what can still be written at once.
-    ~StandardOutputWriter() override;
+    ~StandardOutputWriter() override { flush(); }
 
     void writeLine(const QString& line) override;
 

@@ -64,7 +64,7 @@ bool SyslogLog::connect() {
     sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
     if (m_path.size() >= static_cast<qsizetype>(sizeof address.sun_path))
         return false;
-    std::copy(m_path.begin(), m_path.end(), address.sun_path);
+    std::ranges::copy(m_path, address.sun_path);
     Descriptor socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): as the interface of sockets is.
     const auto* name = reinterpret_cast<const sockaddr*>(&address);

@@ -21,16 +21,16 @@ QString home(const char* variable, const QString& standard) {
 } // namespace
 
 QString configHome() {
-    return home("XDG_CONFIG_HOME", QStringLiteral("/.config"));
+    return home("XDG_CONFIG_HOME", u"/.config"_qs);
 }
 
 QString stateHome() {
-    return home("XDG_STATE_HOME", QStringLiteral("/.local/state"));
+    return home("XDG_STATE_HOME", u"/.local/state"_qs);
 }
 
 QStringList configDirs() {
     if (qEnvironmentVariableIsEmpty("XDG_CONFIG_DIRS"))
-        return {QStringLiteral("/etc/xdg")};
+        return {u"/etc/xdg"_qs};
     QStringList folders;
     for (const auto& folder : list("XDG_CONFIG_DIRS")) {
         if (folder.startsWith(u'/'))
@@ -41,7 +41,7 @@ QStringList configDirs() {
 
 QStringList configFiles(const QString& name) {
     auto folders = QStringList{configHome()} + configDirs();
-    std::reverse(folders.begin(), folders.end());
+    std::ranges::reverse(folders);
     for (auto& folder : folders)
         folder += u'/' + name;
     return folders;

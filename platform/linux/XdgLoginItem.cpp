@@ -27,15 +27,15 @@ XdgLoginItem::XdgLoginItem(QString program)
     : m_program(std::move(program)) {}
 
 QString XdgLoginItem::runningProgram() {
-    auto path = QFile::symLinkTarget(QStringLiteral("/proc/self/exe"));
-    const auto deleted = QStringLiteral(" (deleted)");
+    auto path = QFile::symLinkTarget(u"/proc/self/exe"_qs);
+    const auto deleted = u" (deleted)"_qs;
     if (path.endsWith(deleted) && !QFileInfo::exists(path))
         path.chop(deleted.size());
     return path;
 }
 
 QString XdgLoginItem::filePath() {
-    return xdg::configHome() + QStringLiteral("/autostart/be.zofra.ZofraZofra.desktop");
+    return xdg::configHome() + u"/autostart/be.zofra.ZofraZofra.desktop"_qs;
 }
 
 bool XdgLoginItem::isEnabled() const {
@@ -43,36 +43,35 @@ bool XdgLoginItem::isEnabled() const {
     if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
         return false;
     const auto values = desktopentry::mainGroup(file.read(65'536));
-    if (values.value(QStringLiteral("Hidden")) == QStringLiteral("true") ||
-        values.value(QStringLiteral("X-GNOME-Autostart-enabled")) == QStringLiteral("false") ||
-        values.value(QStringLiteral("X-MATE-Autostart-enabled")) == QStringLiteral("false"))
+    if (values.value(u"Hidden"_qs) == u"true" || values.value(u"X-GNOME-Autostart-enabled"_qs) == u"false" ||
+        values.value(u"X-MATE-Autostart-enabled"_qs) == u"false")
         return false;
-    const auto program = values.value(QStringLiteral("TryExec"));
-    return values.contains(QStringLiteral("Exec")) && (program.isEmpty() || canBeRun(program));
+    const auto program = values.value(u"TryExec"_qs);
+    return values.contains(u"Exec"_qs) && (program.isEmpty() || canBeRun(program));
 }
 
 Result<void> XdgLoginItem::registerItem() {
     const auto path = filePath();
     if (!QDir().mkpath(QFileInfo(path).path()))
-        return failure(QFileInfo(path).path() + QStringLiteral(": cannot be made"));
+        return failure(QFileInfo(path).path() + u": cannot be made"_qs);
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
-        return failure(path + QStringLiteral(": ") + file.errorString());
-    const auto text = QStringLiteral("[Desktop Entry]\n"
-                                     "Type=Application\n"
-                                     "Version=1.0\n"
-                                     "Name=Zofra Zofra\n"
-                                     "Icon=be.zofra.ZofraZofra\n"
-                                     "TryExec=%1\n"
-                                     "Exec=%2\n"
-                                     "Terminal=false\n"
-                                     "StartupNotify=false\n"
-                                     "X-GNOME-Autostart-enabled=true\n"
-                                     "X-KDE-autostart-after=panel\n")
-                          .arg(desktopentry::escapedString(m_program), desktopentry::execArgument(m_program));
+        return failure(path + u": "_qs + file.errorString());
+    const auto text = u"[Desktop Entry]\n"
+                      u"Type=Application\n"
+                      u"Version=1.0\n"
+                      u"Name=Zofra Zofra\n"
+                      u"Icon=be.zofra.ZofraZofra\n"
+                      u"TryExec=%1\n"
+                      u"Exec=%2\n"
+                      u"Terminal=false\n"
+                      u"StartupNotify=false\n"
+                      u"X-GNOME-Autostart-enabled=true\n"
+                      u"X-KDE-autostart-after=panel\n"_qs.arg(desktopentry::escapedString(m_program),
+                                                              desktopentry::execArgument(m_program));
     file.write(text.toUtf8());
     if (!file.commit())
-        return failure(path + QStringLiteral(": ") + file.errorString());
+        return failure(path + u": "_qs + file.errorString());
     return {};
 }
 
@@ -80,7 +79,7 @@ Result<void> XdgLoginItem::unregisterItem() {
     QFile file(filePath());
     const bool isThere = file.exists() || QFileInfo(file).isSymLink();
     if (isThere && !file.remove())
-        return failure(file.fileName() + QStringLiteral(": ") + file.errorString());
+        return failure(file.fileName() + u": "_qs + file.errorString());
     return {};
 }
 

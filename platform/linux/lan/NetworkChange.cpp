@@ -96,7 +96,7 @@ QList<QByteArray> NetworkChange::defaultRoutes(const QByteArray& four, const QBy
 QByteArray NetworkChange::snapshot() {
     auto lines = defaultRoutes(contentsOf("/proc/net/route"), contentsOf("/proc/net/ipv6_route"));
     appendInterfaces(lines);
-    std::sort(lines.begin(), lines.end());
+    std::ranges::sort(lines);
     // An interface stands there once for each kind of address.
     lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
     return lines.join('\n');

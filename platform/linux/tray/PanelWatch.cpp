@@ -3,7 +3,6 @@
 
 #include "platform/linux/DBusCalls.h"
 
-#include <QDBusVariant>
 #include <QFile>
 
 #include <chrono>
@@ -49,10 +48,9 @@ void PanelWatch::ownerChanged(const QString& owner) {
 }
 
 void PanelWatch::registerItem() {
-    auto call = QDBusMessage::createMethodCall(m_owner, watcherPath, watcherName,
-                                               QStringLiteral("RegisterStatusNotifierItem"));
     // The unique name: with a well-known one a panel may miss the menu.
-    call << m_connection.baseService();
+    const auto call = dbus::methodCall(m_owner, watcherPath, watcherName, "RegisterStatusNotifierItem",
+                                       {m_connection.baseService()});
     ask(call, [this](const QDBusMessage& reply) {
         if (reply.type() == QDBusMessage::ReplyMessage)
             askForHost();
@@ -60,14 +58,11 @@ void PanelWatch::registerItem() {
 }
 
 void PanelWatch::askForHost() {
-    auto call = QDBusMessage::createMethodCall(
-        m_owner, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
-    call << QString(watcherName) << QStringLiteral("IsStatusNotifierHostRegistered");
+    const auto call = dbus::propertyCall(m_owner, watcherPath, watcherName, "IsStatusNotifierHostRegistered");
     ask(call, [this](const QDBusMessage& reply) {
         // A watcher that does not say is taken for a panel.
-        const QVariant hasHost = qvariant_cast<QDBusVariant>(reply.arguments().value(0)).variant();
-        m_handlers.registered(reply.type() != QDBusMessage::ReplyMessage || !hasHost.isValid() ||
-                              hasHost.toBool());
+        const auto hasHost = dbus::propertyIn(reply);
+        m_handlers.registered(!hasHost.isValid() || hasHost.toBool());
     });
 }
 

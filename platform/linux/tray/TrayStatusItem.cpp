@@ -2,6 +2,7 @@
 #include "platform/linux/tray/TrayStatusItem.h"
 
 #include "platform/ForeignText.h"
+#include "platform/linux/DBusCalls.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -40,10 +41,9 @@ void useMenuColours(const IconProvider& icons) {
 
 /// Asks the desktop to show the volume in its own way.
 QDBusMessage volumeDisplay(int percent) {
-    auto call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.kde.plasmashell"), QStringLiteral("/org/kde/osdService"),
-        QStringLiteral("org.kde.osdService"), QStringLiteral("mediaPlayerVolumeChanged"));
-    call << percent << QStringLiteral("Zofra Zofra") << QStringLiteral("be.zofra.ZofraZofra");
+    auto call = dbus::methodCall(
+        "org.kde.plasmashell", "/org/kde/osdService", "org.kde.osdService", "mediaPlayerVolumeChanged",
+        {percent, QStringLiteral("Zofra Zofra"), QStringLiteral("be.zofra.ZofraZofra")});
     call.setAutoStartService(false);
     return call;
 }

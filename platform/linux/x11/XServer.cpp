@@ -98,7 +98,7 @@ void XServer::broadcastStartupInfo(const QByteArray& text) const {
     for (qsizetype at = 0; at <= text.size(); at += pieceSize) {
         std::fill(std::begin(message.data.data8), std::end(message.data.data8), '\0');
         const QByteArray piece = text.mid(at, pieceSize);
-        std::copy(piece.begin(), piece.end(), std::begin(message.data.data8));
+        std::ranges::copy(piece, std::begin(message.data.data8));
         xcb_send_event(m_connection, 0, root(), XCB_EVENT_MASK_PROPERTY_CHANGE,
                        reinterpret_cast<const char*>(&message));
         message.type = atom("_NET_STARTUP_INFO");
