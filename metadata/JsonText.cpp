@@ -81,8 +81,7 @@ private:
         if (m_end - m_at < 4)
             return std::nullopt;
         const QByteArrayView digits(m_at, 4);
-        if (!std::all_of(digits.begin(), digits.end(),
-                         [](char c) { return isxdigit(static_cast<unsigned char>(c)); }))
+        if (!std::ranges::all_of(digits, [](char c) { return isxdigit(static_cast<unsigned char>(c)); }))
             return std::nullopt;
         m_at += 4;
         return digits.toUShort(nullptr, 16);
@@ -94,8 +93,7 @@ private:
 };
 
 bool isCallbackName(QStringView name) {
-    static const QRegularExpression form(
-        QStringLiteral(R"(\A(?:\p{L}\p{M}*+|[_$])(?:[\p{L}\p{Nd}]\p{M}*+|[_$.])*+\z)"));
+    static const QRegularExpression form(uR"(\A(?:\p{L}\p{M}*+|[_$])(?:[\p{L}\p{Nd}]\p{M}*+|[_$.])*+\z)"_qs);
     return form.match(name).hasMatch();
 }
 

@@ -15,7 +15,7 @@ namespace {
 std::optional<ZofraLiveTrackData> liveTrackInElement(const QString& element, RadioStation station,
                                                      JsonBudget& budget) {
     const auto payload = decodeDocument<SockJSDataPayload>(element.toUtf8(), budget);
-    if (!payload || payload->action != QStringLiteral("data") || !payload->data)
+    if (!payload || payload->action != u"data" || !payload->data)
         return std::nullopt;
     auto event = decodeDocument<ZofraLivePlayEvent>(payload->data->toUtf8(), budget);
     if (!event)
@@ -34,9 +34,14 @@ SockJSFrameKind sockJSFrameKind(const QString& text) {
         return SockJSFrameKind::heartbeat;
     if (text.startsWith(u'c'))
         return SockJSFrameKind::close;
-    if (text.startsWith(QStringLiteral("a[")))
+    if (text.startsWith(u"a["))
         return SockJSFrameKind::array;
     return SockJSFrameKind::unknown;
+}
+
+std::optional<QString> textIn(const SocketMessage& message) {
+    const auto* text = std::get_if<QString>(&message);
+    return text ? *text : textFromUtf8(std::get<QByteArray>(message));
 }
 
 std::optional<ZofraLiveTrackData> liveTrackInFrame(const QString& text, RadioStation station) {
@@ -60,21 +65,17 @@ std::optional<QString> joinMessage(RadioStation station) {
     const auto id = station.liveSocketId();
     if (!id)
         return std::nullopt;
-    const QJsonObject subscription{{QStringLiteral("station"), *id},
-                                   {QStringLiteral("entity"), QStringLiteral("plays")},
-                                   {QStringLiteral("action"), QStringLiteral("play")}};
-    const QJsonObject join{{QStringLiteral("action"), QStringLiteral("join")},
-                           {QStringLiteral("id"), 1},
-                           {QStringLiteral("sub"), subscription},
-                           {QStringLiteral("backlog"), 1}};
+    const QJsonObject subscription{
+        {u"station"_qs, *id}, {u"entity"_qs, u"plays"_qs}, {u"action"_qs, u"play"_qs}};
+    const QJsonObject join{
+        {u"action"_qs, u"join"_qs}, {u"id"_qs, 1}, {u"sub"_qs, subscription}, {u"backlog"_qs, 1}};
     return compactJson(QJsonArray{compactJson(join)});
 }
 
 std::optional<QUrl> liveSocketUrl(const QString& host) {
     const auto server = QString::number(QRandomGenerator::global()->bounded(900) + 100);
     const auto session = QUuid::createUuid().toString(QUuid::Id128);
-    return serviceUrl(QStringLiteral("wss"), host,
-                      QStringLiteral("/api/") + server + u'/' + session + QStringLiteral("/websocket"));
+    return serviceUrl(u"wss"_qs, host, u"/api/"_qs + server + u'/' + session + u"/websocket"_qs);
 }
 
 } // namespace zofra

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "metadata/LiveTrack.h"
+#include "platform/RadioMetadataSocket.h"
 #include "stations/RadioStation.h"
 
 #include <QString>
@@ -16,6 +17,9 @@ namespace zofra {
 /// What a frame (the text of one web-socket message) says.
 enum class SockJSFrameKind { open, heartbeat, close, array, unknown };
 [[nodiscard]] SockJSFrameKind sockJSFrameKind(const QString& text);
+
+/// The text of a message; absent for bytes that are no UTF-8.
+[[nodiscard]] std::optional<QString> textIn(const SocketMessage& message);
 
 /// The last usable track for `station` in an array frame. Events that name another station are skipped; an
 /// event that names none is meant for everyone.

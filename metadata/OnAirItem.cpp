@@ -25,12 +25,12 @@ bool isOnAir(const OnAirItem& item, double now) {
 } // namespace
 
 OnAirItem OnAirItem::fromJson(const QJsonObject& object) {
-    return {.isSong = object.value(QLatin1String("song")).toBool(false),
-            .artist = trimmedText(object.value(QLatin1String("artistName"))),
-            .title = trimmedText(object.value(QLatin1String("name"))),
-            .desc = trimmedText(object.value(QLatin1String("description"))),
-            .startTime = timestamp(object.value(QLatin1String("startTime"))),
-            .stopTime = timestamp(object.value(QLatin1String("stopTime")))};
+    return {.isSong = object.value(u"song").toBool(false),
+            .artist = trimmedText(object.value(u"artistName")),
+            .title = trimmedText(object.value(u"name")),
+            .desc = trimmedText(object.value(u"description")),
+            .startTime = timestamp(object.value(u"startTime")),
+            .stopTime = timestamp(object.value(u"stopTime"))};
 }
 
 std::optional<QString> OnAirItem::formatted() const {
@@ -44,8 +44,7 @@ std::optional<double> timestamp(const QJsonValue& value) {
         return value.toDouble();
     if (!value.isString())
         return std::nullopt;
-    static const QRegularExpression number(
-        QStringLiteral(R"(\A[+-]?(?:\d+\.?\d*|\.\d+)(?:[eE][+-]?\d+)?\z)"));
+    static const QRegularExpression number(uR"(\A[+-]?(?:\d+\.?\d*|\.\d+)(?:[eE][+-]?\d+)?\z)"_qs);
     const auto text = value.toString().trimmed();
     if (!number.match(text).hasMatch())
         return std::nullopt;
@@ -67,6 +66,12 @@ std::optional<OnAirItem> selectBest(const std::vector<OnAirItem>& items, double 
     return items.empty() ? std::nullopt : std::optional(items.front());
 }
 
+std::optional<QUrl> onAirUrl(const ServiceHosts& hosts, RadioStation station) {
+    const auto rpId = station.radioplayerId();
+    return rpId ? serviceUrl(u"https"_qs, hosts.onAirHost(), u"/056/qp/v3/onair?rpIds="_qs + *rpId)
+                : std::nullopt;
+}
+
 std::optional<std::vector<OnAirItem>> onAirItems(const QByteArray& body, const QString& rpId) {
     const auto text = textFromUtf8(body);
     const auto json = text ? unwrapJSONP(*text) : std::nullopt;
@@ -75,7 +80,7 @@ std::optional<std::vector<OnAirItem>> onAirItems(const QByteArray& body, const Q
     const auto document = json ? parseJsonText(json->toUtf8(), budget) : std::nullopt;
     if (!document || !document->isObject())
         return std::nullopt;
-    const auto results = document->object().value(QLatin1String("results"));
+    const auto results = document->object().value(u"results");
     const auto entries = results.isObject() ? results.toObject().value(rpId) : QJsonValue();
     if (!entries.isArray())
         return std::nullopt;

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "stations/RadioStation.h"
+#include "stations/ServiceHosts.h"
+
 #include <QByteArray>
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QString>
+#include <QUrl>
 
 #include <optional>
 #include <vector>
@@ -42,6 +46,9 @@ struct OnAirItem {
 /// The item to show at `now` (seconds since 1970): the first one on air, else the one with the greatest
 /// start, else the first.
 [[nodiscard]] std::optional<OnAirItem> selectBest(const std::vector<OnAirItem>& items, double now);
+
+/// Where the service is asked for a station; absent for one that it does not know.
+[[nodiscard]] std::optional<QUrl> onAirUrl(const ServiceHosts& hosts, RadioStation station);
 
 /// The items of the station `rpId` in an answer, which may be wrapped in a JSONP call; absent when the answer
 /// is not what it should be. Takes a while for the longest answers: not for the main thread.

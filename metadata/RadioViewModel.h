@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "metadata/LiveTrack.h"
+#include "metadata/LiveSocket.h"
 #include "metadata/OnAirItem.h"
 #include "platform/Clock.h"
 #include "platform/HttpSession.h"
@@ -65,7 +65,9 @@ public:
     void fetchMetadata();
 
     /// The last usable track for the current station in a SockJS array frame, if any.
-    [[nodiscard]] std::optional<ZofraLiveTrackData> parseSockJSMessage(const QString& text) const;
+    [[nodiscard]] std::optional<ZofraLiveTrackData> parseSockJSMessage(const QString& text) const {
+        return liveTrackInFrame(text, currentStation);
+    }
 
 private:
     friend class test::RadioViewModelProbe;
@@ -77,31 +79,33 @@ private:
     void handleWebSocketMessage(const QString& text);
     void applyLiveTrack(const ZofraLiveTrackData& track);
     void sendJoinSubscription();
-    void joinSubscriptionSent(const std::weak_ptr<RadioMetadataSocket>& task, const Result<void>& result);
     void scheduleReconnect();
-    void reconnect();
     void checkWebSocketHealth();
     [[nodiscard]] bool hasFreshLiveTrack() const;
     void disconnectWebSocket();
-    [[nodiscard]] bool isCurrent(const std::weak_ptr<RadioMetadataSocket>& task) const;
+    [[nodiscard]] bool isCurrent(const std::weak_ptr<RadioMetadataSocket>& task) const {
+        return m_webSocketTask && m_webSocketTask == task.lock();
+    }
 
-    // The HTTP sources. Every result carries the number of its round.
-    void fetchRadioplayerMetadata(const QString& rpId, RadioStation station, std::uint64_t requestId,
-                                  int attempt);
+    // The HTTP sources.
+    /// One round of requests, which every result of it carries.
+    struct Round {
+        RadioStation station;
+        std::uint64_t requestId;
+        bool isRetry = false;
+    };
+    void fetchRadioplayerMetadata(const Round& round);
     /// Absent when the request failed, in whatever way.
     using OnAirItems = std::optional<std::vector<OnAirItem>>;
-    void handleRadioplayerResponse(const OnAirItems& items, const QString& rpId, RadioStation station,
-                                   std::uint64_t requestId, int attempt);
-    void handleRadioplayerFailure(const QString& rpId, RadioStation station, std::uint64_t requestId,
-                                  int attempt);
-    void fetchScraperMetadata(const QUrl& url, RadioStation station, std::uint64_t requestId);
-    void handleScraperResponse(const HttpResult& result, RadioStation station, std::uint64_t requestId);
+    void handleRadioplayerResponse(const OnAirItems& items, const Round& round);
+    void handleRadioplayerFailure(Round round);
+    void fetchScraperMetadata(const Round& round);
+    void handleScraperResponse(const HttpResult& result, const Round& round);
     void startRequest(const QUrl& url, HttpSession::Completion completion);
-    [[nodiscard]] std::optional<QUrl> scraperUrl(RadioStation station) const;
-    [[nodiscard]] bool isStale(std::uint64_t requestId) const {
-        return requestId <= m_lastAppliedMetadataRequest;
+    [[nodiscard]] bool isStale(const Round& round) const {
+        return round.requestId <= m_lastAppliedMetadataRequest;
     }
-    void applyUnlessStale(std::uint64_t requestId, const QString& text);
+    void applyUnlessStale(const Round& round, const QString& text);
     void applyMetadata(const QString& text);
 
     void tellUpdate(const QString& current, const std::optional<QString>& next) const;

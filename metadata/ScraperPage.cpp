@@ -37,4 +37,9 @@ std::optional<QString> ScraperPage::text() const {
     return std::nullopt;
 }
 
+std::optional<QUrl> scraperUrl(const ServiceHosts& hosts, RadioStation station) {
+    const auto path = station.scraperPath();
+    return path ? serviceUrl(u"https"_qs, hosts.scraperHost(), *path) : std::nullopt;
+}
+
 } // namespace zofra

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "stations/RadioStation.h"
+#include "stations/ServiceHosts.h"
+
 #include <QByteArray>
 #include <QString>
+#include <QUrl>
 
 #include <optional>
 
@@ -22,5 +26,8 @@ struct ScraperPage {
     /// The title, else artist and track when both are there, else nothing.
     [[nodiscard]] std::optional<QString> text() const;
 };
+
+/// Where the page of a station is; absent for one without a page.
+[[nodiscard]] std::optional<QUrl> scraperUrl(const ServiceHosts& hosts, RadioStation station);
 
 } // namespace zofra

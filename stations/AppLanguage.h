@@ -17,8 +17,17 @@ inline constexpr std::array allAppLanguages{AppLanguage::en, AppLanguage::nl, Ap
                                             AppLanguage::de};
 
 /// "en", "nl", "fr" or "de".
-[[nodiscard]] QString rawValue(AppLanguage language);
+[[nodiscard]] inline QString rawValue(AppLanguage language) {
+    static const std::array codes{u"en"_qs, u"nl"_qs, u"fr"_qs, u"de"_qs};
+    return codes.at(static_cast<std::size_t>(language));
+}
 /// Exactly the four lower-case codes; anything else is no language.
-[[nodiscard]] std::optional<AppLanguage> appLanguageFromRawValue(QStringView rawValue);
+[[nodiscard]] inline std::optional<AppLanguage> appLanguageFromRawValue(QStringView text) {
+    for (const auto language : allAppLanguages) {
+        if (rawValue(language) == text)
+            return language;
+    }
+    return std::nullopt;
+}
 
 } // namespace zofra

@@ -11,29 +11,28 @@ namespace {
 
 bool isDottedQuad(const QString& host) {
     static const QRegularExpression quad(
-        QStringLiteral(R"(\A(?:(?:25[0-5]|2[0-4]\d|1\d\d|[1-9]?\d)(?:\.(?!\z)|\z)){4}\z)"));
+        uR"(\A(?:(?:25[0-5]|2[0-4]\d|1\d\d|[1-9]?\d)(?:\.(?!\z)|\z)){4}\z)"_qs);
     return quad.match(host).hasMatch();
 }
 
 std::optional<QString> mistakeInName(const QString& host) {
-    static const QRegularExpression label(
-        QStringLiteral(R"(\A[A-Za-z0-9_](?:[A-Za-z0-9_-]{0,61}[A-Za-z0-9_])?\z)"));
-    static const QRegularExpression digitsAndDots(QStringLiteral(R"(\A[\d.]+\z)"));
+    static const QRegularExpression label(uR"(\A[A-Za-z0-9_](?:[A-Za-z0-9_-]{0,61}[A-Za-z0-9_])?\z)"_qs);
+    static const QRegularExpression digitsAndDots(uR"(\A[\d.]+\z)"_qs);
     if (digitsAndDots.match(host).hasMatch())
-        return isDottedQuad(host) ? std::nullopt : std::optional(QStringLiteral("is no IPv4 address"));
+        return isDottedQuad(host) ? std::nullopt : std::optional(u"is no IPv4 address"_qs);
     if (host.size() > 253)
-        return QStringLiteral("is longer than a host name can be");
+        return u"is longer than a host name can be"_qs;
     for (const auto& part : host.split(u'.')) {
         if (!label.match(part).hasMatch())
-            return QStringLiteral("is no host name");
+            return u"is no host name"_qs;
     }
     return std::nullopt;
 }
 
 std::optional<QString> mistakeInPort(const QString& port) {
-    static const QRegularExpression digits(QStringLiteral(R"(\A[1-9][0-9]{0,4}\z)"));
+    static const QRegularExpression digits(uR"(\A[1-9][0-9]{0,4}\z)"_qs);
     if (!digits.match(port).hasMatch() || port.toInt() > 65535)
-        return QStringLiteral("has a port that is not 1 to 65535");
+        return u"has a port that is not 1 to 65535"_qs;
     return std::nullopt;
 }
 
@@ -80,36 +79,36 @@ Result<std::vector<Entry>, Mistake> parse(const QByteArray& bytes) {
 
 std::optional<QString> mistakeInHost(const QString& value) {
     if (value.isEmpty())
-        return QStringLiteral("is empty");
-    if (value.contains(QStringLiteral("://")) || value.contains(u'/'))
-        return QStringLiteral("must be host or host:port, without scheme or path");
+        return u"is empty"_qs;
+    if (value.contains(u"://"_qs) || value.contains(u'/'))
+        return u"must be host or host:port, without scheme or path"_qs;
 
     QString host = value;
     std::optional<QString> port;
     if (value.startsWith(u'[')) {
         const auto close = value.indexOf(u']');
         if (close < 0)
-            return QStringLiteral("has no closing bracket");
+            return u"has no closing bracket"_qs;
         host = value.left(close + 1);
         const QString rest = value.mid(close + 1);
         if (!rest.isEmpty() && !rest.startsWith(u':'))
-            return QStringLiteral("has text after its closing bracket");
+            return u"has text after its closing bracket"_qs;
         if (!rest.isEmpty())
             port = rest.mid(1);
     } else if (const auto colons = value.count(u':'); colons > 1) {
-        return QStringLiteral("is an IPv6 address without brackets");
+        return u"is an IPv6 address without brackets"_qs;
     } else if (colons == 1) {
         host = value.section(u':', 0, 0);
         port = value.section(u':', 1);
     }
 
     if (host.isEmpty())
-        return QStringLiteral("has no host");
+        return u"has no host"_qs;
     if (host.startsWith(u'[')) {
-        static const QRegularExpression sixCharacters(QStringLiteral(R"(\A\[[0-9A-Fa-f:.]+\]\z)"));
+        static const QRegularExpression sixCharacters(uR"(\A\[[0-9A-Fa-f:.]+\]\z)"_qs);
         if (!sixCharacters.match(host).hasMatch() ||
-            !QUrl(QStringLiteral("https://") + host + u'/', QUrl::StrictMode).isValid())
-            return QStringLiteral("is no IPv6 address");
+            !QUrl(u"https://"_qs + host + u'/', QUrl::StrictMode).isValid())
+            return u"is no IPv6 address"_qs;
     } else if (auto mistake = mistakeInName(host)) {
         return mistake;
     }
@@ -118,8 +117,8 @@ std::optional<QString> mistakeInHost(const QString& value) {
             return mistake;
     }
     // The last word is the address parser's that the value will meet.
-    if (!QUrl(QStringLiteral("https://") + value + u'/', QUrl::StrictMode).isValid())
-        return QStringLiteral("is no host");
+    if (!QUrl(u"https://"_qs + value + u'/', QUrl::StrictMode).isValid())
+        return u"is no host"_qs;
     return std::nullopt;
 }
 

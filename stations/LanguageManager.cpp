@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stations/LanguageManager.h"
 
-#include "platform/SharedInstance.h"
 #include "stations/texts/InterfaceTexts.h"
 
 namespace zofra {
@@ -27,10 +26,6 @@ void LanguageManager::setCurrentLanguage(AppLanguage language) {
     m_defaults.setString(defaultsKey, rawValue(language));
     if (onLanguageChanged)
         onLanguageChanged();
-}
-
-LanguageManager& LanguageManager::shared() {
-    return SharedInstance<LanguageManager>::get();
 }
 
 void LanguageManager::setLanguage(AppLanguage language) {

@@ -3,6 +3,7 @@
 
 #include "platform/DefaultsStore.h"
 #include "platform/Observable.h"
+#include "platform/SharedInstance.h"
 #include "stations/AppLanguage.h"
 
 #include <QString>
@@ -23,10 +24,10 @@ public:
     LanguageManager(DefaultsStore& defaults, const QStringList& preferredLanguages);
 
     /// The one of the running program.
-    [[nodiscard]] static LanguageManager& shared();
+    [[nodiscard]] static LanguageManager& shared() { return SharedInstance<LanguageManager>::get(); }
 
     /// Settings key of the language.
-    const QString defaultsKey = QStringLiteral("app_language");
+    const QString defaultsKey = u"app_language"_qs;
 
     [[nodiscard]] AppLanguage currentLanguage() const { return m_currentLanguage; }
     /// Always stores the language and calls `onLanguageChanged`.

@@ -49,7 +49,7 @@ std::optional<QString> unlessEmpty(const QString& text) {
 
 /// Hosts were checked when they were read: an address that does not parse is a mistake in this program.
 QUrl secureUrl(const QString& host, const QString& path) {
-    const auto url = serviceUrl(QStringLiteral("https"), host, path);
+    const auto url = serviceUrl(u"https"_qs, host, path);
     if (!url)
         qFatal("no stream address: https://%s%s", qUtf8Printable(host), qUtf8Printable(path));
     return *url;
@@ -63,14 +63,6 @@ std::optional<RadioStation> RadioStation::fromRawValue(QStringView rawValue) {
             return station;
     }
     return std::nullopt;
-}
-
-std::optional<RadioStation> RadioStation::fromJson(const QJsonValue& value) {
-    return value.isString() ? fromRawValue(value.toString()) : std::nullopt;
-}
-
-QJsonValue RadioStation::toJson() const {
-    return rawValue();
 }
 
 QString RadioStation::rawValue() const {
@@ -109,8 +101,8 @@ QUrl RadioStation::streamMP3(const ServiceHosts& hosts) const {
 
 QString RadioStation::networkPlayerStreamURI(const ServiceHosts& hosts) const {
     const auto& entry = entryOf(*this);
-    return QStringLiteral("x-rincon-mp3radio://") +
-           hosts.streamHost(entry.rawValue, entry.networkPlayerHost) + entry.pathMP3;
+    return u"x-rincon-mp3radio://"_qs + hosts.streamHost(entry.rawValue, entry.networkPlayerHost) +
+           entry.pathMP3;
 }
 
 RadioStation RadioStation::savedStation(const DefaultsStore& defaults) {

@@ -43,8 +43,10 @@ public:
     /// The station with exactly this raw value (case-sensitive), if any.
     [[nodiscard]] static std::optional<RadioStation> fromRawValue(QStringView rawValue);
     /// The station that `value` encodes (its raw value as JSON text), if any.
-    [[nodiscard]] static std::optional<RadioStation> fromJson(const QJsonValue& value);
-    [[nodiscard]] QJsonValue toJson() const;
+    [[nodiscard]] static std::optional<RadioStation> fromJson(const QJsonValue& value) {
+        return value.isString() ? fromRawValue(value.toString()) : std::nullopt;
+    }
+    [[nodiscard]] QJsonValue toJson() const { return rawValue(); }
 
     /// The persistent identifier.
     [[nodiscard]] QString rawValue() const;

@@ -11,14 +11,14 @@ namespace zofra {
 namespace {
 
 // Keys of the table are "section/key"; these are the ones outside [streams].
-const QString liveSocketKey = QStringLiteral("metadata/live_socket");
-const QString onAirKey = QStringLiteral("metadata/on_air");
-const QString scraperKey = QStringLiteral("metadata/scraper");
-const QString extraAuthorityKey = QStringLiteral("tls/extra_ca");
+const QString liveSocketKey = u"metadata/live_socket"_qs;
+const QString onAirKey = u"metadata/on_air"_qs;
+const QString scraperKey = u"metadata/scraper"_qs;
+const QString extraAuthorityKey = u"tls/extra_ca"_qs;
 
 QString streamKey(const QString& stationRawValue, ServiceHosts::StreamKind kind) {
-    return QStringLiteral("streams/") + stationRawValue +
-           (kind == ServiceHosts::StreamKind::aac ? QStringLiteral("_aac") : QStringLiteral("_mp3"));
+    return u"streams/"_qs + stationRawValue +
+           (kind == ServiceHosts::StreamKind::aac ? u"_aac"_qs : u"_mp3"_qs);
 }
 
 /// The stations' public servers. Names under .example are to be set by whoever runs the station group's
@@ -57,33 +57,32 @@ tl::unexpected<QString> refusal(const QString& file, const endpoints::Mistake& m
     QStringList parts{mistake.key, mistake.value};
     parts.removeAll(QString());
     if (!parts.isEmpty())
-        text += QStringLiteral(": ") + parts.join(QStringLiteral(" = "));
-    return failure(maskedText(text + QStringLiteral(": ") + mistake.reason));
+        text += u": "_qs + parts.join(u" = "_qs);
+    return failure(maskedText(text + u": "_qs + mistake.reason));
 }
 
 std::optional<QString> mistakeInAuthorityFile(const QString& path) {
     if (path.isEmpty())
-        return QStringLiteral("is empty");
+        return u"is empty"_qs;
     if (!path.startsWith(u'/'))
-        return QStringLiteral("is no absolute path");
+        return u"is no absolute path"_qs;
     const auto file = readRegularFile(path, 1);
     if (!file)
-        return QStringLiteral("cannot be read: ") + file.error();
-    return *file ? std::nullopt : std::optional(QStringLiteral("no such file"));
+        return u"cannot be read: "_qs + file.error();
+    return *file ? std::nullopt : std::optional(u"no such file"_qs);
 }
 
 std::optional<QString> mistakeInEntry(const endpoints::Entry& entry) {
-    static const QSet<QString> sections{QStringLiteral("streams"), QStringLiteral("metadata"),
-                                        QStringLiteral("tls")};
+    static const QSet<QString> sections{u"streams"_qs, u"metadata"_qs, u"tls"_qs};
     if (!sections.contains(entry.section))
-        return QStringLiteral("unknown section [") + entry.section + u']';
+        return u"unknown section ["_qs + entry.section + u']';
     if (entry.kind == endpoints::Entry::Kind::sectionHeader)
         return std::nullopt;
     const QString key = entry.section + u'/' + entry.key;
     if (key == extraAuthorityKey)
         return mistakeInAuthorityFile(entry.value);
     if (!builtInTable().contains(key))
-        return QStringLiteral("unknown key in [") + entry.section + u']';
+        return u"unknown key in ["_qs + entry.section + u']';
     return endpoints::mistakeInHost(entry.value);
 }
 
@@ -118,12 +117,12 @@ std::optional<QString> ServiceHosts::extraAuthorityFile() const {
 Result<void> ServiceHosts::overlay(const QString& path, MissingFile missing) {
     const auto bytes = readRegularFile(path, endpoints::maxFileBytes + 1);
     if (!bytes)
-        return refusal(path, {.reason = QStringLiteral("cannot be read: ") + bytes.error()});
+        return refusal(path, {.reason = u"cannot be read: "_qs + bytes.error()});
     if (!*bytes) {
         // A link that leads nowhere was meant to be read.
         if (missing == MissingFile::isFine && !isLink(path))
             return {};
-        return refusal(path, {.reason = QStringLiteral("no such file")});
+        return refusal(path, {.reason = u"no such file"_qs});
     }
     const auto entries = endpoints::parse(**bytes);
     if (!entries)
@@ -137,7 +136,7 @@ Result<void> ServiceHosts::overlay(const QString& path, MissingFile missing) {
         if (!mistake && entry.kind == endpoints::Entry::Kind::sectionHeader)
             continue;
         if (!mistake && seen.contains(key))
-            mistake = QStringLiteral("stands there twice");
+            mistake = u"stands there twice"_qs;
         if (mistake)
             return refusal(path, {entry.line, entry.key, entry.value, *mistake});
         seen.insert(key);
@@ -159,7 +158,7 @@ Result<ServiceHosts> ServiceHosts::load(const QStringList& layers,
 }
 
 std::optional<QUrl> serviceUrl(const QString& scheme, const QString& host, const QString& pathAndQuery) {
-    const QUrl url(scheme + QStringLiteral("://") + host + pathAndQuery, QUrl::StrictMode);
+    const QUrl url(scheme + u"://"_qs + host + pathAndQuery, QUrl::StrictMode);
     return url.isValid() && !url.host().isEmpty() ? std::optional(url) : std::nullopt;
 }
 

@@ -28,7 +28,7 @@ public:
     [[nodiscard]] std::optional<QString> extraAuthorityFile() const;
 
     /// Of its files, in the folders of configuration.
-    static inline const QString fileName = QStringLiteral("zofrazofra/endpoints.ini");
+    static inline const QString fileName = u"zofrazofra/endpoints.ini"_qs;
     enum class MissingFile { isFine, isRefused };
     /// Lays the values of `path` over this table. Where the file is wrong, the error is one line, "file:line:
     /// key = value: reason", and the table is unchanged.
