@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "playback/RadioPlayer.h"
 
-#include "platform/SharedInstance.h"
-
 #include <chrono>
 #include <utility>
 
@@ -29,10 +27,6 @@ RadioPlayer::RadioPlayer(const Environment& environment)
     currentStation = RadioStation::savedStation(m_environment.defaults);
     setupRemoteCommands();
     m_wakeObserver = m_environment.wake.observeDidWake(m_lifetime.guard([this] { handleWakeFromSleep(); }));
-}
-
-RadioPlayer& RadioPlayer::shared() {
-    return SharedInstance<RadioPlayer>::get();
 }
 
 void RadioPlayer::play() {
@@ -147,8 +141,8 @@ void RadioPlayer::handlePlaybackStall() {
 void RadioPlayer::handlePlaybackFailed() {
     if (!isPlaying)
         return;
-    m_environment.output.writeLine(QStringLiteral("AAC Stream fehlgeschlagen – wechsle zu MP3 Fallback (%1)")
-                                       .arg(currentStation.get().displayName()));
+    m_environment.output.writeLine(u"AAC Stream fehlgeschlagen – wechsle zu MP3 Fallback (%1)"_qs.arg(
+        currentStation.get().displayName()));
     setupPlayer(currentStation.get().streamMP3(m_environment.hosts));
     player->play();
 }

@@ -6,6 +6,7 @@
 #include "platform/MainQueue.h"
 #include "platform/MediaControls.h"
 #include "platform/Observable.h"
+#include "platform/SharedInstance.h"
 #include "platform/StreamPlayer.h"
 #include "platform/SystemLog.h"
 #include "platform/WakeNotifier.h"
@@ -38,7 +39,7 @@ public:
     explicit RadioPlayer(const Environment& environment);
 
     /// The one of the running program.
-    [[nodiscard]] static RadioPlayer& shared();
+    [[nodiscard]] static RadioPlayer& shared() { return SharedInstance<RadioPlayer>::get(); }
 
     /// The user wants sound and the player has been told to play.
     Published<bool> isPlaying;
@@ -55,7 +56,7 @@ public:
     std::unique_ptr<StreamPlayer> player;
     std::shared_ptr<StreamItem> playerItem;
 
-    const QString volumeDefaultsKey = QStringLiteral("zofra_radio_volume");
+    const QString volumeDefaultsKey = u"zofra_radio_volume"_qs;
 
     /// Starts playback of the current station; a player still held resumes as it is.
     void play();

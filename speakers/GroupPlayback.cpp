@@ -100,8 +100,7 @@ private:
 /// Both, of two records of one player the one among `players`.
 QList<SonosSpeaker> together(QList<SonosSpeaker> players, const QList<SonosSpeaker>& others) {
     for (const auto& other : others) {
-        if (std::none_of(players.begin(), players.end(),
-                         [&other](const SonosSpeaker& player) { return player.id == other.id; }))
+        if (std::ranges::find(players, other.id, &SonosSpeaker::id) == players.end())
             players.append(other);
     }
     return players;

@@ -20,7 +20,7 @@ namespace zofra {
     QStringList texts;
     for (const auto& address : addresses)
         texts += QString::fromLatin1(address.toEncoded(QUrl::FullyEncoded));
-    std::sort(texts.begin(), texts.end(), plainlyBefore);
+    std::ranges::sort(texts, plainlyBefore);
     return texts;
 }
 

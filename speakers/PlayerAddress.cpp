@@ -13,7 +13,7 @@ constexpr int playerPort = 1400;
 
 std::optional<QUrl> playerAddress(const QString& text) {
     // QUrl lowers the scheme's case, so the text itself is looked at.
-    if (!text.startsWith(QLatin1String("http:")) && !text.startsWith(QLatin1String("https:")))
+    if (!text.startsWith(u"http:") && !text.startsWith(u"https:"))
         return std::nullopt;
     QUrl url(text, QUrl::StrictMode);
     if (!url.isValid() || url.host().isEmpty())
@@ -22,7 +22,7 @@ std::optional<QUrl> playerAddress(const QString& text) {
 }
 
 bool carriesUserInfo(const QString& text) {
-    const auto start = text.indexOf(QLatin1String("//"));
+    const auto start = text.indexOf(u"//");
     if (start < 0)
         return false;
     constexpr QStringView delimiters = u"/?#";
@@ -33,10 +33,10 @@ bool carriesUserInfo(const QString& text) {
 
 QUrl usualDescriptionAddress(const QString& host) {
     QUrl url;
-    url.setScheme(QStringLiteral("http"));
+    url.setScheme(u"http"_qs);
     url.setHost(host);
     url.setPort(playerPort);
-    url.setPath(QStringLiteral("/xml/device_description.xml"));
+    url.setPath(u"/xml/device_description.xml"_qs);
     return url;
 }
 

@@ -19,9 +19,9 @@ std::optional<QString> trimmedChild(const PlayerXMLNode& node, const QString& na
 /// Service type to control address; embedded devices count too, and a later service of the same type wins.
 QHash<QString, QString> serviceTable(const PlayerXMLNode& device) {
     QHash<QString, QString> table;
-    for (const auto& service : device.descendants(QStringLiteral("service"))) {
-        const auto type = trimmedChild(*service, QStringLiteral("serviceType"));
-        const auto control = trimmedChild(*service, QStringLiteral("controlURL"));
+    for (const auto& service : device.descendants(u"service"_qs)) {
+        const auto type = trimmedChild(*service, u"serviceType"_qs);
+        const auto control = trimmedChild(*service, u"controlURL"_qs);
         if (type && control)
             table.insert(*type, *control);
     }
@@ -45,9 +45,8 @@ bool isKeepable(const SonosSpeaker& speaker) {
 }
 
 bool namesSub(const QString& model) {
-    static const QRegularExpression sub(QStringLiteral("\\bSub\\b"),
-                                        QRegularExpression::CaseInsensitiveOption |
-                                            QRegularExpression::UseUnicodePropertiesOption);
+    static const QRegularExpression sub(u"\\bSub\\b"_qs, QRegularExpression::CaseInsensitiveOption |
+                                                             QRegularExpression::UseUnicodePropertiesOption);
     return sub.match(model).hasMatch();
 }
 
@@ -55,26 +54,26 @@ bool namesSub(const QString& model) {
 
 std::optional<SonosSpeaker> NetworkPlayerProtocol::speaker(const QString& description, const QUrl& url) {
     const auto root = xml(description);
-    const auto device = root ? root->child(QStringLiteral("device")) : nullptr;
-    if (!device || trimmedChild(*device, QStringLiteral("deviceType")) != QLatin1String(deviceType))
+    const auto device = root ? root->child(u"device"_qs) : nullptr;
+    if (!device || trimmedChild(*device, u"deviceType"_qs) != QLatin1String(deviceType))
         return std::nullopt;
-    const auto udn = trimmedChild(*device, QStringLiteral("UDN"));
+    const auto udn = trimmedChild(*device, u"UDN"_qs);
     const QLatin1String prefix("uuid:");
     if (!udn || !udn->startsWith(prefix) || udn->size() <= prefix.size() || url.host().isEmpty())
         return std::nullopt;
 
-    auto model = trimmedChild(*device, QStringLiteral("modelName"));
+    auto model = trimmedChild(*device, u"modelName"_qs);
     if (!model)
-        model = trimmedChild(*device, QStringLiteral("modelDescription"));
+        model = trimmedChild(*device, u"modelDescription"_qs);
     SonosSpeaker speaker;
     speaker.id = udn->sliced(prefix.size());
     speaker.ip = url.host();
-    speaker.model = model.value_or(QStringLiteral("Sonos"));
-    auto roomName = trimmedChild(*device, QStringLiteral("roomName"));
+    speaker.model = model.value_or(u"Sonos"_qs);
+    auto roomName = trimmedChild(*device, u"roomName"_qs);
     if (!roomName)
-        roomName = trimmedChild(*device, QStringLiteral("friendlyName"));
+        roomName = trimmedChild(*device, u"friendlyName"_qs);
     speaker.roomName = roomName.value_or(speaker.model);
-    speaker.manufacturer = trimmedChild(*device, QStringLiteral("manufacturer"));
+    speaker.manufacturer = trimmedChild(*device, u"manufacturer"_qs);
     speaker.modelName = speaker.model;
     speaker.descriptionURL = url;
     const auto services = serviceTable(*device);

@@ -11,12 +11,10 @@ inline constexpr std::size_t maxDescriptionBytes = 262'144;
 
 /// A plain GET of a device description, past every proxy: players are neighbours.
 [[nodiscard]] inline HttpRequest descriptionRequest(const QUrl& url, std::chrono::milliseconds timeout) {
-    HttpRequest request;
-    request.url = url;
-    request.timeout = timeout;
-    request.maxBodyBytes = maxDescriptionBytes;
-    request.route = HttpRequest::Route::direct;
-    return request;
+    return {.url = url,
+            .timeout = timeout,
+            .maxBodyBytes = maxDescriptionBytes,
+            .route = HttpRequest::Route::direct};
 }
 
 namespace NetworkPlayerProtocol {

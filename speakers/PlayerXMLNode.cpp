@@ -21,8 +21,7 @@ PlayerXMLNode::~PlayerXMLNode() {
 }
 
 PlayerXMLNode::Pointer PlayerXMLNode::child(const QString& elementName) const {
-    const auto found = std::find_if(children.begin(), children.end(),
-                                    [&elementName](const auto& node) { return node->name == elementName; });
+    const auto found = std::ranges::find(children, elementName, [](const auto& node) { return node->name; });
     return found == children.end() ? nullptr : *found;
 }
 

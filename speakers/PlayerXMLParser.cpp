@@ -21,20 +21,6 @@ PlayerXMLParser::Verdict PlayerXMLParser::elementStarted(const QString& localNam
     return Verdict::goOn;
 }
 
-void PlayerXMLParser::charactersFound(QStringView characters) {
-    if (!stack.empty())
-        stack.back()->text += characters;
-}
-
-void PlayerXMLParser::cdataFound(const QByteArray& utf8) {
-    charactersFound(QString::fromUtf8(utf8));
-}
-
-void PlayerXMLParser::elementEnded() {
-    if (!stack.empty())
-        stack.pop_back();
-}
-
 namespace {
 
 /// Stands between the parts of a name: no name and no namespace address can hold it.
@@ -96,8 +82,7 @@ private:
 } // namespace
 
 PlayerXMLNode::Pointer NetworkPlayerProtocol::xml(const QString& text) {
-    if (text.size() > PlayerXMLLimits::characters ||
-        text.contains(QLatin1String("<!DOCTYPE"), Qt::CaseInsensitive))
+    if (text.size() > PlayerXMLLimits::characters || text.contains(u"<!DOCTYPE", Qt::CaseInsensitive))
         return nullptr;
     return Reader().read(text.toUtf8());
 }

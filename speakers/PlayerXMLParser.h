@@ -29,11 +29,17 @@ public:
     /// An element begins. Answers `tooMuch` when the document goes beyond `PlayerXMLLimits`.
     Verdict elementStarted(const QString& localName, const QMap<QString, QString>& attributes);
     /// Character data; nothing outside of the root.
-    void charactersFound(QStringView characters);
+    void charactersFound(QStringView characters) {
+        if (!stack.empty())
+            stack.back()->text += characters;
+    }
     /// A CDATA block; bytes that are no UTF-8 are replaced.
-    void cdataFound(const QByteArray& utf8);
+    void cdataFound(const QByteArray& utf8) { charactersFound(QString::fromUtf8(utf8)); }
     /// The innermost open element ends; its name is not looked at.
-    void elementEnded();
+    void elementEnded() {
+        if (!stack.empty())
+            stack.pop_back();
+    }
 
     /// The document's element, once begun.
     PlayerXMLNode::Pointer root;

@@ -11,50 +11,38 @@ namespace {
 constexpr std::chrono::seconds soapTimeout{5};
 
 /// Text inside of an element, hence escaped once already; the same title for every station.
-QString metadata() {
-    return QStringLiteral("&lt;DIDL-Lite xmlns:dc=\"http://purl.org/dc/elements/1.1/\""
-                          " xmlns:upnp=\"urn:schemas-upnp-org:metadata-1-0/upnp/\""
-                          " xmlns:r=\"urn:schemas-rinconnetworks-com:metadata-1-0/\""
-                          " xmlns=\"urn:schemas-upnp-org:metadata-1-0/DIDL-Lite/\"&gt;"
-                          "&lt;item id=\"-1\" parentID=\"-1\" restricted=\"true\"&gt;"
-                          "&lt;dc:title&gt;Zofra Radio&lt;/dc:title&gt;"
-                          "&lt;upnp:class&gt;object.item.audioItem.audioBroadcast&lt;/upnp:class&gt;"
-                          "&lt;/item&gt;&lt;/DIDL-Lite&gt;");
-}
+const QString metadata = u"&lt;DIDL-Lite xmlns:dc=\"http://purl.org/dc/elements/1.1/\""
+                         u" xmlns:upnp=\"urn:schemas-upnp-org:metadata-1-0/upnp/\""
+                         u" xmlns:r=\"urn:schemas-rinconnetworks-com:metadata-1-0/\""
+                         u" xmlns=\"urn:schemas-upnp-org:metadata-1-0/DIDL-Lite/\"&gt;"
+                         u"&lt;item id=\"-1\" parentID=\"-1\" restricted=\"true\"&gt;"
+                         u"&lt;dc:title&gt;Zofra Radio&lt;/dc:title&gt;"
+                         u"&lt;upnp:class&gt;object.item.audioItem.audioBroadcast&lt;/upnp:class&gt;"
+                         u"&lt;/item&gt;&lt;/DIDL-Lite&gt;"_qs;
 
 /// The envelope around an action's argument elements, as UTF-8.
 QByteArray soapEnvelope(const QString& service, const QString& action, const QString& body) {
-    const QString envelope =
-        QStringLiteral("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
-                       "<s:Envelope xmlns:s=\"http://schemas.xmlsoap.org/soap/envelope/\">\n"
-                       "  <s:Body>\n"
-                       "    <u:") +
-        action + QStringLiteral(" xmlns:u=\"urn:schemas-upnp-org:service:") + service +
-        QStringLiteral("\">") + body + QStringLiteral("</u:") + action +
-        QStringLiteral(">\n"
-                       "  </s:Body>\n"
-                       "</s:Envelope>");
-    return envelope.toUtf8();
+    return u"<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
+           u"<s:Envelope xmlns:s=\"http://schemas.xmlsoap.org/soap/envelope/\">\n"
+           u"  <s:Body>\n"
+           u"    <u:%1 xmlns:u=\"urn:schemas-upnp-org:service:%2\">%3</u:%1>\n"
+           u"  </s:Body>\n"
+           u"</s:Envelope>"_qs.arg(action, service, body)
+               .toUtf8();
 }
 
 } // namespace
 
 HttpRequest soapRequest(const QUrl& endpoint, const QString& service, const QString& action,
                         const QString& body) {
-    HttpRequest request;
-    request.method = QByteArrayLiteral("POST");
-    request.url = endpoint;
-    const QString actionUri =
-        QStringLiteral("\"urn:schemas-upnp-org:service:") + service + u'#' + action + u'"';
-    request.headers = {
-        {QByteArrayLiteral("Content-Type"), QByteArrayLiteral("text/xml; charset=\"utf-8\"")},
-        {QByteArrayLiteral("SOAPACTION"), actionUri.toUtf8()},
-    };
-    request.body = soapEnvelope(service, action, body);
-    request.timeout = soapTimeout;
-    request.purpose = HttpRequest::Purpose::order;
-    request.route = HttpRequest::Route::direct;
-    return request;
+    const QString actionUri = u"\"urn:schemas-upnp-org:service:"_qs + service + u'#' + action + u'"';
+    return {.method = "POST",
+            .url = endpoint,
+            .headers = {{"Content-Type", "text/xml; charset=\"utf-8\""}, {"SOAPACTION", actionUri.toUtf8()}},
+            .body = soapEnvelope(service, action, body),
+            .timeout = soapTimeout,
+            .purpose = HttpRequest::Purpose::order,
+            .route = HttpRequest::Route::direct};
 }
 
 QString escapedForXml(const QString& text) {
@@ -63,14 +51,13 @@ QString escapedForXml(const QString& text) {
 }
 
 QString setTransportUriBody(const QString& uri) {
-    return QStringLiteral("<InstanceID>0</InstanceID>\n<CurrentURI>") + escapedForXml(uri) +
-           QStringLiteral("</CurrentURI>\n<CurrentURIMetaData>") + metadata() +
-           QStringLiteral("</CurrentURIMetaData>");
+    return u"<InstanceID>0</InstanceID>\n<CurrentURI>%1</CurrentURI>\n"
+           u"<CurrentURIMetaData>%2</CurrentURIMetaData>"_qs.arg(escapedForXml(uri), metadata);
 }
 
 QString setVolumeBody(int percent) {
-    return QStringLiteral("<InstanceID>0</InstanceID><Channel>Master</Channel><DesiredVolume>") +
-           QString::number(std::clamp(percent, 0, 100)) + QStringLiteral("</DesiredVolume>");
+    return u"<InstanceID>0</InstanceID><Channel>Master</Channel><DesiredVolume>%1</DesiredVolume>"_qs.arg(
+        std::clamp(percent, 0, 100));
 }
 
 } // namespace zofra

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/SonosManager.h"
 
-#include "platform/SharedInstance.h"
 #include "speakers/RoomCache.h"
 #include "speakers/SpeakerDiscovery.h"
 #include "stations/texts/InterfaceTexts.h"
@@ -40,14 +39,6 @@ SonosManager::SonosManager(bool automaticallyDiscover, const Environment& enviro
     discoverDevices(true);
     m_scanTimer = environment.mainQueue.startTimer(scanInterval, MainQueue::Repeat::forever,
                                                    [this] { discoverDevices(false); });
-}
-
-SonosManager& SonosManager::shared() {
-    return SharedInstance<SonosManager>::get();
-}
-
-SonosManager::~SonosManager() {
-    m_background->end();
 }
 
 void SonosManager::loadCachedRooms() {
@@ -102,11 +93,10 @@ void SonosManager::followTarget() {
     if (former.isEmpty() || room(former))
         return;
     const auto holdsFormerCoordinator = [&former](const SonosRoom& room) {
-        return std::any_of(room.speakers.begin(), room.speakers.end(),
-                           [&former](const SonosSpeaker& speaker) { return speaker.id == former; });
+        return std::ranges::find(room.speakers, former, &SonosSpeaker::id) != room.speakers.end();
     };
     const auto& all = rooms.get();
-    const auto found = std::find_if(all.begin(), all.end(), holdsFormerCoordinator);
+    const auto found = std::ranges::find_if(all, holdsFormerCoordinator);
     if (found == all.end())
         return;
     if (m_playedRoom == former)
@@ -186,7 +176,7 @@ void SonosManager::playEverywhere() {
     m_everywhereLater =
         m_environment.mainQueue.startTimer(everywherePatience, MainQueue::Repeat::once, [this] {
             m_everywhereLater.reset();
-            m_background->log(QStringLiteral("Wiedergabe überall nicht gestartet: Suche dauert zu lange."));
+            m_background->log(u"Wiedergabe überall nicht gestartet: Suche dauert zu lange."_qs);
         });
 }
 
@@ -201,9 +191,8 @@ void SonosManager::play(const QList<PlayerPlaybackGroup>& groups, RadioStation s
 void SonosManager::playFinished(qsizetype started, qsizetype groups) {
     setSonosPlaying(started >= 1);
     if (started != groups)
-        m_background->log(QStringLiteral("Wiedergabe nur auf ") + QString::number(started) +
-                          QStringLiteral(" von ") + QString::number(groups) +
-                          QStringLiteral(" Ausgabegruppen gestartet."));
+        m_background->log(
+            u"Wiedergabe nur auf %1 von %2 Ausgabegruppen gestartet."_qs.arg(started).arg(groups));
 }
 
 void SonosManager::setSonosPlaying(bool playing) {
@@ -255,15 +244,13 @@ QList<SonosSpeaker> SonosManager::controllableSpeakers() const {
 
 SonosSpeaker SonosManager::asLastFound(const SonosSpeaker& speaker) const {
     const auto speakers = m_background->allSpeakers.value();
-    const auto found = std::find_if(speakers.begin(), speakers.end(),
-                                    [&speaker](const SonosSpeaker& other) { return other.id == speaker.id; });
+    const auto found = std::ranges::find(speakers, speaker.id, &SonosSpeaker::id);
     return found == speakers.end() ? speaker : *found;
 }
 
 std::optional<SonosRoom> SonosManager::room(const QString& id) const {
     const auto& all = rooms.get();
-    const auto found =
-        std::find_if(all.begin(), all.end(), [&id](const SonosRoom& room) { return room.id() == id; });
+    const auto found = std::ranges::find(all, id, &SonosRoom::id);
     return found == all.end() ? std::nullopt : std::optional(*found);
 }
 
@@ -277,17 +264,12 @@ QString SonosManager::emptyStateMessage() const {
 QString SonosManager::activeTargetTitle() const {
     const auto language = m_environment.languages.currentLanguage();
     const auto& target = activeTarget.get();
-    switch (target.kind()) {
-    case AudioOutputTarget::Kind::sonosEverywhere:
+    if (target.kind() == AudioOutputTarget::Kind::sonosEverywhere)
         return texts::everywhere.in(language);
-    case AudioOutputTarget::Kind::sonos:
-        if (const auto found = room(target.roomId()))
-            return displayTitle(*found);
-        return m_formerTitles.value(target.roomId(), target.roomId());
-    case AudioOutputTarget::Kind::localMac:
-        break;
-    }
-    return texts::thisMac.in(language);
+    if (target.kind() == AudioOutputTarget::Kind::localMac)
+        return texts::thisMac.in(language);
+    const auto found = room(target.roomId());
+    return found ? displayTitle(*found) : m_formerTitles.value(target.roomId(), target.roomId());
 }
 
 } // namespace zofra

@@ -3,6 +3,7 @@
 
 #include "platform/DefaultsStore.h"
 #include "platform/Observable.h"
+#include "platform/SharedInstance.h"
 #include "playback/RadioPlayer.h"
 #include "speakers/AudioOutputTarget.h"
 #include "speakers/GroupPlayback.h"
@@ -39,10 +40,10 @@ public:
     /// With `automaticallyDiscover`, shows the rooms kept from the last run, searches at once and every
     /// minute, and keeps what it finds; without, searches only when asked and reads and writes no settings.
     SonosManager(bool automaticallyDiscover, const Environment& environment);
-    ~SonosManager();
+    ~SonosManager() { m_background->end(); }
 
     /// The one of the running program.
-    [[nodiscard]] static SonosManager& shared();
+    [[nodiscard]] static SonosManager& shared() { return SharedInstance<SonosManager>::get(); }
 
     Published<QList<SonosRoom>> rooms;
     Published<AudioOutputTarget> activeTarget;
@@ -82,7 +83,7 @@ public:
     void discoverDevices(bool forceSubnetScan);
 
     /// Settings key of the rooms kept between runs.
-    const QString cacheKey = QStringLiteral("cached_sonos_rooms");
+    const QString cacheKey = u"cached_sonos_rooms"_qs;
 
 private:
     void loadCachedRooms();

@@ -19,24 +19,16 @@ void SpeakerBackground::post(std::function<void()> work) {
 
 void SpeakerBackground::log(const QString& message) {
     if (!ended())
-        m_outside.systemLog.log(QStringLiteral("[Sonos] ") + message);
-}
-
-void SpeakerBackground::noteLocalNetworkDenial() {
-    post([this] { m_reports.localNetwork(true); });
+        m_outside.systemLog.log(u"[Sonos] "_qs + message);
 }
 
 void SpeakerBackground::noteIfDenied(const std::optional<HttpError>& error, const QUrl& target) {
     if (!isLocalNetworkDenial(error))
         return;
     const auto interfaces = searched.value();
-    if (std::any_of(interfaces.begin(), interfaces.end(),
-                    [host = target.host()](const auto& interface) { return interface.reaches(host); }))
+    if (std::ranges::any_of(
+            interfaces, [host = target.host()](const auto& interface) { return interface.reaches(host); }))
         noteLocalNetworkDenial();
-}
-
-void SpeakerBackground::clearLocalNetworkDenial() {
-    post([this] { m_reports.localNetwork(false); });
 }
 
 void SpeakerBackground::applySpeakers(const QList<SonosSpeaker>& speakers) {
@@ -44,15 +36,11 @@ void SpeakerBackground::applySpeakers(const QList<SonosSpeaker>& speakers) {
     post([this, rooms = NetworkPlayerProtocol::rooms(speakers)] { m_reports.rooms(rooms); });
 }
 
-void SpeakerBackground::noteRunEnded() {
-    post([this] { m_reports.runEnded(); });
-}
-
 bool isLocalNetworkDenial(const std::optional<HttpError>& error) {
     if (!error)
         return false;
     return error->code == HttpError::Code::notConnected ||
-           error->localizedDescription.contains(QLatin1String("Local network prohibited"));
+           error->localizedDescription.contains(u"Local network prohibited");
 }
 
 } // namespace zofra

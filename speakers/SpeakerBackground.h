@@ -62,14 +62,20 @@ public:
     /// Writes one line to the system's log.
     void log(const QString& message);
 
-    void noteLocalNetworkDenial();
+    void noteLocalNetworkDenial() {
+        post([this] { m_reports.localNetwork(true); });
+    }
     /// Notes a denial when the system has refused a request to a network that is searched. There may be no
     /// way to an address elsewhere, one of IPv6 for instance, though all is well here.
     void noteIfDenied(const std::optional<HttpError>& error, const QUrl& target);
-    void clearLocalNetworkDenial();
+    void clearLocalNetworkDenial() {
+        post([this] { m_reports.localNetwork(false); });
+    }
     /// Takes over what a run found.
     void applySpeakers(const QList<SonosSpeaker>& speakers);
-    void noteRunEnded();
+    void noteRunEnded() {
+        post([this] { m_reports.runEnded(); });
+    }
 
     /// The interfaces of the last run.
     PlayerLocked<QList<InterfaceInfo>> searched;

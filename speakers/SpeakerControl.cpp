@@ -7,15 +7,12 @@ namespace zofra {
 
 namespace {
 
-QString transportService() {
-    return QStringLiteral("AVTransport:1");
-}
+const QString transportService = u"AVTransport:1"_qs;
 
 void logFailure(SpeakerBackground& background, const QString& action, const QUrl& endpoint, int status) {
     const auto host = endpoint.host();
-    background.log(QStringLiteral("SOAP ") + action + QStringLiteral(" an ") +
-                   (host.isEmpty() ? QStringLiteral("?") : host) + QStringLiteral(" fehlgeschlagen: HTTP ") +
-                   QString::number(status));
+    background.log(u"SOAP %1 an %2 fehlgeschlagen: HTTP %3"_qs.arg(action, host.isEmpty() ? u"?"_qs : host,
+                                                                   QString::number(status)));
 }
 
 } // namespace
@@ -42,14 +39,14 @@ void SpeakerControl::sendSOAPAction(const QUrl& endpoint, const QString& service
 
 void SpeakerControl::setAVTransportURI(const QUrl& endpoint, const QString& uri,
                                        Completion completion) const {
-    sendSOAPAction(endpoint, transportService(), QStringLiteral("SetAVTransportURI"),
-                   setTransportUriBody(uri), std::move(completion));
+    sendSOAPAction(endpoint, transportService, u"SetAVTransportURI"_qs, setTransportUriBody(uri),
+                   std::move(completion));
 }
 
 void SpeakerControl::detachIfGrouped(const SonosSpeaker& speaker, Completion then) const {
     const bool isGrouped = speaker.groupCoordinatorId && *speaker.groupCoordinatorId != speaker.id;
     if (!speaker.isZofra() && isGrouped)
-        sendTransportAction(speaker, QStringLiteral("BecomeCoordinatorOfStandaloneGroup"), std::move(then));
+        sendTransportAction(speaker, u"BecomeCoordinatorOfStandaloneGroup"_qs, std::move(then));
     else
         then(true);
 }
@@ -57,20 +54,19 @@ void SpeakerControl::detachIfGrouped(const SonosSpeaker& speaker, Completion the
 void SpeakerControl::setVolume(const SonosSpeaker& speaker, int percent, Completion completion) const {
     const auto endpoint =
         speaker.endpoint(speaker.renderingPath, QString::fromLatin1(ControlPath::rendering));
-    sendSOAPAction(endpoint, QStringLiteral("RenderingControl:1"), QStringLiteral("SetVolume"),
-                   setVolumeBody(percent), std::move(completion));
+    sendSOAPAction(endpoint, u"RenderingControl:1"_qs, u"SetVolume"_qs, setVolumeBody(percent),
+                   std::move(completion));
 }
 
 void SpeakerControl::join(const SonosSpeaker& follower, const SonosSpeaker& coordinator,
                           Completion completion) const {
-    setAVTransportURI(transportEndpoint(follower), QStringLiteral("x-rincon:") + coordinator.id,
-                      std::move(completion));
+    setAVTransportURI(transportEndpoint(follower), u"x-rincon:"_qs + coordinator.id, std::move(completion));
 }
 
 void SpeakerControl::sendTransportAction(const SonosSpeaker& speaker, const QString& action,
                                          Completion completion, const QString& arguments) const {
-    sendSOAPAction(transportEndpoint(speaker), transportService(), action,
-                   QStringLiteral("<InstanceID>0</InstanceID>") + arguments, std::move(completion));
+    sendSOAPAction(transportEndpoint(speaker), transportService, action,
+                   u"<InstanceID>0</InstanceID>"_qs + arguments, std::move(completion));
 }
 
 } // namespace zofra

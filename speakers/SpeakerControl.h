@@ -28,14 +28,13 @@ public:
     void detachIfGrouped(const SonosSpeaker& speaker, Completion then) const;
 
     void play(const SonosSpeaker& speaker, Completion completion) const {
-        sendTransportAction(speaker, QStringLiteral("Play"), std::move(completion),
-                            QStringLiteral("<Speed>1</Speed>"));
+        sendTransportAction(speaker, u"Play"_qs, std::move(completion), u"<Speed>1</Speed>"_qs);
     }
     void pause(const SonosSpeaker& speaker, Completion completion) const {
-        sendTransportAction(speaker, QStringLiteral("Pause"), std::move(completion));
+        sendTransportAction(speaker, u"Pause"_qs, std::move(completion));
     }
     void stop(const SonosSpeaker& speaker, Completion completion) const {
-        sendTransportAction(speaker, QStringLiteral("Stop"), std::move(completion));
+        sendTransportAction(speaker, u"Stop"_qs, std::move(completion));
     }
     /// Clamped to 0...100.
     void setVolume(const SonosSpeaker& speaker, int percent, Completion completion) const;

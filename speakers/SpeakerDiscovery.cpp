@@ -48,13 +48,11 @@ bool sendSearch(SpeakerBackground& background, UdpSearchSocket& socket, const In
             lastErrno = sendErrno;
         }
     };
-    attempt(QStringLiteral("239.255.255.250"));
+    attempt(u"239.255.255.250"_qs);
     if (interface.broadcast)
         attempt(*interface.broadcast);
-    // Put together piece by piece: an interface's name may hold anything, placeholders included.
-    background.log(interface.name + QStringLiteral(": ") + QString::number(attempts) +
-                   QStringLiteral(" Sendeversuche, ") + QString::number(blocked) +
-                   QStringLiteral(" davon blockiert (letzter errno ") + QString::number(lastErrno) + u')');
+    background.log(u"%1: %2 Sendeversuche, %3 davon blockiert (letzter errno %4)"_qs.arg(
+        interface.name, QString::number(attempts), QString::number(blocked), QString::number(lastErrno)));
     return blocked != attempts;
 }
 
@@ -82,8 +80,7 @@ QSet<QUrl> searchViaSSDP(SpeakerBackground& background, const InterfaceInfo& int
         return {};
     }
     auto urls = receiveAnswers(background, *socket);
-    background.log(interface.name + QStringLiteral(": ") + QString::number(urls.size()) +
-                   QStringLiteral(" SSDP-Antworten"));
+    background.log(u"%1: %2 SSDP-Antworten"_qs.arg(interface.name, QString::number(urls.size())));
     return urls;
 }
 
@@ -155,7 +152,7 @@ void runDiscovery(const std::shared_ptr<SpeakerBackground>& background, bool for
     background->searched.set(interfaces);
     const auto search = searchEverywhere(background, interfaces);
     auto found = search->found.value();
-    background->log(QStringLiteral("SSDP-Beschreibungen: ") + quotedList(sortedAddresses(found)));
+    background->log(u"SSDP-Beschreibungen: "_qs + quotedList(sortedAddresses(found)));
     const auto toScan = forceSubnetScan ? interfaces : search->silent.value();
     for (const auto& interface : toScan) {
         if (interface.broadcast)
@@ -165,7 +162,7 @@ void runDiscovery(const std::shared_ptr<SpeakerBackground>& background, bool for
     if (background->ended())
         return;
     if (speakers.isEmpty()) {
-        background->log(QStringLiteral("Keine erreichbaren Netzwerk-Player gefunden."));
+        background->log(u"Keine erreichbaren Netzwerk-Player gefunden."_qs);
         return;
     }
     background->clearLocalNetworkDenial();

@@ -16,17 +16,15 @@ bool isEligible(const SonosSpeaker& speaker) {
 /// Players with the same key make one room.
 QString roomKey(const SonosSpeaker& speaker) {
     if (speaker.isZofra())
-        return QStringLiteral("zofra:") + speaker.id;
-    return QStringLiteral("sonos:") + speaker.roomName + u':' +
-           speaker.groupCoordinatorId.value_or(speaker.id);
+        return u"zofra:"_qs + speaker.id;
+    return u"sonos:"_qs + speaker.roomName + u':' + speaker.groupCoordinatorId.value_or(speaker.id);
 }
 
 SonosRoom makeRoom(QList<SonosSpeaker> speakers) {
-    std::stable_sort(speakers.begin(), speakers.end(), comesBefore);
-    auto coordinator = std::find_if(speakers.cbegin(), speakers.cend(),
-                                    [](const SonosSpeaker& speaker) { return speaker.isCoordinator; });
-    if (coordinator == speakers.cend())
-        coordinator = speakers.cbegin();
+    std::ranges::stable_sort(speakers, comesBefore);
+    auto coordinator = std::ranges::find_if(speakers, &SonosSpeaker::isCoordinator);
+    if (coordinator == speakers.end())
+        coordinator = speakers.begin();
     return SonosRoom{coordinator->roomName, *coordinator, speakers};
 }
 
@@ -34,8 +32,8 @@ SonosRoom makeRoom(QList<SonosSpeaker> speakers) {
 
 QList<PlayerPlaybackGroup> NetworkPlayerProtocol::playbackGroups(const QList<SonosSpeaker>& speakers) {
     QList<SonosSpeaker> eligible;
-    std::copy_if(speakers.begin(), speakers.end(), std::back_inserter(eligible), isEligible);
-    std::stable_sort(eligible.begin(), eligible.end(), comesBefore);
+    std::ranges::copy_if(speakers, std::back_inserter(eligible), isEligible);
+    std::ranges::stable_sort(eligible, comesBefore);
     const auto firstOwn = std::stable_partition(
         eligible.begin(), eligible.end(), [](const SonosSpeaker& speaker) { return !speaker.isZofra(); });
     QList<PlayerPlaybackGroup> groups;
@@ -55,7 +53,7 @@ QList<SonosRoom> NetworkPlayerProtocol::rooms(const QList<SonosSpeaker>& speaker
     QList<SonosRoom> rooms;
     for (const auto& bucket : std::as_const(buckets))
         rooms.append(makeRoom(bucket));
-    std::stable_sort(rooms.begin(), rooms.end(), RoomOrder());
+    std::ranges::stable_sort(rooms, RoomOrder());
     return rooms;
 }
 

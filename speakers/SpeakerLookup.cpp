@@ -16,8 +16,7 @@ constexpr std::size_t maxTopologyBytes = 1'048'576;
 
 HttpRequest topologyRequest(const SonosSpeaker& speaker) {
     const auto endpoint = speaker.endpoint(speaker.topologyPath, QString::fromLatin1(ControlPath::topology));
-    auto request = soapRequest(endpoint, QStringLiteral("ZoneGroupTopology:1"),
-                               QStringLiteral("GetZoneGroupState"), QString());
+    auto request = soapRequest(endpoint, u"ZoneGroupTopology:1"_qs, u"GetZoneGroupState"_qs, QString());
     request.purpose = HttpRequest::Purpose::question;
     request.maxBodyBytes = maxTopologyBytes;
     return request;
@@ -46,7 +45,7 @@ QList<SonosSpeaker> SpeakerLookup::discoverSpeakers(const QList<QUrl>& addresses
             applyTopology(*speaker, member);
     }
     auto speakers = m_speakers.values();
-    std::stable_sort(speakers.begin(), speakers.end(), comesBefore);
+    std::ranges::stable_sort(speakers, comesBefore);
     return speakers;
 }
 

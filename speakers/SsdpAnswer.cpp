@@ -13,7 +13,7 @@ namespace {
 
 /// The lines of `text`, whichever of Unicode's line ends part them.
 QStringList lines(const QString& text) {
-    static const QRegularExpression lineEnd(QStringLiteral("[\\n-\\r\\x{85}\\x{2028}\\x{2029}]"));
+    static const QRegularExpression lineEnd(u"[\\n-\\r\\x{85}\\x{2028}\\x{2029}]"_qs);
     return text.split(lineEnd);
 }
 
@@ -30,7 +30,7 @@ QString headerName(QStringView text) {
 
 std::optional<QUrl> NetworkPlayerProtocol::ssdpLocation(const QString& datagram) {
     const auto all = lines(datagram);
-    if (all.first().trimmed() != QLatin1String("HTTP/1.1 200 OK"))
+    if (all.first().trimmed() != u"HTTP/1.1 200 OK")
         return std::nullopt;
     QHash<QString, QString> headers;
     for (const auto& line : all.sliced(1)) {
@@ -38,9 +38,9 @@ std::optional<QUrl> NetworkPlayerProtocol::ssdpLocation(const QString& datagram)
         if (colon >= 0)
             headers.insert(headerName(QStringView(line).first(colon)), line.sliced(colon + 1).trimmed());
     }
-    if (headers.value(QStringLiteral("ST")) != QLatin1String(deviceType))
+    if (headers.value(u"ST"_qs) != QLatin1String(deviceType))
         return std::nullopt;
-    const auto location = headers.value(QStringLiteral("LOCATION"));
+    const auto location = headers.value(u"LOCATION"_qs);
     return carriesUserInfo(location) ? std::nullopt : playerAddress(location);
 }
 

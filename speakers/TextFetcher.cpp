@@ -86,8 +86,8 @@ void TextFetcher::fetchTexts(const std::vector<HttpRequest>& requests, Denial de
             return;
         // What has come by now is among those taken, however long the reading of others took.
         const auto now = std::chrono::steady_clock::now();
-        const auto first = std::min_element(deadlines.begin(), deadlines.end(),
-                                            [](const auto& a, const auto& b) { return a.second < b.second; });
+        const auto first =
+            std::ranges::min_element(deadlines, {}, [](const auto& entry) { return entry.second; });
         for (const auto& outcome : arrivals->take(m_background->endToken(), first->second)) {
             if (deadlines.erase(outcome.index) > 0 && outcome.text)
                 received(outcome.index, *outcome.text);

@@ -25,29 +25,29 @@ std::optional<QString> attribute(const PlayerXMLNode& node, const QString& name)
 }
 
 std::optional<QUrl> location(const PlayerXMLNode& node) {
-    const auto text = attribute(node, QStringLiteral("Location"));
+    const auto text = attribute(node, u"Location"_qs);
     return text ? playerAddress(*text) : std::nullopt;
 }
 
 /// A satellite is reported, invisible, even when it names neither address nor room.
 std::optional<PlayerTopologyMember> satellite(const PlayerXMLNode& node, const PlayerXMLNode& member,
                                               const QString& coordinator) {
-    const auto uuid = attribute(node, QStringLiteral("UUID"));
+    const auto uuid = attribute(node, u"UUID"_qs);
     if (!uuid || uuid->isEmpty())
         return std::nullopt;
-    auto zoneName = attribute(node, QStringLiteral("ZoneName"));
+    auto zoneName = attribute(node, u"ZoneName"_qs);
     if (!zoneName)
-        zoneName = attribute(member, QStringLiteral("ZoneName"));
+        zoneName = attribute(member, u"ZoneName"_qs);
     return PlayerTopologyMember{*uuid, location(node), zoneName.value_or(QString()), false, coordinator};
 }
 
 std::optional<PlayerTopologyMember> groupMember(const PlayerXMLNode& node, const QString& coordinator) {
-    const auto uuid = attribute(node, QStringLiteral("UUID"));
-    const auto zoneName = attribute(node, QStringLiteral("ZoneName"));
+    const auto uuid = attribute(node, u"UUID"_qs);
+    const auto zoneName = attribute(node, u"ZoneName"_qs);
     const auto url = location(node);
     if (!uuid || uuid->isEmpty() || !zoneName || !url)
         return std::nullopt;
-    const bool isVisible = attribute(node, QStringLiteral("Invisible")) != QLatin1String("1");
+    const bool isVisible = attribute(node, u"Invisible"_qs) != u"1";
     return PlayerTopologyMember{*uuid, url, *zoneName, isVisible, coordinator};
 }
 
@@ -55,16 +55,16 @@ std::optional<PlayerTopologyMember> groupMember(const PlayerXMLNode& node, const
 class Report {
 public:
     QList<PlayerTopologyMember> read(const PlayerXMLNode& state) {
-        for (const auto& group : state.descendants(QStringLiteral("ZoneGroup"), m_visits))
-            readGroup(*group, attribute(*group, QStringLiteral("Coordinator")).value_or(QString()));
+        for (const auto& group : state.descendants(u"ZoneGroup"_qs, m_visits))
+            readGroup(*group, attribute(*group, u"Coordinator"_qs).value_or(QString()));
         const bool isWhole = m_visits > 0 && m_members.size() <= NetworkPlayerProtocol::maxTopologyMembers;
         return isWhole ? m_members : QList<PlayerTopologyMember>();
     }
 
 private:
     void readGroup(const PlayerXMLNode& group, const QString& coordinator) {
-        for (const auto& member : group.descendants(QStringLiteral("ZoneGroupMember"), m_visits)) {
-            for (const auto& node : member->descendants(QStringLiteral("Satellite"), m_visits))
+        for (const auto& member : group.descendants(u"ZoneGroupMember"_qs, m_visits)) {
+            for (const auto& node : member->descendants(u"Satellite"_qs, m_visits))
                 keep(satellite(*node, *member, coordinator));
             keep(groupMember(*member, coordinator));
         }
@@ -83,7 +83,7 @@ private:
 QList<PlayerTopologyMember> NetworkPlayerProtocol::topology(const QString& response) {
     const auto envelope = xml(response);
     const auto states =
-        envelope ? envelope->descendants(QStringLiteral("ZoneGroupState")) : decltype(envelope->children)();
+        envelope ? envelope->descendants(u"ZoneGroupState"_qs) : decltype(envelope->children)();
     const auto state = states.empty() ? nullptr : xml(states.front()->text);
     return state ? Report().read(*state) : QList<PlayerTopologyMember>();
 }
@@ -100,8 +100,7 @@ QList<PlayerTopologyMember> NetworkPlayerProtocol::merge(const QList<QList<Playe
         }
     }
     auto merged = table.values();
-    std::stable_sort(merged.begin(), merged.end(),
-                     [](const auto& a, const auto& b) { return plainlyBefore(a.uuid, b.uuid); });
+    std::ranges::stable_sort(merged, plainlyBefore, &PlayerTopologyMember::uuid);
     return merged;
 }
 
