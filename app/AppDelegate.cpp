@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/AppDelegate.h"
 
-#include "app/StatusButtonContent.h"
+#include "app/StatusReport.h"
 #include "app/VolumePercent.h"
 #include "stations/texts/InterfaceTexts.h"
 
@@ -28,9 +28,8 @@ QString versionText(const QVariantMap& bundle) {
         const QVariant value = bundle.value(key);
         return value.typeId() == QMetaType::QString ? value.toString() : otherwise;
     };
-    return QStringLiteral("%1 (Build %2)")
-        .arg(text(QStringLiteral("CFBundleShortVersionString"), QStringLiteral("1.0")),
-             text(QStringLiteral("CFBundleVersion"), QStringLiteral("1")));
+    return u"%1 (Build %2)"_qs.arg(text(u"CFBundleShortVersionString"_qs, u"1.0"_qs),
+                                   text(u"CFBundleVersion"_qs, u"1"_qs));
 }
 
 AppDelegate::AppDelegate(Environment environment)
@@ -129,30 +128,10 @@ void AppDelegate::installCallbacks() {
         });
 }
 
-void AppDelegate::statusBarButtonClicked(std::optional<ButtonEvent> currentEvent) {
-    if (currentEvent == ButtonEvent::rightMouseUp)
-        showAboutWindow();
-    else
-        showContextMenu();
-}
-
 void AppDelegate::showContextMenu() {
     StatusItemButton* button = m_statusItem ? m_statusItem->button() : nullptr;
     if (button)
         button->popUpMenu(contextMenu(), QPointF(0, button->height() + 4.0));
-}
-
-Menu AppDelegate::contextMenu() {
-    return statusMenu(m_state.now(), m_languages, menuActions());
-}
-
-bool AppDelegate::validateMenuItem(const MenuItem& item) const {
-    Q_UNUSED(item)
-    return true;
-}
-
-void AppDelegate::togglePlayRadio() {
-    m_controls.toggle();
 }
 
 void AppDelegate::selectStationFromMenuItem(const MenuItem& sender) {
@@ -160,25 +139,9 @@ void AppDelegate::selectStationFromMenuItem(const MenuItem& sender) {
         m_controls.chooseStation(*station);
 }
 
-void AppDelegate::selectOutputMac() {
-    m_controls.chooseThisComputer();
-}
-
 void AppDelegate::selectOutputSonos(const MenuItem& sender) {
     if (const auto* room = std::any_cast<SonosRoom>(&sender.representedObject))
         m_controls.chooseRoom(room->id());
-}
-
-void AppDelegate::selectOutputEverywhere() {
-    m_controls.chooseEverywhere();
-}
-
-void AppDelegate::rescanSonos() {
-    m_controls.search();
-}
-
-void AppDelegate::openLocalNetworkSettings() {
-    m_controls.openLocalNetworkSettings();
 }
 
 void AppDelegate::setVolumeFromMenuItem(const MenuItem& sender) {
@@ -196,10 +159,6 @@ void AppDelegate::scrollVolume(int steps) {
         m_statusItem->flashVolume(percent, m_languages.volumeMenuTitle(percent));
 }
 
-void AppDelegate::showAboutWindow() {
-    onMainQueue([this] { openAboutWindow(Asked::byPerson); })();
-}
-
 void AppDelegate::openAboutWindow(Asked asked) {
     if (m_aboutWindow && asked == Asked::byNobody)
         return;
@@ -214,7 +173,7 @@ void AppDelegate::openAboutWindow(Asked asked) {
         m_player, m_sonos, m_languages, m_controls, [this] { return contextMenu(); }});
     if (!window)
         return;
-    window->setTitle(QStringLiteral("Zofra Zofra"));
+    window->setTitle(u"Zofra Zofra"_qs);
     window->setStyle(static_cast<unsigned>(WindowStyle::titled) |
                      static_cast<unsigned>(WindowStyle::closable));
     window->onWillClose = m_lifetime.guard([this](const PopupWindow& closing) { windowWillClose(closing); });
@@ -250,10 +209,6 @@ void AppDelegate::forgetAboutWindow() {
     // The window itself is on the stack; it goes in a next turn.
     if (m_aboutWindow)
         m_environment.mainQueue.async([window = std::shared_ptr(std::move(m_aboutWindow))] {});
-}
-
-void AppDelegate::quit() {
-    m_controls.quit();
 }
 
 void AppDelegate::updateStatusBarButton() {

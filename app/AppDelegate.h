@@ -75,23 +75,30 @@ public:
     [[nodiscard]] static AppDelegate* shared() { return s_shared; }
 
     void applicationDidFinishLaunching();
-    void statusBarButtonClicked(std::optional<ButtonEvent> currentEvent);
+    void statusBarButtonClicked(std::optional<ButtonEvent> currentEvent) {
+        if (currentEvent == ButtonEvent::rightMouseUp)
+            showAboutWindow();
+        else
+            showContextMenu();
+    }
     void showContextMenu();
     /// The status-bar menu for the current state.
-    [[nodiscard]] Menu contextMenu();
-    [[nodiscard]] bool validateMenuItem(const MenuItem& item) const;
+    [[nodiscard]] Menu contextMenu() { return statusMenu(m_state.now(), m_languages, menuActions()); }
+    [[nodiscard]] bool validateMenuItem(const MenuItem&) const { return true; }
 
-    void togglePlayRadio();
+    void togglePlayRadio() { m_controls.toggle(); }
     void selectStationFromMenuItem(const MenuItem& sender);
-    void selectOutputMac();
+    void selectOutputMac() { m_controls.chooseThisComputer(); }
     void selectOutputSonos(const MenuItem& sender);
-    void selectOutputEverywhere();
-    void rescanSonos();
-    void openLocalNetworkSettings();
+    void selectOutputEverywhere() { m_controls.chooseEverywhere(); }
+    void rescanSonos() { m_controls.search(); }
+    void openLocalNetworkSettings() { m_controls.openLocalNetworkSettings(); }
     void setVolumeFromMenuItem(const MenuItem& sender);
-    void showAboutWindow();
+    void showAboutWindow() {
+        onMainQueue([this] { openAboutWindow(Asked::byPerson); })();
+    }
     void windowWillClose(const PopupWindow& closing);
-    void quit();
+    void quit() { m_controls.quit(); }
     void updateStatusBarButton();
 
     /// Raises or lowers the volume by `steps` of five percent and shows it.

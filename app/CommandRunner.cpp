@@ -13,10 +13,10 @@ namespace {
 constexpr auto roomPatience = std::chrono::seconds(30);
 
 bool isHere(const Options& options) {
-    return options.output == QLatin1String("here");
+    return options.output == u"here";
 }
 bool isEverywhere(const Options& options) {
-    return options.output == QLatin1String("everywhere");
+    return options.output == u"everywhere";
 }
 bool namesRoom(const Options& options) {
     return options.output && !isHere(options) && !isEverywhere(options);
@@ -34,7 +34,7 @@ CommandRunner::CommandRunner(const Environment& environment)
 std::optional<QString> CommandRunner::run(const Options& options) {
     const auto firstStartOnly = options.firstStartOnly();
     if (!firstStartOnly.isEmpty())
-        return texts::command::firstStartOnly.in(options.language, firstStartOnly.join(QStringLiteral(", ")));
+        return texts::command::firstStartOnly.in(options.language, firstStartOnly.join(u", "_qs));
     const auto room = roomOf(options);
     if (!room && namesRoom(options))
         return unknownRoom(options);

@@ -17,8 +17,8 @@ using Connection = std::shared_ptr<void>;
 Connection connectWayland() {
     if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
         return nullptr;
-    const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + QStringLiteral("/platforms"));
-    if (plugins.entryList({QStringLiteral("libqwayland*.so")}, QDir::Files).isEmpty())
+    const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + u"/platforms"_qs);
+    if (plugins.entryList({u"libqwayland*.so"_qs}, QDir::Files).isEmpty())
         return nullptr;
     // A library that the toolkit brings with it, so that nothing needs to link it. Stays loaded.
     void* const library = dlopen("libwayland-client.so.0", RTLD_LAZY | RTLD_LOCAL);
@@ -39,10 +39,10 @@ std::optional<UsableDisplay> onlyWith(const QString& platform, const Connection&
 }
 
 std::optional<UsableDisplay> chosenByUser(const QString& platform) {
-    const bool isOne = !platform.contains(QLatin1Char(';'));
-    if (isOne && platform.startsWith(QLatin1String("xcb")))
+    const bool isOne = !platform.contains(u';');
+    if (isOne && platform.startsWith(u"xcb"))
         return onlyWith(platform, XServer::connect());
-    if (isOne && platform.startsWith(QLatin1String("wayland")))
+    if (isOne && platform.startsWith(u"wayland"))
         return onlyWith(platform, connectWayland());
     return UsableDisplay{platform, nullptr};
 }
@@ -53,10 +53,10 @@ std::optional<UsableDisplay> usableDisplay() {
     const QString chosen = qEnvironmentVariable("QT_QPA_PLATFORM");
     if (!chosen.isEmpty())
         return chosenByUser(chosen);
-    const auto x11 = [] { return onlyWith(QStringLiteral("xcb"), XServer::connect()); };
-    const auto wayland = [] { return onlyWith(QStringLiteral("wayland"), connectWayland()); };
+    const auto x11 = [] { return onlyWith(u"xcb"_qs, XServer::connect()); };
+    const auto wayland = [] { return onlyWith(u"wayland"_qs, connectWayland()); };
     // On GNOME the compositor leaves window frames to the programs, and the toolkit's look foreign.
-    const bool isGnome = qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains(QLatin1String("GNOME"));
+    const bool isGnome = qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains(u"GNOME");
     const auto first = isGnome ? x11() : wayland();
     return first ? first : isGnome ? wayland() : x11();
 }

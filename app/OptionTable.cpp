@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/OptionTable.h"
 
+#include "app/Terminal.h"
 #include "stations/texts/CommandTexts.h"
 
 #include <array>
@@ -12,57 +13,40 @@ namespace {
 namespace text = texts::command;
 using Task = Options::Task;
 using Playback = Options::Playback;
-using Takes = OptionRow::Takes;
 using Special = OptionRow::Special;
 
 OptionRow flag(const char* name, OptionRow::Meaning meaning, const Text& help, const char* manual = "") {
-    return {QLatin1String(name), meaning, Takes::nothing, {}, {}, help, QLatin1String(manual)};
+    return {QLatin1String(name), meaning, {}, {}, help, QLatin1String(manual)};
 }
 
 OptionRow valued(const char* name, const char* value, OptionRow::Meaning meaning, const QString& offers,
                  const Text& help, const char* manual = "") {
-    const Takes takes = *value == '[' ? Takes::valueOrNothing : Takes::value;
-    return {QLatin1String(name), meaning, takes, QLatin1String(value), offers, help, QLatin1String(manual)};
+    return {QLatin1String(name), meaning, QLatin1String(value), offers, help, QLatin1String(manual)};
 }
 
-const auto licence = QStringLiteral("# SPDX-License-Identifier: GPL-3.0-or-later\n");
+const auto licence = u"# SPDX-License-Identifier: GPL-3.0-or-later\n"_qs;
 
 QString quoted(const QString& text) {
-    return QLatin1Char('\'') + QString(text).replace(QLatin1Char('\''), QLatin1String("'\\''")) +
-           QLatin1Char('\'');
+    return u'\'' + QString(text).replace(u'\'', QLatin1String("'\\''")) + u'\'';
 }
 
 QString bashCase(const OptionRow& row, const QString& offer) {
-    return QStringLiteral("    %1) mapfile -t COMPREPLY < <(compgen %2 -- \"$current\") ;;\n")
-        .arg(row.name, offer);
+    return u"    %1) mapfile -t COMPREPLY < <(compgen %2 -- \"$current\") ;;\n"_qs.arg(row.name, offer);
 }
 
 /// Text in the manual's markup, where a dash and what begins a line mean something.
 QString roff(QString text) {
-    return text.replace(QLatin1Char('-'), QLatin1String("\\-"));
+    return text.replace(u'-', QLatin1String("\\-"));
 }
 
 /// `text` after `start`, in lines of at most 92 characters; those that follow begin below it.
-QString wrapped(const QString& start, const QString& text) {
+QString paragraph(const QString& start, const QString& text) {
     constexpr qsizetype columns = 92;
-    const QString indent(start.size(), u' ');
-    QString lines;
-    QString line = start;
-    for (const QString& word : text.split(u' ')) {
-        if (line.size() > indent.size() && line.size() + 1 + word.size() > columns) {
-            lines += line + u'\n';
-            line = indent;
-        }
-        line += (line.size() > indent.size() ? QStringLiteral(" ") : QString()) + word;
-    }
-    return lines + line + u'\n';
+    const QString below = u'\n' + QString(start.size(), u' ');
+    return start + wrapped(text, columns - start.size()).join(below) + u'\n';
 }
 
 } // namespace
-
-QString OptionRow::usage() const {
-    return value.isEmpty() ? QString(name) : QString(name) + QLatin1Char(' ') + value;
-}
 
 std::span<const OptionRow> optionTable() {
     static const QString stations = stationNames().join(u' ');
@@ -70,17 +54,15 @@ std::span<const OptionRow> optionTable() {
         valued("--play", "[STATION]", Special::play, stations, text::helpPlay),
         flag("--stop", Playback::stop, text::helpStop),
         flag("--toggle", Playback::toggle, text::helpToggle),
-        valued("--station", "next|previous|NAME", Special::station,
-               QStringLiteral("next previous ") + stations, text::helpStation,
-               "After the last station comes the first."),
-        valued("--output", "here|everywhere|ROOM", &Options::output, QStringLiteral("here everywhere"),
-               text::helpOutput),
+        valued("--station", "next|previous|NAME", Special::station, u"next previous "_qs + stations,
+               text::helpStation, "After the last station comes the first."),
+        valued("--output", "here|everywhere|ROOM", &Options::output, u"here everywhere"_qs, text::helpOutput),
         valued("--volume", "N|+N|-N", Special::volume, {}, text::helpVolume,
                "The volume of this computer and, where the sound goes to rooms, theirs."),
         valued("--stop-in", "TIME|off", Special::stopIn, {}, text::helpStopIn,
                "Here and in rooms. What is left is among the fields of\n.BR \\-\\-status .\n"
                "A day at most; it is not remembered beyond the end of the program."),
-        valued("--notify", "on|off", Special::notify, QStringLiteral("on off"), text::helpNotify,
+        valued("--notify", "on|off", Special::notify, u"on off"_qs, text::helpNotify,
                "Remembered. Off until it is asked for."),
         flag("--song", Task::song, text::helpSong),
         flag("--status", Task::status, text::helpStatus),
@@ -121,12 +103,11 @@ QStringList stationNames() {
 
 QString helpText(AppLanguage language) {
     constexpr int textColumn = 35;
-    QString help = text::usage.in(language) + u'\n' + wrapped({}, text::purpose.in(language)) + u'\n';
+    QString help = text::usage.in(language) + u'\n' + paragraph({}, text::purpose.in(language)) + u'\n';
     for (const OptionRow& row : optionTable())
-        help +=
-            wrapped((QStringLiteral("  ") + row.usage()).leftJustified(textColumn), row.help.in(language));
-    help += u'\n' + text::helpStations.in(language, stationNames().join(QStringLiteral(", "))) + u'\n' +
-            wrapped({}, text::helpExit.in(language));
+        help += paragraph((u"  "_qs + row.usage()).leftJustified(textColumn), row.help.in(language));
+    help += u'\n' + text::helpStations.in(language, stationNames().join(u", "_qs)) + u'\n' +
+            paragraph({}, text::helpExit.in(language));
     return help.trimmed();
 }
 
@@ -135,57 +116,52 @@ QString bashCompletion() {
     QString cases;
     for (const OptionRow& row : optionTable()) {
         names.append(row.name);
-        const bool isOptional = row.takes == OptionRow::Takes::valueOrNothing;
+        const bool isOptional = row.takes() == OptionRow::Takes::valueOrNothing;
         if (row.takesFile())
-            cases += bashCase(row, QStringLiteral("-f"));
-        else if (row.takes != OptionRow::Takes::nothing)
+            cases += bashCase(row, u"-f"_qs);
+        else if (row.takes() != OptionRow::Takes::nothing)
             cases += bashCase(
-                row,
-                QStringLiteral("-W \"%1%2\"").arg(row.offers, QLatin1String(isOptional ? " $options" : "")));
+                row, u"-W \"%1%2\""_qs.arg(row.offers, QLatin1String(isOptional ? " $options" : "")));
     }
-    return licence +
-           QStringLiteral(
-               "# bash completion for zofrazofra\n"
-               "_zofrazofra() {\n"
-               "    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}\n"
-               "    local options=\"%1\"\n"
-               "    case $previous in\n"
-               "%2"
-               "    *) mapfile -t COMPREPLY < <(compgen -W \"$options\" -- \"$current\") ;;\n"
-               "    esac\n"
-               "}\n"
-               "complete -F _zofrazofra zofrazofra\n")
-               .arg(names.join(QLatin1Char(' ')), cases);
+    return licence + u"# bash completion for zofrazofra\n"
+                     u"_zofrazofra() {\n"
+                     u"    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}\n"
+                     u"    local options=\"%1\"\n"
+                     u"    case $previous in\n"
+                     u"%2"
+                     u"    *) mapfile -t COMPREPLY < <(compgen -W \"$options\" -- \"$current\") ;;\n"
+                     u"    esac\n"
+                     u"}\n"
+                     u"complete -F _zofrazofra zofrazofra\n"_qs.arg(names.join(u' '), cases);
 }
 
 QString zshCompletion() {
-    QStringList lines{QStringLiteral("_arguments")};
+    QStringList lines{u"_arguments"_qs};
     for (const OptionRow& row : optionTable()) {
-        QString text = QStringLiteral("%1[%2]").arg(row.name, row.help.in(AppLanguage::en));
-        if (row.takes != OptionRow::Takes::nothing) {
-            const QString offer = row.takesFile()        ? QStringLiteral("_files")
-                                  : row.offers.isEmpty() ? QStringLiteral(" ")
-                                                         : QStringLiteral("(%1)").arg(row.offers);
-            const bool isOptional = row.takes == OptionRow::Takes::valueOrNothing;
-            text += QStringLiteral("%1:value:%2").arg(QLatin1String(isOptional ? ":" : ""), offer);
+        QString text = u"%1[%2]"_qs.arg(row.name, row.help.in(AppLanguage::en));
+        if (row.takes() != OptionRow::Takes::nothing) {
+            const QString offer = row.takesFile()        ? u"_files"_qs
+                                  : row.offers.isEmpty() ? u" "_qs
+                                                         : u"(%1)"_qs.arg(row.offers);
+            const bool isOptional = row.takes() == OptionRow::Takes::valueOrNothing;
+            text += u"%1:value:%2"_qs.arg(QLatin1String(isOptional ? ":" : ""), offer);
         }
         lines.append(quoted(text));
     }
-    return QStringLiteral("#compdef zofrazofra\n") + licence + lines.join(QStringLiteral(" \\\n  ")) +
-           QLatin1Char('\n');
+    return u"#compdef zofrazofra\n"_qs + licence + lines.join(u" \\\n  "_qs) + u'\n';
 }
 
 QString fishCompletion() {
-    QString text = licence + QStringLiteral("complete -c zofrazofra -f\n");
+    QString text = licence + u"complete -c zofrazofra -f\n"_qs;
     for (const OptionRow& row : optionTable()) {
-        text += QStringLiteral("complete -c zofrazofra -l ") + QString(row.name).mid(2);
+        text += u"complete -c zofrazofra -l "_qs + QString(row.name).mid(2);
         if (row.takesFile())
-            text += QStringLiteral(" -rF");
-        else if (row.takes == OptionRow::Takes::value)
-            text += QStringLiteral(" -x");
+            text += u" -rF"_qs;
+        else if (row.takes() == OptionRow::Takes::value)
+            text += u" -x"_qs;
         if (!row.offers.isEmpty())
-            text += QStringLiteral(" -a ") + quoted(row.offers);
-        text += QStringLiteral(" -d %1\n").arg(quoted(row.help.in(AppLanguage::en)));
+            text += u" -a "_qs + quoted(row.offers);
+        text += u" -d %1\n"_qs.arg(quoted(row.help.in(AppLanguage::en)));
     }
     return text;
 }
@@ -195,9 +171,9 @@ QString manualOptions() {
     for (const OptionRow& row : optionTable()) {
         QString help = row.help.in(AppLanguage::en);
         help[0] = help[0].toUpper();
-        text += QStringLiteral(".TP\n.B %1\n%2.\n").arg(roff(row.usage()), roff(help));
+        text += u".TP\n.B %1\n%2.\n"_qs.arg(roff(row.usage()), roff(help));
         if (!row.manual.isEmpty())
-            text += row.manual + QLatin1Char('\n');
+            text += row.manual + u'\n';
     }
     return text;
 }

@@ -26,8 +26,7 @@ struct OptionRow {
     /// With its dashes.
     QLatin1String name;
     Meaning meaning;
-    Takes takes;
-    /// What stands for the value in help and manual.
+    /// What stands for the value in help and manual, in brackets where it may be left out.
     QLatin1String value;
     /// The words that a shell may offer for the value.
     QString offers;
@@ -35,9 +34,14 @@ struct OptionRow {
     /// What the manual page, which is in English, adds. In its markup.
     QLatin1String manual;
 
-    [[nodiscard]] bool takesFile() const { return value == QLatin1String("FILE"); }
+    [[nodiscard]] Takes takes() const {
+        return value.isEmpty() ? Takes::nothing : value[0] == u'[' ? Takes::valueOrNothing : Takes::value;
+    }
+    [[nodiscard]] bool takesFile() const { return value == u"FILE"; }
     /// Name and value, as the help shows them.
-    [[nodiscard]] QString usage() const;
+    [[nodiscard]] QString usage() const {
+        return value.isEmpty() ? QString(name) : QString(name) + u' ' + value;
+    }
 };
 
 /// All options, in the order in which they are shown.

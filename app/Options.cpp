@@ -43,19 +43,18 @@ private:
     void readOne() {
         QString name = m_arguments.at(m_next++);
         std::optional<QString> value;
-        const qsizetype equals = name.startsWith(QLatin1String("--")) ? name.indexOf(QLatin1Char('=')) : -1;
+        const qsizetype equals = name.startsWith(u"--") ? name.indexOf(u'=') : -1;
         if (equals > 0) {
             value = name.mid(equals + 1);
             name.truncate(equals);
         }
-        if (name == QLatin1String("-h"))
-            name = QStringLiteral("--help");
+        if (name == u"-h")
+            name = u"--help"_qs;
         const auto table = optionTable();
-        const auto row =
-            std::find_if(table.begin(), table.end(), [&](const auto& one) { return one.name == name; });
+        const auto row = std::ranges::find_if(table, [&](const auto& one) { return one.name == name; });
         if (row == table.end())
             refuse(text::unknownOption, name);
-        else if (row->takes == OptionRow::Takes::nothing && value)
+        else if (row->takes() == OptionRow::Takes::nothing && value)
             refuse(text::takesNoValue, name);
         else if (const auto taken = valueFor(*row, value); m_refusal.isEmpty())
             take(*row, taken);
@@ -63,11 +62,11 @@ private:
 
     std::optional<QString> valueFor(const OptionRow& row, std::optional<QString> value) {
         // What changes a volume begins with one dash, as single letters do.
-        const QLatin1String option(row.takes == OptionRow::Takes::valueOrNothing ? "-" : "--");
-        if (row.takes != OptionRow::Takes::nothing && !value && m_next < m_arguments.size() &&
+        const QLatin1String option(row.takes() == OptionRow::Takes::valueOrNothing ? "-" : "--");
+        if (row.takes() != OptionRow::Takes::nothing && !value && m_next < m_arguments.size() &&
             !m_arguments.at(m_next).startsWith(option))
             value = m_arguments.at(m_next++);
-        if (row.takes == OptionRow::Takes::value && value.value_or(QString()).isEmpty())
+        if (row.takes() == OptionRow::Takes::value && value.value_or(QString()).isEmpty())
             refuse(text::needsValue, row.name);
         return value;
     }
@@ -110,9 +109,9 @@ private:
     }
 
     void takeStation(const QString& name, const QString& value) {
-        if (value == QLatin1String("next"))
+        if (value == u"next")
             m_options.stationStep = Options::StationStep::next;
-        else if (value == QLatin1String("previous"))
+        else if (value == u"previous")
             m_options.stationStep = Options::StationStep::previous;
         else
             takeStationName(name, value);
@@ -121,12 +120,12 @@ private:
     void takeStationName(const QString& name, const QString& value) {
         m_options.station = stationNamed(value);
         if (!m_options.station)
-            refuse(text::noSuchStation, name, value, stationNames().join(QStringLiteral(", ")));
+            refuse(text::noSuchStation, name, value, stationNames().join(u", "_qs));
     }
 
     void take(Options::Playback playback, const Given&) {
         if (m_options.playback != Options::Playback::leave && m_options.playback != playback)
-            refuse(text::onlyOneOf, QStringLiteral("--play, --stop, --toggle"));
+            refuse(text::onlyOneOf, u"--play, --stop, --toggle"_qs);
         m_options.playback = playback;
     }
 
@@ -134,8 +133,7 @@ private:
         if (m_options.task == Options::Task::run || task == Options::Task::help)
             m_options.task = task;
         else if (m_options.task != task && m_options.task != Options::Task::help)
-            refuse(text::onlyOneOf,
-                   QStringLiteral("--version, --status, --song, --follow, --history, --doctor, --quit"));
+            refuse(text::onlyOneOf, u"--version, --status, --song, --follow, --history, --doctor, --quit"_qs);
     }
 
     void check() {
@@ -144,15 +142,13 @@ private:
         const bool canBeJson =
             task == Task::status || task == Task::follow || task == Task::history || task == Task::doctor;
         if (m_options.isJson && !canBeJson)
-            refuse(text::goesWith, QStringLiteral("--json"),
-                   QStringLiteral("--status, --follow, --history, --doctor"));
+            refuse(text::goesWith, u"--json"_qs, u"--status, --follow, --history, --doctor"_qs);
         if (task == Task::run || task == Task::version)
             return;
         if (task == Task::doctor && m_options.acts())
-            refuse(text::goesOnlyWith, QStringLiteral("--doctor"),
-                   QStringLiteral("--json, --endpoints, --no-discovery, --headless"));
+            refuse(text::goesOnlyWith, u"--doctor"_qs, u"--json, --endpoints, --no-discovery, --headless"_qs);
         else if (task != Task::doctor && (m_options.acts() || !m_options.firstStartOnly().isEmpty()))
-            refuse(text::goesWithNothing, QStringLiteral("--status, --song, --follow, --history, --quit"));
+            refuse(text::goesWithNothing, u"--status, --song, --follow, --history, --quit"_qs);
     }
 
     template<typename... Values>
@@ -173,11 +169,11 @@ private:
 QStringList Options::firstStartOnly() const {
     QStringList names;
     if (endpointsFile)
-        names.append(QStringLiteral("--endpoints"));
+        names.append(u"--endpoints"_qs);
     if (noDiscovery)
-        names.append(QStringLiteral("--no-discovery"));
+        names.append(u"--no-discovery"_qs);
     if (headless)
-        names.append(QStringLiteral("--headless"));
+        names.append(u"--headless"_qs);
     return names;
 }
 
@@ -212,28 +208,28 @@ std::optional<RadioStation> stationNamed(const QString& text) {
 }
 
 std::optional<Options::Volume> volumeNamed(const QString& text) {
-    static const QRegularExpression form(QStringLiteral("^([+-]?)([0-9]{1,3})%?$"));
+    static const QRegularExpression form(u"^([+-]?)([0-9]{1,3})%?$"_qs);
     const auto match = form.match(text);
     const int percent = match.captured(2).toInt();
     if (!match.hasMatch() || percent > 100)
         return std::nullopt;
     const QString sign = match.captured(1);
     return Options::Volume{sign.isEmpty() ? Options::Volume::Kind::absolute : Options::Volume::Kind::change,
-                           sign == QLatin1String("-") ? -percent : percent};
+                           sign == u"-" ? -percent : percent};
 }
 
 std::optional<bool> switchNamed(const QString& text) {
-    const bool isOn = text == QLatin1String("on");
-    return isOn || text == QLatin1String("off") ? std::optional(isOn) : std::nullopt;
+    const bool isOn = text == u"on";
+    return isOn || text == u"off" ? std::optional(isOn) : std::nullopt;
 }
 
 std::optional<std::chrono::seconds> durationNamed(const QString& text) {
     using namespace std::chrono;
-    if (text == QLatin1String("off"))
+    if (text == u"off")
         return seconds(0);
     // A bare number counts minutes.
     static const QRegularExpression form(
-        QStringLiteral("^(?:([0-9]{1,2})h)?(?:([0-9]{1,4})(?:m|$))?(?:([0-9]{1,5})s)?$"));
+        u"^(?:([0-9]{1,2})h)?(?:([0-9]{1,4})(?:m|$))?(?:([0-9]{1,5})s)?$"_qs);
     const auto match = form.match(text);
     const seconds time = hours(match.captured(1).toInt()) + minutes(match.captured(2).toInt()) +
                          seconds(match.captured(3).toInt());

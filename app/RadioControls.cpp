@@ -31,16 +31,6 @@ void RadioControls::toggle() {
     m_shell.refresh();
 }
 
-void RadioControls::play() {
-    if (!isPlaying())
-        toggle();
-}
-
-void RadioControls::stop() {
-    if (isPlaying())
-        toggle();
-}
-
 void RadioControls::stopIn(std::chrono::seconds time) {
     m_sleepTimer.reset();
     m_stopsAt.reset();
@@ -72,7 +62,7 @@ void RadioControls::chooseStationToHear(RadioStation station) {
 void RadioControls::chooseNeighbour(int distance) {
     const auto& all = RadioStation::allCases;
     const auto count = std::ssize(all);
-    const auto place = std::find(all.begin(), all.end(), m_objects.player.currentStation.get()) - all.begin();
+    const auto place = std::ranges::find(all, m_objects.player.currentStation.get()) - all.begin();
     chooseStation(*(all.begin() + (place + distance + count) % count));
 }
 
@@ -107,17 +97,10 @@ void RadioControls::setVolume(float volume) {
         return;
     SonosManager& sonos = m_objects.sonos;
     const AudioOutputTarget target = sonos.activeTarget;
-    switch (target.kind()) {
-    case AudioOutputTarget::Kind::localMac:
-        break;
-    case AudioOutputTarget::Kind::sonosEverywhere:
+    if (target == AudioOutputTarget::sonosEverywhere())
         sonos.setVolumeEverywhere(*percent);
-        break;
-    case AudioOutputTarget::Kind::sonos:
-        if (const auto room = sonos.room(target.roomId()))
-            sonos.setVolume(*percent, *room);
-        break;
-    }
+    else if (const auto room = sonos.room(target.roomId()); room && target != AudioOutputTarget::localMac())
+        sonos.setVolume(*percent, *room);
 }
 
 void RadioControls::requestVolume(double volume) {
@@ -141,18 +124,13 @@ void RadioControls::chooseLanguage(AppLanguage language) {
 }
 
 void RadioControls::announceSongs(bool isOn) {
-    m_shell.defaults.setString(announceSongsKey, isOn ? QStringLiteral("true") : QStringLiteral("false"));
+    m_shell.defaults.setString(announceSongsKey, isOn ? u"true"_qs : u"false"_qs);
 }
 
 void RadioControls::openLocalNetworkSettings() {
-    const QUrl url(
-        QStringLiteral("x-apple.systempreferences:com.apple.preference.security?Privacy_LocalNetwork"));
+    const QUrl url(u"x-apple.systempreferences:com.apple.preference.security?Privacy_LocalNetwork"_qs);
     if (url.isValid())
         m_shell.workspace.open(url);
-}
-
-void RadioControls::showPanel() {
-    m_shell.showPanel();
 }
 
 void RadioControls::quit() {

@@ -38,9 +38,15 @@ public:
     /// Plays or stops wherever the sound goes.
     void toggle();
     /// Plays wherever the sound goes, unless it plays already.
-    void play();
+    void play() {
+        if (!isPlaying())
+            toggle();
+    }
     /// Here and in the rooms it becomes silent.
-    void stop();
+    void stop() {
+        if (isPlaying())
+            toggle();
+    }
     /// Stops after this time; nothing takes it back.
     void stopIn(std::chrono::seconds time);
     /// When it will stop by itself; absent when it will not.
@@ -74,7 +80,7 @@ public:
     void announceSongs(bool isOn);
     /// The system's page about access to the local network.
     void openLocalNetworkSettings();
-    void showPanel();
+    void showPanel() { m_shell.showPanel(); }
     /// Here and in the rooms it becomes silent, then the program ends.
     void quit();
 

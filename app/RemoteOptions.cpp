@@ -21,15 +21,15 @@ QString written(const Options::Volume& volume) {
     const bool isRise = volume.kind == Options::Volume::Kind::change && volume.percent >= 0;
     const QString number = QString::number(volume.percent);
     // A change by nothing has no sign of its own.
-    return isRise ? QLatin1Char('+') + number : number;
+    return isRise ? u'+' + number : number;
 }
 
 QString written(std::chrono::seconds time) {
-    return time == std::chrono::seconds(0) ? QStringLiteral("off") : QStringLiteral("%1s").arg(time.count());
+    return time == std::chrono::seconds(0) ? u"off"_qs : u"%1s"_qs.arg(time.count());
 }
 
 QString written(bool isOn) {
-    return isOn ? QStringLiteral("on") : QStringLiteral("off");
+    return isOn ? u"on"_qs : u"off"_qs;
 }
 
 /// Puts options into a map, leaving out what was not asked for.
@@ -119,7 +119,7 @@ QVariantMap toVariantMap(const Options& options) {
     visit(options, writer);
     // Nothing asked for is an empty map, whoever asks.
     if (!writer.map.isEmpty() && options.language != AppLanguage::en)
-        writer.map.insert(QStringLiteral("language"), rawValue(options.language));
+        writer.map.insert(u"language"_qs, rawValue(options.language));
     return writer.map;
 }
 

@@ -45,7 +45,7 @@ int printState(const QDBusConnection& bus, const Options& options) {
         return refuse(failed, text::notRunning.in(options.language));
     const QJsonObject state = QJsonDocument::fromJson(json->toUtf8()).object();
     if (options.task == Options::Task::song)
-        return print(visibleText(state.value(QLatin1String("song")).toString()));
+        return print(visibleText(state.value(u"song").toString()));
     return print(options.isJson ? *json : statusLines(state));
 }
 

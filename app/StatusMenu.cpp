@@ -13,25 +13,17 @@ namespace zofra {
 namespace {
 
 MenuItem actionItem(QString title, StatusMenuActions::Action action, const char* actionName) {
-    MenuItem item;
-    item.title = std::move(title);
-    item.action = std::move(action);
-    item.actionName = QString::fromLatin1(actionName);
-    return item;
+    return {.title = std::move(title),
+            .action = std::move(action),
+            .actionName = QString::fromLatin1(actionName)};
 }
 
 MenuItem disabledItem(QString title) {
-    MenuItem item;
-    item.title = std::move(title);
-    item.isEnabled = false;
-    return item;
+    return {.title = std::move(title), .isEnabled = false};
 }
 
 MenuItem submenuItem(QString title, Menu submenu) {
-    MenuItem item;
-    item.title = std::move(title);
-    item.submenu = std::move(submenu);
-    return item;
+    return {.title = std::move(title), .submenu = std::move(submenu)};
 }
 
 MenuItem withIcon(MenuItem item, const char* name, QString description = {}) {
@@ -56,7 +48,7 @@ public:
     [[nodiscard]] MenuItem playStop() const {
         MenuItem item = actionItem((m_state.isPlaying ? texts::stopRadio : texts::playRadio).in(m_language),
                                    m_actions.togglePlayRadio, "togglePlayRadio");
-        item.keyEquivalent = QStringLiteral("p");
+        item.keyEquivalent = u"p"_qs;
         return withIcon(std::move(item), m_state.isPlaying ? "speaker.wave.2.fill" : "play.fill",
                         (m_state.isPlaying ? texts::stopIcon : texts::playIcon).in(m_language));
     }
@@ -64,7 +56,7 @@ public:
     [[nodiscard]] MenuItem stations() const {
         Menu menu;
         for (const RadioStation station : RadioStation::allCases) {
-            MenuItem item = actionItem(station.displayName() + QStringLiteral(" – ") + station.genre(),
+            MenuItem item = actionItem(station.displayName() + u" – "_qs + station.genre(),
                                        m_actions.selectStationFromMenuItem, "selectStationFromMenuItem");
             item.representedObject = station;
             item.identity = station.rawValue();
@@ -97,10 +89,10 @@ public:
     }
 
     [[nodiscard]] MenuItem volumes() const {
-        const std::array<std::pair<QString, float>, 5> steps{{{QStringLiteral("100 %"), 1.0F},
-                                                              {QStringLiteral("75 %"), 0.75F},
-                                                              {QStringLiteral("50 %"), 0.5F},
-                                                              {QStringLiteral("25 %"), 0.25F},
+        const std::array<std::pair<QString, float>, 5> steps{{{u"100 %"_qs, 1.0F},
+                                                              {u"75 %"_qs, 0.75F},
+                                                              {u"50 %"_qs, 0.5F},
+                                                              {u"25 %"_qs, 0.25F},
                                                               {texts::mute.in(m_language), 0.0F}}};
         Menu menu;
         for (const auto& [title, value] : steps) {

@@ -14,6 +14,21 @@ namespace zofra {
 
 // What the command line and status bars are told of the program's state.
 
+/// What the status-bar button shows.
+struct StatusButtonContent {
+    QString title;
+    /// A name of the program's own drawings.
+    QString symbol;
+    /// Says in a word what the symbol shows.
+    QString statusWord;
+    /// Lines separated by line feeds.
+    QString toolTip;
+};
+
+/// The button for `state`, in the language of `languages`.
+[[nodiscard]] StatusButtonContent statusButtonContent(const RadioState& state,
+                                                      const LanguageManager& languages);
+
 /// The object that `--status --json` prints at the moment `now`.
 [[nodiscard]] QJsonObject toJson(const RadioState& state, const QString& version, TimePoint now);
 /// What `--status` prints of that object, a line for each field.

@@ -27,14 +27,12 @@ constexpr auto settingsLimit = std::chrono::milliseconds(500);
 /// The stations as media displays and searches of desktops list them.
 std::vector<MprisPlaylists::Entry> playlists() {
     std::vector<MprisPlaylists::Entry> entries;
-    entries.reserve(RadioStation::allCases.size());
     for (const RadioStation station : RadioStation::allCases)
         entries.push_back({station.rawValue(), station.displayName()});
     return entries;
 }
 std::vector<SearchProvider::Entry> searchEntries() {
     std::vector<SearchProvider::Entry> entries;
-    entries.reserve(RadioStation::allCases.size());
     for (const RadioStation station : RadioStation::allCases)
         entries.push_back({station.rawValue(), station.displayName(), station.genre()});
     return entries;
@@ -45,7 +43,7 @@ std::optional<RadioStation> stationOfAction(const QString& action) {
     const QLatin1String prefix("play-");
     if (!action.startsWith(prefix))
         return std::nullopt;
-    return RadioStation::fromRawValue(action.mid(prefix.size()).replace(QLatin1Char('-'), QLatin1Char('_')));
+    return RadioStation::fromRawValue(action.mid(prefix.size()).replace(u'-', u'_'));
 }
 
 } // namespace
@@ -94,7 +92,7 @@ ZofraMenuBarApp::ZofraMenuBarApp(Configuration configuration, QtMainQueue& mainQ
     , m_applicationBus(applicationBus)
     , m_systemBus(SessionBus::Kind::system, m_mainQueue)
     , m_defaults(IniDefaultsStore::defaultPath(), m_tasks, IniDefaultsStore::reportTo(m_systemLog),
-                 {.ranges = {{QStringLiteral("zofra_radio_volume"), 0.0F, 1.0F}}})
+                 {.ranges = {{u"zofra_radio_volume"_qs, 0.0F, 1.0F}}})
     , m_http(m_configuration.hosts.extraAuthorityFile())
     , m_session(m_http)
     , m_wake(m_systemBus)
@@ -122,12 +120,12 @@ ZofraMenuBarApp::ZofraMenuBarApp(Configuration configuration, QtMainQueue& mainQ
 }
 
 QVariantMap ZofraMenuBarApp::bundle() {
-    return {{QStringLiteral("CFBundleShortVersionString"), QStringLiteral(ZOFRA_VERSION)},
-            {QStringLiteral("CFBundleVersion"), QStringLiteral(ZOFRA_BUILD_NUMBER)}};
+    return {{u"CFBundleShortVersionString"_qs, QStringLiteral(ZOFRA_VERSION)},
+            {u"CFBundleVersion"_qs, QStringLiteral(ZOFRA_BUILD_NUMBER)}};
 }
 
 QString ZofraMenuBarApp::historyPath() {
-    return xdg::stateHome() + QStringLiteral("/zofrazofra/history.json");
+    return xdg::stateHome() + u"/zofrazofra/history.json"_qs;
 }
 
 void ZofraMenuBarApp::prepareSharedInstances() {
@@ -199,9 +197,9 @@ void ZofraMenuBarApp::connectApplicationBus() {
     m_applicationBus.onOpen = [this](const QStringList&, const Activation& activation) { raise(activation); };
     m_applicationBus.onActivateAction = [this](const QString& action, const QVariantList&,
                                                const Activation&) {
-        if (action == QLatin1String("quit"))
+        if (action == u"quit")
             m_delegate->quit();
-        else if (action == QLatin1String("play"))
+        else if (action == u"play")
             play(std::nullopt);
         else if (const auto station = stationOfAction(action))
             play(station);
@@ -237,7 +235,7 @@ void ZofraMenuBarApp::stepBack() {
         const AudioOutputTarget target = m_delegate->state().now().target;
         options.playback = Options::Playback::play;
         if (target == AudioOutputTarget::sonosEverywhere())
-            options.output = QStringLiteral("everywhere");
+            options.output = u"everywhere"_qs;
         else if (target != AudioOutputTarget::localMac())
             options.output = target.roomId();
     }
@@ -324,7 +322,7 @@ void ZofraMenuBarApp::finish() {
     writeChangeLines(m_delegate->state().now());
     // What was chosen last must not be lost; the files are small.
     if (!m_defaults.flush(settingsLimit))
-        writeErrorLine(QStringLiteral("not every setting could be kept"));
+        writeErrorLine(u"not every setting could be kept"_qs);
 }
 
 } // namespace zofra

@@ -74,7 +74,7 @@ int start(const Options& options, bool hasDisplay, const Activation& activation)
 
 std::unique_ptr<QCoreApplication> makeApplication(const Options& options, int& argc, char** argv,
                                                   bool& hasDisplay) {
-    QCoreApplication::setApplicationName(QStringLiteral("zofrazofra"));
+    QCoreApplication::setApplicationName(u"zofrazofra"_qs);
     QCoreApplication::setApplicationVersion(QStringLiteral(ZOFRA_VERSION));
     const bool needsDisplay =
         options.task == Options::Task::run && !options.headless && !options.needsRunning();
@@ -84,7 +84,7 @@ std::unique_ptr<QCoreApplication> makeApplication(const Options& options, int& a
     if (!hasDisplay)
         return std::make_unique<QCoreApplication>(argc, argv);
     qputenv("QT_QPA_PLATFORM", display->platform.toUtf8());
-    QGuiApplication::setDesktopFileName(QStringLiteral("be.zofra.ZofraZofra"));
+    QGuiApplication::setDesktopFileName(u"be.zofra.ZofraZofra"_qs);
     QGuiApplication::setQuitOnLastWindowClosed(false);
     return std::make_unique<QApplication>(argc, argv);
 }
@@ -108,7 +108,7 @@ int main(int argc, char** argv) {
     if (options.task == Options::Task::history)
         return printHistory(options);
     if (options.task == Options::Task::version)
-        return print(QStringLiteral("zofrazofra ") + versionText(ZofraMenuBarApp::bundle()));
+        return print(u"zofrazofra "_qs + versionText(ZofraMenuBarApp::bundle()));
 
     bool hasDisplay = false;
     const Activation activation = Activation::takeFromEnvironment();

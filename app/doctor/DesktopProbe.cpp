@@ -2,10 +2,9 @@
 #include "app/doctor/DesktopProbe.h"
 
 #include "platform/linux/ApplicationBus.h"
+#include "platform/linux/DBusCalls.h"
 #include "platform/linux/tray/PanelWatch.h"
 
-#include <QDBusMessage>
-#include <QDBusVariant>
 #include <QJsonDocument>
 
 namespace zofra::doctor {
@@ -13,62 +12,54 @@ namespace zofra::doctor {
 namespace {
 
 constexpr int patienceMilliseconds = 3000;
-const auto watcher = QLatin1String("org.kde.StatusNotifierWatcher");
-const auto busName = QLatin1String("org.freedesktop.DBus");
+constexpr auto* watcher = "org.kde.StatusNotifierWatcher";
 
-/// The first value of the answer; absent on an error.
-std::optional<QVariant> answerTo(const QDBusConnection& bus, const QDBusMessage& call) {
-    const auto reply = bus.call(call, QDBus::Block, patienceMilliseconds);
-    if (reply.type() != QDBusMessage::ReplyMessage)
-        return std::nullopt;
-    return reply.arguments().value(0);
+QDBusMessage replyTo(const QDBusConnection& bus, const QDBusMessage& call) {
+    return bus.call(call, QDBus::Block, patienceMilliseconds);
 }
 
-std::optional<QVariant> askBus(const QDBusConnection& bus, const QString& method, const QString& name) {
-    auto call =
-        QDBusMessage::createMethodCall(busName, QStringLiteral("/org/freedesktop/DBus"), busName, method);
-    call << name;
-    return answerTo(bus, call);
+/// What the bus itself answers; invalid on an error.
+QVariant askBus(const QDBusConnection& bus, const char* method, const QString& name) {
+    const auto reply = replyTo(bus, dbus::busCall(method, {name}));
+    return reply.type() == QDBusMessage::ReplyMessage ? reply.arguments().value(0) : QVariant();
 }
 
 bool hasName(const QDBusConnection& bus, const QString& name) {
-    return askBus(bus, QStringLiteral("NameHasOwner"), name).value_or(false).toBool();
+    return askBus(bus, "NameHasOwner", name).toBool();
 }
 
 uint processBehind(const QDBusConnection& bus, const QString& name) {
-    return askBus(bus, QStringLiteral("GetConnectionUnixProcessID"), name).value_or(0U).toUInt();
+    return askBus(bus, "GetConnectionUnixProcessID", name).toUInt();
 }
 
 /// A watcher that does not say is taken for a panel, as the status item does.
 bool showsItems(const QDBusConnection& bus) {
-    auto call = QDBusMessage::createMethodCall(watcher, QStringLiteral("/StatusNotifierWatcher"),
-                                               QStringLiteral("org.freedesktop.DBus.Properties"),
-                                               QStringLiteral("Get"));
+    auto call =
+        dbus::propertyCall(watcher, "/StatusNotifierWatcher", watcher, "IsStatusNotifierHostRegistered");
     call.setAutoStartService(false);
-    call << QString(watcher) << QStringLiteral("IsStatusNotifierHostRegistered");
-    const auto value = qvariant_cast<QDBusVariant>(answerTo(bus, call).value_or(QVariant())).variant();
+    const auto value = dbus::propertyIn(replyTo(bus, call));
     return !value.isValid() || value.toBool();
 }
 
 } // namespace
 
 void askForPanel(DesktopFacts& facts, const QDBusConnection& bus) {
-    facts.hasWatcher = hasName(bus, watcher);
+    facts.hasWatcher = hasName(bus, QLatin1String(watcher));
     if (!facts.hasWatcher)
         return;
-    facts.session.panelProgram = processName(processBehind(bus, watcher));
+    facts.session.panelProgram = processName(processBehind(bus, QLatin1String(watcher)));
     facts.hasPanel = showsItems(bus);
 }
 
 ProgramFacts askForProgram(const std::optional<QDBusConnection>& bus, const QString& ownVersion) {
-    const QString name = QStringLiteral("be.zofra.ZofraZofra");
+    const QString name = ApplicationBus::name;
     ProgramFacts facts;
     facts.ownVersion = ownVersion;
     facts.busAddress = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
     facts.hasBus = bus.has_value();
     if (!bus)
         return facts;
-    facts.hasMediaName = hasName(*bus, QStringLiteral("org.mpris.MediaPlayer2.zofrazofra"));
+    facts.hasMediaName = hasName(*bus, u"org.mpris.MediaPlayer2.zofrazofra"_qs);
     facts.isRunning = hasName(*bus, name);
     if (!facts.isRunning)
         return facts;

@@ -32,6 +32,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using namespace doctor;
+namespace text = texts::doctor;
 
 constexpr auto wholeTime = 14s;
 constexpr auto audioTime = 10s;
@@ -43,7 +44,7 @@ QString displayVariables() {
         if (!value.isEmpty())
             set.append(QString::fromLatin1(name) + u'=' + value);
     }
-    return set.join(QStringLiteral(", "));
+    return set.join(u", "_qs);
 }
 
 /// The running program writes the system's log, not whoever looks.
@@ -95,16 +96,16 @@ private:
             const SettingsFacts settings = SettingsFacts::of(IniDefaultsStore::defaultPath());
             facts.session = traySessionFromEnvironment(
                 facts.platform, QString::fromUtf8(settings.trayMode.value_or(QByteArray())));
-            const auto server = facts.platform == QLatin1String("xcb") ? XServer::connect() : nullptr;
+            const auto server = facts.platform == u"xcb" ? XServer::connect() : nullptr;
             facts.hasOldTray = server && server->hasTray();
             isKnown->release();
             if (bus)
                 askForPanel(facts, *bus);
             return Findings{judgeSession(facts, language), judgePanel(facts, language)};
         };
-        return background(problem(QStringLiteral("session"), texts::doctor::desktopSilent.in(m_language),
-                                  texts::doctor::logInAgain.in(m_language)),
-                          look);
+        return background(
+            problem(u"session"_qs, text::desktopSilent.in(m_language), text::logInAgain.in(m_language)),
+            look);
     }
 
     std::unique_ptr<Check> audioCheck() {
@@ -113,14 +114,12 @@ private:
             static_cast<void>(desktopIsKnown->try_acquire_for(1s));
             return Findings{judgeAudio(SoundServer::find(), AudioProbe::run(audioTime), language)};
         };
-        return background(problem(QStringLiteral("audio"), texts::doctor::audioSilent.in(m_language),
-                                  texts::doctor::restartAudio.in(m_language)),
-                          look);
+        return background(
+            problem(u"audio"_qs, text::audioSilent.in(m_language), text::restartAudio.in(m_language)), look);
     }
 
     std::unique_ptr<Check> programCheck() {
-        return background(problem(QStringLiteral("bus"), texts::doctor::busSilent.in(m_language),
-                                  texts::doctor::logInAgain.in(m_language)),
+        return background(problem(u"bus"_qs, text::busSilent.in(m_language), text::logInAgain.in(m_language)),
                           [bus = m_bus, version = m_version, language = m_language] {
                               const auto facts = askForProgram(bus, version);
                               return Findings{judgeBus(facts, language), judgeProgram(facts, language)};
@@ -129,8 +128,7 @@ private:
 
     std::unique_ptr<Check> settingsCheck() {
         return background(
-            problem(QStringLiteral("settings"), texts::doctor::diskSilent.in(m_language),
-                    texts::doctor::checkDisk.in(m_language)),
+            problem(u"settings"_qs, text::diskSilent.in(m_language), text::checkDisk.in(m_language)),
             [language = m_language] {
                 return Findings{judgeSettings(SettingsFacts::of(IniDefaultsStore::defaultPath()), language)};
             });
@@ -153,8 +151,7 @@ private:
         if (hosts)
             addHosts(checks, *hosts);
         else
-            checks.push_back(
-                known(skipped(QStringLiteral("hosts"), texts::doctor::hostsNotAsked.in(m_language))));
+            checks.push_back(known(skipped(u"hosts"_qs, text::hostsNotAsked.in(m_language))));
     }
 
     void addHosts(std::vector<std::unique_ptr<Check>>& checks, const ServiceHosts& hosts) {

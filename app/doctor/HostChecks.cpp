@@ -12,6 +12,8 @@ namespace zofra::doctor {
 
 namespace {
 
+namespace text = texts::doctor;
+
 constexpr auto socketPatience = std::chrono::milliseconds(5000);
 constexpr std::size_t maxBody = 1'048'576;
 
@@ -43,9 +45,8 @@ std::vector<HostProbe> probeAll(const HostTarget& target, const SendProbe& sendP
 }
 
 Finding unanswered(const HostTarget& target, AppLanguage language) {
-    return problem(areaOf(target.kind),
-                   target.host + QStringLiteral(": ") + texts::doctor::noAnswerInTime.in(language),
-                   texts::doctor::checkNameServer.in(language), {{QStringLiteral("host"), target.host}});
+    return problem(areaOf(target.kind), target.host + u": "_qs + text::noAnswerInTime.in(language),
+                   text::checkNameServer.in(language), {{u"host"_qs, target.host}});
 }
 
 } // namespace
@@ -93,7 +94,7 @@ void LiveSocketCheck::received(const Result<SocketMessage>& result) {
     }
     const auto* text = std::get_if<QString>(&*result);
     const bool isOpen = text && sockJSFrameKind(*text) == SockJSFrameKind::open;
-    finish({isOpen, isOpen ? QString() : texts::doctor::noOpenFrame.in(m_language)});
+    finish({isOpen, isOpen ? QString() : text::noOpenFrame.in(m_language)});
 }
 
 void LiveSocketCheck::finish(const LiveSocketOutcome& outcome) {

@@ -16,6 +16,8 @@ namespace zofra::doctor {
 
 namespace {
 
+namespace text = texts::doctor;
+
 using Step = HostProbe::Step;
 
 /// The text and the cure of what is wrong; absent when nothing is.
@@ -30,70 +32,67 @@ QString stepName(Step step) {
 }
 
 QString because(const HostProbe& probe) {
-    return probe.reason.isEmpty() ? QString() : QStringLiteral(" (") + probe.reason + u')';
+    return probe.reason.isEmpty() ? QString() : u" ("_qs + probe.reason + u')';
 }
 
 QString inEndpoints(const HostTarget& target, AppLanguage language) {
     const auto& key = target.keys.first();
-    return texts::doctor::inEndpoints.in(
-        language, target.keys.size() > 1 ? texts::doctor::andOthers.in(language, key) : key);
+    return text::inEndpoints.in(language, target.keys.size() > 1 ? text::andOthers.in(language, key) : key);
 }
 
 Wrong wrongName(const HostTarget& target, const HostProbe& probe, AppLanguage language) {
     const QString hostName = target.host.section(u':', 0, 0);
-    if (hostName.endsWith(QLatin1String(".example")))
-        return {texts::doctor::placeholder.in(language), texts::doctor::setHosts.in(language)};
+    if (hostName.endsWith(u".example"))
+        return {text::placeholder.in(language), text::setHosts.in(language)};
     if (probe.timedOut)
-        return {texts::doctor::nameServerSilent.in(language), texts::doctor::checkNameServer.in(language)};
-    return {texts::doctor::nameUnknown.in(language), texts::doctor::checkNameOrHost.in(language)};
+        return {text::nameServerSilent.in(language), text::checkNameServer.in(language)};
+    return {text::nameUnknown.in(language), text::checkNameOrHost.in(language)};
 }
 
 Wrong wrongConnection(const HostProbe& probe, AppLanguage language) {
     const int error = probe.systemErrno;
     if (error == EPERM || error == EACCES)
-        return {texts::doctor::refusedHere.in(language, because(probe)),
-                texts::doctor::allowOutgoing.in(language)};
+        return {text::refusedHere.in(language, because(probe)), text::allowOutgoing.in(language)};
     if (error == ENETUNREACH || error == EHOSTUNREACH)
-        return {texts::doctor::noWay.in(language, because(probe)), texts::doctor::checkCable.in(language)};
+        return {text::noWay.in(language, because(probe)), text::checkCable.in(language)};
     if (probe.timedOut)
-        return {texts::doctor::noConnectionInTime.in(language), texts::doctor::checkFirewall.in(language)};
-    return {texts::doctor::refusesConnections.in(language), texts::doctor::serverDown.in(language)};
+        return {text::noConnectionInTime.in(language), text::checkFirewall.in(language)};
+    return {text::refusesConnections.in(language), text::serverDown.in(language)};
 }
 
 Wrong wrongCertificate(const HostTarget& target, const HostProbe& probe, AppLanguage language) {
     const auto says = [&probe](const char* words) {
         return probe.reason.contains(QLatin1String(words), Qt::CaseInsensitive);
     };
-    const QString text = texts::doctor::badCertificate.in(language, because(probe));
+    const QString text = text::badCertificate.in(language, because(probe));
     if (says("expired") || says("not yet valid"))
-        return {text, texts::doctor::checkClock.in(language)};
+        return {text, text::checkClock.in(language)};
     if (says("does not match") || says("no alternative certificate"))
-        return {text, texts::doctor::otherHostAnswers.in(language, inEndpoints(target, language))};
+        return {text, text::otherHostAnswers.in(language, inEndpoints(target, language))};
     if (says("self-signed") || says("self signed") || says("unable to get"))
-        return {text, texts::doctor::installAuthorities.in(language)};
+        return {text, text::installAuthorities.in(language)};
     if (probe.timedOut)
-        return {texts::doctor::silentTls.in(language), texts::doctor::somethingHangs.in(language)};
-    return {texts::doctor::noSecureConnection.in(language, because(probe)),
-            texts::doctor::tlsCutOff.in(language)};
+        return {text::silentTls.in(language), text::somethingHangs.in(language)};
+    return {text::noSecureConnection.in(language, because(probe)), text::tlsCutOff.in(language)};
 }
 
 std::optional<Wrong> wrongAnswer(const HostTarget& target, const HostProbe& probe, AppLanguage language) {
     const bool isStream = target.kind == HostTarget::Kind::stream;
     const auto where = inEndpoints(target, language);
     if (probe.status == 404 && isStream)
-        return Wrong{texts::doctor::noStream.in(language), texts::doctor::offAir.in(language, where)};
+        return Wrong{text::noStream.in(language), text::offAir.in(language, where)};
     if (probe.status < 200 || probe.status > 299)
-        return Wrong{texts::doctor::answersHttp.in(language, probe.status),
-                     texts::doctor::serviceFaultCheck.in(language, where)};
-    const bool isPage = probe.contentType.startsWith(QLatin1String("text/html"), Qt::CaseInsensitive);
+        return Wrong{text::answersHttp.in(language, probe.status),
+                     text::serviceFaultCheck.in(language, where)};
+    const bool isPage = probe.contentType.startsWith(u"text/html", Qt::CaseInsensitive);
     const bool isUsable = isStream ? !isPage
                           : target.kind == HostTarget::Kind::scraper
                               ? ScraperPage::fromBody(probe.body).has_value()
                               : onAirItems(probe.body, target.rpId).has_value();
     if (isUsable)
         return std::nullopt;
-    return Wrong{(isPage ? texts::doctor::pageInstead : texts::doctor::wrongAnswer).in(language),
-                 texts::doctor::logInToNetwork.in(language, where)};
+    return Wrong{(isPage ? text::pageInstead : text::wrongAnswer).in(language),
+                 text::logInToNetwork.in(language, where)};
 }
 
 std::optional<Wrong> wrongIn(const HostTarget& target, const HostProbe& probe, AppLanguage language) {
@@ -105,9 +104,9 @@ std::optional<Wrong> wrongIn(const HostTarget& target, const HostProbe& probe, A
     case Step::tls:
         return wrongCertificate(target, probe, language);
     case Step::answer:
-        return Wrong{probe.timedOut ? texts::doctor::silentRequest.in(language)
-                                    : texts::doctor::endsUnanswered.in(language, because(probe)),
-                     texts::doctor::serviceFault.in(language)};
+        return Wrong{probe.timedOut ? text::silentRequest.in(language)
+                                    : text::endsUnanswered.in(language, because(probe)),
+                     text::serviceFault.in(language)};
     case Step::done:
         break;
     }
@@ -117,26 +116,24 @@ std::optional<Wrong> wrongIn(const HostTarget& target, const HostProbe& probe, A
 
 QJsonObject details(const HostTarget& target, const HostProbe& probe) {
     const auto number = [](std::chrono::milliseconds time) { return static_cast<qint64>(time.count()); };
-    return {{QStringLiteral("host"), target.host},
-            {QStringLiteral("keys"), QJsonArray::fromStringList(target.keys)},
-            {QStringLiteral("address"), probe.address},
-            {QStringLiteral("failed_at"),
-             probe.failedAt == Step::done ? QJsonValue() : QJsonValue(stepName(probe.failedAt))},
-            {QStringLiteral("status"), probe.status},
-            {QStringLiteral("ms"), QJsonObject{{QStringLiteral("name"), number(probe.nameTime)},
-                                               {QStringLiteral("connect"), number(probe.connectTime)},
-                                               {QStringLiteral("tls"), number(probe.tlsTime)},
-                                               {QStringLiteral("answer"), number(probe.answerTime)}}}};
+    return {
+        {u"host"_qs, target.host},
+        {u"keys"_qs, QJsonArray::fromStringList(target.keys)},
+        {u"address"_qs, probe.address},
+        {u"failed_at"_qs, probe.failedAt == Step::done ? QJsonValue() : QJsonValue(stepName(probe.failedAt))},
+        {u"status"_qs, probe.status},
+        {u"ms"_qs, QJsonObject{{u"name"_qs, number(probe.nameTime)},
+                               {u"connect"_qs, number(probe.connectTime)},
+                               {u"tls"_qs, number(probe.tlsTime)},
+                               {u"answer"_qs, number(probe.answerTime)}}}};
 }
 
 Finding asFinding(const HostTarget& target, const HostProbe& probe, const std::optional<Wrong>& wrong,
                   AppLanguage language) {
     const QString area = areaOf(target.kind);
     if (wrong)
-        return problem(area, target.host + QStringLiteral(": ") + wrong->text, wrong->cure,
-                       details(target, probe));
-    return fine(area,
-                texts::doctor::hostFine.in(language, target.host, QString::number(probe.answerTime.count())),
+        return problem(area, target.host + u": "_qs + wrong->text, wrong->cure, details(target, probe));
+    return fine(area, text::hostFine.in(language, target.host, QString::number(probe.answerTime.count())),
                 details(target, probe));
 }
 
@@ -147,11 +144,9 @@ Finding judgeHost(const HostTarget& target, const std::vector<HostProbe>& probes
         if (const auto wrong = wrongIn(target, probe, language))
             return asFinding(target, probe, wrong, language);
     }
-    const auto slowest = std::max_element(probes.begin(), probes.end(), [](const auto& a, const auto& b) {
-        return a.answerTime < b.answerTime;
-    });
+    const auto slowest = std::ranges::max_element(probes, {}, &HostProbe::answerTime);
     return slowest == probes.end()
-               ? skipped(areaOf(target.kind), texts::doctor::hostNotAsked.in(language, target.host))
+               ? skipped(areaOf(target.kind), text::hostNotAsked.in(language, target.host))
                : asFinding(target, *slowest, std::nullopt, language);
 }
 
@@ -161,10 +156,9 @@ Finding judgeLiveSocket(const HostTarget& target, const HostProbe& probe, const 
     if (wrong || outcome.isOpen)
         return asFinding(target, probe, wrong, language);
     return asFinding(target, probe,
-                     Wrong{outcome.reason.isEmpty()
-                               ? texts::doctor::socketSilent.in(language)
-                               : texts::doctor::socketRefuses.in(language, outcome.reason),
-                           texts::doctor::polledMeanwhile.in(language, inEndpoints(target, language))},
+                     Wrong{outcome.reason.isEmpty() ? text::socketSilent.in(language)
+                                                    : text::socketRefuses.in(language, outcome.reason),
+                           text::polledMeanwhile.in(language, inEndpoints(target, language))},
                      language);
 }
 

@@ -2,6 +2,8 @@
 #include "app/doctor/HostTargets.h"
 
 #include "metadata/LiveSocket.h"
+#include "metadata/OnAirItem.h"
+#include "metadata/ScraperPage.h"
 #include "stations/RadioStation.h"
 #include "stations/ServiceHosts.h"
 
@@ -12,14 +14,11 @@ namespace zofra::doctor {
 
 namespace {
 
-const QString https = QStringLiteral("https");
-
 /// Adds an address to the target of that host and kind, which is made when it is the first.
 HostTarget& add(std::vector<HostTarget>& targets, HostTarget::Kind kind, const QString& host,
                 const QString& key, const QUrl& url) {
-    auto found = std::find_if(targets.begin(), targets.end(), [&](const HostTarget& target) {
-        return target.kind == kind && target.host == host;
-    });
+    auto found = std::ranges::find_if(
+        targets, [&](const HostTarget& target) { return target.kind == kind && target.host == host; });
     if (found == targets.end())
         found = targets.insert(targets.end(), HostTarget{kind, host, {}, {}, {}});
     found->keys.append(key);
@@ -32,43 +31,10 @@ void addStreams(std::vector<HostTarget>& targets, const ServiceHosts& hosts) {
     using StreamKind = ServiceHosts::StreamKind;
     for (const RadioStation station : RadioStation::allCases) {
         const auto name = station.rawValue();
-        add(targets, HostTarget::Kind::stream, hosts.streamHost(name, StreamKind::aac),
-            name + QStringLiteral("_aac"), station.streamAAC(hosts));
-        add(targets, HostTarget::Kind::stream, hosts.streamHost(name, StreamKind::mp3),
-            name + QStringLiteral("_mp3"), station.streamMP3(hosts));
-    }
-}
-
-/// The live feed's address as plain HTTP: its server answers that too, if only with a refusal.
-void addLiveFeed(std::vector<HostTarget>& targets, const ServiceHosts& hosts) {
-    auto url = liveSocketUrl(hosts.liveSocketHost());
-    if (!url)
-        return;
-    url->setScheme(https);
-    add(targets, HostTarget::Kind::live, hosts.liveSocketHost(), QStringLiteral("live_socket"), *url);
-}
-
-void addOnAir(std::vector<HostTarget>& targets, const ServiceHosts& hosts) {
-    for (const RadioStation station : RadioStation::allCases) {
-        const auto rpId = station.radioplayerId();
-        const auto url =
-            rpId ? serviceUrl(https, hosts.onAirHost(), QStringLiteral("/056/qp/v3/onair?rpIds=") + *rpId)
-                 : std::nullopt;
-        if (!url)
-            continue;
-        add(targets, HostTarget::Kind::onAir, hosts.onAirHost(), QStringLiteral("on_air"), *url).rpId = *rpId;
-        return;
-    }
-}
-
-void addScraper(std::vector<HostTarget>& targets, const ServiceHosts& hosts) {
-    for (const RadioStation station : RadioStation::allCases) {
-        const auto path = station.scraperPath();
-        const auto url = path ? serviceUrl(https, hosts.scraperHost(), *path) : std::nullopt;
-        if (!url)
-            continue;
-        add(targets, HostTarget::Kind::scraper, hosts.scraperHost(), QStringLiteral("scraper"), *url);
-        return;
+        add(targets, HostTarget::Kind::stream, hosts.streamHost(name, StreamKind::aac), name + u"_aac"_qs,
+            station.streamAAC(hosts));
+        add(targets, HostTarget::Kind::stream, hosts.streamHost(name, StreamKind::mp3), name + u"_mp3"_qs,
+            station.streamMP3(hosts));
     }
 }
 
@@ -82,9 +48,25 @@ QString areaOf(HostTarget::Kind kind) {
 std::vector<HostTarget> hostTargets(const ServiceHosts& hosts) {
     std::vector<HostTarget> targets;
     addStreams(targets, hosts);
-    addLiveFeed(targets, hosts);
-    addOnAir(targets, hosts);
-    addScraper(targets, hosts);
+    // The live feed's address as plain HTTP: its server answers that too, if only with a refusal.
+    if (auto url = liveSocketUrl(hosts.liveSocketHost())) {
+        url->setScheme(u"https"_qs);
+        add(targets, HostTarget::Kind::live, hosts.liveSocketHost(), u"live_socket"_qs, *url);
+    }
+    // Of the two others the first station says enough.
+    for (const RadioStation station : RadioStation::allCases) {
+        if (const auto url = onAirUrl(hosts, station)) {
+            add(targets, HostTarget::Kind::onAir, hosts.onAirHost(), u"on_air"_qs, *url).rpId =
+                *station.radioplayerId();
+            break;
+        }
+    }
+    for (const RadioStation station : RadioStation::allCases) {
+        if (const auto url = scraperUrl(hosts, station)) {
+            add(targets, HostTarget::Kind::scraper, hosts.scraperHost(), u"scraper"_qs, *url);
+            break;
+        }
+    }
     return targets;
 }
 

@@ -20,8 +20,8 @@ constexpr auto probePatience = 900ms;
 constexpr auto longestProbe = 1500ms;
 
 InterfaceSearch* searchFrom(SpeakerFacts& facts, const QString& ip) {
-    const auto found = std::find_if(facts.searches.begin(), facts.searches.end(),
-                                    [&ip](const auto& search) { return search.interface.ip == ip; });
+    const auto found =
+        std::ranges::find_if(facts.searches, [&ip](const auto& search) { return search.interface.ip == ip; });
     return found == facts.searches.end() ? nullptr : &*found;
 }
 

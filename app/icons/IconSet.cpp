@@ -23,7 +23,7 @@ constexpr int cacheBytes = 2 * 1024 * 1024;
 constexpr int longestEdge = 4096;
 
 QString pathOf(const QString& name) {
-    return QStringLiteral(":/zofra/icons/%1.svg").arg(name);
+    return u":/zofra/icons/%1.svg"_qs.arg(name);
 }
 
 // Qt's renderer takes currentColor from nowhere, so the colour is written into the drawing.
