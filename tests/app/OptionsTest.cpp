@@ -191,12 +191,12 @@ TEST(OptionTableTest, HelpNamesEveryOptionAndStationInEachLanguage) {
 TEST(OptionTableTest, EveryOptionIsReadAsTheTableSays) {
     for (const OptionRow& row : optionTable()) {
         const auto bare = parseOptions({row.name});
-        if (row.takes == OptionRow::Takes::value) {
+        if (row.takes() == OptionRow::Takes::value) {
             EXPECT_EQ(bare.error(), row.name + u" needs a value"_qs);
         } else if (row.name != QLatin1String("--json")) {
             EXPECT_TRUE(bare.has_value()) << row.name.data();
         }
-        if (row.takes == OptionRow::Takes::nothing) {
+        if (row.takes() == OptionRow::Takes::nothing) {
             EXPECT_EQ(parseOptions({row.name + u"=x"_qs}).error(), row.name + u" takes no value"_qs);
         }
     }
