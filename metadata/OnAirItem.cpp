@@ -66,10 +66,8 @@ std::optional<OnAirItem> selectBest(const std::vector<OnAirItem>& items, double 
     return items.empty() ? std::nullopt : std::optional(items.front());
 }
 
-std::optional<QUrl> onAirUrl(const ServiceHosts& hosts, RadioStation station) {
-    const auto rpId = station.radioplayerId();
-    return rpId ? serviceUrl(u"https"_qs, hosts.onAirHost(), u"/056/qp/v3/onair?rpIds="_qs + *rpId)
-                : std::nullopt;
+std::optional<QUrl> onAirUrl(const ServiceHosts& hosts, const QString& rpId) {
+    return serviceUrl(u"https"_qs, hosts.onAirHost(), u"/056/qp/v3/onair?rpIds="_qs + rpId);
 }
 
 std::optional<std::vector<OnAirItem>> onAirItems(const QByteArray& body, const QString& rpId) {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "stations/RadioStation.h"
 #include "stations/ServiceHosts.h"
 
 #include <QByteArray>
@@ -47,8 +46,8 @@ struct OnAirItem {
 /// start, else the first.
 [[nodiscard]] std::optional<OnAirItem> selectBest(const std::vector<OnAirItem>& items, double now);
 
-/// Where the service is asked for a station; absent for one that it does not know.
-[[nodiscard]] std::optional<QUrl> onAirUrl(const ServiceHosts& hosts, RadioStation station);
+/// Where the service is asked for the station `rpId`.
+[[nodiscard]] std::optional<QUrl> onAirUrl(const ServiceHosts& hosts, const QString& rpId);
 
 /// The items of the station `rpId` in an answer, which may be wrapped in a JSONP call; absent when the answer
 /// is not what it should be. Takes a while for the longest answers: not for the main thread.

@@ -200,11 +200,12 @@ void RadioViewModel::disconnectWebSocket() {
 void RadioViewModel::fetchMetadata() {
     if (m_metadataRequestCounter == std::numeric_limits<std::uint64_t>::max())
         qFatal("No number is left for a further metadata request.");
-    const Round round{currentStation, ++m_metadataRequestCounter};
-    if (round.station.radioplayerId())
-        fetchRadioplayerMetadata(round);
-    else
-        fetchScraperMetadata(round);
+    const RadioStation station = currentStation;
+    const auto requestId = ++m_metadataRequestCounter;
+    if (const auto rpId = station.radioplayerId())
+        fetchRadioplayerMetadata(*rpId, station, requestId, 0);
+    else if (const auto url = scraperUrl(m_environment.hosts, station))
+        fetchScraperMetadata(*url, station, requestId);
 }
 
 void RadioViewModel::startRequest(const QUrl& url, HttpSession::Completion completion) {
@@ -215,72 +216,74 @@ void RadioViewModel::startRequest(const QUrl& url, HttpSession::Completion compl
                     std::move(completion));
 }
 
-void RadioViewModel::fetchRadioplayerMetadata(const Round& round) {
-    const auto url = onAirUrl(m_environment.hosts, round.station);
+void RadioViewModel::fetchRadioplayerMetadata(const QString& rpId, RadioStation station,
+                                              std::uint64_t requestId, int attempt) {
+    const auto url = onAirUrl(m_environment.hosts, rpId);
     if (!url)
         return;
-    auto handle = onMainThread<OnAirItems>(
-        [this, round](const OnAirItems& items) { handleRadioplayerResponse(items, round); });
+    auto handle =
+        onMainThread<OnAirItems>([this, rpId, station, requestId, attempt](const OnAirItems& items) {
+            if (items)
+                handleRadioplayerItems(*items, station, requestId);
+            else
+                handleRadioplayerFailure(rpId, station, requestId, attempt);
+        });
     // Read where it arrives: the longest answer would keep the main thread busy for several frames.
-    startRequest(*url, [round, handle = std::move(handle)](const HttpResult& result) {
-        handle(isSuccess(result) ? onAirItems(result->body, *round.station.radioplayerId()) : std::nullopt);
+    startRequest(*url, [rpId, handle = std::move(handle)](const HttpResult& result) {
+        handle(isSuccess(result) ? onAirItems(result->body, rpId) : std::nullopt);
     });
 }
 
-void RadioViewModel::handleRadioplayerResponse(const OnAirItems& items, const Round& round) {
-    if (!items) {
-        handleRadioplayerFailure(round);
-        return;
-    }
-    if (currentStation != round.station)
+void RadioViewModel::handleRadioplayerItems(const std::vector<OnAirItem>& items, RadioStation station,
+                                            std::uint64_t requestId) {
+    if (currentStation != station || hasFreshLiveTrack())
         return;
     const std::chrono::duration<double> secondsSince1970 = m_now().time_since_epoch();
-    const auto text = onAirText(*items, secondsSince1970.count());
-    if (hasFreshLiveTrack())
-        return;
-    if (text)
-        applyUnlessStale(round, *text);
+    if (const auto text = onAirText(items, secondsSince1970.count()))
+        applyUnlessStale(requestId, *text);
     else if (m_isLoading)
-        applyUnlessStale(round, round.station.displayName());
+        applyUnlessStale(requestId, station.displayName());
 }
 
-void RadioViewModel::handleRadioplayerFailure(Round round) {
-    if (currentStation != round.station || isStale(round))
+void RadioViewModel::handleRadioplayerFailure(const QString& rpId, RadioStation station,
+                                              std::uint64_t requestId, int attempt) {
+    if (currentStation != station || isStale(requestId))
         return;
-    fetchScraperMetadata(round);
-    if (round.isRetry)
+    if (const auto url = scraperUrl(m_environment.hosts, station))
+        fetchScraperMetadata(*url, station, requestId);
+    if (attempt >= 1)
         return;
-    round.isRetry = true;
-    m_environment.mainQueue.asyncAfter(retryDelay, m_lifetime.guard([this, round] {
-        if (currentStation == round.station && !isStale(round))
-            fetchRadioplayerMetadata(round);
-    }));
-}
-
-void RadioViewModel::fetchScraperMetadata(const Round& round) {
-    if (const auto url = scraperUrl(m_environment.hosts, round.station))
-        startRequest(*url, onMainThread<HttpResult>([this, round](const HttpResult& result) {
-            handleScraperResponse(result, round);
+    m_environment.mainQueue.asyncAfter(
+        retryDelay, m_lifetime.guard([this, rpId, station, requestId, attempt] {
+            if (currentStation == station && !isStale(requestId))
+                fetchRadioplayerMetadata(rpId, station, requestId, attempt + 1);
         }));
 }
 
-void RadioViewModel::handleScraperResponse(const HttpResult& result, const Round& round) {
-    if (!isSuccess(result) || currentStation != round.station)
+void RadioViewModel::fetchScraperMetadata(const QUrl& url, RadioStation station, std::uint64_t requestId) {
+    startRequest(url, onMainThread<HttpResult>([this, station, requestId](const HttpResult& result) {
+                     handleScraperResponse(result, station, requestId);
+                 }));
+}
+
+void RadioViewModel::handleScraperResponse(const HttpResult& result, RadioStation station,
+                                           std::uint64_t requestId) {
+    if (!isSuccess(result) || currentStation != station)
         return;
     const auto page = ScraperPage::fromBody(result->body);
     if (!page)
         return;
     auto text = page->text();
     if (!text && m_isLoading)
-        text = round.station.displayName();
+        text = station.displayName();
     if (text && !hasFreshLiveTrack())
-        applyUnlessStale(round, *text);
+        applyUnlessStale(requestId, *text);
 }
 
-void RadioViewModel::applyUnlessStale(const Round& round, const QString& text) {
-    if (isStale(round))
+void RadioViewModel::applyUnlessStale(std::uint64_t requestId, const QString& text) {
+    if (isStale(requestId))
         return;
-    m_lastAppliedMetadataRequest = round.requestId;
+    m_lastAppliedMetadataRequest = requestId;
     applyMetadata(text);
 }
 

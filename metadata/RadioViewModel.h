@@ -87,25 +87,22 @@ private:
         return m_webSocketTask && m_webSocketTask == task.lock();
     }
 
-    // The HTTP sources.
-    /// One round of requests, which every result of it carries.
-    struct Round {
-        RadioStation station;
-        std::uint64_t requestId;
-        bool isRetry = false;
-    };
-    void fetchRadioplayerMetadata(const Round& round);
+    // The HTTP sources. Every result carries the number of its round.
+    void fetchRadioplayerMetadata(const QString& rpId, RadioStation station, std::uint64_t requestId,
+                                  int attempt);
     /// Absent when the request failed, in whatever way.
     using OnAirItems = std::optional<std::vector<OnAirItem>>;
-    void handleRadioplayerResponse(const OnAirItems& items, const Round& round);
-    void handleRadioplayerFailure(Round round);
-    void fetchScraperMetadata(const Round& round);
-    void handleScraperResponse(const HttpResult& result, const Round& round);
+    void handleRadioplayerFailure(const QString& rpId, RadioStation station, std::uint64_t requestId,
+                                  int attempt);
+    void handleRadioplayerItems(const std::vector<OnAirItem>& items, RadioStation station,
+                                std::uint64_t requestId);
+    void fetchScraperMetadata(const QUrl& url, RadioStation station, std::uint64_t requestId);
+    void handleScraperResponse(const HttpResult& result, RadioStation station, std::uint64_t requestId);
     void startRequest(const QUrl& url, HttpSession::Completion completion);
-    [[nodiscard]] bool isStale(const Round& round) const {
-        return round.requestId <= m_lastAppliedMetadataRequest;
+    [[nodiscard]] bool isStale(std::uint64_t requestId) const {
+        return requestId <= m_lastAppliedMetadataRequest;
     }
-    void applyUnlessStale(const Round& round, const QString& text);
+    void applyUnlessStale(std::uint64_t requestId, const QString& text);
     void applyMetadata(const QString& text);
 
     void tellUpdate(const QString& current, const std::optional<QString>& next) const;

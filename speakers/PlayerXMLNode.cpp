@@ -21,7 +21,8 @@ PlayerXMLNode::~PlayerXMLNode() {
 }
 
 PlayerXMLNode::Pointer PlayerXMLNode::child(const QString& elementName) const {
-    const auto found = std::ranges::find(children, elementName, [](const auto& node) { return node->name; });
+    const auto found = std::ranges::find(children, elementName,
+                                         [](const auto& node) -> const QString& { return node->name; });
     return found == children.end() ? nullptr : *found;
 }
 

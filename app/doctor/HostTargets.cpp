@@ -55,9 +55,9 @@ std::vector<HostTarget> hostTargets(const ServiceHosts& hosts) {
     }
     // Of the two others the first station says enough.
     for (const RadioStation station : RadioStation::allCases) {
-        if (const auto url = onAirUrl(hosts, station)) {
-            add(targets, HostTarget::Kind::onAir, hosts.onAirHost(), u"on_air"_qs, *url).rpId =
-                *station.radioplayerId();
+        const auto rpId = station.radioplayerId();
+        if (const auto url = rpId ? onAirUrl(hosts, *rpId) : std::nullopt) {
+            add(targets, HostTarget::Kind::onAir, hosts.onAirHost(), u"on_air"_qs, *url).rpId = *rpId;
             break;
         }
     }
