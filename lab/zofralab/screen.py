@@ -17,6 +17,9 @@ from .xserver import XServer
 class Screen:
     """What every virtual desktop has: programs of its own in a home of its own, pictures, and a panel at the top."""
 
+    #: Where the pointer is out of the way.
+    rest = (640, 600)
+
     def __init__(self, directory, environment, prefix, panel, kind):
         self._directory = directory
         self._prefix = list(prefix)
@@ -200,6 +203,8 @@ class VirtualScreen(Screen):
 class NestedScreen(VirtualScreen):
     """A Wayland desktop in a window that fills an X server without a screen: mouse, keyboard and pictures are the X
     server's, and programs know of the Wayland display only."""
+
+    rest = (4, 798)
 
     def __init__(self, directory, environment, prefix=(), panel=None):
         super().__init__(directory, environment, prefix, panel)

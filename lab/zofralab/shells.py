@@ -6,13 +6,14 @@ Each is as its packages install it, but for what moves by itself (animations, cl
 import os
 import shutil
 
+from .bus import Peer
 from .panels import HEIGHT, WIDTH, Panel
 from .picture import Box
 from .process import wait_until
 
 _LIBRARIES = "/usr/lib/x86_64-linux-gnu"
 
-PLASMA = f"""[Containments][1]
+PLASMA = """[Containments][1]
 formfactor=2
 immutability=1
 lastScreen=0
@@ -22,6 +23,9 @@ plugin=org.kde.panel
 [Containments][1][Applets][2]
 immutability=1
 plugin=org.kde.plasma.icontasks
+
+[Containments][1][Applets][2][Configuration][General]
+launchers=
 
 [Containments][1][Applets][3]
 immutability=1
@@ -176,8 +180,10 @@ class Plasma(Panel):
             self._services = [screen.spawn(program) for program in self.programs[2:4]]
         self._spawn(screen, "plasmashell")
         self._wait(screen)
+        screen.still_picture(screen.panel_box, seconds=3.0)
 
     def _wait(self, screen):
+        """Until the panel is there; its parts come later, one after the other."""
         wait_until(lambda: any(w.box == screen.panel_box for w in screen.windows("plasmashell")), 60, "the panel", 0.1)
 
 
@@ -225,9 +231,20 @@ class Gnome(Panel):
     def start(self, screen):
         self._spawn(screen, "gnome-shell", *self.options)
         wait_until(lambda: screen.picture(Box(0, 0, WIDTH, 28)).drawn() > 0.02, 60, "the panel", 0.1)
-        # It begins with the view of all windows.
-        screen.still_picture(seconds=1.0)
-        screen.key("Escape")
+        # The extension comes after the panel.
+        bus = Peer(screen.environment["DBUS_SESSION_BUS_ADDRESS"])
+        try:
+            bus.wait_for_name("org.kde.StatusNotifierWatcher", 60)
+        finally:
+            bus.close()
+        # It begins with the view of all windows, and takes its time to listen to keys.
+        bare = Box(0, HEIGHT, WIDTH, 700)
+
+        def shows_the_desktop():
+            screen.key("Escape")
+            return screen.still_picture(bare, seconds=1.0).drawn() < 0.01
+        wait_until(shows_the_desktop, 60, "the desktop", 0.1)
+        screen.still_picture(screen.panel_box, seconds=3.0)
 
 
 class GnomeOnWayland(Gnome):

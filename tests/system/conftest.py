@@ -34,10 +34,16 @@ def pytest_configure(config):
     """Markers of these tests."""
     config.addinivalue_line("markers", "slow: takes more than twenty seconds of real time; begun first")
     config.addinivalue_line("markers", "measured: measures times or load; run it with nothing beside it")
+    config.addinivalue_line("markers", "whole_desktop: starts one; only run for whoever asks for it by name (-k)")
 
 
-def pytest_collection_modifyitems(items):
-    """Begin the long ones first, so that parallel runs end together."""
+def pytest_collection_modifyitems(config, items):
+    """Leave out what nobody asked for, and begin the long ones first, so that parallel runs end together."""
+    if not config.getoption("keyword"):
+        unasked = pytest.mark.skip(reason="not run: whole desktops are started by name only (-k panels_plasma, ...)")
+        for item in items:
+            if item.get_closest_marker("whole_desktop"):
+                item.add_marker(unasked)
     items.sort(key=lambda item: item.get_closest_marker("slow") is None)
 
 

@@ -44,7 +44,7 @@ def screen(request, running_lab, session, tmp_path_factory):
                         running_lab.enter("/"), panel)
     try:
         one.start()
-        one.move(640, 600)
+        one.move(*one.rest)
         yield one
     finally:
         one.stop()
@@ -91,9 +91,9 @@ def wait_for_menus(screen, count):
     return wait_until(are_there, 30, f"{count} menus", 0.05)
 
 
-def calm(screen, pointer=(4, 798)):
+def calm(screen, pointer=None):
     """What is below the panel while no menu is open and the pointer rests at a place, else far from all of it."""
-    screen.move(*pointer)
+    screen.move(*(pointer or screen.rest))
     return screen.still_picture(screen.below_panel, seconds=0.5)
 
 
@@ -104,6 +104,14 @@ def drawn_menu(screen, before):
         return now.difference(before)
     box = wait_until(opened, 30, "a menu", 0.1)
     return Box(box.x, box.y + screen.below_panel.y, box.width, box.height)
+
+
+def close_menus(screen, before):
+    """Press Escape, which closes one menu after the other, until all is as in that picture."""
+    def closed():
+        screen.key("Escape")
+        return calm(screen).difference(before) is None
+    wait_until(closed, 30, "no menu", 0.1)
 
 
 class Item:
@@ -122,7 +130,7 @@ class Item:
 @pytest.fixture
 def item(radio, screen, empty):
     """The program, running, with its item in the panel."""
-    screen.move(640, 600)
+    screen.move(*screen.rest)
     screen.wait_for_no_item(empty)
     radio.start(headless=False)
     yield Item(radio, screen, screen.wait_for_item(empty))

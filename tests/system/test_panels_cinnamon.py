@@ -12,7 +12,7 @@ PANEL = Cinnamon
 PROGRAM = "zofrazofra"
 #: Where the panel shows windows.
 TASKS = Box(0, 0, 600, 36)
-pytestmark = [pytest.mark.slow, pytest.mark.xdist_group("panels_cinnamon")]
+pytestmark = [pytest.mark.whole_desktop, pytest.mark.xdist_group("panels_cinnamon")]
 
 
 def test_the_left_click_opens_our_menu_below_the_panel_with_round_corners(item, screen):

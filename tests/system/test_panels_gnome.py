@@ -4,7 +4,7 @@
 Its wheel is not tried here: the extension takes smooth turns only, and a shell in a window is given notches only."""
 
 import pytest
-from panels_support import calm, display, drawn_menu, empty, item, radio, screen, session  # noqa: F401
+from panels_support import calm, close_menus, display, drawn_menu, empty, item, radio, screen, session  # noqa: F401
 from zofralab.picture import Box
 from zofralab.process import wait_until
 from zofralab.screen import NestedScreen
@@ -14,7 +14,7 @@ PANEL = GnomeOnWayland
 SCREEN = NestedScreen
 #: Where the shell names the window in front.
 IN_FRONT = Box(120, 0, 160, 28)
-pytestmark = [pytest.mark.slow, pytest.mark.xdist_group("panels_gnome")]
+pytestmark = [pytest.mark.whole_desktop, pytest.mark.xdist_group("panels_gnome")]
 
 
 def test_icon_and_text_are_shown_and_the_shell_draws_the_menu_and_its_submenus(item, screen, lab):
@@ -29,9 +29,8 @@ def test_icon_and_text_are_shown_and_the_shell_draws_the_menu_and_its_submenus(i
         opened = screen.still_picture(screen.below_panel, seconds=0.3)
         # The shell opens submenus within the menu. The second line is the stations'.
         screen.click((menu.x + 300, 99))
-        assert drawn_menu(screen, opened).height > menu.height, "with nine stations more"
-        screen.key("Escape", "Escape")
-        wait_until(lambda: calm(screen).difference(before) is None, 30, "no menu", 0.1)
+        wait_until(lambda: drawn_menu(screen, opened).height > menu.height, 30, "nine stations more", 0.1)
+        close_menus(screen, before)
 
 
 def test_the_right_click_opens_the_same_menu(item, screen):

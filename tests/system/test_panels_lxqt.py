@@ -172,6 +172,7 @@ def test_the_wheel_changes_the_volume_and_shows_it_at_once(item, screen):
 
 
 def test_everything_in_the_panel_has_a_name_and_is_reached_by_the_keyboard(item, screen, reader):
+    reader.application(PROGRAM)  # so early that nobody listens yet, a window would not be told
     reader.forget()
     item.click(3)
     popup(screen)

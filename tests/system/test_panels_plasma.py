@@ -14,7 +14,7 @@ PANEL = Plasma
 PROGRAM = "zofrazofra"
 #: Where the panel shows windows.
 TASKS = Box(0, 0, 600, 36)
-pytestmark = [pytest.mark.slow, pytest.mark.xdist_group("panels_plasma")]
+pytestmark = [pytest.mark.whole_desktop, pytest.mark.xdist_group("panels_plasma")]
 
 
 def test_the_left_click_opens_our_menu_at_the_button_and_its_submenus_open_at_once(item, screen, lab):
