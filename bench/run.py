@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Measures the budgets in the lab, side by side with other players, in one run: `./dev bench`.
 
-Nothing here passes or fails; the last column says what the target is. Memory is PSS; CPU is percent of one core; wake-ups
-are voluntary context switches of all threads per second.
+Nothing here passes or fails, but for --check. Goal, best peer and floor stand beside each figure; docs/performance.md says what
+the figures are.
 """
 
 import argparse
