@@ -185,5 +185,15 @@ TEST(IconSetTest, MakesIconsThatAreRenderedWhenDrawn) {
     EXPECT_LT(icon.pixmap(QSize(24, 24), 1.0, QIcon::Disabled).toImage().pixelColor(12, 12).alpha(), 128);
 }
 
+TEST(IconSetTest, KeepsWhatItHasDrawn) {
+    const IconSet icons;
+    const QImage first = icons.image(u"play.fill"_qs, 32, Qt::white);
+    EXPECT_EQ(icons.image(u"play.fill"_qs, 32, Qt::white).cacheKey(), first.cacheKey());
+    for (const QImage& other :
+         {icons.image(u"play.fill"_qs, 33, Qt::white), icons.image(u"play.fill"_qs, 32, Qt::red),
+          icons.image(u"stop.fill"_qs, 32, Qt::white)})
+        EXPECT_NE(other, first);
+}
+
 } // namespace
 } // namespace zofra::test

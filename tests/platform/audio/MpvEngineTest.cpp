@@ -54,12 +54,13 @@ protected:
         player = factory->makePlayer(item);
         player->play();
     }
-    bool hasSoundServer() {
+    /// Where one is installed.
+    void startSoundServer() {
         if (!PrivateSoundServer::isAvailable())
-            return false;
+            return;
         sound = std::make_unique<PrivateSoundServer>();
         environment.set("PULSE_SERVER", sound->address());
-        return pollUntil([this] { return sound->isListening(); });
+        ASSERT_TRUE(pollUntil([this] { return sound->isListening(); })) << sound->log();
     }
     /// Lets pass whatever is already on its way.
     static void settle() {
@@ -78,6 +79,19 @@ protected:
     ObservationToken failure;
     int stalls = 0;
     int failures = 0;
+};
+
+/// The same with a sound server to play on.
+class MpvEngineSoundTest : public MpvEngineTest {
+protected:
+    void SetUp() override {
+        MpvEngineTest::SetUp();
+        if (IsSkipped())
+            return;
+        if (!PrivateSoundServer::isAvailable())
+            GTEST_SKIP() << "skipped: pulseaudio is not installed";
+        startSoundServer();
+    }
 };
 
 TEST_F(MpvEngineTest, isMissedInOneLineWhenTheLibraryIsMissing) {
@@ -130,7 +144,7 @@ TEST_F(MpvEngineTest, failsOnAPage) {
 }
 
 TEST_F(MpvEngineTest, followsNoListToAnotherAddress) {
-    ASSERT_TRUE(hasSoundServer() || !PrivateSoundServer::isAvailable());
+    ASSERT_NO_FATAL_FAILURE(startSoundServer());
     LoopbackServer elsewhere("audio/mpeg", silentMp3(), Then::repeatForever);
     const auto url = elsewhere.url().toEncoded();
     const std::vector<std::pair<QByteArray, QByteArray>> lists{
@@ -156,9 +170,7 @@ TEST_F(MpvEngineTest, saysInOneLineThatThereIsNoAudioDevice) {
     EXPECT_THAT(surroundings().log.lines, ElementsAre(QStringLiteral("There is no audio device to play on")));
 }
 
-TEST_F(MpvEngineTest, playsAndFailsOnceWhenTheStationGoesOffTheAir) {
-    if (!hasSoundServer())
-        GTEST_SKIP() << "skipped: pulseaudio is not installed";
+TEST_F(MpvEngineSoundTest, playsAndFailsOnceWhenTheStationGoesOffTheAir) {
     LoopbackServer server("audio/mpeg", silentMp3(), Then::close); // A second, then the end.
     play(server.url());
     ASSERT_TRUE(spinUntil([this] { return player->timeControlStatus() == playing; }));
@@ -170,9 +182,7 @@ TEST_F(MpvEngineTest, playsAndFailsOnceWhenTheStationGoesOffTheAir) {
     EXPECT_THAT(surroundings().log.lines, IsEmpty());
 }
 
-TEST_F(MpvEngineTest, pausesAndGoesOn) {
-    if (!hasSoundServer())
-        GTEST_SKIP() << "skipped: pulseaudio is not installed";
+TEST_F(MpvEngineSoundTest, pausesAndGoesOn) {
     LoopbackServer server("audio/mpeg", silentMp3(), Then::repeatForever);
     play(server.url());
     ASSERT_TRUE(spinUntil([this] { return player->timeControlStatus() == playing; }));
@@ -186,9 +196,7 @@ TEST_F(MpvEngineTest, pausesAndGoesOn) {
     EXPECT_EQ(stalls, 0);
 }
 
-TEST_F(MpvEngineTest, playsOneStationAfterTheOtherWithoutMixingTheirNews) {
-    if (!hasSoundServer())
-        GTEST_SKIP() << "skipped: pulseaudio is not installed";
+TEST_F(MpvEngineSoundTest, playsOneStationAfterTheOtherWithoutMixingTheirNews) {
     LoopbackServer good("audio/mpeg", silentMp3(), Then::repeatForever);
     LoopbackServer page("text/html", "<html>", Then::close);
     for (int i = 0; i < 10; ++i) {
@@ -201,9 +209,7 @@ TEST_F(MpvEngineTest, playsOneStationAfterTheOtherWithoutMixingTheirNews) {
     EXPECT_EQ(good.requests(), 10);
 }
 
-TEST_F(MpvEngineTest, playsTheLastOfHundredsOfStationsThatWereChosenAtOnce) {
-    if (!hasSoundServer())
-        GTEST_SKIP() << "skipped: pulseaudio is not installed";
+TEST_F(MpvEngineSoundTest, playsTheLastOfHundredsOfStationsThatWereChosenAtOnce) {
     LoopbackServer server("audio/mpeg", silentMp3(), Then::repeatForever);
     play(server.url());
     ASSERT_TRUE(spinUntil([this] { return player->timeControlStatus() == playing; }));
@@ -229,9 +235,7 @@ QByteArray brokenMp3() {
     return bytes;
 }
 
-TEST_F(MpvEngineTest, writesNothingToStandardErrorWhateverAStreamHolds) {
-    if (!hasSoundServer())
-        GTEST_SKIP() << "skipped: pulseaudio is not installed";
+TEST_F(MpvEngineSoundTest, writesNothingToStandardErrorWhateverAStreamHolds) {
     LoopbackServer good("audio/mpeg", silentMp3(), Then::repeatForever);
     LoopbackServer broken("audio/mpeg", brokenMp3(), Then::repeatForever);
     ::testing::internal::CaptureStderr();
@@ -255,9 +259,7 @@ TEST_F(MpvEngineTest, writesNothingToStandardErrorWhateverAStreamHolds) {
     EXPECT_EQ(written, "");
 }
 
-TEST_F(MpvEngineTest, failsWhenTheSoundServerDiesAndPlaysOnTheNext) {
-    if (!hasSoundServer())
-        GTEST_SKIP() << "skipped: pulseaudio is not installed";
+TEST_F(MpvEngineSoundTest, failsWhenTheSoundServerDiesAndPlaysOnTheNext) {
     LoopbackServer server("audio/mpeg", silentMp3(), Then::repeatForever);
     play(server.url());
     ASSERT_TRUE(spinUntil([this] { return player->timeControlStatus() == playing; }));

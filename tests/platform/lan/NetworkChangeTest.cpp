@@ -8,6 +8,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <memory>
 #include <net/if.h>
 #include <sched.h>
 #include <sys/ioctl.h>
@@ -54,55 +55,59 @@ private:
     bool m_isOwn;
 };
 
-TEST(NetworkChangeTest, tellsWhenAnInterfaceComesAndGoes) {
+class NetworkChangeTest : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!network.isOwn())
+            GTEST_SKIP() << "skipped: no right to make a network namespace";
+    }
+
+    /// Watches the own network from now on.
+    void observe() {
+        change = std::make_unique<NetworkChange>(queue);
+        token = change->observeChanged([this] { ++told; });
+    }
+
     const test::TestApplication application;
     const OwnNetwork network;
-    if (!network.isOwn())
-        GTEST_SKIP() << "skipped: no right to make a network namespace";
     test::ManualMainQueue queue;
-    NetworkChange change(queue);
     int told = 0;
-    const auto token = change.observeChanged([&] { ++told; });
+    std::unique_ptr<NetworkChange> change;
+    ObservationToken token;
+};
+
+TEST_F(NetworkChangeTest, tellsWhenAnInterfaceComesAndGoes) {
+    observe();
     EXPECT_EQ(queue.pendingTimers(), 0U) << "nothing is due while nothing happens";
 
     OwnNetwork::setLoopback(OwnNetwork::Loopback::up);
-    ASSERT_TRUE(spinUntil([&] { return queue.pendingTimers() == 1; }));
+    ASSERT_TRUE(spinUntil([this] { return queue.pendingTimers() == 1; }));
     EXPECT_EQ(told, 0) << "the news are gathered first";
     queue.advance(300ms);
     EXPECT_EQ(told, 1);
 
     OwnNetwork::setLoopback(OwnNetwork::Loopback::down);
-    ASSERT_TRUE(spinUntil([&] { return queue.pendingTimers() == 1; }));
+    ASSERT_TRUE(spinUntil([this] { return queue.pendingTimers() == 1; }));
     queue.advance(300ms);
     EXPECT_EQ(told, 2);
 }
 
-TEST(NetworkChangeTest, doesNotTellWhatChangesBackAtOnce) {
-    const test::TestApplication application;
-    const OwnNetwork network;
-    if (!network.isOwn())
-        GTEST_SKIP() << "skipped: no right to make a network namespace";
-    test::ManualMainQueue queue;
-    NetworkChange change(queue);
-    int told = 0;
-    const auto token = change.observeChanged([&] { ++told; });
+TEST_F(NetworkChangeTest, doesNotTellWhatChangesBackAtOnce) {
+    observe();
     OwnNetwork::setLoopback(OwnNetwork::Loopback::up);
     OwnNetwork::setLoopback(OwnNetwork::Loopback::down);
-    ASSERT_TRUE(spinUntil([&] { return queue.pendingTimers() == 1; }));
+    ASSERT_TRUE(spinUntil([this] { return queue.pendingTimers() == 1; }));
     queue.advance(300ms);
     EXPECT_EQ(told, 0);
 }
 
-TEST(NetworkChangeTest, seesInterfacesInItsSnapshot) {
-    const OwnNetwork network;
-    if (!network.isOwn())
-        GTEST_SKIP() << "skipped: no right to make a network namespace";
+TEST_F(NetworkChangeTest, seesInterfacesInItsSnapshot) {
     EXPECT_EQ(NetworkChange::snapshot(), QByteArray("lo down"));
     OwnNetwork::setLoopback(OwnNetwork::Loopback::up);
     EXPECT_TRUE(NetworkChange::snapshot().contains("lo up running 127.0.0.1"));
 }
 
-TEST(NetworkChangeTest, ofTheKernelsTablesOnlyDefaultRoutesCount) {
+TEST(DefaultRoutesTest, ofTheKernelsTablesOnlyDefaultRoutesCount) {
     const QByteArray four =
         "Iface\tDestination\tGateway\tFlags\tRefCnt\tUse\tMetric\tMask\tMTU\tWindow\tIRTT\n"
         "wlan0\t00000000\t0101A8C0\t0003\t0\t0\t600\t00000000\t0\t0\t0\n"
