@@ -45,4 +45,14 @@ struct MenuItem {
     [[nodiscard]] bool isSeparator() const { return kind == Kind::separator; }
 };
 
+/// Goes to the line of what is chosen now, in a menu of widgets: whoever opens choices with the keyboard
+/// starts there.
+template<typename Widget>
+void goToChosen(Widget& menu) {
+    for (auto* line : menu.actions()) {
+        if (line->isChecked())
+            menu.setActiveAction(line);
+    }
+}
+
 } // namespace zofra

@@ -4,7 +4,10 @@
 #include <QMap>
 #include <QString>
 
+#include <algorithm>
 #include <cstddef>
+#include <iterator>
+#include <limits>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -21,7 +24,18 @@ public:
         , attributes(std::move(elementAttributes)) {}
     PlayerXMLNode(const PlayerXMLNode&) = delete;
     PlayerXMLNode& operator=(const PlayerXMLNode&) = delete;
-    ~PlayerXMLNode();
+    ~PlayerXMLNode() {
+        // Takes the tree apart level by level: the default would recurse once per level of depth.
+        auto doomed = std::move(children);
+        while (!doomed.empty()) {
+            const auto node = std::move(doomed.back());
+            doomed.pop_back();
+            if (node && node.use_count() == 1) {
+                std::move(node->children.begin(), node->children.end(), std::back_inserter(doomed));
+                node->children.clear();
+            }
+        }
+    }
 
     /// Local name, without namespace prefix.
     const QString name;
@@ -32,11 +46,29 @@ public:
     std::vector<Pointer> children;
 
     /// The first direct child with exactly this name, or null.
-    [[nodiscard]] Pointer child(const QString& elementName) const;
+    [[nodiscard]] Pointer child(const QString& elementName) const {
+        const auto found = std::ranges::find(children, elementName,
+                                             [](const auto& node) -> const QString& { return node->name; });
+        return found == children.end() ? nullptr : *found;
+    }
     /// Every node below this one with exactly this name, in document order.
-    [[nodiscard]] std::vector<Pointer> descendants(const QString& elementName) const;
+    [[nodiscard]] std::vector<Pointer> descendants(const QString& elementName) const {
+        auto all = std::numeric_limits<std::size_t>::max();
+        return descendants(elementName, all);
+    }
     /// The same among the first `visits` nodes, which are taken off it: a bound for many searches together.
-    [[nodiscard]] std::vector<Pointer> descendants(const QString& elementName, std::size_t& visits) const;
+    [[nodiscard]] std::vector<Pointer> descendants(const QString& elementName, std::size_t& visits) const {
+        std::vector<Pointer> found;
+        std::vector<Pointer> toVisit(children.rbegin(), children.rend());
+        for (; visits > 0 && !toVisit.empty(); --visits) {
+            auto node = std::move(toVisit.back());
+            toVisit.pop_back();
+            toVisit.insert(toVisit.end(), node->children.rbegin(), node->children.rend());
+            if (node->name == elementName)
+                found.push_back(std::move(node));
+        }
+        return found;
+    }
 };
 
 } // namespace zofra

@@ -48,9 +48,9 @@ AboutPopupView::AboutPopupView(PopupPanelContent content, const PanelEnvironment
     setAttribute(Qt::WA_OpaquePaintEvent);
     // The program lives in the status bar, whether or not this window is open.
     setAttribute(Qt::WA_QuitOnClose, false);
-    setAccessibleName(QStringLiteral("Zofra Zofra"));
+    setAccessibleName(u"Zofra Zofra"_qs);
     // Of this window only: giving each menu a picture for the task bar would make it come later.
-    setWindowIcon(environment.icons.icon(QStringLiteral("ZofraLogo"), Qt::white));
+    setWindowIcon(environment.icons.icon(u"ZofraLogo"_qs, Qt::white));
     build();
     m_stateChanged = m_source.observe([this](const RadioState& state) { refresh(state); });
     m_appearanceChanged = m_environment.appearance.observeChanged([this] { updateLook(); });
@@ -77,7 +77,7 @@ void AboutPopupView::connectParts() {
     connect(m_parts->play, &QPushButton::clicked, this, [&controls] { controls.toggle(); });
     m_parts->volume->onMoved = [&controls](float volume) { controls.setVolume(volume); };
     connect(m_parts->credit->link(), &QPushButton::clicked, this,
-            [this] { m_environment.workspace.open(QUrl(QStringLiteral("mailto:hello@zofra.example"))); });
+            [this] { m_environment.workspace.open(QUrl(u"mailto:hello@zofra.example"_qs)); });
     connect(m_parts->launchAtLogin, &QPushButton::toggled, this, &AboutPopupView::launchAtLoginToggled);
     connect(m_parts->close, &QPushButton::clicked, this, &AboutPopupView::askToClose);
 }
@@ -216,8 +216,7 @@ void AboutPopupView::updateLaunchAtLogin(bool enabled) {
         return;
     const auto done = enabled ? item.registerItem() : item.unregisterItem();
     if (!done)
-        m_environment.output.writeLine(QStringLiteral("Error changing launch at login status: ") +
-                                       done.error());
+        m_environment.output.writeLine(u"Error changing launch at login status: "_qs + done.error());
 }
 
 } // namespace zofra

@@ -59,14 +59,6 @@ void PanelMenu::setEntries(const Menu& entries) {
         setActiveAction(actions().at(same - entries.begin()));
 }
 
-void PanelMenu::goToCurrent() {
-    const auto lines = actions();
-    for (QAction* line : lines) {
-        if (line->isChecked())
-            setActiveAction(line);
-    }
-}
-
 void PanelMenu::addEntry(const MenuItem& entry) {
     if (entry.isSeparator()) {
         addSeparator();

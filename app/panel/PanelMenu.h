@@ -19,8 +19,6 @@ public:
 
     /// Shows these items; a menu that looks the same is left alone.
     void setEntries(const Menu& entries);
-    /// Goes to the line of what is chosen now.
-    void goToCurrent();
 
 private:
     void addEntry(const MenuItem& entry);

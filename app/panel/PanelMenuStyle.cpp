@@ -27,7 +27,7 @@ constexpr qreal surfaceRadius = 10;
 constexpr qreal textSize = 14;
 
 /// Begins a menu text that searches. Fonts may lack it, so it is drawn; the text stays what it is.
-const QString searchSign = QStringLiteral("\U0001F504");
+const QString searchSign = u"\U0001F504"_qs;
 
 /// Rounded corners show what is below a menu.
 bool canShowWhatIsBelow() {
@@ -44,11 +44,11 @@ int searchSignWidth(const QStyleOptionMenuItem& item) {
 } // namespace
 
 PanelMenuStyle::PanelMenuStyle(const PanelLook& look)
-    : QProxyStyle(QStringLiteral("fusion"))
+    : QProxyStyle(u"fusion"_qs)
     , m_look(look) {}
 
 PanelMenuStyle::PanelMenuStyle(std::unique_ptr<PanelLook> look, AppearanceSource& appearance)
-    : QProxyStyle(QStringLiteral("fusion"))
+    : QProxyStyle(u"fusion"_qs)
     , m_ownLook(std::move(look))
     , m_look(*m_ownLook)
     , m_appearance(&appearance)
@@ -141,8 +141,7 @@ void PanelMenuStyle::drawLead(const QStyleOptionMenuItem& item, QPainter& painte
                      item.rect.top() + (item.rect.height() - edge) / 2, edge, edge);
     };
     if (item.checkType != QStyleOptionMenuItem::NotCheckable && item.checked)
-        paintIcon(painter, m_look, QStringLiteral("checkmark"), square(metrics.px(checkSize)),
-                  m_look.theme.accentText);
+        paintIcon(painter, m_look, u"checkmark"_qs, square(metrics.px(checkSize)), m_look.theme.accentText);
     else if (!item.icon.isNull())
         item.icon.paint(&painter, square(metrics.px(iconSize)));
 }
@@ -152,11 +151,11 @@ void PanelMenuStyle::drawText(const QStyleOptionMenuItem& item, QPainter& painte
     const int side = m_look.metrics.px(sidePadding);
     QRect room = item.rect.adjusted(side + leadWidth(item), 0, -side, 0);
     const QColor& ink = item.state.testFlag(State_Enabled) ? theme.text : theme.dim;
-    QString text = item.text.section(QLatin1Char('\t'), 0, 0);
+    QString text = item.text.section(u'\t', 0, 0);
     text.replace(QLatin1String("&&"), QLatin1String("&"));
     if (text.startsWith(searchSign)) {
         const int edge = searchSignWidth(item);
-        paintIcon(painter, m_look, QStringLiteral("arrow.clockwise"),
+        paintIcon(painter, m_look, u"arrow.clockwise"_qs,
                   QRect(room.left(), room.top() + (room.height() - edge) / 2, edge, edge), ink);
         room.setLeft(room.left() + edge);
         text.remove(0, searchSign.size());
@@ -164,10 +163,10 @@ void PanelMenuStyle::drawText(const QStyleOptionMenuItem& item, QPainter& painte
     painter.setFont(item.font);
     painter.setPen(ink);
     paintLine(painter, room, Qt::AlignLeft, text);
-    if (!item.text.contains(QLatin1Char('\t')))
+    if (!item.text.contains(u'\t'))
         return;
     painter.setPen(item.state.testFlag(State_Selected) ? ink : theme.dim);
-    paintLine(painter, room, Qt::AlignRight, item.text.section(QLatin1Char('\t'), 1));
+    paintLine(painter, room, Qt::AlignRight, item.text.section(u'\t', 1));
 }
 
 void PanelMenuStyle::drawScroller(const QStyleOptionMenuItem& item, QPainter& painter) const {
@@ -205,7 +204,7 @@ QSize PanelMenuStyle::sizeFromContents(ContentsType type, const QStyleOption* op
         return {size.width(), metrics.px(separatorHeight)};
     const int line = std::max(QFontMetrics(item->font).height(), metrics.px(19));
     // The keys themselves are counted by the menu, for they stand in a column.
-    const int behind = item->text.contains(QLatin1Char('\t'))                ? metrics.px(keyGap)
+    const int behind = item->text.contains(u'\t')                            ? metrics.px(keyGap)
                        : item->menuItemType == QStyleOptionMenuItem::SubMenu ? metrics.px(arrowColumn)
                                                                              : 0;
     const int sign = item->text.startsWith(searchSign)

@@ -26,7 +26,7 @@ State onIf(bool isCurrent) {
 Menu stationMenuEntries(const RadioState& state, RadioControls& controls) {
     Menu menu;
     for (const RadioStation station : RadioStation::allCases)
-        menu.push_back(choice(station.displayName() + QStringLiteral(" – ") + station.genre(),
+        menu.push_back(choice(station.displayName() + u" – "_qs + station.genre(),
                               onIf(station == state.station),
                               [&controls, station] { controls.chooseStation(station); }));
     return menu;

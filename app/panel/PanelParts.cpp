@@ -62,10 +62,10 @@ PanelParts::PanelParts(QWidget& panel, const PanelLook& look, const QString& ver
     rows->setSpacing(betweenRows(metrics, rowGap));
     addHeader(*rows, version);
     addLanguages(*rows);
-    station = addMenuRow(*rows, QStringLiteral("antenna.radiowaves.left.and.right"), m_stationLabel);
+    station = addMenuRow(*rows, u"antenna.radiowaves.left.and.right"_qs, m_stationLabel);
     m_songs = new SongCard(m_look, &panel);
     rows->addWidget(m_songs);
-    output = addMenuRow(*rows, QStringLiteral("hifispeaker.2.fill"), m_outputLabel);
+    output = addMenuRow(*rows, u"hifispeaker.2.fill"_qs, m_outputLabel);
     addPlay(*rows);
     addVolume(*rows);
     addFoot(*rows);
@@ -95,8 +95,8 @@ int PanelParts::widestLanguage() {
 
 void PanelParts::addHeader(QBoxLayout& rows, const QString& version) {
     auto* row = makeRow(m_look.metrics, 12);
-    row->addWidget(new IconLabel(m_look, QStringLiteral("ZofraLogo"),
-                                 {.size = 38, .cellWidth = 38, .cellHeight = 38}, &m_panel));
+    row->addWidget(
+        new IconLabel(m_look, u"ZofraLogo"_qs, {.size = 38, .cellWidth = 38, .cellHeight = 38}, &m_panel));
     auto* label = new ElidedLabel(m_look, {.size = 13, .ink = ElidedLabel::Ink::dim}, &m_panel);
     label->setContent(texts::version.in(AppLanguage::en, version));
     row->addWidget(label);
@@ -132,7 +132,7 @@ void PanelParts::addPlay(QBoxLayout& rows) {
     play = new PlayButton(m_look, &m_panel);
     row->addWidget(play);
     // As small as the drawings before the labels: a larger one beside a button looks like another button.
-    m_speaker = new IconLabel(m_look, QStringLiteral("speaker.wave.2.fill"),
+    m_speaker = new IconLabel(m_look, u"speaker.wave.2.fill"_qs,
                               {.cellWidth = 24, .cellHeight = 24, .alignment = Qt::AlignRight}, &m_panel);
     row->addWidget(m_speaker);
     rows.addLayout(row);
@@ -198,7 +198,7 @@ void PanelParts::show(const RadioState& state) {
     m_songs->setSongs(state.currentSong, state.nextSong);
     output->setContent(texts::outputLabel.in(language), state.targetTitle);
     output->refreshMenu();
-    play->setContent(state.isPlaying ? QStringLiteral("stop.fill") : QStringLiteral("play.fill"),
+    play->setContent(state.isPlaying ? u"stop.fill"_qs : u"play.fill"_qs,
                      (state.isPlaying ? texts::stopMusic : texts::playMusic).in(language));
     play->setWaiting(state.isBuffering, texts::loading.in(language));
     m_speaker->setInk(state.isPlaying ? IconLabel::Ink::accent : IconLabel::Ink::dim);

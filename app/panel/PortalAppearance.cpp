@@ -12,10 +12,10 @@ namespace zofra {
 
 namespace {
 
-const QString portalService = QStringLiteral("org.freedesktop.portal.Desktop");
-const QString portalPath = QStringLiteral("/org/freedesktop/portal/desktop");
-const QString settingsInterface = QStringLiteral("org.freedesktop.portal.Settings");
-const QString appearanceGroup = QStringLiteral("org.freedesktop.appearance");
+const QString portalService = u"org.freedesktop.portal.Desktop"_qs;
+const QString portalPath = u"/org/freedesktop/portal/desktop"_qs;
+const QString settingsInterface = u"org.freedesktop.portal.Settings"_qs;
+const QString appearanceGroup = u"org.freedesktop.appearance"_qs;
 
 QVariant unwrapped(QVariant value) {
     for (int depth = 0; depth < 4 && value.metaType() == QMetaType::fromType<QDBusVariant>(); ++depth)
@@ -27,7 +27,7 @@ std::optional<QColor> colorOf(const QVariant& value) {
     if (value.metaType() != QMetaType::fromType<QDBusArgument>())
         return std::nullopt;
     const auto argument = value.value<QDBusArgument>();
-    if (argument.currentSignature() != QLatin1String("(ddd)"))
+    if (argument.currentSignature() != u"(ddd)")
         return std::nullopt;
     double red = -1;
     double green = -1;
@@ -45,13 +45,13 @@ std::optional<QColor> colorOf(const QVariant& value) {
 
 void PortalAppearance::apply(DesktopAppearance& appearance, const QString& key, const QVariant& value) {
     const QVariant plain = unwrapped(value);
-    if (key == QLatin1String("accent-color")) {
+    if (key == u"accent-color") {
         appearance.accent = colorOf(plain);
-    } else if (key == QLatin1String("color-scheme")) {
+    } else if (key == u"color-scheme") {
         using Scheme = DesktopAppearance::ColorScheme;
         const uint scheme = plain.metaType() == QMetaType::fromType<uint>() ? plain.toUInt() : 0;
         appearance.colorScheme = scheme == 1 ? Scheme::dark : scheme == 2 ? Scheme::light : Scheme::unsaid;
-    } else if (key == QLatin1String("contrast")) {
+    } else if (key == u"contrast") {
         const bool isHigh = plain.metaType() == QMetaType::fromType<uint>() && plain.toUInt() == 1;
         appearance.contrast =
             isHigh ? DesktopAppearance::Contrast::high : DesktopAppearance::Contrast::normal;
@@ -63,24 +63,23 @@ void PortalAppearance::attach(const QDBusConnection& bus) {
     // Slots whose types nobody has used before are not found.
     qRegisterMetaType<QDBusVariant>();
     // Without the sender's name, for looking up who owns it would wait for the bus.
-    connection.connect(QString(), portalPath, settingsInterface, QStringLiteral("SettingChanged"), this,
+    connection.connect(QString(), portalPath, settingsInterface, u"SettingChanged"_qs, this,
                        SLOT(settingChanged(QString, QString, QDBusVariant)));
-    connection.connect(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameOwnerChanged"),
-                       QStringList{portalService}, QStringLiteral("sss"), this,
+    connection.connect(u"org.freedesktop.DBus"_qs, u"/org/freedesktop/DBus"_qs, u"org.freedesktop.DBus"_qs,
+                       u"NameOwnerChanged"_qs, QStringList{portalService}, u"sss"_qs, this,
                        SLOT(ownerChanged(QString, QString, QString)));
     ask();
 }
 
 void PortalAppearance::ask() {
-    QDBusMessage question = QDBusMessage::createMethodCall(portalService, portalPath, settingsInterface,
-                                                           QStringLiteral("ReadAll"));
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(portalService, portalPath, settingsInterface, u"ReadAll"_qs);
     question << QStringList{appearanceGroup};
     auto* watcher = new QDBusPendingCallWatcher(m_connection->asyncCall(question), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* finished) {
         finished->deleteLater();
         const QDBusMessage reply = finished->reply();
-        if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != QLatin1String("a{sa{sv}}"))
+        if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != u"a{sa{sv}}")
             return;
         const auto groups = qdbus_cast<QMap<QString, QVariantMap>>(reply.arguments().constFirst());
         const QVariantMap settings = groups.value(appearanceGroup);

@@ -59,7 +59,7 @@ public:
             m_host->show();
         m_host->raise();
         // Qt takes the token of a start from here when a window asks for the keyboard, and forgets it then.
-        if (!token.isEmpty() && QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+        if (!token.isEmpty() && QGuiApplication::platformName().startsWith(u"wayland"))
             qputenv("XDG_ACTIVATION_TOKEN", token);
         m_host->activateWindow();
     }
@@ -86,8 +86,7 @@ std::vector<std::function<void()>> QtPopupWindowFactory::preparation(const Popup
     for (const QFont::Weight weight : {QFont::Normal, QFont::DemiBold, QFont::Bold}) {
         steps.emplace_back([weight] {
             const PanelMetrics metrics(QGuiApplication::font(), 96, 0);
-            static_cast<void>(
-                QFontMetrics(metrics.font(14, weight)).horizontalAdvance(QStringLiteral("Zofra Zofra")));
+            static_cast<void>(QFontMetrics(metrics.font(14, weight)).horizontalAdvance(u"Zofra Zofra"_qs));
         });
     }
     // Whoever makes the first widget asks the bus whether screen readers are about, and waits for the answer.
@@ -99,7 +98,7 @@ std::vector<std::function<void()>> QtPopupWindowFactory::preparation(const Popup
     steps.emplace_back([window] { static_cast<void>((*window)->grab()); });
     steps.emplace_back([window] {
         // Elsewhere a window that is not shown yet costs nothing.
-        if (QGuiApplication::platformName() == QLatin1String("xcb"))
+        if (QGuiApplication::platformName() == u"xcb")
             static_cast<void>((*window)->winId());
     });
     steps.emplace_back([window] { window->reset(); });

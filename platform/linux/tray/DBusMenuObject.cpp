@@ -23,27 +23,27 @@ constexpr int mostNames = 64;
 constexpr int mostEvents = 64;
 
 Answer unknownItem(int id) {
-    return dbus::refused("InvalidArgs", QStringLiteral("There is no menu item %1").arg(id));
+    return dbus::refused("InvalidArgs", u"There is no menu item %1"_qs.arg(id));
 }
 
 Answer tooMany() {
-    return dbus::refused("LimitsExceeded", QStringLiteral("No menu has as much as that"));
+    return dbus::refused("LimitsExceeded", u"No menu has as much as that"_qs);
 }
 
 /// What a property that an item does not name has all the same; invalid for what the protocol does not know.
 QVariant protocolDefault(const QString& property) {
     static const QVariantMap defaults{
-        {QStringLiteral("type"), QStringLiteral("standard")},
-        {QStringLiteral("label"), QString()},
-        {QStringLiteral("enabled"), true},
-        {QStringLiteral("visible"), true},
-        {QStringLiteral("icon-name"), QString()},
-        {QStringLiteral("icon-data"), QByteArray()},
-        {QStringLiteral("shortcut"), QVariant::fromValue(QList<QStringList>())},
-        {QStringLiteral("toggle-type"), QString()},
-        {QStringLiteral("toggle-state"), -1},
-        {QStringLiteral("children-display"), QString()},
-        {QStringLiteral("disposition"), QStringLiteral("normal")},
+        {u"type"_qs, u"standard"_qs},
+        {u"label"_qs, QString()},
+        {u"enabled"_qs, true},
+        {u"visible"_qs, true},
+        {u"icon-name"_qs, QString()},
+        {u"icon-data"_qs, QByteArray()},
+        {u"shortcut"_qs, QVariant::fromValue(QList<QStringList>())},
+        {u"toggle-type"_qs, QString()},
+        {u"toggle-state"_qs, -1},
+        {u"children-display"_qs, QString()},
+        {u"disposition"_qs, u"normal"_qs},
     };
     return defaults.value(property);
 }
@@ -83,8 +83,8 @@ dbus::Interface DBusMenuObject::menuInterface() {
              {"LayoutUpdated", "revision:u parent:i"},
              {"ItemActivationRequested", "id:i timestamp:u"}},
             {constant("Version", "u", 3U),
-             constant("TextDirection", "s", rightToLeft ? QStringLiteral("rtl") : QStringLiteral("ltr")),
-             constant("Status", "s", QStringLiteral("normal")),
+             constant("TextDirection", "s", rightToLeft ? u"rtl"_qs : u"ltr"_qs),
+             constant("Status", "s", u"normal"_qs),
              constant("IconThemePath", "as", m_environment.iconThemePath)}};
 }
 
@@ -115,16 +115,16 @@ bool DBusMenuObject::rebuild() {
 }
 
 void DBusMenuObject::handleEvent(int id, const QString& eventId) {
-    if (id == 0 && eventId == QLatin1String("opened")) {
+    if (id == 0 && eventId == u"opened") {
         // Not every panel says when it closes the menu again.
         m_shown = m_environment.mainQueue.startTimer(longestShowing, MainQueue::Repeat::once, [this] {
             m_shown.reset();
             menuDidChange();
         });
-    } else if (id == 0 && eventId == QLatin1String("closed")) {
+    } else if (id == 0 && eventId == u"closed") {
         m_shown.reset();
         menuDidChange();
-    } else if (eventId == QLatin1String("clicked")) {
+    } else if (eventId == u"clicked") {
         const MenuItem* found = m_tree.item(id);
         if (!found || !found->isEnabled || !found->action)
             return;
@@ -150,7 +150,7 @@ Answer DBusMenuObject::getLayout(const QVariantList& arguments) {
         return unknownItem(id);
     if (id == 0)
         announceSubmenus(*layout);
-    return {{m_revision, QVariant::fromValue(*layout)}, {}, {}};
+    return {{m_revision, QVariant::fromValue(*layout)}};
 }
 
 void DBusMenuObject::announceSubmenus(const BusMenuLayout& given) {
@@ -175,7 +175,7 @@ Answer DBusMenuObject::getGroupProperties(const QVariantList& arguments) const {
         if (const auto properties = m_tree.properties(id, names))
             answer.append({id, *properties});
     }
-    return {{QVariant::fromValue(answer)}, {}, {}};
+    return {{QVariant::fromValue(answer)}};
 }
 
 Answer DBusMenuObject::getProperty(const QVariantList& arguments) const {
@@ -184,8 +184,8 @@ Answer DBusMenuObject::getProperty(const QVariantList& arguments) const {
     const auto properties = m_tree.properties(id, {name});
     const QVariant value = properties ? properties->value(name, protocolDefault(name)) : QVariant();
     if (!value.isValid())
-        return dbus::refused("InvalidArgs", QStringLiteral("Menu item %1 has no such property").arg(id));
-    return {{QVariant::fromValue(QDBusVariant(value))}, {}, {}};
+        return dbus::refused("InvalidArgs", u"Menu item %1 has no such property"_qs.arg(id));
+    return {{QVariant::fromValue(QDBusVariant(value))}};
 }
 
 Answer DBusMenuObject::eventGroup(const QVariantList& arguments) {
@@ -198,20 +198,20 @@ Answer DBusMenuObject::eventGroup(const QVariantList& arguments) {
             unknown.append(one.id);
     }
     if (!events->isEmpty() && unknown.size() == events->size())
-        return dbus::refused("InvalidArgs", QStringLiteral("There is none of these menu items"));
+        return dbus::refused("InvalidArgs", u"There is none of these menu items"_qs);
     // An event may end this object.
     auto handle =
         m_lifetime.guard([this](const BusMenuEvent& event) { handleEvent(event.id, event.eventId); });
     for (const BusMenuEvent& one : *events)
         handle(one);
-    return {{QVariant::fromValue(unknown)}, {}, {}};
+    return {{QVariant::fromValue(unknown)}};
 }
 
 Answer DBusMenuObject::aboutToShow(const QVariantList& arguments) {
     const int id = arguments.at(0).toInt();
     if (id == 0)
-        return {{rebuild()}, {}, {}};
-    return m_tree.contains(id) ? Answer{{false}, {}, {}} : unknownItem(id);
+        return {{rebuild()}};
+    return m_tree.contains(id) ? Answer{{false}} : unknownItem(id);
 }
 
 Answer DBusMenuObject::aboutToShowGroup(const QVariantList& arguments) {
@@ -226,7 +226,7 @@ Answer DBusMenuObject::aboutToShowGroup(const QVariantList& arguments) {
         if (!m_tree.contains(id))
             unknown.append(id);
     }
-    return {{QVariant::fromValue(updates), QVariant::fromValue(unknown)}, {}, {}};
+    return {{QVariant::fromValue(updates), QVariant::fromValue(unknown)}};
 }
 
 } // namespace zofra

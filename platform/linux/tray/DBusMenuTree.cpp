@@ -76,7 +76,7 @@ void appendIds(const Node& node, QList<int>& ids) {
 
 DBusMenuTree::DBusMenuTree(IconName iconName)
     : m_iconName(std::move(iconName)) {
-    m_root.properties.insert(QStringLiteral("children-display"), QStringLiteral("submenu"));
+    m_root.properties.insert(u"children-display"_qs, u"submenu"_qs);
 }
 
 DBusMenuTree::Changes DBusMenuTree::replace(const Menu& menu) {
@@ -148,31 +148,31 @@ QVariantMap DBusMenuTree::itemProperties(const MenuItem& item) const {
     // What equals the protocol's default is left out.
     QVariantMap properties;
     if (item.isSeparator()) {
-        properties.insert(QStringLiteral("type"), QStringLiteral("separator"));
+        properties.insert(u"type"_qs, u"separator"_qs);
         return properties;
     }
-    properties.insert(QStringLiteral("label"), busMenuLabel(item.title));
+    properties.insert(u"label"_qs, busMenuLabel(item.title));
     if (!item.isEnabled)
-        properties.insert(QStringLiteral("enabled"), false);
+        properties.insert(u"enabled"_qs, false);
     if (item.state != MenuItem::CheckState::none) {
         // Every mark of this program's menus stands for one choice of several.
-        properties.insert(QStringLiteral("toggle-type"), QStringLiteral("radio"));
-        properties.insert(QStringLiteral("toggle-state"), item.state == MenuItem::CheckState::on ? 1 : 0);
+        properties.insert(u"toggle-type"_qs, u"radio"_qs);
+        properties.insert(u"toggle-state"_qs, item.state == MenuItem::CheckState::on ? 1 : 0);
     }
     if (!item.submenu.empty())
-        properties.insert(QStringLiteral("children-display"), QStringLiteral("submenu"));
+        properties.insert(u"children-display"_qs, u"submenu"_qs);
     const QString iconName = item.iconName.isEmpty() || !m_iconName ? QString() : m_iconName(item.iconName);
     if (!iconName.isEmpty())
-        properties.insert(QStringLiteral("icon-name"), iconName);
+        properties.insert(u"icon-name"_qs, iconName);
     if (!item.keyEquivalent.isEmpty()) {
-        const QStringList keys{QStringLiteral("Control"), item.keyEquivalent.toUpper()};
-        properties.insert(QStringLiteral("shortcut"), QVariant::fromValue(QList<QStringList>{keys}));
+        const QStringList keys{u"Control"_qs, item.keyEquivalent.toUpper()};
+        properties.insert(u"shortcut"_qs, QVariant::fromValue(QList<QStringList>{keys}));
     }
     // The protocol knows neither; its "accessible-desc" would replace the label for screen readers.
     if (!item.iconDescription.isEmpty())
-        properties.insert(QStringLiteral("x-zofra-icon-desc"), shownLine(item.iconDescription));
+        properties.insert(u"x-zofra-icon-desc"_qs, shownLine(item.iconDescription));
     if (!item.toolTip.isEmpty())
-        properties.insert(QStringLiteral("x-zofra-tooltip"), shownLine(item.toolTip));
+        properties.insert(u"x-zofra-tooltip"_qs, shownLine(item.toolTip));
     return properties;
 }
 

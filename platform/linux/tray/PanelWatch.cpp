@@ -19,7 +19,7 @@ constexpr auto answerLimit = std::chrono::seconds(25);
 } // namespace
 
 QString processName(uint processId) {
-    QFile file(QStringLiteral("/proc/%1/comm").arg(processId));
+    QFile file(u"/proc/%1/comm"_qs.arg(processId));
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.read(256)).trimmed() : QString();
 }
 
@@ -38,8 +38,7 @@ void PanelWatch::ownerChanged(const QString& owner) {
         return;
     m_hostRegistered = std::make_unique<DBusSignal>(
         m_connection,
-        DBusSignal::Source{
-            owner, watcherPath, watcherName, QStringLiteral("StatusNotifierHostRegistered"), {}},
+        DBusSignal::Source{owner, watcherPath, watcherName, u"StatusNotifierHostRegistered"_qs, {}},
         [this](const QDBusMessage&) { askForHost(); });
     ask(dbus::busCall("GetConnectionUnixProcessID", {owner}), [this](const QDBusMessage& reply) {
         const uint processId = reply.arguments().value(0).toUInt();

@@ -64,7 +64,7 @@ dbus::Interface StatusNotifierObject::itemInterface() {
     const auto secondary = [this](const QVariantList&) { m_handlers.secondaryActivate(); };
     const auto scroll = [this](const QVariantList& arguments) {
         // Wheels that tilt have no meaning here.
-        if (arguments.at(1).toString().compare(QLatin1String("horizontal"), Qt::CaseInsensitive) != 0)
+        if (arguments.at(1).toString().compare(u"horizontal", Qt::CaseInsensitive) != 0)
             m_handlers.scroll(arguments.at(0).toInt());
     };
     const auto token = [this](const QVariantList& arguments) {
@@ -103,10 +103,10 @@ std::vector<Property> StatusNotifierObject::properties() const {
     const auto noPixmaps = QVariant::fromValue(QList<BusPixmap>());
     using Content = StatusNotifierContent;
     std::vector<Property> properties{
-        constant("Category", "s", QStringLiteral("ApplicationStatus")),
-        constant("Id", "s", QStringLiteral("zofrazofra")),
+        constant("Category", "s", u"ApplicationStatus"_qs),
+        constant("Id", "s", u"zofrazofra"_qs),
         text("Title", &Content::title),
-        constant("Status", "s", QStringLiteral("Active")),
+        constant("Status", "s", u"Active"_qs),
         constant("WindowId", "i", 0),
         constant("IconThemePath", "s", m_paths.icons),
         text("IconName", &Content::iconName),

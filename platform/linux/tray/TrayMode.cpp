@@ -43,22 +43,22 @@ PanelTraits panelTraits(const TraySession& session) {
             return traits;
     }
     PanelTraits traits;
-    const QStringList desktops = session.desktop.toUpper().split(QLatin1Char(':'));
-    const bool isPlasma = desktops.contains(QLatin1String("KDE"));
+    const QStringList desktops = session.desktop.toUpper().split(u':');
+    const bool isPlasma = desktops.contains(u"KDE");
     // The watcher of Plasma serves other panels' hosts as well.
-    if (program == QLatin1String("kded5") || program == QLatin1String("kded6"))
+    if (program == u"kded5" || program == u"kded6")
         traits.passesClicksOn = isPlasma || session.desktop.isEmpty();
     else
-        traits.passesClicksOn = program.isEmpty() && (isPlasma || desktops.contains(QLatin1String("LXQT")));
+        traits.passesClicksOn = program.isEmpty() && (isPlasma || desktops.contains(u"LXQT"));
     if (isPlasma)
         traits.icon = TrayIconKind::symbolic;
     return traits;
 }
 
 StatusItemMode trayMode(const TraySession& session) {
-    if (session.setting == QLatin1String("direct"))
+    if (session.setting == u"direct")
         return StatusItemMode::direct;
-    if (session.setting == QLatin1String("hostmenu"))
+    if (session.setting == u"hostmenu")
         return StatusItemMode::hostmenu;
     return session.windows == TraySession::Windows::x11 && panelTraits(session).passesClicksOn
                ? StatusItemMode::direct
@@ -71,11 +71,10 @@ TraySession traySessionFromEnvironment(const QString& platformName, const QStrin
     session.setting = setting;
     // A program of the X11 kind inside a Wayland session is placed by rules of neither.
     const bool isWaylandSession = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
-                                  qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1String("wayland");
-    if (platformName.startsWith(QLatin1String("wayland")) ||
-        (platformName == QLatin1String("xcb") && isWaylandSession))
+                                  qEnvironmentVariable("XDG_SESSION_TYPE") == u"wayland";
+    if (platformName.startsWith(u"wayland") || (platformName == u"xcb" && isWaylandSession))
         session.windows = TraySession::Windows::wayland;
-    else if (platformName == QLatin1String("xcb"))
+    else if (platformName == u"xcb")
         session.windows = TraySession::Windows::x11;
     return session;
 }

@@ -25,7 +25,7 @@ const auto iconPrefix = QLatin1String("be.zofra.ZofraZofra.");
 const auto symbolicSuffix = QLatin1String("-symbolic");
 
 bool isPlasma(const TraySession& session) {
-    return session.desktop.split(QLatin1Char(':')).contains(QLatin1String("KDE"));
+    return session.desktop.split(u':').contains(u"KDE");
 }
 
 /// Else tool tips are yellow, on dark desktops too.
@@ -41,9 +41,9 @@ void useMenuColours(const IconProvider& icons) {
 
 /// Asks the desktop to show the volume in its own way.
 QDBusMessage volumeDisplay(int percent) {
-    auto call = dbus::methodCall(
-        "org.kde.plasmashell", "/org/kde/osdService", "org.kde.osdService", "mediaPlayerVolumeChanged",
-        {percent, QStringLiteral("Zofra Zofra"), QStringLiteral("be.zofra.ZofraZofra")});
+    auto call =
+        dbus::methodCall("org.kde.plasmashell", "/org/kde/osdService", "org.kde.osdService",
+                         "mediaPlayerVolumeChanged", {percent, u"Zofra Zofra"_qs, u"be.zofra.ZofraZofra"_qs});
     call.setAutoStartService(false);
     return call;
 }
@@ -244,7 +244,7 @@ StatusNotifierContent TrayStatusItem::content() const {
     content.symbolName = drawing();
     content.iconName = iconName(content.symbolName, m_iconKind);
     content.iconAccessibleDescription = shownLine(m_description);
-    content.toolTip = shownLines(isFlashing ? m_flash + QLatin1Char('\n') + m_toolTip : m_toolTip);
+    content.toolTip = shownLines(isFlashing ? m_flash + u'\n' + m_toolTip : m_toolTip);
     return content;
 }
 
@@ -287,9 +287,9 @@ QString TrayStatusItem::iconName(const QString& symbolName, TrayIconKind kind) c
 }
 
 QString TrayStatusItem::drawing() const {
-    if (m_symbolName == QLatin1String("play.fill"))
-        return QStringLiteral("tray.stopped");
-    return m_isBuffering ? QStringLiteral("tray.buffering") : QStringLiteral("tray.playing");
+    if (m_symbolName == u"play.fill")
+        return u"tray.stopped"_qs;
+    return m_isBuffering ? u"tray.buffering"_qs : u"tray.playing"_qs;
 }
 
 QList<BusPixmap> TrayStatusItem::pixmaps(const QString& symbolName) {

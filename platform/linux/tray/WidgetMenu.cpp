@@ -61,14 +61,6 @@ private:
     std::shared_ptr<QStyle> m_style;
 };
 
-/// Whoever opens a menu of choices with the keyboard starts on what is chosen now.
-void goToChosen(QMenu& menu) {
-    for (QAction* line : menu.actions()) {
-        if (line->isChecked())
-            menu.setActiveAction(line);
-    }
-}
-
 } // namespace
 
 WidgetMenu::WidgetMenu(const Menu& menu, const IconProvider& icons, QWidget* parent)
@@ -150,8 +142,7 @@ bool WidgetMenu::event(QEvent* event) {
     const QAction* action = actionAt(help->pos());
     const QString text = action ? action->property(toolTipProperty).toString() : QString();
     QToolTip::showText(help->globalPos(),
-                       text.isEmpty() ? QString() : QStringLiteral("<p>%1</p>").arg(text.toHtmlEscaped()),
-                       this);
+                       text.isEmpty() ? QString() : u"<p>%1</p>"_qs.arg(text.toHtmlEscaped()), this);
     return true;
 }
 
