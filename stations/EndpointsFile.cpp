@@ -29,13 +29,6 @@ std::optional<QString> mistakeInName(const QString& host) {
     return std::nullopt;
 }
 
-std::optional<QString> mistakeInPort(const QString& port) {
-    static const QRegularExpression digits(uR"(\A[1-9][0-9]{0,4}\z)"_qs);
-    if (!digits.match(port).hasMatch() || port.toInt() > 65535)
-        return u"has a port that is not 1 to 65535"_qs;
-    return std::nullopt;
-}
-
 } // namespace
 
 Result<std::vector<Entry>, Mistake> parse(const QByteArray& bytes) {
@@ -112,10 +105,9 @@ std::optional<QString> mistakeInHost(const QString& value) {
     } else if (auto mistake = mistakeInName(host)) {
         return mistake;
     }
-    if (port) {
-        if (auto mistake = mistakeInPort(*port))
-            return mistake;
-    }
+    static const QRegularExpression number(uR"(\A[1-9][0-9]{0,4}\z)"_qs);
+    if (port && (!number.match(*port).hasMatch() || port->toInt() > 65535))
+        return u"has a port that is not 1 to 65535"_qs;
     // The last word is the address parser's that the value will meet.
     if (!QUrl(u"https://"_qs + value + u'/', QUrl::StrictMode).isValid())
         return u"is no host"_qs;

@@ -49,17 +49,17 @@ public:
     [[nodiscard]] QJsonValue toJson() const { return rawValue(); }
 
     /// The persistent identifier.
-    [[nodiscard]] QString rawValue() const;
+    [[nodiscard]] QString rawValue() const { return entry().rawValue; }
     [[nodiscard]] QString id() const { return rawValue(); }
-    [[nodiscard]] QString displayName() const;
+    [[nodiscard]] QString displayName() const { return entry().displayName; }
     /// The same in all languages.
-    [[nodiscard]] QString genre() const;
+    [[nodiscard]] QString genre() const { return entry().genre; }
     /// The station's id at the on-air search service.
-    [[nodiscard]] std::optional<QString> radioplayerId() const;
+    [[nodiscard]] std::optional<QString> radioplayerId() const { return entry().radioplayerId; }
     /// Its id on the live socket; absent for a station without a live feed.
-    [[nodiscard]] std::optional<QString> liveSocketId() const;
+    [[nodiscard]] std::optional<QString> liveSocketId() const { return entry().liveSocketId; }
     /// The path of its page at the now-playing scraper; absent for a station without one.
-    [[nodiscard]] std::optional<QString> scraperPath() const;
+    [[nodiscard]] std::optional<QString> scraperPath() const { return entry().scraperPath; }
 
     /// Primary stream, an absolute https address.
     [[nodiscard]] QUrl streamAAC(const ServiceHosts& hosts) const;
@@ -71,15 +71,34 @@ public:
     /// Settings key of the chosen station.
     static constexpr const char* savedStationKey = "zofra_selected_station";
     /// The user's last choice; `zofra` when there is none or it is no known raw value.
-    [[nodiscard]] static RadioStation savedStation(const DefaultsStore& defaults);
-    static void setSavedStation(DefaultsStore& defaults, RadioStation station);
+    [[nodiscard]] static RadioStation savedStation(const DefaultsStore& defaults) {
+        const auto stored = defaults.string(QLatin1String(savedStationKey));
+        return fromRawValue(stored.value_or(QString())).value_or(zofra);
+    }
+    static void setSavedStation(DefaultsStore& defaults, RadioStation station) {
+        defaults.setString(QLatin1String(savedStationKey), station.rawValue());
+    }
 
-    [[nodiscard]] constexpr Case value() const { return m_case; }
     friend constexpr bool operator==(RadioStation a, RadioStation b) { return a.m_case == b.m_case; }
     /// By raw value.
     friend size_t qHash(RadioStation station, size_t seed = 0) { return qHash(station.rawValue(), seed); }
 
 private:
+    /// What the catalogue says of a station.
+    struct Entry {
+        QString rawValue;
+        QString displayName;
+        QString genre;
+        QString radioplayerId;
+        QString pathAAC;
+        QString pathMP3;
+        std::optional<QString> liveSocketId{};
+        std::optional<QString> scraperPath{};
+        /// Which of the two hosts a networked player is sent to.
+        ServiceHosts::StreamKind networkPlayerHost = ServiceHosts::StreamKind::mp3;
+    };
+    [[nodiscard]] const Entry& entry() const;
+
     Case m_case;
 };
 

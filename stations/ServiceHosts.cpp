@@ -10,19 +10,11 @@
 namespace zofra {
 namespace {
 
-// Keys of the table are "section/key"; these are the ones outside [streams].
-const QString liveSocketKey = u"metadata/live_socket"_qs;
-const QString onAirKey = u"metadata/on_air"_qs;
-const QString scraperKey = u"metadata/scraper"_qs;
 const QString extraAuthorityKey = u"tls/extra_ca"_qs;
 
-QString streamKey(const QString& stationRawValue, ServiceHosts::StreamKind kind) {
-    return u"streams/"_qs + stationRawValue +
-           (kind == ServiceHosts::StreamKind::aac ? u"_aac"_qs : u"_mp3"_qs);
-}
-
-/// The stations' public servers. Names under .example are to be set by whoever runs the station group's
-/// service; the edges of the streaming CDN and the regional server of Sud Radio Belgique are unconfirmed.
+/// The stations' public servers; the keys are "section/key". Names under .example are to be set by whoever
+/// runs the station group's service; the edges of the streaming CDN and the regional server of Sud Radio
+/// Belgique are unconfirmed.
 const QHash<QString, QString>& builtInTable() {
     static const QHash<QString, QString> table{
         {u"streams/zofra_aac"_qs, u"streams.zofra.example"_qs},
@@ -43,9 +35,9 @@ const QHash<QString, QString>& builtInTable() {
         {u"streams/sud_radio_belgique_mp3"_qs, u"stream.ceit.be"_qs},
         {u"streams/sud_radio_hainaut_aac"_qs, u"stream.ceit.be"_qs},
         {u"streams/sud_radio_hainaut_mp3"_qs, u"stream.ceit.be"_qs},
-        {liveSocketKey, u"socket.qmusic.be"_qs},
-        {onAirKey, u"core-search.radioplayer.cloud"_qs},
-        {scraperKey, u"scraper.onlineradiobox.com"_qs}};
+        {u"metadata/live_socket"_qs, u"socket.qmusic.be"_qs},
+        {u"metadata/on_air"_qs, u"core-search.radioplayer.cloud"_qs},
+        {u"metadata/scraper"_qs, u"scraper.onlineradiobox.com"_qs}};
     return table;
 }
 
@@ -92,21 +84,10 @@ ServiceHosts::ServiceHosts()
     : m_values(builtInTable()) {}
 
 QString ServiceHosts::streamHost(const QString& stationRawValue, StreamKind kind) const {
-    auto host = m_values.value(streamKey(stationRawValue, kind));
+    const auto format = kind == StreamKind::aac ? u"aac"_qs : u"mp3"_qs;
+    auto host = m_values.value(u"streams/%1_%2"_qs.arg(stationRawValue, format));
     Q_ASSERT(!host.isEmpty());
     return host;
-}
-
-QString ServiceHosts::liveSocketHost() const {
-    return m_values.value(liveSocketKey);
-}
-
-QString ServiceHosts::onAirHost() const {
-    return m_values.value(onAirKey);
-}
-
-QString ServiceHosts::scraperHost() const {
-    return m_values.value(scraperKey);
 }
 
 std::optional<QString> ServiceHosts::extraAuthorityFile() const {

@@ -21,9 +21,9 @@ public:
     enum class StreamKind { aac, mp3 };
     /// `stationRawValue` must be one of the catalogue.
     [[nodiscard]] QString streamHost(const QString& stationRawValue, StreamKind kind) const;
-    [[nodiscard]] QString liveSocketHost() const;
-    [[nodiscard]] QString onAirHost() const;
-    [[nodiscard]] QString scraperHost() const;
+    [[nodiscard]] QString liveSocketHost() const { return m_values.value(u"metadata/live_socket"_qs); }
+    [[nodiscard]] QString onAirHost() const { return m_values.value(u"metadata/on_air"_qs); }
+    [[nodiscard]] QString scraperHost() const { return m_values.value(u"metadata/scraper"_qs); }
     /// A file of authorities trusted in addition to the system's, if one was named.
     [[nodiscard]] std::optional<QString> extraAuthorityFile() const;
 
