@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace zofra {
 namespace {
@@ -64,6 +65,7 @@ double rounded(double volume) {
 
 MprisPlayer::MprisPlayer(SessionBus& bus)
     : m_bus(bus)
+    , m_icon(iconUrl())
     , m_object(std::make_unique<dbus::ExportedObject>(
           objectPath, std::vector<Interface>{rootInterface(), playerInterface(), m_playlists.interface()})) {
     m_connected = bus.observeConnected([this](const QDBusConnection& connection) { appearOn(connection); });
@@ -122,23 +124,26 @@ void MprisPlayer::setPauseHandler(Handler handler) {
 }
 
 void MprisPlayer::setPlaybackState(PlaybackState state) {
-    m_state = state;
-    m_object->tellChangedProperties();
+    if (std::exchange(m_state, state) != state)
+        m_object->tellChangedProperties();
 }
 
 void MprisPlayer::setVolume(double volume) {
-    m_volume = rounded(volume);
-    m_object->tellChangedProperties();
+    const double shown = rounded(volume);
+    if (std::exchange(m_volume, shown) != shown)
+        m_object->tellChangedProperties();
 }
 
 void MprisPlayer::setStations(const std::vector<MprisPlaylists::Entry>& stations) {
-    m_playlists.setEntries(stations, iconUrl());
+    m_playlists.setEntries(stations, m_icon);
     m_object->tellChangedProperties();
 }
 
 void MprisPlayer::setStation(const QString& key, const QString& name) {
+    if (m_station.key == key && m_station.name == name)
+        return;
+    m_station = {key, name};
     m_playlists.setActive(key);
-    m_stationName = name;
     m_object->tellChangedProperties();
 }
 
@@ -158,10 +163,10 @@ QVariantMap MprisPlayer::metadata() const {
         {u"xesam:title"_qs, m_info->title},
         {u"zofra:isLiveStream"_qs, m_info->isLiveStream},
     };
-    if (!m_stationName.isEmpty())
-        map.insert(u"xesam:album"_qs, m_stationName);
-    if (const QString icon = iconUrl(); !icon.isEmpty())
-        map.insert(u"mpris:artUrl"_qs, icon);
+    if (!m_station.name.isEmpty())
+        map.insert(u"xesam:album"_qs, m_station.name);
+    if (!m_icon.isEmpty())
+        map.insert(u"mpris:artUrl"_qs, m_icon);
     if (m_info->artist && !m_info->artist->isEmpty())
         map.insert(u"xesam:artist"_qs, QStringList{*m_info->artist});
     return map;

@@ -60,6 +60,8 @@ private:
     void requestName(const QDBusConnection& connection, const QString& name);
 
     SessionBus& m_bus;
+    /// The program's own picture, as clients find it; empty where there is none.
+    const QString m_icon;
     /// The name that is ours on the bus; empty when none is.
     QString m_ownedName;
     std::optional<NowPlayingInfo> m_info;
@@ -67,7 +69,7 @@ private:
     quint64 m_track = 0;
     PlaybackState m_state = PlaybackState::stopped;
     double m_volume = 0;
-    QString m_stationName;
+    MprisPlaylists::Entry m_station;
     MprisPlaylists m_playlists;
     Handler m_toggle;
     Handler m_play;
