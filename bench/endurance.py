@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """What is left behind by much of the same: memory, threads and descriptors after thousands of repetitions, and after hours."""
 
+import contextlib
 import glob
 import time
 
@@ -21,10 +22,11 @@ PARTS = (*USUAL, "day")
 
 
 def _show(stage, what, held, count, name, across="repetitions"):
-    """A row and a plot."""
+    """A row and a plot; `across` is what `count` counts."""
     growth = long_run.grown(held)
     first, last = held[0], held[-1]
-    stage.row(what, f"{growth['memory'] * 1024 / count:+.2f} B each, {first['memory']} -> {last['memory']} kB, threads "
+    each = "an hour" if across == "hours" else "each"
+    stage.row(what, f"{growth['memory'] * 1024 / count:+.2f} B {each}, {first['memory']} -> {last['memory']} kB, threads "
               f"{first['threads']} -> {last['threads']}, files {first['descriptors']} -> {last['descriptors']}", "slope 0",
               bytes_each=growth["memory"] * 1024 / count, grown=growth, held=held)
     step = count / len(held)
@@ -86,13 +88,14 @@ def _day(stage, hours):
         with stage.deaf():
             held, began = [], time.monotonic()
             cpu, woken = cpu_seconds(radio.pid), wake_ups(radio.pid)
-            for minute in range(1, max(3, int(hours * 60)) + 1):
-                time.sleep(max(0.0, began + 60 * minute - time.monotonic()))
-                if minute % 3 == 0:
-                    stage.lab.livefeed.song(station="zofra", artist=f"Artist {minute}", title=f"Title {minute}")
-                now = cpu_seconds(radio.pid), wake_ups(radio.pid)
-                held.append({**long_run.hold(radio), "cpu": 100 * (now[0] - cpu) / 60, "wake_ups": (now[1] - woken) / 60})
-                cpu, woken = now
+            with contextlib.suppress(KeyboardInterrupt):  # who interrupts it sees what was held until then
+                for minute in range(1, max(3, int(hours * 60)) + 1):
+                    time.sleep(max(0.0, began + 60 * minute - time.monotonic()))
+                    if minute % 3 == 0:
+                        stage.lab.livefeed.song(station="zofra", artist=f"Artist {minute}", title=f"Title {minute}")
+                    now = cpu_seconds(radio.pid), wake_ups(radio.pid)
+                    held.append({**long_run.hold(radio), "cpu": 100 * (now[0] - cpu) / 60, "wake_ups": (now[1] - woken) / 60})
+                    cpu, woken = now
         warm = held[1:]
         _show(stage, f"{len(held) / 60:.1f} hours of playing, from the second minute on", warm, len(held) / 60, "long-day", "hours")
         stage.draw("long-day-cost", plot.lines("What they cost", "hours", {

@@ -18,6 +18,7 @@ import check  # noqa: E402
 import costs  # noqa: E402
 import endurance  # noqa: E402
 import faults  # noqa: E402
+import first_build  # noqa: E402
 import latency  # noqa: E402
 import parsers  # noqa: E402
 import publish  # noqa: E402
@@ -25,8 +26,8 @@ import sizes  # noqa: E402
 import speakers  # noqa: E402
 from stage import Stage  # noqa: E402
 
-CHAPTERS = {"latency": latency, "costs": costs, "speakers": speakers, "faults": faults, "parsers": parsers, "sizes": sizes,
-            "endurance": endurance}
+CHAPTERS = {"latency": latency, "costs": costs, "speakers": speakers, "faults": faults, "parsers": parsers,
+            "sizes": sizes, "build": first_build, "endurance": endurance}
 
 
 def main():

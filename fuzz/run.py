@@ -1,14 +1,15 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Runs fuzz targets that are built in build/fuzz, and says what came of each: `./dev fuzz`.
+"""Runs fuzz targets that are built in build/fuzz or build/fuzz-fast, and says what came of each: `./dev fuzz`.
 
     ./dev fuzz                          every target for half a minute
     ./dev fuzz --minutes 30             every target for half an hour
     ./dev fuzz --runs 10000000 topology some of them, until so many executions
     ./dev fuzz --keep                   afterwards, keep in fuzz/corpus what reaches code that nothing there reaches
+    ./dev fuzz --fast --longest 512     many short inputs, in programs without sanitizers: what they assert and crashes still count
 
-As many run beside each other as there are processors. What they find to be new is collected in build/fuzz/corpus; a finding is
-kept in build/fuzz/findings, and makes the end 1. Coverage is the share of the branches (edges) of our own code that is linked
+As many run beside each other as there are processors. What they find to be new is collected in that folder's corpus; a finding is
+kept in its findings, and makes the end 1. Coverage is the share of the branches (edges) of our own code that is linked
 into the target: parsers reach a small part of what the libraries hold, so compare a target with itself.
 """
 
@@ -21,7 +22,6 @@ import time
 from concurrent.futures import ThreadPoolExecutor
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-BUILD = os.path.join(ROOT, "build", "fuzz")
 #: A process that has collected that much is not leaking yet, but is ended and begun anew where it stopped.
 MEGABYTES = 1500
 
@@ -37,13 +37,13 @@ def targets():
     return found
 
 
-def run(name, longest, dictionary, seconds, runs):
+def run(build, name, longest, dictionary, seconds, runs):
     """One target; returns its figures."""
-    collected = os.path.join(BUILD, "corpus", name)
-    findings = os.path.join(BUILD, "findings", "")
+    collected = os.path.join(build, "corpus", name)
+    findings = os.path.join(build, "findings", "")
     for place in (collected, findings):
         os.makedirs(place, exist_ok=True)
-    command = [os.path.join(BUILD, "bin", name), f"-max_len={longest}", "-len_control=60", "-timeout=10",
+    command = [os.path.join(build, "bin", name), f"-max_len={longest}", "-len_control=60", "-timeout=10",
                f"-rss_limit_mb={MEGABYTES}", "-print_final_stats=1", f"-artifact_prefix={findings}{name}-", "-reload=0",
                "-use_value_profile=1"]
     if dictionary:
@@ -72,12 +72,12 @@ def figures(text):
             "edges": int(done[-1][1]) if done else 0, "there": there}
 
 
-def keep(name):
+def keep(build, name):
     """Keep what reaches code that the kept corpus does not."""
     kept = os.path.join(ROOT, "fuzz", "corpus", name)
     before = len(os.listdir(kept))
-    subprocess.run([os.path.join(BUILD, "bin", name), "-merge=1", "-max_len=4096", kept,
-                    os.path.join(BUILD, "corpus", name)], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+    subprocess.run([os.path.join(build, "bin", name), "-merge=1", "-max_len=4096", kept,
+                    os.path.join(build, "corpus", name)], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                    stderr=subprocess.DEVNULL, check=False)
     return len(os.listdir(kept)) - before
 
@@ -90,7 +90,10 @@ def main():
     parser.add_argument("--runs", type=int, help="executions of each target")
     parser.add_argument("--jobs", type=int, default=os.cpu_count() or 1)
     parser.add_argument("--keep", action="store_true")
+    parser.add_argument("--fast", action="store_true", help="the programs without sanitizers")
+    parser.add_argument("--longest", type=int, default=1 << 30, help="bytes of an input, where that is less than the target's own")
     options = parser.parse_args()
+    build = os.path.join(ROOT, "build", "fuzz-fast" if options.fast else "fuzz")
     known = targets()
     chosen = [name if name.startswith("fuzz_") else f"fuzz_{name}" for name in options.targets] or list(known)
     unknown = [name for name in chosen if name not in known]
@@ -99,7 +102,8 @@ def main():
     seconds = (options.minutes or 0) * 60 or (0 if options.runs else 30)
     failed = []
     with ThreadPoolExecutor(max_workers=options.jobs) as pool:
-        for one in pool.map(lambda name: run(name, *known[name], seconds, options.runs), chosen):
+        for one in pool.map(lambda name: run(build, name, min(known[name][0], options.longest), known[name][1], seconds,
+                                             options.runs), chosen):
             share = 100 * one["edges"] / one["there"] if one["there"] else 0
             print(f"{one['name']:<22}{one['executions']:>12} executions{one['executions'] / max(one['seconds'], 0.1):>9.0f}/s"
                   f"{one['edges']:>7} of {one['there']} edges ({share:.0f} %)  {'ok' if one['code'] == 0 else 'FOUND'}", flush=True)
@@ -107,7 +111,7 @@ def main():
                 failed.append(one)
     if options.keep:
         for name in chosen:
-            print(f"{name:<22}{keep(name)} inputs more kept")
+            print(f"{name:<22}{keep(build, name)} inputs more kept")
     for one in failed:
         print(f"{one['name']} ended with {one['code']}: {one['log']}")
     return 1 if failed else 0

@@ -12,6 +12,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <clocale>
@@ -125,16 +126,20 @@ TEST_F(IniDefaultsStoreTest, readsOnlyFiniteNumbers) {
 }
 
 TEST_F(IniDefaultsStoreTest, writesThePointInEveryLocale) {
-    const char* before = std::setlocale(LC_NUMERIC, nullptr);
-    const std::string kept = before ? before : "C";
-    const bool hasComma =
-        std::setlocale(LC_NUMERIC, "de_DE.UTF-8") || std::setlocale(LC_NUMERIC, "nl_BE.UTF-8");
+    const QTemporaryDir locales;
+    if (QProcess::execute(QStringLiteral("localedef"),
+                          {QStringLiteral("-i"), QStringLiteral("de_DE"), QStringLiteral("-f"),
+                           QStringLiteral("UTF-8"), locales.filePath(QStringLiteral("comma"))}) != 0)
+        GTEST_SKIP() << "skipped: the package locales is not installed";
+    test::ScopedEnvironment environment;
+    environment.set("LOCPATH", locales.path().toUtf8());
+    const std::string before = std::setlocale(LC_NUMERIC, nullptr);
+    ASSERT_TRUE(std::setlocale(LC_NUMERIC, "comma"));
+    EXPECT_STREQ(std::localeconv()->decimal_point, ",");
     open()->setFloat(volumeKey, 0.5F);
     EXPECT_EQ(open()->floatValue(volumeKey), 0.5F);
     EXPECT_TRUE(content().contains("=0.5\n"));
-    std::setlocale(LC_NUMERIC, kept.c_str());
-    if (!hasComma)
-        GTEST_SKIP() << "skipped: no locale with a decimal comma here, only the C locale was tried";
+    std::setlocale(LC_NUMERIC, before.c_str());
 }
 
 TEST_F(IniDefaultsStoreTest, keepsUnknownKeysCommentsAndNonsense) {
