@@ -45,7 +45,7 @@ def run(build, name, longest, dictionary, seconds, runs):
         os.makedirs(place, exist_ok=True)
     command = [os.path.join(build, "bin", name), f"-max_len={longest}", "-len_control=60", "-timeout=10",
                f"-rss_limit_mb={MEGABYTES}", "-print_final_stats=1", f"-artifact_prefix={findings}{name}-", "-reload=0",
-               "-use_value_profile=1"]
+               f"-use_value_profile={0 if build.endswith('-fast') else 1}"]
     if dictionary:
         command.append(f"-dict={os.path.join(ROOT, 'fuzz', 'dictionaries', dictionary)}")
     if seconds:
