@@ -103,16 +103,11 @@ bool isText(const QByteArray& line) {
 
 /// The value's own text in what stands after the `=`: without the blanks around it and the comment.
 QByteArrayView ownText(QByteArrayView text) {
-    while (text.startsWith(' ') || text.startsWith('\t'))
-        text = text.sliced(1);
+    text = text.trimmed();
     qsizetype end = 0;
     if (text.startsWith('"') && unquoted(text, end))
-        text = text.first(end);
-    else if (!startsJson(text))
-        text = text.first(withoutIniComment(text).size());
-    while (text.endsWith(' ') || text.endsWith('\t'))
-        text.chop(1);
-    return text;
+        return text.first(end);
+    return startsJson(text) ? text : withoutIniComment(text);
 }
 
 QByteArray quoted(const QByteArray& value) {

@@ -128,6 +128,11 @@ TEST(IniDocumentTest, changesNothingButTheValue) {
     EXPECT_EQ(written("[General]\nv=1 ; note\n", "v", "a ; b"), "[General]\nv=\"a ; b\" ; note\n");
 }
 
+TEST(IniDocumentTest, replacesTheWholeValueBehindAnyWhiteSpace) {
+    EXPECT_EQ(written("[General]\na=\v123\n", "a", "0.5"), "[General]\na=\v0.5\n");
+    EXPECT_EQ(written("[General]\na=\f\t{1} \v\n", "a", "0.5"), "[General]\na=\f\t0.5 \v\n");
+}
+
 TEST(IniDocumentTest, keepsLineEndsAndByteOrderMark) {
     EXPECT_EQ(written("\xEF\xBB\xBF[General]\r\na=1\r\n", "b", "2"),
               "\xEF\xBB\xBF[General]\r\na=1\r\nb=2\r\n");
