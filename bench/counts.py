@@ -155,6 +155,24 @@ def shell(stage):
     return found
 
 
+def songs_at_once(stage, numbers):
+    """[(number, figures)] of that many songs that come at once."""
+    found = []
+    with stage.status_bar() as bar, Counted(stage) as radio:
+        bar.wait_for_item(PATIENCE)
+        wait_until(lambda: "–" in radio.title(), PATIENCE, "the first song", 0.2)
+        for number in numbers:
+            radio.settle()
+            radio.zero()
+            for index in range(1, number + 1):
+                stage.lab.livefeed.song(station="zofra", artist=f"{number} at once", title=f"Title {index}", next_title="Later")
+            radio.settle()
+            found.append((number, radio.taken()))
+            if f"Title {number}" not in radio.title() or f"{number} at once" not in radio.title():
+                raise RuntimeError(f"after {number} songs it shows {radio.title()}")
+    return found
+
+
 def search(stage, players=PLAYERS):
     """{what: figures} of one search that finds players."""
     with stage.status_bar() as bar, Counted(stage, discovery=True) as radio:

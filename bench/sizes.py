@@ -1,11 +1,12 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""How work grows with what there is: players in a house, rooms in the menu. Instructions, so that the exponent is not noise."""
+"""How work grows with what there is: players in a house, songs, rooms in the menu. Instructions, so that the exponent is not noise."""
 
 import math
 
 import counts
 
 PLAYERS = (1, 8, 32, 64)
+SONGS = (1, 8, 64)
 ROOMS = (0, 30, 200)
 
 
@@ -24,6 +25,11 @@ def run(stage, _seconds):
         found.append((players, taken["instructions"]))
         stage.row(f"a search of {players} players", f"{taken['instructions'] / 1e6:.1f} million", "", **taken)
     stage.row("search: exponent from 32 to 64 players", f"{exponent(found):.2f}", "<= 1.2")
+    found = []
+    for songs, taken in counts.songs_at_once(stage, SONGS):
+        found.append((songs, taken["instructions"]))
+        stage.row(f"{songs} songs at once" if songs > 1 else "a song", f"{taken['instructions'] / 1e6:.2f} million", "", **taken)
+    stage.row("songs: exponent from 8 to 64 at once", f"{exponent(found):.2f}", "<= 1")
     found = []
     for rooms in ROOMS:
         taken = counts.menu_with(stage, rooms)
