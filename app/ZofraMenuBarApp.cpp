@@ -138,8 +138,10 @@ void ZofraMenuBarApp::prepareSharedInstances() {
     SharedInstance<SonosManager>::setMake([this] {
         return std::make_unique<SonosManager>(
             !m_configuration.options.noDiscovery,
-            SonosManager::Environment{m_session, m_defaults, m_mainQueue, m_tasks, m_network, m_systemLog,
-                                      LanguageManager::shared(), RadioPlayer::shared(),
+            SonosManager::Environment{{m_session, m_mainQueue, m_tasks, m_network, m_systemLog},
+                                      m_defaults,
+                                      LanguageManager::shared(),
+                                      RadioPlayer::shared(),
                                       m_configuration.hosts});
     });
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fuzz/FuzzBytes.h"
-#include "speakers/PlayerDescription.h"
-#include "speakers/SpeakerGrouping.h"
+#include "speakers/NetworkPlayerProtocol.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace zofra;

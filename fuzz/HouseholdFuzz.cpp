@@ -4,13 +4,10 @@
 #include "fuzz/FuzzBytes.h"
 #include "fuzz/FuzzInput.h"
 #include "platform/HttpSession.h"
-#include "speakers/PlayerDescription.h"
+#include "speakers/NetworkPlayerProtocol.h"
 #include "speakers/PlayerXMLParser.h"
 #include "speakers/RoomCache.h"
 #include "speakers/SoapRequest.h"
-#include "speakers/SpeakerGrouping.h"
-#include "speakers/SsdpAnswer.h"
-#include "speakers/ZoneGroupTopology.h"
 
 #include <QSet>
 

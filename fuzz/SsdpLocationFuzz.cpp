@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fuzz/FuzzBytes.h"
 #include "platform/ForeignText.h"
+#include "speakers/NetworkPlayerProtocol.h"
 #include "speakers/PlainOrder.h"
-#include "speakers/SsdpAnswer.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace zofra;

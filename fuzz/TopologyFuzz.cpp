@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fuzz/FuzzBytes.h"
+#include "speakers/NetworkPlayerProtocol.h"
 #include "speakers/SoapRequest.h"
-#include "speakers/ZoneGroupTopology.h"
 
 namespace {
 

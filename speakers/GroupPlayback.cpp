@@ -119,8 +119,8 @@ std::stop_token GroupPlayback::supersede(Act next) {
     return m_current.get_token();
 }
 
-template<typename Finished>
-std::function<void(qsizetype)> GroupPlayback::later(const std::stop_token& superseded, Finished finished) {
+std::function<void(qsizetype)> GroupPlayback::later(const std::stop_token& superseded,
+                                                    std::function<void(qsizetype)> finished) {
     return
         [this, background = m_background, superseded, finished = std::move(finished)](qsizetype succeeded) {
             background->post([this, superseded, finished, succeeded] {

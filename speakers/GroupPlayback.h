@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "speakers/NetworkPlayerProtocol.h"
 #include "speakers/PlayerOrders.h"
 #include "speakers/SpeakerBackground.h"
-#include "speakers/SpeakerGrouping.h"
 
 #include <functional>
 #include <memory>
@@ -43,8 +43,8 @@ private:
     /// Ends what is under way. Gives the token of what comes next.
     std::stop_token supersede(Act next);
     /// Runs `finished` on the main thread, unless superseded by then.
-    template<typename Finished>
-    [[nodiscard]] std::function<void(qsizetype)> later(const std::stop_token& superseded, Finished finished);
+    [[nodiscard]] std::function<void(qsizetype)> later(const std::stop_token& superseded,
+                                                       std::function<void(qsizetype)> finished);
 
     std::shared_ptr<SpeakerBackground> m_background;
     std::shared_ptr<PlayerOrders> m_orders;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "speakers/PlayerDescription.h"
-
+#include "speakers/NetworkPlayerProtocol.h"
 #include "speakers/PlayerXMLParser.h"
-#include "speakers/SsdpAnswer.h"
 
 #include <QHash>
 #include <QRegularExpression>

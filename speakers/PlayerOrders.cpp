@@ -86,10 +86,9 @@ void PlayerOrders::stop(const SonosSpeaker& player) {
 
 void PlayerOrders::setVolume(const SonosSpeaker& player, int percent) {
     const bool mustWait = m_lanes.with([&](Lanes& lanes) {
-        auto& lane = lanes.volume[player.id];
-        if (lane.isUnderWay)
-            lane.next = percent;
-        return std::exchange(lane.isUnderWay, true);
+        const bool isUnderWay = lanes.volume.contains(player.id);
+        lanes.volume.insert(player.id, isUnderWay ? std::optional(percent) : std::nullopt);
+        return isUnderWay;
     });
     if (!mustWait)
         sendVolume(player, percent);
@@ -98,10 +97,9 @@ void PlayerOrders::setVolume(const SonosSpeaker& player, int percent) {
 void PlayerOrders::sendVolume(const SonosSpeaker& player, int percent) {
     SpeakerControl(m_background).setVolume(player, percent, [self = shared_from_this(), player](bool) {
         const auto next = self->m_lanes.with([&](Lanes& lanes) {
-            auto& lane = lanes.volume[player.id];
-            const auto waiting = std::exchange(lane.next, std::nullopt);
-            if (!waiting)
-                lanes.volume.remove(player.id);
+            const auto waiting = lanes.volume.take(player.id);
+            if (waiting)
+                lanes.volume.insert(player.id, std::nullopt);
             return waiting;
         });
         if (next)

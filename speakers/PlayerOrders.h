@@ -60,14 +60,11 @@ private:
         bool stopIsLast = false;
         std::deque<Step> waiting;
     };
-    struct VolumeLane {
-        bool isUnderWay = false;
-        std::optional<int> next;
-    };
     /// By the player's id; only of those with an order under way.
     struct Lanes {
         QHash<QString, Lane> transport;
-        QHash<QString, VolumeLane> volume;
+        /// What is to be sent next, if anything.
+        QHash<QString, std::optional<int>> volume;
     };
 
     [[nodiscard]] static std::optional<Step> takeNext(Lane& lane);

@@ -7,18 +7,17 @@
 
 namespace zofra {
 
-PlayerXMLParser::Verdict PlayerXMLParser::elementStarted(const QString& localName,
-                                                         const QMap<QString, QString>& attributes) {
+bool PlayerXMLParser::elementStarted(const QString& localName, const QMap<QString, QString>& attributes) {
     if (stack.size() >= PlayerXMLLimits::depth || attributes.size() > PlayerXMLLimits::attributesPerElement ||
         ++m_elements > PlayerXMLLimits::elements)
-        return Verdict::tooMuch;
+        return false;
     auto node = std::make_shared<PlayerXMLNode>(localName, attributes);
     if (stack.empty())
         root = node;
     else
         stack.back()->children.push_back(node);
     stack.push_back(std::move(node));
-    return Verdict::goOn;
+    return true;
 }
 
 namespace {
@@ -63,8 +62,7 @@ private:
         QMap<QString, QString> map;
         for (const char** at = attributes; *at != nullptr; at += 2) // NOLINT(*-pointer-arithmetic)
             map.insert(qualifiedName(QString::fromUtf8(at[0])), QString::fromUtf8(at[1])); // NOLINT
-        if (self(data).m_parser.elementStarted(localName(QString::fromUtf8(name)), map) ==
-            PlayerXMLParser::Verdict::tooMuch)
+        if (!self(data).m_parser.elementStarted(localName(QString::fromUtf8(name)), map))
             self(data).refuse();
     }
     static void ended(void* data, const char*) { self(data).m_parser.elementEnded(); }

@@ -24,10 +24,8 @@ struct PlayerXMLLimits {
 /// Builds a tree from the events of a streaming XML parser. One document each.
 class PlayerXMLParser {
 public:
-    enum class Verdict { goOn, tooMuch };
-
-    /// An element begins. Answers `tooMuch` when the document goes beyond `PlayerXMLLimits`.
-    Verdict elementStarted(const QString& localName, const QMap<QString, QString>& attributes);
+    /// An element begins. False when the document goes beyond `PlayerXMLLimits`.
+    [[nodiscard]] bool elementStarted(const QString& localName, const QMap<QString, QString>& attributes);
     /// Character data; nothing outside of the root.
     void charactersFound(QStringView characters) {
         if (!stack.empty())

@@ -27,30 +27,18 @@ SonosManager::SonosManager(bool automaticallyDiscover, const Environment& enviro
     , m_environment(environment)
     , m_automaticallyDiscover(automaticallyDiscover)
     , m_background(std::make_shared<SpeakerBackground>(
-          SpeakerBackground::Outside{environment.session, environment.mainQueue, environment.tasks,
-                                     environment.network, environment.systemLog},
+          environment,
           SpeakerBackground::Reports{[this](bool denied) { setLocalNetworkDenied(denied); },
                                      [this](const QList<SonosRoom>& newRooms) { roomsFound(newRooms); },
                                      [this] { runEnded(); }}))
     , m_playback(m_background) {
     if (!automaticallyDiscover)
         return;
-    loadCachedRooms();
+    if (const auto cached = environment.defaults.data(cacheKey))
+        rooms = decodeRooms(*cached).value_or(QList<SonosRoom>());
     discoverDevices(true);
     m_scanTimer = environment.mainQueue.startTimer(scanInterval, MainQueue::Repeat::forever,
                                                    [this] { discoverDevices(false); });
-}
-
-void SonosManager::loadCachedRooms() {
-    const auto json = m_environment.defaults.data(cacheKey);
-    const auto cached = json ? decodeRooms(*json) : std::nullopt;
-    if (cached)
-        rooms = *cached;
-}
-
-void SonosManager::saveCachedRooms() {
-    if (m_automaticallyDiscover)
-        m_environment.defaults.setData(cacheKey, encodeRooms(rooms));
 }
 
 void SonosManager::discoverDevices(bool forceSubnetScan) {
@@ -73,7 +61,8 @@ void SonosManager::roomsFound(const QList<SonosRoom>& newRooms) {
     rememberTitles();
     rooms = newRooms;
     followTarget();
-    saveCachedRooms();
+    if (m_automaticallyDiscover)
+        m_environment.defaults.setData(cacheKey, encodeRooms(rooms));
     if (onRoomsUpdated)
         onRoomsUpdated(rooms);
 }
@@ -92,11 +81,10 @@ void SonosManager::followTarget() {
     const auto former = activeTarget.get().roomId();
     if (former.isEmpty() || room(former))
         return;
-    const auto holdsFormerCoordinator = [&former](const SonosRoom& room) {
-        return std::ranges::find(room.speakers, former, &SonosSpeaker::id) != room.speakers.end();
-    };
     const auto& all = rooms.get();
-    const auto found = std::ranges::find_if(all, holdsFormerCoordinator);
+    const auto found = std::ranges::find_if(all, [&former](const SonosRoom& room) {
+        return std::ranges::find(room.speakers, former, &SonosSpeaker::id) != room.speakers.end();
+    });
     if (found == all.end())
         return;
     if (m_playedRoom == former)
@@ -184,15 +172,14 @@ void SonosManager::play(const QList<PlayerPlaybackGroup>& groups, RadioStation s
                         const std::optional<QString>& roomId) {
     m_everywhereLater.reset();
     m_playedRoom = roomId;
-    m_playback.play(groups, station.networkPlayerStreamURI(m_environment.hosts),
-                    [this, count = groups.size()](qsizetype started) { playFinished(started, count); });
-}
-
-void SonosManager::playFinished(qsizetype started, qsizetype groups) {
-    setSonosPlaying(started >= 1);
-    if (started != groups)
-        m_background->log(
-            u"Wiedergabe nur auf %1 von %2 Ausgabegruppen gestartet."_qs.arg(started).arg(groups));
+    m_playback.play(
+        groups, station.networkPlayerStreamURI(m_environment.hosts),
+        [this, count = groups.size()](qsizetype started) {
+            setSonosPlaying(started >= 1);
+            if (started != count)
+                m_background->log(
+                    u"Wiedergabe nur auf %1 von %2 Ausgabegruppen gestartet."_qs.arg(started).arg(count));
+        });
 }
 
 void SonosManager::setSonosPlaying(bool playing) {

@@ -25,13 +25,8 @@ namespace zofra {
 class SonosManager final : public Observable {
 public:
     /// What the manager needs from outside; all of it outlives the manager and its background work.
-    struct Environment {
-        HttpSession& session;
+    struct Environment : SpeakerBackground::Outside {
         DefaultsStore& defaults;
-        MainQueue& mainQueue;
-        TaskPool& tasks;
-        LocalNetwork& network;
-        SystemLog& systemLog;
         LanguageManager& languages;
         RadioPlayer& localPlayer;
         const ServiceHosts& hosts;
@@ -86,8 +81,6 @@ public:
     const QString cacheKey = u"cached_sonos_rooms"_qs;
 
 private:
-    void loadCachedRooms();
-    void saveCachedRooms();
     void roomsFound(const QList<SonosRoom>& newRooms);
     void rememberTitles();
     void followTarget();
@@ -101,7 +94,6 @@ private:
     void playEverywhere();
     void play(const QList<PlayerPlaybackGroup>& groups, RadioStation station,
               const std::optional<QString>& roomId);
-    void playFinished(qsizetype started, qsizetype groups);
     void pauseTarget(const QString& roomId);
     void pausePlayers(const QList<SonosSpeaker>& players);
     void setSonosPlaying(bool playing);

@@ -7,6 +7,8 @@
 #include <QList>
 #include <QLocale>
 
+#include <algorithm>
+
 namespace zofra {
 
 /// One room offered to the user. A plain value: copied, compared and hashed member by member.
@@ -35,14 +37,42 @@ struct SonosRoom {
 /// plain character order. One thread at a time; make one for each use.
 class RoomOrder {
 public:
-    explicit RoomOrder(const QLocale& locale = QLocale());
-    [[nodiscard]] bool operator()(const SonosRoom& a, const SonosRoom& b) const;
+    explicit RoomOrder(const QLocale& locale = QLocale())
+        : m_collator(locale) {
+        m_collator.setCaseSensitivity(Qt::CaseInsensitive);
+    }
+    [[nodiscard]] bool operator()(const SonosRoom& a, const SonosRoom& b) const {
+        const int order = m_collator.compare(a.name, b.name);
+        return order != 0 ? order < 0 : plainlyBefore(a.id(), b.id());
+    }
 
 private:
     QCollator m_collator;
 };
 
 /// How a room is shown among `rooms`: its name, and as much more as tells it from others of the same name.
-[[nodiscard]] QString roomTitle(const SonosRoom& room, const QList<SonosRoom>& rooms);
+[[nodiscard]] inline QString roomTitle(const SonosRoom& room, const QList<SonosRoom>& rooms) {
+    auto others = rooms;
+    others.removeIf(
+        [&](const SonosRoom& other) { return other.id() == room.id() || other.name != room.name; });
+    if (others.isEmpty())
+        return room.name;
+    const auto namesUs = [](const std::optional<QString>& text) {
+        return text && (text->compare(u"Zofra Zofra", Qt::CaseInsensitive) == 0 ||
+                        text->compare(u"Zofra Pi Player", Qt::CaseInsensitive) == 0);
+    };
+    const auto isOwn = [&](const SonosSpeaker& player) {
+        return namesUs(player.manufacturer) || namesUs(player.modelName) || player.isZofra();
+    };
+    const auto& player = room.coordinator;
+    const QString title = room.name + (isOwn(player) ? u" (Zofra)"_qs : u" (Sonos)"_qs);
+    others.removeIf([&](const SonosRoom& other) { return isOwn(other.coordinator) != isOwn(player); });
+    if (others.isEmpty())
+        return title;
+    // Where its player is, or the player's id when another of these rooms is there, too.
+    const bool isShared = std::ranges::any_of(
+        others, [&](const SonosRoom& other) { return other.coordinator.ip == player.ip; });
+    return title + u" – "_qs + (isShared ? player.id : player.ip);
+}
 
 } // namespace zofra

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "speakers/PlainOrder.h"
+#include "speakers/PlayerAddress.h"
+
 #include <QHashFunctions>
 #include <QString>
 #include <QUrl>
@@ -37,12 +40,36 @@ struct SonosSpeaker {
     std::optional<QString> topologyPath;
 
     /// `descriptionURL`, or the usual address on `ip`. Ends the program when `ip` is no host at all.
-    [[nodiscard]] QUrl deviceDescriptionURL() const;
+    [[nodiscard]] QUrl deviceDescriptionURL() const {
+        if (descriptionURL)
+            return *descriptionURL;
+        const auto url = usualDescriptionAddress(ip);
+        if (!url.isValid() || url.host().isEmpty())
+            qFatal("a player's address is no host name");
+        return url;
+    }
     /// One of this product's own players, which are grouped differently.
-    [[nodiscard]] bool isZofra() const;
+    [[nodiscard]] bool isZofra() const {
+        const auto says = [](const std::optional<QString>& text, QStringView wanted) {
+            return text && text->compare(wanted, Qt::CaseInsensitive) == 0;
+        };
+        constexpr QStringView ownModel = u"Zofra Pi Player";
+        return says(manufacturer, u"Zofra Zofra") || says(modelName, ownModel) || says(model, ownModel);
+    }
     /// The control address of a service: `path` resolved against the description's address when that gives an
     /// http or https address with a host, else `fallback` resolved likewise.
-    [[nodiscard]] QUrl endpoint(const std::optional<QString>& path, const QString& fallback) const;
+    [[nodiscard]] QUrl endpoint(const std::optional<QString>& path, const QString& fallback) const {
+        const auto base = deviceDescriptionURL();
+        const QUrl reference(path.value_or(QString()), QUrl::StrictMode);
+        // An absolute reference brings its own scheme, to be spelt as required; an empty one is no address.
+        if (path && reference.isValid() && (reference.isRelative() || playerAddress(*path))) {
+            const auto resolved = base.resolved(reference);
+            const auto scheme = resolved.scheme();
+            if (resolved.isValid() && (scheme == u"http" || scheme == u"https") && !resolved.host().isEmpty())
+                return resolved;
+        }
+        return base.resolved(QUrl(fallback));
+    }
 
     /// In their order, under the names that they are kept by.
     static void visitFields(auto& speaker, auto&& field) {
@@ -65,9 +92,19 @@ struct SonosSpeaker {
 };
 
 /// All fields in their order; an optional one adds whether it is there, then its value.
-[[nodiscard]] size_t qHash(const SonosSpeaker& speaker, size_t seed = 0);
+[[nodiscard]] inline size_t qHash(const SonosSpeaker& speaker, size_t seed = 0) {
+    SonosSpeaker::visitFields(speaker, [&seed]<typename Field>(const char*, const Field& field) {
+        if constexpr (requires { field.has_value(); })
+            seed = field ? qHashMulti(seed, 1, *field) : qHashMulti(seed, 0);
+        else
+            seed = qHashMulti(seed, field);
+    });
+    return seed;
+}
 
 /// Speaker order: ascending by `id`, plain character order.
-[[nodiscard]] bool comesBefore(const SonosSpeaker& a, const SonosSpeaker& b);
+[[nodiscard]] inline bool comesBefore(const SonosSpeaker& a, const SonosSpeaker& b) {
+    return plainlyBefore(a.id, b.id);
+}
 
 } // namespace zofra

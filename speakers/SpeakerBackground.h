@@ -7,10 +7,10 @@
 #include "platform/SystemLog.h"
 #include "platform/TaskPool.h"
 #include "speakers/InterfaceInfo.h"
+#include "speakers/NetworkPlayerProtocol.h"
 #include "speakers/PlayerLocked.h"
-#include "speakers/SonosRoom.h"
-#include "speakers/SonosSpeaker.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -19,6 +19,12 @@
 #include <utility>
 
 namespace zofra {
+
+/// Whether a failed request says that the system refuses access to the local network.
+[[nodiscard]] inline bool isLocalNetworkDenial(const std::optional<HttpError>& error) {
+    return error && (error->code == HttpError::Code::notConnected ||
+                     error->localizedDescription.contains(u"Local network prohibited"));
+}
 
 /// The manager's inner state: what its background work may touch. Callable from any thread. Background work
 /// shares it; from the manager's end on nothing is logged, posted or sent any more, and every wait ends.
@@ -58,21 +64,41 @@ public:
     [[nodiscard]] const Outside& outside() const { return m_outside; }
 
     /// Runs `work` on the main thread, unless the manager has ended by then.
-    void post(std::function<void()> work);
+    void post(std::function<void()> work) {
+        if (ended())
+            return;
+        m_outside.mainQueue.async([weak = weak_from_this(), work = std::move(work)] {
+            const auto self = weak.lock();
+            if (self && !self->ended())
+                work();
+        });
+    }
     /// Writes one line to the system's log.
-    void log(const QString& message);
+    void log(const QString& message) {
+        if (!ended())
+            m_outside.systemLog.log(u"[Sonos] "_qs + message);
+    }
 
     void noteLocalNetworkDenial() {
         post([this] { m_reports.localNetwork(true); });
     }
     /// Notes a denial when the system has refused a request to a network that is searched. There may be no
     /// way to an address elsewhere, one of IPv6 for instance, though all is well here.
-    void noteIfDenied(const std::optional<HttpError>& error, const QUrl& target);
+    void noteIfDenied(const std::optional<HttpError>& error, const QUrl& target) {
+        const auto isThere = [host = target.host()](const auto& interface) {
+            return interface.reaches(host);
+        };
+        if (isLocalNetworkDenial(error) && std::ranges::any_of(searched.value(), isThere))
+            noteLocalNetworkDenial();
+    }
     void clearLocalNetworkDenial() {
         post([this] { m_reports.localNetwork(false); });
     }
     /// Takes over what a run found.
-    void applySpeakers(const QList<SonosSpeaker>& speakers);
+    void applySpeakers(const QList<SonosSpeaker>& speakers) {
+        allSpeakers.set(speakers);
+        post([this, rooms = NetworkPlayerProtocol::rooms(speakers)] { m_reports.rooms(rooms); });
+    }
     void noteRunEnded() {
         post([this] { m_reports.runEnded(); });
     }
@@ -87,8 +113,5 @@ private:
     const Reports m_reports;
     std::stop_source m_end;
 };
-
-/// Whether a failed request says that the system refuses access to the local network.
-[[nodiscard]] bool isLocalNetworkDenial(const std::optional<HttpError>& error);
 
 } // namespace zofra

@@ -2,11 +2,10 @@
 #include "speakers/SpeakerDiscovery.h"
 
 #include "platform/ForeignText.h"
+#include "speakers/NetworkPlayerProtocol.h"
 #include "speakers/PlainOrder.h"
 #include "speakers/PlayerAddress.h"
-#include "speakers/PlayerDescription.h"
 #include "speakers/SpeakerLookup.h"
-#include "speakers/SsdpAnswer.h"
 
 #include <cerrno>
 #include <chrono>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "speakers/SpeakerGrouping.h"
+#include "speakers/NetworkPlayerProtocol.h"
 
 #include <QHash>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/SpeakerLookup.h"
 
-#include "speakers/PlayerDescription.h"
+#include "speakers/NetworkPlayerProtocol.h"
 #include "speakers/SoapRequest.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "speakers/NetworkPlayerProtocol.h"
 #include "speakers/TextFetcher.h"
-#include "speakers/ZoneGroupTopology.h"
 
 #include <QHash>
 #include <QMap>

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "speakers/SsdpAnswer.h"
-
+#include "speakers/NetworkPlayerProtocol.h"
 #include "speakers/PlayerAddress.h"
 
 #include <QHash>

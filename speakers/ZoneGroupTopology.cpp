@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "speakers/ZoneGroupTopology.h"
-
+#include "speakers/NetworkPlayerProtocol.h"
 #include "speakers/PlainOrder.h"
 #include "speakers/PlayerAddress.h"
 #include "speakers/PlayerXMLParser.h"

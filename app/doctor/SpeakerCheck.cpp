@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/doctor/SpeakerCheck.h"
 
-#include "speakers/PlayerDescription.h"
-#include "speakers/SsdpAnswer.h"
+#include "speakers/NetworkPlayerProtocol.h"
 
 #include <algorithm>
 #include <utility>

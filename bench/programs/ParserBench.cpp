@@ -3,13 +3,10 @@
 // build or walk one.
 #include "metadata/LiveSocket.h"
 #include "metadata/OnAirItem.h"
-#include "speakers/PlayerDescription.h"
+#include "speakers/NetworkPlayerProtocol.h"
 #include "speakers/PlayerXMLParser.h"
 #include "speakers/RoomCache.h"
 #include "speakers/SoapRequest.h"
-#include "speakers/SpeakerGrouping.h"
-#include "speakers/SsdpAnswer.h"
-#include "speakers/ZoneGroupTopology.h"
 
 #include <benchmark/benchmark.h>
 #include <expat.h>

@@ -131,8 +131,8 @@ protected:
         environment.sonos = [this]() -> SonosManager& {
             if (!sonos)
                 sonos = std::make_unique<SonosManager>(
-                    discovers, SonosManager::Environment{http, defaults, queue, tasks, network, log,
-                                                         *languages, *player, hosts});
+                    discovers, SonosManager::Environment{
+                                   {http, queue, tasks, network, log}, defaults, *languages, *player, hosts});
             return *sonos;
         };
         delegate = std::make_unique<AppDelegate>(std::move(environment));

@@ -52,8 +52,9 @@ protected:
 
     SonosManager& start(bool automaticallyDiscover) {
         manager = std::make_unique<SonosManager>(
-            automaticallyDiscover, SonosManager::Environment{http, defaults, queue, tasks, network, log,
-                                                             languages, localPlayer, hosts});
+            automaticallyDiscover,
+            SonosManager::Environment{
+                {http, queue, tasks, network, log}, defaults, languages, localPlayer, hosts});
         manager->onRoomsUpdated = [this](const QList<SonosRoom>& rooms) { updates.append(rooms); };
         manager->onPlaybackStateChanged = [this](bool playing) { states.append(playing); };
         return *manager;

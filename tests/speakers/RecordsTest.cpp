@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/AudioOutputTarget.h"
+#include "speakers/NetworkPlayerProtocol.h"
 #include "speakers/PlayerLocked.h"
 #include "speakers/SonosRoom.h"
-#include "speakers/SpeakerGrouping.h"
-#include "speakers/ZoneGroupTopology.h"
 #include "tests/speakers/Samples.h"
 #include "tests/support/PrintQt.h"
 

@@ -69,9 +69,12 @@ protected:
     }
     SonosManager& startManager() {
         world->manager = std::make_unique<SonosManager>(
-            false, SonosManager::Environment{world->session, world->defaults, world->queue, world->pool,
-                                             world->network, world->log, world->languages, world->localPlayer,
-                                             world->hosts});
+            false,
+            SonosManager::Environment{{world->session, world->queue, world->pool, world->network, world->log},
+                                      world->defaults,
+                                      world->languages,
+                                      world->localPlayer,
+                                      world->hosts});
         return *world->manager;
     }
     void addInterface(const QString& ip, const QString& broadcast) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/SpeakerDiscovery.h"
 
-#include "speakers/PlayerDescription.h"
+#include "speakers/NetworkPlayerProtocol.h"
 #include "tests/speakers/Background.h"
 #include "tests/speakers/Samples.h"
 #include "tests/support/PrintQt.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "speakers/SpeakerLookup.h"
 
+#include "speakers/NetworkPlayerProtocol.h"
 #include "speakers/SpeakerDiscovery.h"
-#include "speakers/SpeakerGrouping.h"
 #include "tests/speakers/Background.h"
 #include "tests/speakers/Samples.h"
 #include "tests/support/PrintQt.h"

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "speakers/SsdpAnswer.h"
-
+#include "speakers/NetworkPlayerProtocol.h"
 #include "tests/speakers/Samples.h"
 #include "tests/support/PrintQt.h"
 

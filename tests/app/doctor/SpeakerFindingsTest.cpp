@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/doctor/SpeakerFindings.h"
 
-#include "speakers/SpeakerGrouping.h"
+#include "speakers/NetworkPlayerProtocol.h"
 #include "tests/speakers/Samples.h"
 #include "tests/support/PrintQt.h"
 
