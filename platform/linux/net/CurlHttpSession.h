@@ -2,16 +2,16 @@
 #pragma once
 
 #include "platform/HttpSession.h"
-#include "platform/RadioMetadataSocket.h"
+#include "platform/linux/net/CurlMetadataSocket.h"
+#include "platform/linux/net/CurlWorker.h"
 
 #include <QString>
 
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace zofra {
-
-class CurlWorker;
 
 /// HTTP over libcurl, on one thread named "zofra-http" that starts with the first request.
 ///
@@ -23,19 +23,26 @@ class CurlWorker;
 /// It waits only for one that the session's thread is calling at that moment.
 class CurlHttpSession final : public HttpSession {
 public:
-    explicit CurlHttpSession(std::optional<QString> extraAuthorityFile = std::nullopt);
-    ~CurlHttpSession() override;
+    explicit CurlHttpSession(std::optional<QString> extraAuthorityFile = std::nullopt)
+        : m_worker(std::make_shared<CurlWorker>(std::move(extraAuthorityFile))) {}
+    ~CurlHttpSession() override { m_worker->stop(); }
     CurlHttpSession(const CurlHttpSession&) = delete;
     CurlHttpSession& operator=(const CurlHttpSession&) = delete;
 
-    void start(HttpRequest request, Completion completion) override;
+    void start(HttpRequest request, Completion completion) override {
+        m_worker->submit(std::move(request), std::move(completion));
+    }
 
     /// The network is another one, or the computer has slept: connections kept for a next request, and
     /// addresses looked up, are used no more. Any thread.
-    void dropKeptConnections();
+    void dropKeptConnections() { m_worker->dropKept(); }
 
     /// Makes web sockets that live on the session's thread, under the rules of its requests.
-    [[nodiscard]] MakeWebSocket webSockets();
+    [[nodiscard]] MakeWebSocket webSockets() {
+        return [worker = m_worker](const QUrl& url) {
+            return std::make_shared<CurlMetadataSocket>(worker, url);
+        };
+    }
     [[nodiscard]] const std::shared_ptr<CurlWorker>& worker() const { return m_worker; }
 
 private:
