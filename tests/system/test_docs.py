@@ -248,7 +248,7 @@ def test_manual_page_and_name_in_the_log_are_there(line):
     if line.startswith("man "):
         assert os.path.exists(os.path.join(ROOT, "packaging", "man", line.split()[1] + ".1.in"))
     else:
-        assert f'" {line.split()[-1]}["' in text_of("platform/linux/SyslogLog.cpp")
+        assert f'" {line.split()[-1]}["' in text_of("platform/linux/SyslogLog.h")
 
 
 @pytest.mark.parametrize("page", PAGES)
