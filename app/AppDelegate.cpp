@@ -168,9 +168,9 @@ void AppDelegate::openAboutWindow(Asked asked) {
         m_environment.application.activate(Application::Others::ignore);
         return;
     }
-    auto window = m_environment.windows.makeWindow(PopupPanelContent{
-        versionText(m_environment.bundle), *m_viewModel, m_lifetime.guard([this] { closeAboutWindow(); }),
-        m_player, m_sonos, m_languages, m_controls, [this] { return contextMenu(); }});
+    auto window = m_environment.windows.makeWindow({versionText(m_environment.bundle), objects(),
+                                                    m_lifetime.guard([this] { closeAboutWindow(); }),
+                                                    m_controls, [this] { return contextMenu(); }});
     if (!window)
         return;
     window->setTitle(u"Zofra Zofra"_qs);

@@ -109,6 +109,7 @@ public:
     [[nodiscard]] RadioStateSource& state() { return m_state; }
     [[nodiscard]] RadioControls& controls() { return m_controls; }
     [[nodiscard]] RadioViewModel& viewModel() { return *m_viewModel; }
+    [[nodiscard]] RadioObjects objects() { return {*m_viewModel, m_player, m_sonos, m_languages}; }
     [[nodiscard]] const QString& currentSongText() const { return m_currentSongText; }
     [[nodiscard]] const std::optional<QString>& nextSongText() const { return m_nextSongText; }
     [[nodiscard]] const PopupWindow* aboutWindow() const { return m_aboutWindow.get(); }
@@ -127,7 +128,6 @@ private:
     void closeAboutWindow();
     void forgetAboutWindow();
     [[nodiscard]] StatusMenuActions menuActions();
-    [[nodiscard]] RadioObjects objects() { return {*m_viewModel, m_player, m_sonos, m_languages}; }
     void completeState(RadioState& state) const;
     [[nodiscard]] RadioControls::Shell shell();
 

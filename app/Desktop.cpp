@@ -22,37 +22,31 @@ namespace {
 /// The drawings for the status item and its menu, which looks like the panel's menus.
 class SymbolIcons final : public IconProvider {
 public:
-    SymbolIcons(const IconSet& icons, AppearanceSource& appearance)
-        : m_icons(icons)
-        , m_appearance(appearance) {}
+    explicit SymbolIcons(AppearanceSource& appearance)
+        : m_appearance(appearance) {}
     QImage image(const QString& symbolName, int pixels, const QColor& color) const override {
-        return m_icons.image(symbolName, pixels, color);
+        return IconSet::image(symbolName, pixels, color);
     }
     std::shared_ptr<QStyle> menuStyle() const override {
         const QScreen* screen = QGuiApplication::primaryScreen();
         if (!screen)
             return nullptr;
-        return std::make_shared<PanelMenuStyle>(
-            std::make_unique<PanelLook>(
-                PanelLook{PanelTheme::make(m_appearance.current(), QGuiApplication::palette()),
-                          PanelMetrics(QGuiApplication::font(), screen->logicalDotsPerInchY(),
-                                       screen->availableGeometry().height()),
-                          m_icons}),
-            m_appearance);
+        const PanelMetrics metrics(QGuiApplication::font(), screen->logicalDotsPerInchY(),
+                                   screen->availableGeometry().height());
+        return std::make_shared<PanelMenuStyle>(metrics, m_appearance);
     }
 
 private:
-    const IconSet& m_icons;
     AppearanceSource& m_appearance;
 };
 
 /// What only the panel needs.
 struct PanelSide {
-    PanelSide(const Desktop::Environment& environment, const IconSet& icons, AppearanceSource& appearance,
+    PanelSide(const Desktop::Environment& environment, AppearanceSource& appearance,
               const IconProvider& symbols)
         : portal(appearance)
         , factory(PanelEnvironment{loginItem, environment.mainQueue, environment.output,
-                                   environment.workspace, icons, appearance,
+                                   environment.workspace, appearance,
                                    [&symbols](const Menu& menu, QPoint at, QWidget& window) {
                                        (new WidgetMenu(menu, symbols, &window))->popUpAndForget(at);
                                    }})
@@ -69,7 +63,7 @@ class QtDesktop final : public Desktop, private StatusBar, private PopupWindowFa
 public:
     explicit QtDesktop(const Environment& environment)
         : m_environment(environment)
-        , m_symbols(m_icons, m_appearance) {
+        , m_symbols(m_appearance) {
         // Once the item is there: the first panel is to know light from dark, which takes a while to ask.
         m_environment.mainQueue.async([this] { panel(); });
     }
@@ -102,7 +96,7 @@ private:
 
     PanelSide& panel() {
         if (!m_panel)
-            m_panel = std::make_unique<PanelSide>(m_environment, m_icons, m_appearance, m_symbols);
+            m_panel = std::make_unique<PanelSide>(m_environment, m_appearance, m_symbols);
         return *m_panel;
     }
 
@@ -125,7 +119,6 @@ private:
     }
 
     Environment m_environment;
-    IconSet m_icons;
     AppearanceSource m_appearance;
     SymbolIcons m_symbols;
     std::unique_ptr<PanelSide> m_panel;

@@ -35,60 +35,58 @@ public:
     }
 
 private:
-    struct Given {
-        QString name;
-        std::optional<QString> value;
-    };
-
     void readOne() {
-        QString name = m_arguments.at(m_next++);
-        std::optional<QString> value;
-        const qsizetype equals = name.startsWith(u"--") ? name.indexOf(u'=') : -1;
+        m_name = m_arguments.at(m_next++);
+        m_value.reset();
+        const qsizetype equals = m_name.startsWith(u"--") ? m_name.indexOf(u'=') : -1;
         if (equals > 0) {
-            value = name.mid(equals + 1);
-            name.truncate(equals);
+            m_value = m_name.mid(equals + 1);
+            m_name.truncate(equals);
         }
-        if (name == u"-h")
-            name = u"--help"_qs;
+        if (m_name == u"-h")
+            m_name = u"--help"_qs;
         const auto table = optionTable();
-        const auto row = std::ranges::find_if(table, [&](const auto& one) { return one.name == name; });
+        const auto row = std::ranges::find_if(table, [&](const auto& one) { return one.name == m_name; });
         if (row == table.end())
-            refuse(text::unknownOption, name);
-        else if (row->takes() == OptionRow::Takes::nothing && value)
-            refuse(text::takesNoValue, name);
-        else if (const auto taken = valueFor(*row, value); m_refusal.isEmpty())
-            take(*row, taken);
+            refuse(text::unknownOption, m_name);
+        else if (row->takes() == OptionRow::Takes::nothing && m_value)
+            refuse(text::takesNoValue, m_name);
+        else if (findValue(row->takes()))
+            std::visit([this](const auto meaning) { take(meaning); }, row->meaning);
     }
 
-    std::optional<QString> valueFor(const OptionRow& row, std::optional<QString> value) {
+    /// Takes the next argument for the value where one is missing; false where there is none.
+    [[nodiscard]] bool findValue(OptionRow::Takes takes) {
         // What changes a volume begins with one dash, as single letters do.
-        const QLatin1String option(row.takes() == OptionRow::Takes::valueOrNothing ? "-" : "--");
-        if (row.takes() != OptionRow::Takes::nothing && !value && m_next < m_arguments.size() &&
+        const QLatin1String option(takes == OptionRow::Takes::valueOrNothing ? "-" : "--");
+        if (takes != OptionRow::Takes::nothing && !m_value && m_next < m_arguments.size() &&
             !m_arguments.at(m_next).startsWith(option))
-            value = m_arguments.at(m_next++);
-        if (row.takes() == OptionRow::Takes::value && value.value_or(QString()).isEmpty())
-            refuse(text::needsValue, row.name);
-        return value;
+            m_value = m_arguments.at(m_next++);
+        const bool isMissing = takes == OptionRow::Takes::value && m_value.value_or(QString()).isEmpty();
+        if (isMissing)
+            refuse(text::needsValue, m_name);
+        return !isMissing;
     }
 
-    void take(const OptionRow& row, const std::optional<QString>& value) {
-        std::visit([&](const auto meaning) { take(meaning, {row.name, value}); }, row.meaning);
-    }
+    void take(bool Options::*flag) { m_options.*flag = true; }
 
-    void take(bool Options::*flag, const Given&) { m_options.*flag = true; }
+    void take(std::optional<QString> Options::*text) { m_options.*text = m_value; }
 
-    void take(std::optional<QString> Options::*text, const Given& given) { m_options.*text = given.value; }
-
-    void take(Special special, const Given& given) {
-        const QString value = given.value.value_or(QString());
+    void take(Special special) {
+        const QString value = m_value.value_or(QString());
         switch (special) {
         case Special::play:
-            take(Options::Playback::play, given);
-            if (given.value)
-                takeStationName(given.name, value);
+            take(Options::Playback::play);
+            if (m_value)
+                takeStationName(value);
             break;
         case Special::station:
-            takeStation(given.name, value);
+            if (value == u"next")
+                m_options.stationStep = Options::StationStep::next;
+            else if (value == u"previous")
+                m_options.stationStep = Options::StationStep::previous;
+            else
+                takeStationName(value);
             break;
         case Special::volume:
             m_options.volume = volumeNamed(value);
@@ -103,33 +101,24 @@ private:
         case Special::notify:
             m_options.notify = switchNamed(value);
             if (!m_options.notify)
-                refuse(text::onOrOff, given.name, value);
+                refuse(text::onOrOff, m_name, value);
             break;
         }
     }
 
-    void takeStation(const QString& name, const QString& value) {
-        if (value == u"next")
-            m_options.stationStep = Options::StationStep::next;
-        else if (value == u"previous")
-            m_options.stationStep = Options::StationStep::previous;
-        else
-            takeStationName(name, value);
-    }
-
-    void takeStationName(const QString& name, const QString& value) {
+    void takeStationName(const QString& value) {
         m_options.station = stationNamed(value);
         if (!m_options.station)
-            refuse(text::noSuchStation, name, value, stationNames().join(u", "_qs));
+            refuse(text::noSuchStation, m_name, value, stationNames().join(u", "_qs));
     }
 
-    void take(Options::Playback playback, const Given&) {
+    void take(Options::Playback playback) {
         if (m_options.playback != Options::Playback::leave && m_options.playback != playback)
             refuse(text::onlyOneOf, u"--play, --stop, --toggle"_qs);
         m_options.playback = playback;
     }
 
-    void take(Options::Task task, const Given&) {
+    void take(Options::Task task) {
         if (m_options.task == Options::Task::run || task == Options::Task::help)
             m_options.task = task;
         else if (m_options.task != task && m_options.task != Options::Task::help)
@@ -160,6 +149,9 @@ private:
     const QStringList& m_arguments;
     AppLanguage m_language;
     qsizetype m_next = 0;
+    /// The option that is being read.
+    QString m_name;
+    std::optional<QString> m_value;
     Options m_options;
     QString m_refusal;
 };

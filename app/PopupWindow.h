@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "app/RadioObjects.h"
 #include "platform/MenuItem.h"
 
 #include <QString>
@@ -10,22 +11,16 @@
 
 namespace zofra {
 
-class LanguageManager;
 class RadioControls;
-class RadioPlayer;
-class RadioViewModel;
-class SonosManager;
 
 /// What the popup panel is built with. All objects outlive the panel.
 struct PopupPanelContent {
     /// For example "1.0 (Build 1)".
     QString version;
-    RadioViewModel& viewModel;
+    /// What it shows.
+    RadioObjects objects;
     /// Closes the window that hosts the panel.
     std::function<void()> onClose;
-    RadioPlayer& player;
-    SonosManager& sonos;
-    LanguageManager& languages;
     /// Reaches the acts.
     RadioControls& controls;
     /// The status bar's menu as it is now, for whoever asks for it here: there may be no status bar.

@@ -112,7 +112,7 @@ ZofraMenuBarApp::ZofraMenuBarApp(Configuration configuration, QtMainQueue& mainQ
             m_delegate->state().touch();
     };
     m_desktop =
-        m_configuration.display == Display::none
+        m_configuration.options.headless
             ? makeNoDesktop()
             : makeDesktop({m_sessionBus, m_mainQueue, m_defaults, m_output, m_workspace, itemChanged});
     m_desktop->setActivationToken(m_configuration.activation.activationToken.toUtf8());
@@ -188,8 +188,7 @@ int ZofraMenuBarApp::run() {
 }
 
 void ZofraMenuBarApp::prepare() {
-    const PopupPanelContent content{versionText(bundle()), m_delegate->viewModel(), [] {},
-                                    RadioPlayer::shared(), SonosManager::shared(),  LanguageManager::shared(),
+    const PopupPanelContent content{versionText(bundle()), m_delegate->objects(), [] {},
                                     m_delegate->controls()};
     runIdleSteps(m_mainQueue, m_desktop->preparation(content, m_delegate->contextMenu()));
 }
@@ -273,7 +272,7 @@ void ZofraMenuBarApp::connectMediaControls() {
     };
     m_media.onPlayStationRequested = [this](const QString& key) { play(RadioStation::fromRawValue(key)); };
     m_media.onQuit = [this] { m_delegate->quit(); };
-    if (m_configuration.display == Display::present)
+    if (!m_configuration.options.headless)
         m_media.onRaise = [this] { m_delegate->showAboutWindow(); };
     showMedia(m_delegate->state().now());
 }

@@ -40,11 +40,9 @@ class Desktop;
 /// at work when the program ends. Main thread only.
 class ZofraMenuBarApp {
 public:
-    enum class Display { none, present };
     struct Configuration {
         Options options;
         ServiceHosts hosts;
-        Display display = Display::none;
         /// What the desktop handed over with the start.
         Activation activation;
     };

@@ -40,9 +40,9 @@ int printHistory(const Options& options) {
         return refuse(failed, file.error());
     const SongHistory history(file->value_or(QByteArray()));
     if (options.isJson)
-        return print(historyJson(history));
+        return print(history.forScripts());
     return history.songs().empty() ? refuse(fine, texts::command::noHistory.in(options.language))
-                                   : print(historyLines(history));
+                                   : print(history.lines());
 }
 
 int start(const Options& options, bool hasDisplay, const Activation& activation) {
@@ -51,12 +51,15 @@ int start(const Options& options, bool hasDisplay, const Activation& activation)
     auto& sessionBus = *new SessionBus(SessionBus::Kind::session, mainQueue);
     if (options.task == Options::Task::doctor)
         return runDoctor(options, versionText(ZofraMenuBarApp::bundle()), mainQueue, sessionBus);
-    if (options.task != Options::Task::run || options.needsRunning())
-        return askRunning(sessionBus.connection(), options);
+    if (options.task != Options::Task::run || options.needsRunning()) {
+        const auto bus = sessionBus.connection();
+        return bus ? RunningProgram(*bus, options).ask()
+                   : refuse(failed, texts::command::noBus.in(options.language));
+    }
 
     auto& applicationBus = *new ApplicationBus(sessionBus);
     if (applicationBus.tryAcquire() == ApplicationBus::Claim::anotherIsRunning)
-        return handOver(*sessionBus.connection(), options, activation);
+        return RunningProgram(*sessionBus.connection(), options).handOver(activation);
 
     auto hosts = ServiceHosts::load(xdg::configFiles(ServiceHosts::fileName), options.endpointsFile);
     if (!hosts)
@@ -65,10 +68,8 @@ int start(const Options& options, bool hasDisplay, const Activation& activation)
         return refuse(failed, texts::command::noDisplay.in(options.language));
 
     neverWaitForReaders();
-    auto& program = *new ZofraMenuBarApp(
-        {options, *hosts,
-         options.headless ? ZofraMenuBarApp::Display::none : ZofraMenuBarApp::Display::present, activation},
-        mainQueue, sessionBus, applicationBus);
+    auto& program =
+        *new ZofraMenuBarApp({options, *hosts, activation}, mainQueue, sessionBus, applicationBus);
     return program.run();
 }
 

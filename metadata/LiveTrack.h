@@ -16,7 +16,9 @@ namespace zofra {
 // What the live feed sends, as JSON records of optional fields. Usable from any thread.
 
 /// " – ", between an artist and a title wherever both are shown.
-[[nodiscard]] QString nowPlayingSeparator();
+[[nodiscard]] inline QString nowPlayingSeparator() {
+    return u" \u2013 "_qs;
+}
 
 /// Who performs a track.
 struct ZofraLiveArtist {
@@ -25,13 +27,23 @@ struct ZofraLiveArtist {
     friend bool operator==(const ZofraLiveArtist&, const ZofraLiveArtist&) = default;
 };
 
+/// Artist and title, or the one there is; `otherwise` when there is neither.
+[[nodiscard]] inline QString artistAndTitle(const std::optional<ZofraLiveArtist>& artist,
+                                            const std::optional<QString>& title, const QString& otherwise) {
+    const auto a = artist ? artist->name.value_or(QString()).trimmed() : QString();
+    const auto t = title.value_or(QString()).trimmed();
+    if (!a.isEmpty() && !t.isEmpty())
+        return a + nowPlayingSeparator() + t;
+    return !t.isEmpty() ? t : !a.isEmpty() ? a : otherwise;
+}
+
 /// The track that will follow.
 struct ZofraNextTrack {
     std::optional<QString> title;
     std::optional<ZofraLiveArtist> artist;
 
     /// Artist and title, or the one there is; empty when there is neither.
-    [[nodiscard]] QString formatted() const;
+    [[nodiscard]] QString formatted() const { return artistAndTitle(artist, title, QString()); }
     static void visitFields(auto& track, auto&& field) {
         field("title", track.title);
         field("artist", track.artist);
@@ -46,9 +58,12 @@ struct ZofraLiveTrackData {
     std::optional<ZofraNextTrack> next;
 
     /// Artist and title, or the one there is; "Radio" when there is neither.
-    [[nodiscard]] QString formattedCurrent() const;
+    [[nodiscard]] QString formattedCurrent() const { return artistAndTitle(artist, title, u"Radio"_qs); }
     /// The same of the track that will follow, if anything is known of it.
-    [[nodiscard]] std::optional<QString> formattedNext() const;
+    [[nodiscard]] std::optional<QString> formattedNext() const {
+        const QString text = next ? next->formatted() : QString();
+        return text.isEmpty() ? std::nullopt : std::optional(text);
+    }
     static void visitFields(auto& track, auto&& field) {
         field("title", track.title);
         field("artist", track.artist);

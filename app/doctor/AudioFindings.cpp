@@ -2,7 +2,6 @@
 #include "app/doctor/AudioFindings.h"
 
 #include "platform/linux/Descriptor.h"
-#include "stations/texts/DoctorTexts.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -16,8 +15,6 @@
 namespace zofra::doctor {
 
 namespace {
-
-namespace text = texts::doctor;
 
 /// Whether somebody takes connections there.
 SoundServer::State stateOf(const QString& path) {
@@ -55,20 +52,6 @@ QString deviceList(const QStringList& devices, AppLanguage language) {
     return text;
 }
 
-QString serverName(const SoundServer& server) {
-    static constexpr std::array names{"absent", "refuses", "present"};
-    return QString::fromLatin1(names.at(static_cast<std::size_t>(server.state)));
-}
-
-Finding noDevice(const QString& area, const SoundServer& server, const QString& reason,
-                 const QJsonObject& details, AppLanguage language) {
-    const QString why = reason.isEmpty() ? QString() : u" ("_qs + reason + u')';
-    if (server.state == SoundServer::State::present)
-        return problem(area, text::noDevice.in(language, why), text::plugInOutput.in(language), details);
-    const auto where = server.address.isEmpty() ? QString() : text::at.in(language, server.address);
-    return problem(area, text::noServer.in(language, where + why), text::startAudio.in(language), details);
-}
-
 } // namespace
 
 SoundServer SoundServer::find() {
@@ -87,11 +70,13 @@ SoundServer SoundServer::find() {
 }
 
 Finding judgeAudio(const SoundServer& server, const AudioProbe& probe, AppLanguage language) {
+    static constexpr std::array states{"absent", "refuses", "present"};
     const QString area = u"audio"_qs;
-    const QJsonObject details{{u"server"_qs, server.address},
-                              {u"server_state"_qs, serverName(server)},
-                              {u"driver"_qs, probe.driver},
-                              {u"devices"_qs, QJsonArray::fromStringList(probe.devices)}};
+    const QJsonObject details{
+        {u"server"_qs, server.address},
+        {u"server_state"_qs, QString::fromLatin1(states.at(static_cast<std::size_t>(server.state)))},
+        {u"driver"_qs, probe.driver},
+        {u"devices"_qs, QJsonArray::fromStringList(probe.devices)}};
     switch (probe.outcome) {
     case AudioProbe::Outcome::opened:
         return fine(
@@ -106,7 +91,11 @@ Finding judgeAudio(const SoundServer& server, const AudioProbe& probe, AppLangua
     case AudioProbe::Outcome::noDevice:
         break;
     }
-    return noDevice(area, server, probe.reason, details, language);
+    const QString why = probe.reason.isEmpty() ? QString() : u" ("_qs + probe.reason + u')';
+    if (server.state == SoundServer::State::present)
+        return problem(area, text::noDevice.in(language, why), text::plugInOutput.in(language), details);
+    const auto where = server.address.isEmpty() ? QString() : text::at.in(language, server.address);
+    return problem(area, text::noServer.in(language, where + why), text::startAudio.in(language), details);
 }
 
 } // namespace zofra::doctor

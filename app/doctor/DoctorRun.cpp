@@ -9,6 +9,7 @@
 #include "app/doctor/Report.h"
 #include "app/doctor/SettingsFindings.h"
 #include "app/doctor/SpeakerCheck.h"
+#include "platform/JsonRecord.h"
 #include "platform/linux/IniDefaultsStore.h"
 #include "platform/linux/ThreadTaskPool.h"
 #include "platform/linux/XdgFolders.h"
@@ -16,13 +17,10 @@
 #include "platform/linux/net/CurlGlobal.h"
 #include "platform/linux/net/CurlHttpSession.h"
 #include "platform/linux/x11/XServer.h"
-#include "stations/texts/DoctorTexts.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <QJsonDocument>
 
-#include <cstdio>
 #include <memory>
 #include <semaphore>
 
@@ -32,8 +30,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using namespace doctor;
-namespace text = texts::doctor;
-
 constexpr auto wholeTime = 14s;
 constexpr auto audioTime = 10s;
 
@@ -100,7 +96,7 @@ private:
             facts.hasOldTray = server && server->hasTray();
             isKnown->release();
             if (bus)
-                askForPanel(facts, *bus);
+                DesktopProbe(*bus).ask(facts);
             return Findings{judgeSession(facts, language), judgePanel(facts, language)};
         };
         return background(
@@ -121,7 +117,12 @@ private:
     std::unique_ptr<Check> programCheck() {
         return background(problem(u"bus"_qs, text::busSilent.in(m_language), text::logInAgain.in(m_language)),
                           [bus = m_bus, version = m_version, language = m_language] {
-                              const auto facts = askForProgram(bus, version);
+                              ProgramFacts facts;
+                              facts.ownVersion = version;
+                              facts.busAddress = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+                              facts.hasBus = bus.has_value();
+                              if (bus)
+                                  DesktopProbe(*bus).ask(facts);
                               return Findings{judgeBus(facts, language), judgeProgram(facts, language)};
                           });
     }
@@ -160,7 +161,7 @@ private:
             return HostProbe::run(request, authority);
         };
         m_liveHttp = std::make_unique<CurlHttpSession>(authority);
-        for (const auto& target : hostTargets(hosts)) {
+        for (const auto& target : HostTarget::all(hosts)) {
             if (target.kind == HostTarget::Kind::live)
                 checks.push_back(std::make_unique<LiveSocketCheck>(m_tasks, m_mainQueue, target, send,
                                                                    m_liveHttp->webSockets(), m_language));
@@ -195,13 +196,6 @@ private:
     Silence m_silence;
 };
 
-int print(const Report& report, bool isForScripts, AppLanguage language) {
-    const QByteArray text = isForScripts ? QJsonDocument(toJson(report)).toJson(QJsonDocument::Compact)
-                                         : toText(report, language).toUtf8();
-    std::printf("%s\n", text.constData());
-    return std::fflush(stdout) == 0 ? report.exitStatus() : 1;
-}
-
 } // namespace
 
 int runDoctor(const Options& options, const QString& version, QtMainQueue& mainQueue,
@@ -217,7 +211,9 @@ int runDoctor(const Options& options, const QString& version, QtMainQueue& mainQ
     auto& examination = *new Examination(mainQueue, doctor.makeChecks());
     int status = 1;
     examination.run(wholeTime, [&](Findings findings) {
-        status = print({version, std::move(findings)}, isForScripts, language);
+        const Report report{version, std::move(findings)};
+        const QString all = isForScripts ? compactJson(report.toJson()) : report.toText(language);
+        status = print(all) == ExitStatus::fine ? report.exitStatus() : ExitStatus::failed;
         QCoreApplication::exit(status);
     });
     QCoreApplication::exec();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "stations/AppLanguage.h"
+#include "stations/texts/DoctorTexts.h"
 
 #include <QJsonObject>
 
@@ -9,6 +10,8 @@
 #include <vector>
 
 namespace zofra::doctor {
+
+namespace text = texts::doctor;
 
 enum class Verdict { ok, problem, skipped };
 
@@ -23,6 +26,9 @@ struct Finding {
     QString cure;
     /// The same for programs.
     QJsonObject details;
+
+    /// The area of findings about endpoints files, whose problems have an exit status of their own.
+    static inline const QString endpointsArea = u"endpoints"_qs;
 
     friend bool operator==(const Finding&, const Finding&) = default;
 };

@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/doctor/HostFindings.h"
 
-#include "metadata/OnAirItem.h"
-#include "metadata/ScraperPage.h"
-#include "stations/texts/DoctorTexts.h"
-
 #include <QJsonArray>
 
 #include <algorithm>
@@ -15,8 +11,6 @@
 namespace zofra::doctor {
 
 namespace {
-
-namespace text = texts::doctor;
 
 using Step = HostProbe::Step;
 
@@ -130,7 +124,7 @@ QJsonObject details(const HostTarget& target, const HostProbe& probe) {
 
 Finding asFinding(const HostTarget& target, const HostProbe& probe, const std::optional<Wrong>& wrong,
                   AppLanguage language) {
-    const QString area = areaOf(target.kind);
+    const QString area = target.area();
     if (wrong)
         return problem(area, target.host + u": "_qs + wrong->text, wrong->cure, details(target, probe));
     return fine(area, text::hostFine.in(language, target.host, QString::number(probe.answerTime.count())),
@@ -145,9 +139,8 @@ Finding judgeHost(const HostTarget& target, const std::vector<HostProbe>& probes
             return asFinding(target, probe, wrong, language);
     }
     const auto slowest = std::ranges::max_element(probes, {}, &HostProbe::answerTime);
-    return slowest == probes.end()
-               ? skipped(areaOf(target.kind), text::hostNotAsked.in(language, target.host))
-               : asFinding(target, *slowest, std::nullopt, language);
+    return slowest == probes.end() ? skipped(target.area(), text::hostNotAsked.in(language, target.host))
+                                   : asFinding(target, *slowest, std::nullopt, language);
 }
 
 Finding judgeLiveSocket(const HostTarget& target, const HostProbe& probe, const LiveSocketOutcome& outcome,

@@ -1,17 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/doctor/PanelFindings.h"
 
-#include "stations/texts/DoctorTexts.h"
-
 namespace zofra::doctor {
 
 namespace {
 
-namespace text = texts::doctor;
-
-QString area() {
-    return u"panel"_qs;
-}
+const QString area = u"panel"_qs;
 
 QString windowsName(TraySession::Windows windows, AppLanguage language) {
     using Windows = TraySession::Windows;
@@ -25,12 +19,9 @@ QString panelName(const DesktopFacts& facts, AppLanguage language) {
                                                 : facts.session.panelProgram;
 }
 
-bool isChosenByUser(const QString& setting) {
-    return setting == u"direct" || setting == u"hostmenu";
-}
-
 const Text& reasonFor(const DesktopFacts& facts, StatusItemMode mode) {
-    if (isChosenByUser(facts.session.setting))
+    const QString& setting = facts.session.setting;
+    if (setting == u"direct" || setting == u"hostmenu")
         return text::asSettingSays;
     if (mode == StatusItemMode::direct)
         return text::passesBothClicks;
@@ -41,7 +32,7 @@ Finding shown(const DesktopFacts& facts, AppLanguage language) {
     const auto mode = trayMode(facts.session);
     const QString name = statusItemModeName(mode);
     return fine(
-        area(),
+        area,
         text::panelShows.in(language, panelName(facts, language), name, reasonFor(facts, mode).in(language)),
         {{u"panel"_qs, facts.session.panelProgram}, {u"mode"_qs, name}});
 }
@@ -51,36 +42,35 @@ Finding notShown(const DesktopFacts& facts, AppLanguage language) {
     const auto& cure = isGnome ? text::installExtension : facts.hasWatcher ? text::addTray : text::startPanel;
     const QString found = facts.hasWatcher ? text::watchedButNotShown.in(language, panelName(facts, language))
                                            : text::notShown.in(language);
-    return problem(area(), found, cure.in(language),
-                   {{u"panel"_qs, QJsonValue()}, {u"mode"_qs, u"window"_qs}});
+    return problem(area, found, cure.in(language), {{u"panel"_qs, QJsonValue()}, {u"mode"_qs, u"window"_qs}});
 }
 
 } // namespace
 
 Finding judgeSession(const DesktopFacts& facts, AppLanguage language) {
-    const QString area = u"session"_qs;
+    const QString session = u"session"_qs;
     const QJsonObject details{{u"platform"_qs, facts.platform}, {u"desktop"_qs, facts.session.desktop}};
     if (facts.isHeadless)
-        return fine(area, text::noDisplayNeeded.in(language), details);
+        return fine(session, text::noDisplayNeeded.in(language), details);
     if (facts.platform.isEmpty())
-        return problem(area,
+        return problem(session,
                        facts.variables.isEmpty() ? text::noDisplaySet.in(language)
                                                  : text::noDisplayAnswers.in(language, facts.variables),
                        text::startInSession.in(language), details);
     const QString desktop =
         facts.session.desktop.isEmpty() ? text::desktopUnknown.in(language) : facts.session.desktop;
-    return fine(area, windowsName(facts.session.windows, language) + u", "_qs + desktop, details);
+    return fine(session, windowsName(facts.session.windows, language) + u", "_qs + desktop, details);
 }
 
 Finding judgePanel(const DesktopFacts& facts, AppLanguage language) {
     if (facts.isHeadless)
-        return skipped(area(), text::headlessShowsNone.in(language));
+        return skipped(area, text::headlessShowsNone.in(language));
     if (facts.platform.isEmpty())
-        return skipped(area(), text::noDisplayForPanel.in(language));
+        return skipped(area, text::noDisplayForPanel.in(language));
     if (facts.hasWatcher && facts.hasPanel)
         return shown(facts, language);
     if (facts.hasOldTray && facts.session.windows == TraySession::Windows::x11)
-        return fine(area(), text::oldTray.in(language),
+        return fine(area, text::oldTray.in(language),
                     {{u"panel"_qs, QJsonValue()}, {u"mode"_qs, u"xembed"_qs}});
     return notShown(facts, language);
 }

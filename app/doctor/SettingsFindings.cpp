@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/doctor/SettingsFindings.h"
 
-#include "app/doctor/Report.h"
 #include "platform/linux/Descriptor.h"
 #include "platform/linux/IniFile.h"
 #include "stations/RadioStation.h"
-#include "stations/texts/DoctorTexts.h"
 
 #include <QDir>
 #include <QFile>
@@ -21,8 +19,6 @@
 namespace zofra::doctor {
 
 namespace {
-
-namespace text = texts::doctor;
 
 /// More than the settings will ever grow by at once.
 constexpr qsizetype trialBytes = 65'536;
@@ -70,9 +66,7 @@ QString mistakeInWritingTo(const QString& path) {
     return mistakeInWriting(nearestFolder(target), exists ? status.st_size + trialBytes : trialBytes);
 }
 
-QString area() {
-    return u"settings"_qs;
-}
+const QString area = u"settings"_qs;
 
 /// A path as a person writes it.
 QString shortened(const QString& path) {
@@ -136,28 +130,28 @@ Finding judgeSettings(const SettingsFacts& facts, AppLanguage language) {
     const QJsonObject details{
         {u"path"_qs, facts.path}, {u"exists"_qs, facts.exists}, {u"damaged"_qs, facts.isDamaged}};
     if (!facts.readProblem.isEmpty())
-        return problem(area(), text::cannotBeRead.in(language, path, facts.readProblem),
+        return problem(area, text::cannotBeRead.in(language, path, facts.readProblem),
                        text::makeReadable.in(language, path), details);
     if (!facts.writeProblem.isEmpty())
-        return problem(area(), text::cannotBeWritten.in(language, path, facts.writeProblem),
+        return problem(area, text::cannotBeWritten.in(language, path, facts.writeProblem),
                        writeCure(facts, language), details);
     if (facts.isDamaged)
-        return problem(area(), text::damaged.in(language, path), text::writeAnew.in(language), details);
+        return problem(area, text::damaged.in(language, path), text::writeAnew.in(language), details);
     if (const auto strange = strangeValues(facts); !strange.isEmpty())
-        return problem(area(), text::notUsable.in(language, path, strange.join(u", "_qs)),
+        return problem(area, text::notUsable.in(language, path, strange.join(u", "_qs)),
                        text::correctLines.in(language), details);
-    return fine(area(), facts.exists ? path : text::notThereYet.in(language, path), details);
+    return fine(area, facts.exists ? path : text::notThereYet.in(language, path), details);
 }
 
 Finding judgeEndpoints(const EndpointsFacts& facts, AppLanguage language) {
-    const QString area = QString::fromLatin1(endpointsArea);
     const QJsonObject details{{u"files"_qs, QJsonArray::fromStringList(facts.files)}};
     if (!facts.refusal.isEmpty())
-        return problem(area, facts.refusal, text::correctLine.in(language), details);
+        return problem(Finding::endpointsArea, facts.refusal, text::correctLine.in(language), details);
     QStringList names;
     for (const auto& file : facts.files)
         names.append(shortened(file));
-    return fine(area, names.isEmpty() ? text::builtInHosts.in(language) : names.join(u", "_qs), details);
+    return fine(Finding::endpointsArea,
+                names.isEmpty() ? text::builtInHosts.in(language) : names.join(u", "_qs), details);
 }
 
 } // namespace zofra::doctor

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/doctor/SpeakerFindings.h"
 
-#include "stations/texts/DoctorTexts.h"
-
 #include <QJsonArray>
 
 #include <algorithm>
@@ -12,16 +10,12 @@ namespace zofra::doctor {
 
 namespace {
 
-namespace text = texts::doctor;
-
-constexpr auto multicastAddress = QLatin1String("239.255.255.250");
-
 QString errorText(int error) {
     return QString::fromStdString(std::generic_category().message(error));
 }
 
 bool isMulticast(const InterfaceSearch::Send& send) {
-    return send.address == multicastAddress;
+    return send.address == u"239.255.255.250";
 }
 
 QJsonObject details(const InterfaceSearch& search) {

@@ -11,8 +11,9 @@
 #include <utility>
 
 // Outside of any namespace, as the macro asks for. Needed because the resources live in a static library.
-static void registerIconResources() {
+static bool registerIconResources() {
     Q_INIT_RESOURCE(icons);
+    return true;
 }
 
 namespace zofra {
@@ -23,6 +24,7 @@ constexpr int cacheBytes = 2 * 1024 * 1024;
 constexpr int longestEdge = 4096;
 
 QString pathOf(const QString& name) {
+    [[maybe_unused]] static const bool isRegistered = registerIconResources();
     return u":/zofra/icons/%1.svg"_qs.arg(name);
 }
 
@@ -94,26 +96,21 @@ private:
 
 } // namespace
 
-IconSet::IconSet() {
-    registerIconResources();
-}
-
 bool IconSet::contains(const QString& name) {
-    registerIconResources();
     return QFile::exists(pathOf(name));
 }
 
-QImage IconSet::image(const QString& name, int pixels, const QColor& color) const {
+QImage IconSet::image(const QString& name, int pixels, const QColor& color) {
     return render(name, {pixels, pixels}, color);
 }
 
-QPixmap IconSet::pixmap(const QString& name, QSize size, qreal devicePixelRatio, const QColor& color) const {
+QPixmap IconSet::pixmap(const QString& name, QSize size, qreal devicePixelRatio, const QColor& color) {
     QPixmap pixmap = QPixmap::fromImage(render(name, (QSizeF(size) * devicePixelRatio).toSize(), color));
     pixmap.setDevicePixelRatio(devicePixelRatio);
     return pixmap;
 }
 
-QIcon IconSet::icon(const QString& name, const QColor& color) const {
+QIcon IconSet::icon(const QString& name, const QColor& color) {
     return QIcon(new DrawingEngine(name, color));
 }
 

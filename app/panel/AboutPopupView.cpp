@@ -30,8 +30,7 @@ constexpr auto rebuildEvent = static_cast<QEvent::Type>(QEvent::User + 1);
 
 PanelLook makeLook(const PanelEnvironment& environment, const QWidget& widget) {
     return {PanelTheme::make(environment.appearance.current(), widget.palette()),
-            PanelMetrics(widget.font(), widget.logicalDpiY(), widget.screen()->availableGeometry().height()),
-            environment.icons};
+            PanelMetrics(widget.font(), widget.logicalDpiY(), widget.screen()->availableGeometry().height())};
 }
 
 } // namespace
@@ -41,8 +40,7 @@ AboutPopupView::AboutPopupView(PopupPanelContent content, const PanelEnvironment
     : QWidget(parent)
     , m_content(std::move(content))
     , m_environment(environment)
-    , m_source(environment.mainQueue,
-               {m_content.viewModel, m_content.player, m_content.sonos, m_content.languages})
+    , m_source(environment.mainQueue, m_content.objects)
     , m_look(makeLook(environment, *this)) {
     installPanelAccess(); // before anybody asks what this is
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -50,7 +48,7 @@ AboutPopupView::AboutPopupView(PopupPanelContent content, const PanelEnvironment
     setAttribute(Qt::WA_QuitOnClose, false);
     setAccessibleName(u"Zofra Zofra"_qs);
     // Of this window only: giving each menu a picture for the task bar would make it come later.
-    setWindowIcon(environment.icons.icon(u"ZofraLogo"_qs, Qt::white));
+    setWindowIcon(IconSet::icon(u"ZofraLogo"_qs, Qt::white));
     build();
     m_stateChanged = m_source.observe([this](const RadioState& state) { refresh(state); });
     m_appearanceChanged = m_environment.appearance.observeChanged([this] { updateLook(); });
@@ -72,8 +70,10 @@ void AboutPopupView::connectParts() {
     for (LanguageButton* button : m_parts->languages)
         connect(button, &QPushButton::clicked, this,
                 [&controls, language = button->language()] { controls.chooseLanguage(language); });
-    m_parts->station->makeEntries = [this] { return stationMenuEntries(m_source.now(), m_content.controls); };
-    m_parts->output->makeEntries = [this] { return outputMenuEntries(m_source.now(), m_content.controls); };
+    m_parts->station->makeEntries = [this] {
+        return PanelMenus::stations(m_source.now(), m_content.controls);
+    };
+    m_parts->output->makeEntries = [this] { return PanelMenus::outputs(m_source.now(), m_content.controls); };
     connect(m_parts->play, &QPushButton::clicked, this, [&controls] { controls.toggle(); });
     m_parts->volume->onMoved = [&controls](float volume) { controls.setVolume(volume); };
     connect(m_parts->credit->link(), &QPushButton::clicked, this,

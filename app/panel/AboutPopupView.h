@@ -24,7 +24,6 @@ struct PanelEnvironment {
     MainQueue& mainQueue;
     StandardOutput& output;
     Workspace& workspace;
-    const IconSet& icons;
     AppearanceSource& appearance;
     /// Shows a menu that belongs to `window`, at a point of the screen.
     std::function<void(const Menu& menu, QPoint at, QWidget& window)> popUpMenu = nullptr;

@@ -36,7 +36,7 @@ protected:
             strokeRounded(painter, box, radius(), theme.accentText, metrics.scaled(1.5));
             const int edge = metrics.px(13);
             const int inset = (box.width() - edge) / 2;
-            paintIcon(painter, look(), u"checkmark"_qs,
+            paintIcon(painter, u"checkmark"_qs,
                       QRect(box.topLeft() + QPoint(inset, inset), QSize(edge, edge)), theme.onAccent);
         } else {
             fillRounded(painter, box, radius(), underMouse() || isDown() ? theme.hover : theme.card);

@@ -60,7 +60,7 @@ protected:
         const int left = m_style.alignment.testFlag(Qt::AlignLeft)    ? 0
                          : m_style.alignment.testFlag(Qt::AlignRight) ? spare
                                                                       : spare / 2;
-        paintIcon(painter, m_look, m_name, QRect(bleed + left, (height() - edge) / 2, edge, edge),
+        paintIcon(painter, m_name, QRect(bleed + left, (height() - edge) / 2, edge, edge),
                   m_style.ink == Ink::accent ? m_look.theme.accentText : m_look.theme.dim);
     }
 

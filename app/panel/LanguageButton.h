@@ -71,8 +71,7 @@ protected:
             QPoint(body.center().x() - (size.width() - 1) / 2, body.center().y() - (size.height() - 1) / 2),
             size);
         const qreal ratio = painter.paintEngine()->paintDevice()->devicePixelRatioF();
-        QBrush cloth(
-            look().icons.pixmap(QLatin1String("flag-") + rawValue(m_language), size, ratio, theme.text));
+        QBrush cloth(IconSet::pixmap(QLatin1String("flag-") + rawValue(m_language), size, ratio, theme.text));
         painter.save();
         painter.translate(flag.topLeft());
         painter.setPen(Qt::NoPen);

@@ -2,8 +2,15 @@
 #pragma once
 
 #include "app/panel/PanelLook.h"
+#include "platform/ForeignText.h"
 
+#include <QHelpEvent>
+#include <QPaintEvent>
 #include <QPushButton>
+#include <QStyle>
+#include <QToolTip>
+
+#include <algorithm>
 
 namespace zofra {
 
@@ -17,14 +24,27 @@ public:
         qreal radius = 8;
         qreal textSize = 14;
         QFont::Weight weight = QFont::DemiBold;
-        /// Around the title.
-        qreal padding = 14;
     };
 
-    PanelButton(const PanelLook& look, const Style& style, QWidget* parent);
+    PanelButton(const PanelLook& look, const Style& style, QWidget* parent)
+        : QPushButton(parent)
+        , m_look(look)
+        , m_style(style) {
+        setAttribute(Qt::WA_Hover);
+        setFocusPolicy(Qt::TabFocus);
+        setAutoDefault(true);
+        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    }
 
     /// What stands on the button, and what screen readers call it.
-    void setTitle(const QString& title);
+    void setTitle(const QString& title) {
+        if (title == m_title)
+            return;
+        m_title = title;
+        setAccessibleName(title);
+        updateGeometry();
+        update();
+    }
     [[nodiscard]] const QString& title() const { return m_title; }
     /// Shown on hover. Not what screen readers add to the name: see `setAccessibleDescription`.
     void setHelp(const QString& help) { m_help = help; }
@@ -47,18 +67,56 @@ protected:
     [[nodiscard]] const PanelLook& look() const { return m_look; }
     [[nodiscard]] QRect bodyRect() const { return rect() - m_look.metrics.bleeds(); }
     [[nodiscard]] qreal radius() const { return m_look.metrics.scaled(m_style.radius); }
-    [[nodiscard]] virtual QFont textFont() const;
-    [[nodiscard]] int titleWidth() const;
-    [[nodiscard]] int titleHeight() const;
+    [[nodiscard]] virtual QFont textFont() const {
+        return m_look.metrics.font(m_style.textSize, m_style.weight);
+    }
+    [[nodiscard]] int titleWidth() const {
+        return QFontMetrics(textFont(), this).horizontalAdvance(m_title) + 1;
+    }
+    [[nodiscard]] int titleHeight() const {
+        return std::max(QFontMetrics(textFont(), this).height(), m_look.metrics.px(m_style.textSize * 1.35));
+    }
     /// The title in one line of `room`.
-    void paintTitle(QPainter& painter, const QRect& room, Qt::Alignment alignment, const QColor& color) const;
+    void paintTitle(QPainter& painter, const QRect& room, Qt::Alignment alignment,
+                    const QColor& color) const {
+        painter.setFont(textFont());
+        painter.setPen(color);
+        paintLine(painter, room, alignment, m_title);
+    }
     /// A desktop without animations says so through its style.
-    [[nodiscard]] bool animates() const;
+    [[nodiscard]] bool animates() const {
+        return style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0;
+    }
     /// The body's ground while the pointer is on it or it is pressed.
-    [[nodiscard]] QColor groundUnderPointer() const;
+    [[nodiscard]] QColor groundUnderPointer() const {
+        return isDown() ? m_look.theme.pressed : m_look.theme.hover;
+    }
 
-    bool event(QEvent* event) override;
-    void paintEvent(QPaintEvent* event) final;
+    bool event(QEvent* event) override {
+        if (event->type() == QEvent::ToolTip) {
+            QString text;
+            for (const QString& line : helpLines()) {
+                if (!line.isEmpty())
+                    text += toolTipText(line);
+            }
+            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text, this);
+            return true;
+        }
+        const bool isHandled = QPushButton::event(event);
+        stayOpaque(*this, *event);
+        return isHandled;
+    }
+    void paintEvent(QPaintEvent* event) final {
+        QPainter painter(this);
+        painter.fillRect(event->rect(), m_look.theme.window);
+        painter.setRenderHint(QPainter::Antialiasing);
+        paintBody(painter, bodyRect());
+        if (!hasFocus())
+            return;
+        const int reach = ringReach();
+        strokeRounded(painter, ringed().adjusted(-reach, -reach, reach, reach), radius() + reach,
+                      m_look.theme.accentText, m_look.metrics.scaled(m_look.theme.isHighContrast ? 3 : 2));
+    }
 
 private:
     const PanelLook& m_look;

@@ -8,7 +8,7 @@
 #include <QEvent>
 #include <QPaintEngine>
 #include <QPainter>
-#include <QRectF>
+#include <QPolygonF>
 #include <QWidget>
 
 namespace zofra {
@@ -18,7 +18,6 @@ namespace zofra {
 struct PanelLook {
     PanelTheme theme;
     PanelMetrics metrics;
-    const IconSet& icons;
 };
 
 /// What a part stands on. Parts paint it themselves, so that repainting one repaints nothing behind it.
@@ -36,24 +35,59 @@ inline void stayOpaque(QWidget& part, const QEvent& event) {
 }
 
 /// Draws the drawing `name` into `square`, sharp at the painter's device ratio.
-void paintIcon(QPainter& painter, const PanelLook& look, const QString& name, const QRect& square,
-               const QColor& color);
+inline void paintIcon(QPainter& painter, const QString& name, const QRect& square, const QColor& color) {
+    // The device that is really painted on; a widget being rendered elsewhere would name itself.
+    const qreal ratio = painter.paintEngine()->paintDevice()->devicePixelRatioF();
+    painter.drawPixmap(square.topLeft(), IconSet::pixmap(name, square.size(), ratio, color));
+}
 
 /// Fills a rounded rectangle.
-void fillRounded(QPainter& painter, const QRectF& rect, qreal radius, const QColor& color);
+inline void fillRounded(QPainter& painter, const QRectF& rect, qreal radius, const QColor& color) {
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawRoundedRect(rect, radius, radius);
+}
 
 /// Draws a rounded line of `width` lying inside `rect`.
-void strokeRounded(QPainter& painter, const QRectF& rect, qreal radius, const QColor& color, qreal width);
+inline void strokeRounded(QPainter& painter, const QRectF& rect, qreal radius, const QColor& color,
+                          qreal width) {
+    painter.setPen(QPen(color, width));
+    painter.setBrush(Qt::NoBrush);
+    const qreal half = width / 2;
+    painter.drawRoundedRect(rect.adjusted(half, half, -half, -half), radius - half, radius - half);
+}
+
+/// A chevron as drawn: half of its width, and its line.
+inline constexpr qreal chevronReach = 3;
+inline constexpr qreal chevronStroke = 1.5;
 
 /// The room that a chevron drawn downwards takes.
-[[nodiscard]] QSizeF chevronSize(const PanelMetrics& metrics);
+[[nodiscard]] inline QSizeF chevronSize(const PanelMetrics& metrics) {
+    return {metrics.scaled(2 * chevronReach + chevronStroke), metrics.scaled(chevronReach + chevronStroke)};
+}
 
 /// Draws a chevron around `middle`, turned clockwise by `degrees` from pointing downwards.
-void paintChevron(QPainter& painter, const PanelMetrics& metrics, QPointF middle, int degrees,
-                  const QColor& color);
+inline void paintChevron(QPainter& painter, const PanelMetrics& metrics, QPointF middle, int degrees,
+                         const QColor& color) {
+    const qreal reach = metrics.scaled(chevronReach);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(middle);
+    painter.rotate(degrees);
+    painter.setPen(QPen(color, metrics.scaled(chevronStroke), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawPolyline(QPolygonF({{-reach, -reach / 2}, {0, reach / 2}, {reach, -reach / 2}}));
+    painter.restore();
+}
 
 /// Draws one line of text, cut with an ellipsis where it does not fit: at the end of the text, which is on
 /// the left of one that is written from right to left. With the painter's font and pen.
-void paintLine(QPainter& painter, const QRect& room, Qt::Alignment alignment, const QString& text);
+inline void paintLine(QPainter& painter, const QRect& room, Qt::Alignment alignment, const QString& text) {
+    const auto before = painter.layoutDirection();
+    painter.setLayoutDirection(text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+    painter.drawText(room,
+                     static_cast<int>(alignment | Qt::AlignAbsolute | Qt::AlignVCenter) | Qt::TextSingleLine,
+                     painter.fontMetrics().elidedText(text, Qt::ElideRight, room.width()));
+    painter.setLayoutDirection(before);
+}
 
 } // namespace zofra

@@ -47,12 +47,11 @@ PanelMenuStyle::PanelMenuStyle(const PanelLook& look)
     : QProxyStyle(u"fusion"_qs)
     , m_look(look) {}
 
-PanelMenuStyle::PanelMenuStyle(std::unique_ptr<PanelLook> look, AppearanceSource& appearance)
+PanelMenuStyle::PanelMenuStyle(const PanelMetrics& metrics, AppearanceSource& appearance)
     : QProxyStyle(u"fusion"_qs)
-    , m_ownLook(std::move(look))
-    , m_look(*m_ownLook)
-    , m_appearance(&appearance)
-    , m_followed(appearance.observeChanged([this] { followAppearance(); })) {}
+    , m_ownLook{PanelTheme::make(appearance.current(), QGuiApplication::palette()), metrics}
+    , m_look(m_ownLook)
+    , m_followed(appearance.observeChanged([this, &appearance] { take(appearance.current()); })) {}
 
 void PanelMenuStyle::polish(QWidget* widget) {
     QProxyStyle::polish(widget);
@@ -70,8 +69,8 @@ void PanelMenuStyle::unpolish(QWidget* widget) {
     QProxyStyle::unpolish(widget);
 }
 
-void PanelMenuStyle::followAppearance() {
-    m_ownLook->theme = PanelTheme::make(m_appearance->current(), QGuiApplication::palette());
+void PanelMenuStyle::take(const DesktopAppearance& appearance) {
+    m_ownLook.theme = PanelTheme::make(appearance, QGuiApplication::palette());
     const auto all = QApplication::allWidgets();
     for (QWidget* widget : all) {
         if (widget->style() == this)
@@ -141,7 +140,7 @@ void PanelMenuStyle::drawLead(const QStyleOptionMenuItem& item, QPainter& painte
                      item.rect.top() + (item.rect.height() - edge) / 2, edge, edge);
     };
     if (item.checkType != QStyleOptionMenuItem::NotCheckable && item.checked)
-        paintIcon(painter, m_look, u"checkmark"_qs, square(metrics.px(checkSize)), m_look.theme.accentText);
+        paintIcon(painter, u"checkmark"_qs, square(metrics.px(checkSize)), m_look.theme.accentText);
     else if (!item.icon.isNull())
         item.icon.paint(&painter, square(metrics.px(iconSize)));
 }
@@ -155,7 +154,7 @@ void PanelMenuStyle::drawText(const QStyleOptionMenuItem& item, QPainter& painte
     text.replace(QLatin1String("&&"), QLatin1String("&"));
     if (text.startsWith(searchSign)) {
         const int edge = searchSignWidth(item);
-        paintIcon(painter, m_look, u"arrow.clockwise"_qs,
+        paintIcon(painter, u"arrow.clockwise"_qs,
                   QRect(room.left(), room.top() + (room.height() - edge) / 2, edge, edge), ink);
         room.setLeft(room.left() + edge);
         text.remove(0, searchSign.size());

@@ -7,8 +7,6 @@
 
 #include <QProxyStyle>
 
-#include <memory>
-
 class QStyleOptionMenuItem;
 
 namespace zofra {
@@ -21,7 +19,7 @@ public:
     /// `look` outlives the style.
     explicit PanelMenuStyle(const PanelLook& look);
     /// For menus that belong to no panel; open ones follow the desktop, too. `appearance` outlives the style.
-    PanelMenuStyle(std::unique_ptr<PanelLook> look, AppearanceSource& appearance);
+    PanelMenuStyle(const PanelMetrics& metrics, AppearanceSource& appearance);
 
     void polish(QWidget* widget) override;
     void unpolish(QWidget* widget) override;
@@ -42,7 +40,7 @@ public:
 private:
     using QProxyStyle::polish;
     using QProxyStyle::unpolish;
-    void followAppearance();
+    void take(const DesktopAppearance& appearance);
     void drawSurface(QPainter& painter, const QRect& rect, const QWidget* widget) const;
     void drawItem(const QStyleOptionMenuItem& item, QPainter& painter) const;
     void drawLead(const QStyleOptionMenuItem& item, QPainter& painter) const;
@@ -50,9 +48,8 @@ private:
     void drawScroller(const QStyleOptionMenuItem& item, QPainter& painter) const;
     [[nodiscard]] int leadWidth(const QStyleOptionMenuItem& item) const;
 
-    std::unique_ptr<PanelLook> m_ownLook;
+    PanelLook m_ownLook;
     const PanelLook& m_look;
-    AppearanceSource* m_appearance = nullptr;
     ObservationToken m_followed;
     MenuKeys m_keys;
 };

@@ -58,7 +58,7 @@ protected:
         const int edge = metrics.px(drawingSize);
         const QRect square(body.left() + (body.width() - contentWidth()) / 2,
                            body.top() + (body.height() - edge) / 2, edge, edge);
-        paintIcon(painter, look(), m_icon, square, theme.onAccent);
+        paintIcon(painter, m_icon, square, theme.onAccent);
         if (m_isWaiting) {
             const qreal reach = metrics.scaled(arcReach);
             painter.setPen(QPen(theme.onAccent, metrics.scaled(2), Qt::SolidLine, Qt::RoundCap));

@@ -23,10 +23,10 @@ TEST_F(AppDelegateWindowTest, ThePanelGetsTheSharedObjectsAndTheVersion) {
     queue.drain();
     const PopupPanelContent& content = windows.last->content;
     EXPECT_EQ(content.version, u"3.1 (Build 1)"_qs);
-    EXPECT_EQ(&content.viewModel, &delegate->viewModel());
-    EXPECT_EQ(&content.player, player.get());
-    EXPECT_EQ(&content.sonos, sonos.get());
-    EXPECT_EQ(&content.languages, languages.get());
+    EXPECT_EQ(&content.objects.viewModel, &delegate->viewModel());
+    EXPECT_EQ(&content.objects.player, player.get());
+    EXPECT_EQ(&content.objects.sonos, sonos.get());
+    EXPECT_EQ(&content.objects.languages, languages.get());
     const int before = item().refreshes;
     content.controls.toggle();
     EXPECT_EQ(item().refreshes, before + 1) << "an act is shown at once";

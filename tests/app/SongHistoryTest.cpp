@@ -94,10 +94,10 @@ TEST(SongHistoryTest, LeavesOutWhatIsNoSong) {
 TEST(SongHistoryTest, IsPrintedALineForEachAndForgesNone) {
     SongHistory history;
     history.note(playing(u"A\n2020-01-01 forged"_qs), at(60));
-    const QString lines = historyLines(history);
+    const QString lines = history.lines();
     EXPECT_FALSE(lines.contains(u'\n'));
     EXPECT_TRUE(lines.contains(u"  Qmusic: A"_qs)) << lines.toStdString();
-    const auto list = QJsonDocument::fromJson(historyJson(history).toUtf8()).array();
+    const auto list = QJsonDocument::fromJson(history.forScripts().toUtf8()).array();
     ASSERT_EQ(list.size(), 1);
     EXPECT_EQ(list[0].toObject().value(u"station"_qs).toString(), u"qmusic"_qs);
     const auto time = QDateTime::fromString(list[0].toObject().value(u"time"_qs).toString(), Qt::ISODate);

@@ -11,11 +11,11 @@ namespace zofra::doctor {
 namespace {
 
 TEST(HostTargetsTest, AreEveryHostOnceAndEveryKey) {
-    const auto targets = hostTargets(ServiceHosts());
+    const auto targets = HostTarget::all(ServiceHosts());
     QStringList seen;
     QStringList keys;
     for (const auto& target : targets) {
-        seen.append(areaOf(target.kind) + u' ' + target.host);
+        seen.append(target.area() + u' ' + target.host);
         keys += target.keys;
         EXPECT_FALSE(target.urls.isEmpty());
         for (const auto& url : target.urls) {
@@ -34,7 +34,7 @@ TEST(HostTargetsTest, AreEveryHostOnceAndEveryKey) {
 
 TEST(HostTargetsTest, AskForEveryStream) {
     QSet<QUrl> asked;
-    for (const auto& target : hostTargets(ServiceHosts())) {
+    for (const auto& target : HostTarget::all(ServiceHosts())) {
         if (target.kind == HostTarget::Kind::stream)
             asked += QSet<QUrl>(target.urls.begin(), target.urls.end());
     }
@@ -45,7 +45,7 @@ TEST(HostTargetsTest, AskForEveryStream) {
 }
 
 TEST(HostTargetsTest, TheOnAirServiceIsAskedForAStationItKnows) {
-    const auto targets = hostTargets(ServiceHosts());
+    const auto targets = HostTarget::all(ServiceHosts());
     const auto onAir = std::find_if(targets.begin(), targets.end(), [](const auto& target) {
         return target.kind == HostTarget::Kind::onAir;
     });

@@ -28,9 +28,9 @@ TEST(ReportTest, HasAnExitStatusForEachKindOfEnd) {
 }
 
 TEST(ReportTest, IsOneObjectForPrograms) {
-    const auto json =
-        toJson(reportOf({fine(panel, u"it is there"_qs, {{u"mode"_qs, u"direct"_qs}}),
-                         skipped(stream, u"not asked"_qs), problem(stream, u"gone"_qs, u"wait"_qs)}));
+    const auto json = reportOf({fine(panel, u"it is there"_qs, {{u"mode"_qs, u"direct"_qs}}),
+                                skipped(stream, u"not asked"_qs), problem(stream, u"gone"_qs, u"wait"_qs)})
+                          .toJson();
     EXPECT_EQ(json.value(u"version"_qs).toString(), u"1.0 (1)"_qs);
     EXPECT_EQ(json.value(u"status"_qs).toString(), u"problem"_qs);
     EXPECT_EQ(json.value(u"problems"_qs).toInt(), 1);
@@ -47,8 +47,9 @@ TEST(ReportTest, IsOneObjectForPrograms) {
 }
 
 TEST(ReportTest, IsAScreenForPeople) {
-    EXPECT_EQ(toText(reportOf({fine(panel, u"it is there"_qs), skipped(stream, u"not asked"_qs),
-                               problem(u"audio"_qs, u"silent"_qs, u"start it."_qs)})),
+    EXPECT_EQ(reportOf({fine(panel, u"it is there"_qs), skipped(stream, u"not asked"_qs),
+                        problem(u"audio"_qs, u"silent"_qs, u"start it."_qs)})
+                  .toText(),
               u"Zofra Zofra 1.0 (1)\n"
               "\n"
               "ok       panel     it is there\n"
@@ -57,29 +58,30 @@ TEST(ReportTest, IsAScreenForPeople) {
               "                   To do: start it.\n"
               "\n"
               "1 problem."_qs);
-    EXPECT_TRUE(toText(reportOf({fine(panel, u"a"_qs)})).endsWith(u"\nEverything is fine."_qs));
-    EXPECT_TRUE(toText(reportOf({problem(panel, u"a"_qs, u"b"_qs), problem(panel, u"c"_qs, u"d"_qs)}))
+    EXPECT_TRUE(reportOf({fine(panel, u"a"_qs)}).toText().endsWith(u"\nEverything is fine."_qs));
+    EXPECT_TRUE(reportOf({problem(panel, u"a"_qs, u"b"_qs), problem(panel, u"c"_qs, u"d"_qs)})
+                    .toText()
                     .endsWith(u"\n2 problems."_qs));
 }
 
 TEST(ReportTest, TellsACureOnce) {
-    EXPECT_EQ(
-        toText(reportOf({problem(stream, u"one"_qs, u"wait."_qs), problem(stream, u"two"_qs, u"wait."_qs),
-                         problem(panel, u"three"_qs, u"run."_qs), problem(stream, u"four"_qs, u"wait."_qs)}))
-            .section(u'\n', 2),
-        u"PROBLEM  stream    one\n"
-        "PROBLEM  stream    two\n"
-        "                   To do: wait.\n"
-        "PROBLEM  panel     three\n"
-        "                   To do: run.\n"
-        "PROBLEM  stream    four\n"
-        "                   To do: as above.\n"
-        "\n"
-        "4 problems."_qs);
+    EXPECT_EQ(reportOf({problem(stream, u"one"_qs, u"wait."_qs), problem(stream, u"two"_qs, u"wait."_qs),
+                        problem(panel, u"three"_qs, u"run."_qs), problem(stream, u"four"_qs, u"wait."_qs)})
+                  .toText()
+                  .section(u'\n', 2),
+              u"PROBLEM  stream    one\n"
+              "PROBLEM  stream    two\n"
+              "                   To do: wait.\n"
+              "PROBLEM  panel     three\n"
+              "                   To do: run.\n"
+              "PROBLEM  stream    four\n"
+              "                   To do: as above.\n"
+              "\n"
+              "4 problems."_qs);
 }
 
 TEST(ReportTest, SpeaksTheUsersLanguage) {
-    const auto text = toText(reportOf({problem(panel, u"kapot"_qs, u"herstel het."_qs)}), AppLanguage::nl);
+    const auto text = reportOf({problem(panel, u"kapot"_qs, u"herstel het."_qs)}).toText(AppLanguage::nl);
     EXPECT_TRUE(text.contains(u"\nPROBLEEM panel     kapot\n"_qs)) << text.toStdString();
     EXPECT_TRUE(text.contains(u"Te doen: herstel het.\n"_qs)) << text.toStdString();
     EXPECT_TRUE(text.endsWith(u"\n1 probleem."_qs)) << text.toStdString();
@@ -90,8 +92,8 @@ TEST(ReportTest, FitsTheScreenWhateverWasFound) {
     const QString sentence = QString(u"many small words "_qs).repeated(40);
     for (const int columns : {80, 40, 1}) {
         const auto text =
-            toText(reportOf({fine(panel, word), problem(stream, sentence, word), fine(panel, QString())}),
-                   AppLanguage::en, columns);
+            reportOf({fine(panel, word), problem(stream, sentence, word), fine(panel, QString())})
+                .toText(AppLanguage::en, columns);
         for (const auto& line : text.split(u'\n'))
             EXPECT_LE(line.size(), std::max(columns, 39)) << line.toStdString();
         EXPECT_EQ(text.count(u'x'), 600) << "nothing is lost";
@@ -100,7 +102,7 @@ TEST(ReportTest, FitsTheScreenWhateverWasFound) {
 }
 
 TEST(ReportTest, LetsNothingSteerTheTerminal) {
-    const auto text = toText(reportOf({fine(panel, u"\x1b[31mred\nPROBLEM"_qs)}));
+    const auto text = reportOf({fine(panel, u"\x1b[31mred\nPROBLEM"_qs)}).toText();
     EXPECT_FALSE(text.contains(u'\x1b'));
     EXPECT_EQ(text.count(u'\n'), 4);
 }

@@ -83,21 +83,19 @@ double shareThatStandsOut(const QImage& picture, const QColor& bar) {
 }
 
 TEST(IconSetTest, TheTraysPicturesStandOutFromEveryBar) {
-    const IconSet icons;
     for (const QString& name : trayIcons) {
         for (const int size : {16, 22, 24, 32, 48}) {
             for (const QColor& bar : {QColor(0x20, 0x22, 0x26), QColor(0xf0, 0xf0, 0xf0)})
-                EXPECT_GT(shareThatStandsOut(icons.image(name, size, Qt::white), bar), 0.6)
+                EXPECT_GT(shareThatStandsOut(IconSet::image(name, size, Qt::white), bar), 0.6)
                     << name.toStdString() << ' ' << size << " on " << bar.name().toStdString();
         }
     }
 }
 
 TEST(IconSetTest, TheTraysPicturesTellPlayingStoppedAndBufferingApart) {
-    const IconSet icons;
     const auto differing = [&](const QString& a, const QString& b) {
-        const QImage one = icons.image(a, 16, Qt::white);
-        const QImage other = icons.image(b, 16, Qt::white);
+        const QImage one = IconSet::image(a, 16, Qt::white);
+        const QImage other = IconSet::image(b, 16, Qt::white);
         int count = 0;
         for (int y = 0; y < 16; ++y) {
             for (int x = 0; x < 16; ++x)
@@ -111,10 +109,9 @@ TEST(IconSetTest, TheTraysPicturesTellPlayingStoppedAndBufferingApart) {
 }
 
 TEST(IconSetTest, DrawsEachOneSharplyAndWhollyAtEverySize) {
-    const IconSet icons;
     for (const QString& name : monochrome) {
         for (const int size : {16, 18, 22, 24, 32, 36, 44, 48}) {
-            const QImage image = icons.image(name, size, Qt::black);
+            const QImage image = IconSet::image(name, size, Qt::black);
             ASSERT_EQ(image.size(), QSize(size, size)) << name.toStdString();
             const Ink ink = inkOf(image);
             EXPECT_FALSE(ink.touchesEdge) << name.toStdString() << " is cut off at " << size;
@@ -125,9 +122,8 @@ TEST(IconSetTest, DrawsEachOneSharplyAndWhollyAtEverySize) {
 }
 
 TEST(IconSetTest, TakesTheColourAskedFor) {
-    const IconSet icons;
     for (const QString& name : monochrome) {
-        const QImage image = icons.image(name, 44, QColor(0x12, 0x34, 0x56));
+        const QImage image = IconSet::image(name, 44, QColor(0x12, 0x34, 0x56));
         bool isDrawn = false;
         for (int y = 0; y < image.height(); ++y) {
             for (int x = 0; x < image.width(); ++x) {
@@ -142,42 +138,36 @@ TEST(IconSetTest, TakesTheColourAskedFor) {
 }
 
 TEST(IconSetTest, LeavesColouredDrawingsAsTheyAre) {
-    const IconSet icons;
     for (const QString& name : coloured)
-        EXPECT_EQ(icons.image(name, 48, Qt::green), icons.image(name, 48, Qt::blue)) << name.toStdString();
+        EXPECT_EQ(IconSet::image(name, 48, Qt::green), IconSet::image(name, 48, Qt::blue))
+            << name.toStdString();
 }
 
 TEST(IconSetTest, KeepsTheProportionsOfAFlag) {
-    const QImage image = IconSet().image(u"flag-nl"_qs, 24, Qt::black);
+    const QImage image = IconSet::image(u"flag-nl"_qs, 24, Qt::black);
     EXPECT_EQ(qAlpha(image.pixel(12, 1)), 0);
     EXPECT_EQ(qAlpha(image.pixel(12, 12)), 255);
     EXPECT_EQ(qAlpha(image.pixel(12, 22)), 0);
 }
 
 TEST(IconSetTest, HasNothingForUnknownNamesAndSenselessSizes) {
-    const IconSet icons;
-    EXPECT_TRUE(icons.image(u"no.such.drawing"_qs, 16, Qt::black).isNull());
-    EXPECT_TRUE(icons.pixmap(u"no.such.drawing"_qs, {16, 16}, 1, Qt::black).isNull());
-    EXPECT_TRUE(icons.image(u"play.fill"_qs, 0, Qt::black).isNull());
-    EXPECT_TRUE(icons.image(u"play.fill"_qs, 5000, Qt::black).isNull());
-    EXPECT_TRUE(icons.icon(u"no.such.drawing"_qs, Qt::black).isNull());
+    EXPECT_TRUE(IconSet::image(u"no.such.drawing"_qs, 16, Qt::black).isNull());
+    EXPECT_TRUE(IconSet::pixmap(u"no.such.drawing"_qs, {16, 16}, 1, Qt::black).isNull());
+    EXPECT_TRUE(IconSet::image(u"play.fill"_qs, 0, Qt::black).isNull());
+    EXPECT_TRUE(IconSet::image(u"play.fill"_qs, 5000, Qt::black).isNull());
+    EXPECT_TRUE(IconSet::icon(u"no.such.drawing"_qs, Qt::black).isNull());
 }
 
 TEST(IconSetTest, GivesPixmapsAtTheRatioOfTheDevice) {
-    const IconSet icons;
-    const QPixmap pixmap = icons.pixmap(u"play.fill"_qs, {18, 18}, 1.5, Qt::black);
+    const QPixmap pixmap = IconSet::pixmap(u"play.fill"_qs, {18, 18}, 1.5, Qt::black);
     EXPECT_EQ(pixmap.size(), QSize(27, 27));
     EXPECT_DOUBLE_EQ(pixmap.devicePixelRatio(), 1.5);
-    EXPECT_EQ(icons.pixmap(u"play.fill"_qs, {18, 18}, 1.5, Qt::black).cacheKey(), pixmap.cacheKey());
-    EXPECT_NE(icons.pixmap(u"play.fill"_qs, {18, 18}, 1.5, Qt::red).cacheKey(), pixmap.cacheKey());
+    EXPECT_EQ(IconSet::pixmap(u"play.fill"_qs, {18, 18}, 1.5, Qt::black).cacheKey(), pixmap.cacheKey());
+    EXPECT_NE(IconSet::pixmap(u"play.fill"_qs, {18, 18}, 1.5, Qt::red).cacheKey(), pixmap.cacheKey());
 }
 
 TEST(IconSetTest, MakesIconsThatAreRenderedWhenDrawn) {
-    QIcon icon;
-    {
-        const IconSet icons;
-        icon = icons.icon(u"stop.fill"_qs, Qt::red);
-    }
+    const QIcon icon = IconSet::icon(u"stop.fill"_qs, Qt::red);
     ASSERT_FALSE(icon.isNull());
     const QImage image = icon.pixmap(QSize(24, 24), 2.0).toImage();
     EXPECT_EQ(image.size(), QSize(48, 48));
@@ -186,12 +176,11 @@ TEST(IconSetTest, MakesIconsThatAreRenderedWhenDrawn) {
 }
 
 TEST(IconSetTest, KeepsWhatItHasDrawn) {
-    const IconSet icons;
-    const QImage first = icons.image(u"play.fill"_qs, 32, Qt::white);
-    EXPECT_EQ(icons.image(u"play.fill"_qs, 32, Qt::white).cacheKey(), first.cacheKey());
+    const QImage first = IconSet::image(u"play.fill"_qs, 32, Qt::white);
+    EXPECT_EQ(IconSet::image(u"play.fill"_qs, 32, Qt::white).cacheKey(), first.cacheKey());
     for (const QImage& other :
-         {icons.image(u"play.fill"_qs, 33, Qt::white), icons.image(u"play.fill"_qs, 32, Qt::red),
-          icons.image(u"stop.fill"_qs, 32, Qt::white)})
+         {IconSet::image(u"play.fill"_qs, 33, Qt::white), IconSet::image(u"play.fill"_qs, 32, Qt::red),
+          IconSet::image(u"stop.fill"_qs, 32, Qt::white)})
         EXPECT_NE(other, first);
 }
 

@@ -42,8 +42,8 @@ protected:
     QString current() { return menu.activeAction() ? menu.activeAction()->text() : QString(); }
 
     PanelWorld world;
-    PanelLook look{PanelTheme::make({}, QApplication::palette()), PanelMetrics(QApplication::font(), 96, 800),
-                   world.icons};
+    PanelLook look{PanelTheme::make({}, QApplication::palette()),
+                   PanelMetrics(QApplication::font(), 96, 800)};
     PanelMenuStyle style{look};
     QMenu menu;
 

@@ -141,7 +141,7 @@ TEST_F(PanelLongTextTest, ALowScreenBringsTheRowsTogether) {
     for (const AppLanguage language : allAppLanguages) {
         world.languages.setCurrentLanguage(language);
         QWidget panel;
-        PanelLook look{PanelTheme::make({}, QApplication::palette()), low, world.icons};
+        PanelLook look{PanelTheme::make({}, QApplication::palette()), low};
         PanelParts parts(panel, look, u"1.0 (Build 1)"_qs);
         parts.show(world.state());
         // Of 480 lines a panel of the desktop and a window's frame take some fifty.

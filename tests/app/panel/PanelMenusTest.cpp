@@ -26,7 +26,7 @@ QStringList linesOf(const Menu& entries) {
 
 TEST(StationMenuTest, ListsEveryStationWithNameAndGenreAndMarksTheCurrentOne) {
     PanelWorld world(u"en"_qs, RadioStation::joe);
-    EXPECT_EQ(linesOf(stationMenuEntries(world.state(), world.controls)),
+    EXPECT_EQ(linesOf(PanelMenus::stations(world.state(), world.controls)),
               (QStringList{
                   u"  Zofra – Alternative Rock & Indie"_qs, u"  Qmusic – Hits & Pop"_qs,
                   u"* JOE – 80s, 90s & Pop Classics"_qs, u"  Zofra Class X – Classics & Classic Rock"_qs,
@@ -37,7 +37,7 @@ TEST(StationMenuTest, ListsEveryStationWithNameAndGenreAndMarksTheCurrentOne) {
 
 TEST(OutputMenuTest, WithoutRoomsSaysWhyAndOffersEverythingElse) {
     PanelWorld world;
-    EXPECT_EQ(linesOf(outputMenuEntries(world.state(), world.controls)),
+    EXPECT_EQ(linesOf(PanelMenus::outputs(world.state(), world.controls)),
               (QStringList{u"* This Mac"_qs, u"(No Sonos or Zofra devices found)"_qs,
                            u"  Everywhere (All Rooms)"_qs, u"---"_qs,
                            u"  Search for Sonos and Zofra devices..."_qs, u"  Allow Local Network …"_qs}));
@@ -46,9 +46,9 @@ TEST(OutputMenuTest, WithoutRoomsSaysWhyAndOffersEverythingElse) {
 TEST(OutputMenuTest, SaysWhatTheSpeakerManagerSaysOfItsEmptiness) {
     PanelWorld world(u"de"_qs);
     world.sonos.isScanning = true;
-    EXPECT_EQ(linesOf(outputMenuEntries(world.state(), world.controls)).at(1), u"(Suche läuft …)"_qs);
+    EXPECT_EQ(linesOf(PanelMenus::outputs(world.state(), world.controls)).at(1), u"(Suche läuft …)"_qs);
     world.sonos.localNetworkDenied = true;
-    EXPECT_EQ(linesOf(outputMenuEntries(world.state(), world.controls)).at(1),
+    EXPECT_EQ(linesOf(PanelMenus::outputs(world.state(), world.controls)).at(1),
               u"(Kein Zugriff aufs lokale Netzwerk)"_qs);
 }
 
@@ -57,12 +57,12 @@ TEST(OutputMenuTest, ListsTheRoomsAndMarksTheTarget) {
     world.sonos.rooms =
         QList<SonosRoom>{makeRoom(u"A"_qs, u"Bath"_qs), makeRoom(u"B"_qs, u"Kitchen & <i>Bar</i>"_qs)};
     world.sonos.activeTarget = AudioOutputTarget::sonos(u"B"_qs);
-    EXPECT_EQ(linesOf(outputMenuEntries(world.state(), world.controls)),
+    EXPECT_EQ(linesOf(PanelMenus::outputs(world.state(), world.controls)),
               (QStringList{u"  This Mac"_qs, u"  Bath"_qs, u"* Kitchen & <i>Bar</i>"_qs,
                            u"  Everywhere (All Rooms)"_qs, u"---"_qs,
                            u"  Search for Sonos and Zofra devices..."_qs, u"  Allow Local Network …"_qs}));
     world.sonos.activeTarget = AudioOutputTarget::sonosEverywhere();
-    EXPECT_EQ(linesOf(outputMenuEntries(world.state(), world.controls)).at(3),
+    EXPECT_EQ(linesOf(PanelMenus::outputs(world.state(), world.controls)).at(3),
               u"* Everywhere (All Rooms)"_qs);
 }
 
@@ -72,14 +72,14 @@ TEST(OutputMenuTest, GivesRoomsOfOneNameTitlesThatTellThemApart) {
     own.coordinator.model = u"Zofra Pi Player"_qs;
     own.speakers = {own.coordinator};
     world.sonos.rooms = QList<SonosRoom>{makeRoom(u"A"_qs, u"Kitchen"_qs), own};
-    const QStringList lines = linesOf(outputMenuEntries(world.state(), world.controls));
+    const QStringList lines = linesOf(PanelMenus::outputs(world.state(), world.controls));
     EXPECT_EQ(lines.at(1), u"  Kitchen (Sonos)"_qs);
     EXPECT_EQ(lines.at(2), u"  Kitchen (Zofra)"_qs);
 }
 
 TEST(OutputMenuTest, ExplainsPlayingEverywhere) {
     PanelWorld world(u"fr"_qs);
-    for (const MenuItem& entry : outputMenuEntries(world.state(), world.controls)) {
+    for (const MenuItem& entry : PanelMenus::outputs(world.state(), world.controls)) {
         const bool isEverywhere = entry.title == u"Partout (Toutes les pièces)"_qs;
         EXPECT_EQ(entry.toolTip.isEmpty(), !isEverywhere) << entry.title.toStdString();
     }
@@ -175,7 +175,7 @@ TEST(PanelMenuTest, ChoosingALineDoesWhatItSays) {
 struct PaintedMenu {
     explicit PaintedMenu(const PanelWorld& world)
         : look{PanelTheme::make(world.appearance.current(), QApplication::palette()),
-               PanelMetrics(QApplication::font(), 96, 800), world.icons}
+               PanelMetrics(QApplication::font(), 96, 800)}
         , menu(look, nullptr) {}
     void paint() {
         menu.ensurePolished();
@@ -202,7 +202,7 @@ struct PaintedMenu {
 TEST(PanelMenuTest, OnlyTheCurrentLineCarriesTheCheckMark) {
     PanelWorld world(u"en"_qs, RadioStation::joe);
     PaintedMenu painted(world);
-    painted.menu.setEntries(stationMenuEntries(world.state(), world.controls));
+    painted.menu.setEntries(PanelMenus::stations(world.state(), world.controls));
     painted.paint();
     for (int line = 0; line < 9; ++line)
         EXPECT_EQ(painted.hasLead(line, painted.look.theme.accentText), line == 2) << line;
@@ -211,7 +211,7 @@ TEST(PanelMenuTest, OnlyTheCurrentLineCarriesTheCheckMark) {
 TEST(PanelMenuTest, TheLineUnderThePointerIsMarkedAndNoOther) {
     PanelWorld world(u"en"_qs, RadioStation::joe);
     PaintedMenu painted(world);
-    painted.menu.setEntries(stationMenuEntries(world.state(), world.controls));
+    painted.menu.setEntries(PanelMenus::stations(world.state(), world.controls));
     painted.menu.setActiveAction(painted.menu.actions().at(5));
     painted.paint();
     const QColor mark = mixed(painted.look.theme.accentText, painted.look.theme.card, 0.14);
@@ -223,7 +223,7 @@ TEST(PanelMenuTest, TheLineUnderThePointerIsMarkedAndNoOther) {
 TEST(PanelMenuTest, SaysWhyThereAreNoRoomsInSmallPrintThatCannotBeChosen) {
     PanelWorld world;
     PaintedMenu painted(world);
-    painted.menu.setEntries(outputMenuEntries(world.state(), world.controls));
+    painted.menu.setEntries(PanelMenus::outputs(world.state(), world.controls));
     const QList<QAction*> lines = painted.menu.actions();
     EXPECT_FALSE(lines.at(1)->isEnabled());
     EXPECT_EQ(lines.at(1)->font(), painted.look.metrics.font(11));

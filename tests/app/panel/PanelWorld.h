@@ -65,11 +65,8 @@ public:
     /// The panel, not yet shown.
     std::unique_ptr<AboutPopupView> makeView() {
         PopupPanelContent content{QStringLiteral("1.0 (Build 1)"),
-                                  viewModel,
+                                  {viewModel, player, sonos, languages},
                                   [this] { calls << QStringLiteral("close"); },
-                                  player,
-                                  sonos,
-                                  languages,
                                   controls,
                                   [] { return Menu(10); }};
         return std::make_unique<AboutPopupView>(std::move(content), environment());
@@ -80,7 +77,6 @@ public:
                 queue,
                 output,
                 workspace,
-                icons,
                 appearance,
                 [this](const Menu& menu, QPoint at, QWidget& window) {
                     calls << QStringLiteral("menu of %1").arg(menu.size());
@@ -96,7 +92,6 @@ public:
     }
 
     FakeLoginItem loginItem;
-    IconSet icons;
     AppearanceSource appearance;
     /// Where in the panel a menu was last shown.
     QPoint menuPlace;

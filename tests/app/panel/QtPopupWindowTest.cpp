@@ -26,12 +26,13 @@ protected:
         : factory(world.environment()) {}
 
     void open() {
-        window = factory.makeWindow({QStringLiteral("1.0 (Build 1)"), world.viewModel,
+        window = factory.makeWindow({QStringLiteral("1.0 (Build 1)"),
+                                     {world.viewModel, world.player, world.sonos, world.languages},
                                      [this] {
                                          world.calls << QStringLiteral("onClose");
                                          window->close();
                                      },
-                                     world.player, world.sonos, world.languages, world.controls});
+                                     world.controls});
         window->onWillClose = [this](PopupWindow& closing) {
             EXPECT_EQ(&closing, window.get());
             world.calls << QStringLiteral("willClose");
@@ -146,9 +147,10 @@ TEST_F(QtPopupWindowTest, EndsWithItsOwnerWithoutAWord) {
 TEST_F(QtPopupWindowTest, PreparingTheFirstOneShowsNothingAndAsksNothing) {
     const auto before = QApplication::topLevelWidgets().size();
     world.defaults.writes.clear();
-    const auto steps = factory.preparation({QStringLiteral("1.0 (Build 1)"), world.viewModel,
+    const auto steps = factory.preparation({QStringLiteral("1.0 (Build 1)"),
+                                            {world.viewModel, world.player, world.sonos, world.languages},
                                             [this] { world.calls << QStringLiteral("onClose"); },
-                                            world.player, world.sonos, world.languages, world.controls});
+                                            world.controls});
     EXPECT_GT(steps.size(), 4U);
     for (const auto& step : steps) {
         step();
