@@ -44,7 +44,7 @@ struct PanelTraits {
         const char* program;
         PanelTraits traits;
     };
-    using Text = StatusNotifierObject::ToolTipText;
+    constexpr auto markup = StatusNotifierObject::ToolTipText::markup;
     constexpr TrayWheel upwards{true, 1};
     constexpr TrayWheel downwards{false, 1};
     static constexpr KnownPanel knownPanels[] = {
@@ -52,8 +52,8 @@ struct PanelTraits {
         {"lxqt-panel", {true, TrayIconKind::pixmaps, upwards}},
         {"plasmashell", {true, TrayIconKind::symbolic, upwards}},
         // Nor does this one, which also reads tool tips as markup.
-        {"mate-panel", {true, TrayIconKind::pixmaps, upwards, Text::markup}},
-        {"notification-ar", {true, TrayIconKind::pixmaps, upwards, Text::markup}},
+        {"mate-panel", {true, TrayIconKind::pixmaps, upwards, markup}},
+        {"notification-ar", {true, TrayIconKind::pixmaps, upwards, markup}},
         {"xapp-sn-watcher", {true, TrayIconKind::symbolic, downwards}},
         {"xfce4-panel", {false, TrayIconKind::symbolic, upwards}},
         {"wrapper-2.0", {false, TrayIconKind::symbolic, upwards}},
@@ -61,7 +61,7 @@ struct PanelTraits {
         {"ayatana-indicat", {false, TrayIconKind::symbolic, downwards}},
         {"indicator-appli", {false, TrayIconKind::symbolic, downwards}},
         // It tells of a notch as such and once more as of a smooth turn.
-        {"waybar", {false, TrayIconKind::coloured, {false, 2}, Text::markup}},
+        {"waybar", {false, TrayIconKind::coloured, {false, 2}, markup}},
     };
     const QString& program = session.panelProgram;
     for (const auto& [name, traits] : knownPanels) {
