@@ -23,7 +23,7 @@ public:
         , stored(rememberStation(station))
         , languages(defaults, {language})
         , player({players, defaults, queue, nowPlaying, commands, wake, output, hosts})
-        , sonos(false, {http, defaults, queue, tasks, network, log, languages, player, hosts})
+        , sonos(false, {{http, queue, tasks, network, log}, defaults, languages, player, hosts})
         , viewModel(station, http, queue.clock(), sockets.maker(), {queue, output, languages, hosts})
         , controls({viewModel, player, sonos, languages},
                    {queue, queue.clock(), defaults, workspace,
