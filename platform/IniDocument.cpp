@@ -12,8 +12,9 @@ namespace {
 constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
 const QByteArray generalSection = QByteArrayLiteral("General");
 
+/// As `trimmed` has it.
 bool isBlank(char c) {
-    return c == ' ' || c == '\t';
+    return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
 bool isControl(char c) {

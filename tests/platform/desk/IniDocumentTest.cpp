@@ -131,6 +131,7 @@ TEST(IniDocumentTest, changesNothingButTheValue) {
 TEST(IniDocumentTest, replacesTheWholeValueBehindAnyWhiteSpace) {
     EXPECT_EQ(written("[General]\na=\v123\n", "a", "0.5"), "[General]\na=\v0.5\n");
     EXPECT_EQ(written("[General]\na=\f\t{1} \v\n", "a", "0.5"), "[General]\na=\f\t0.5 \v\n");
+    EXPECT_EQ(written("[General]\na=\"1\"\v;b\n", "a", "0.5"), "[General]\na=0.5\v;b\n");
 }
 
 TEST(IniDocumentTest, keepsLineEndsAndByteOrderMark) {
