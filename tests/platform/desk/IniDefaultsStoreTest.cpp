@@ -2,6 +2,7 @@
 #include "platform/linux/IniDefaultsStore.h"
 
 #include "platform/linux/ThreadTaskPool.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/FakeTaskPool.h"
 #include "tests/support/ManualMainQueue.h"
 #include "tests/support/PrintQt.h"
@@ -12,7 +13,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <clocale>
@@ -127,9 +127,9 @@ TEST_F(IniDefaultsStoreTest, readsOnlyFiniteNumbers) {
 
 TEST_F(IniDefaultsStoreTest, writesThePointInEveryLocale) {
     const QTemporaryDir locales;
-    if (QProcess::execute(QStringLiteral("localedef"),
-                          {QStringLiteral("-i"), QStringLiteral("de_DE"), QStringLiteral("-f"),
-                           QStringLiteral("UTF-8"), locales.filePath(QStringLiteral("comma"))}) != 0)
+    if (test::runProgram(QStringLiteral("localedef"),
+                         {QStringLiteral("-i"), QStringLiteral("de_DE"), QStringLiteral("-f"),
+                          QStringLiteral("UTF-8"), locales.filePath(QStringLiteral("comma"))}) != 0)
         GTEST_SKIP() << "skipped: the package locales is not installed";
     test::ScopedEnvironment environment;
     environment.set("LOCPATH", locales.path().toUtf8());

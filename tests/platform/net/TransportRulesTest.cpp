@@ -4,13 +4,16 @@
 #include "tests/platform/net/HttpHarness.h"
 #include "tests/platform/net/NamespaceRun.h"
 #include "tests/platform/net/SocketHarness.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/ScopedEnvironment.h"
 
-#include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryFile>
 
 #include <algorithm>
+#include <array>
+#include <fcntl.h>
+#include <poll.h>
 
 namespace zofra::test {
 namespace {
@@ -100,23 +103,39 @@ TEST(TransportRulesTest, AnExtraAuthorityThatCannotBeReadIsToldOnceForAll) {
 class SessionServer {
 public:
     explicit SessionServer(const TlsIdentity& identity) {
-        m_process.start(u"openssl"_qs, {u"s_server"_qs, u"-accept"_qs, u"127.0.0.1:0"_qs, u"-www"_qs,
-                                        u"-cert"_qs, identity.certificateFile, u"-key"_qs, identity.keyFile});
-        while (m_port.isEmpty() && m_process.waitForReadyRead(20'000)) {
-            m_output += m_process.readAllStandardOutput();
-            static const QRegularExpression port(u"ACCEPT 127\\.0\\.0\\.1:(\\d+)\\n"_qs);
-            m_port = port.match(QString::fromLatin1(m_output)).captured(1);
+        std::array<int, 2> ends{};
+        if (::pipe2(ends.data(), O_CLOEXEC) != 0)
+            return;
+        m_output = ends[0];
+        m_child = spawnProgram(u"openssl"_qs,
+                               {u"s_server"_qs, u"-accept"_qs, u"127.0.0.1:0"_qs, u"-www"_qs, u"-cert"_qs,
+                                identity.certificateFile, u"-key"_qs, identity.keyFile},
+                               {.output = ends[1]});
+        ::close(ends[1]);
+        static const QRegularExpression port(u"ACCEPT 127\\.0\\.0\\.1:(\\d+)\\n"_qs);
+        QByteArray told;
+        std::array<char, 512> piece{};
+        pollfd waiting{m_output, POLLIN, 0};
+        while (m_port.isEmpty() && ::poll(&waiting, 1, 20'000) == 1) {
+            const auto count = ::read(m_output, piece.data(), piece.size());
+            if (count <= 0)
+                return;
+            told.append(piece.data(), count);
+            m_port = port.match(QString::fromLatin1(told)).captured(1);
         }
     }
     ~SessionServer() {
-        m_process.kill();
-        m_process.waitForFinished();
+        if (m_child > 0)
+            killProgram(m_child);
+        ::close(m_output);
     }
+    SessionServer(const SessionServer&) = delete;
+    SessionServer& operator=(const SessionServer&) = delete;
     [[nodiscard]] QString url() const { return u"https://127.0.0.1:%1/"_qs.arg(m_port); }
 
 private:
-    QProcess m_process;
-    QByteArray m_output;
+    pid_t m_child = -1;
+    int m_output = -1;
     QString m_port;
 };
 
