@@ -2,6 +2,7 @@
 // The web socket against a server that is not ours: Qt's.
 #include "tests/platform/net/SocketHarness.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QSslCertificate>
 #include <QSslConfiguration>
@@ -164,11 +165,15 @@ TEST_F(CurlMetadataSocketTest, TheCloseReachesTheServerAlsoWhenTheSocketEndsAtOn
     server.peer->sendTextMessage(QString(500'000, u'x')); // on its way while the socket closes
     listener.socket->cancel(SocketCloseCode::normalClosure, std::nullopt);
     listener.socket.reset();
+    // The socket's thread may have been faster than this one: what it has told by now may arrive.
+    QCoreApplication::sendPostedEvents(listener.context.get());
+    const auto error = listener.error;
+    const auto messages = listener.messages;
     ASSERT_TRUE(waitUntil([this] { return server.closeCode.has_value(); }));
     EXPECT_EQ(server.closeCode, 1000);
     EXPECT_EQ(server.closeReason, QString());
-    EXPECT_EQ(listener.error, std::nullopt) << "no handler after the end";
-    EXPECT_EQ(listener.messages.size(), 1U);
+    EXPECT_EQ(listener.error, error) << "no handler after the end";
+    EXPECT_EQ(listener.messages, messages);
 }
 
 TEST_F(CurlMetadataSocketTest, EndingItClosesItAndCallsNobody) {
