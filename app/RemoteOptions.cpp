@@ -77,7 +77,7 @@ public:
 
 private:
     QVariant take(const char* name, QMetaType::Type type) {
-        const QVariant value = m_map.take(QString::fromLatin1(name));
+        QVariant value = m_map.take(QString::fromLatin1(name));
         if (value.isValid() && value.typeId() != type)
             refuse(QString::fromLatin1(name));
         return value;

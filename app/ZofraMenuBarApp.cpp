@@ -27,12 +27,14 @@ constexpr auto settingsLimit = std::chrono::milliseconds(500);
 /// The stations as media displays and searches of desktops list them.
 std::vector<MprisPlaylists::Entry> playlists() {
     std::vector<MprisPlaylists::Entry> entries;
+    entries.reserve(RadioStation::allCases.size());
     for (const RadioStation station : RadioStation::allCases)
         entries.push_back({station.rawValue(), station.displayName()});
     return entries;
 }
 std::vector<SearchProvider::Entry> searchEntries() {
     std::vector<SearchProvider::Entry> entries;
+    entries.reserve(RadioStation::allCases.size());
     for (const RadioStation station : RadioStation::allCases)
         entries.push_back({station.rawValue(), station.displayName(), station.genre()});
     return entries;

@@ -65,7 +65,7 @@ private:
         return namesUs(player.manufacturer) || namesUs(player.modelName) || player.isZofra();
     };
     const auto& player = room.coordinator;
-    const QString title = room.name + (isOwn(player) ? u" (Zofra)"_qs : u" (Sonos)"_qs);
+    QString title = room.name + (isOwn(player) ? u" (Zofra)"_qs : u" (Sonos)"_qs);
     others.removeIf([&](const SonosRoom& other) { return isOwn(other.coordinator) != isOwn(player); });
     if (others.isEmpty())
         return title;

@@ -43,7 +43,7 @@ struct SonosSpeaker {
     [[nodiscard]] QUrl deviceDescriptionURL() const {
         if (descriptionURL)
             return *descriptionURL;
-        const auto url = usualDescriptionAddress(ip);
+        auto url = usualDescriptionAddress(ip);
         if (!url.isValid() || url.host().isEmpty())
             qFatal("a player's address is no host name");
         return url;
@@ -63,7 +63,7 @@ struct SonosSpeaker {
         const QUrl reference(path.value_or(QString()), QUrl::StrictMode);
         // An absolute reference brings its own scheme, to be spelt as required; an empty one is no address.
         if (path && reference.isValid() && (reference.isRelative() || playerAddress(*path))) {
-            const auto resolved = base.resolved(reference);
+            auto resolved = base.resolved(reference);
             const auto scheme = resolved.scheme();
             if (resolved.isValid() && (scheme == u"http" || scheme == u"https") && !resolved.host().isEmpty())
                 return resolved;

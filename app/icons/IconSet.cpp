@@ -63,7 +63,7 @@ QImage render(const QString& name, QSize pixels, const QColor& color) {
                                   quint64(pixels.height()));
     if (const QImage* image = kept.object(key))
         return *image;
-    const QImage image = draw(name, pixels, color);
+    QImage image = draw(name, pixels, color);
     if (!image.isNull())
         kept.insert(key, new QImage(image), image.sizeInBytes());
     return image;
