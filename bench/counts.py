@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Work that can be counted: instructions and allocations of a start, a song, a menu and a search, and wake-ups.
+"""Work that can be counted: instructions and allocations of a start, a song, a menu, our own menu and a search, and wake-ups.
 
 Counted by callgrind in the program as it is, between two moments, so that the figures hardly move with the load of the machine.
 """
@@ -14,10 +14,12 @@ import time
 from measure import cpu_seconds, wake_ups
 from radio import NAME
 from stage import BINARY
+from windows import WindowWatch
 from zofralab.desktop import ITEM, Menu
 from zofralab.process import wait_until
 
 SONGS = MENUS = 20
+OWN_MENUS = 10
 #: Seconds for anything: the program runs fifty times slower than ever, perhaps on a crowded machine. No figure depends on it.
 PATIENCE = 600
 PLAYERS = 8
@@ -37,8 +39,8 @@ class PatientMenu(Menu):
 class Counted:
     """The radio under callgrind, on a stage. Use as a context."""
 
-    def __init__(self, stage, *options, **how):
-        self._stage = stage
+    def __init__(self, stage, *options, tray="", **how):
+        self._stage, self._tray = stage, tray
         self._options, self._how = options, how
 
     def __enter__(self):
@@ -50,6 +52,8 @@ class Counted:
             file.write(f'#!/bin/sh\nexec valgrind -q --tool=callgrind --callgrind-out-file={self._out} {BINARY} "$@"\n')
         os.chmod(wrapper, os.stat(wrapper).st_mode | stat.S_IXUSR)
         self.radio.binary = wrapper
+        if self._tray:
+            self.radio.write_section("tray", mode=self._tray)
         self.radio.start(*self._options, headless=False, wait=False, **self._how)
         self._stage.peer.wait_for_name(NAME, PATIENCE)
         return self
@@ -155,6 +159,21 @@ def shell(stage):
     return found
 
 
+def own_menu(stage):
+    """{what: figures} of the menu that we draw ourselves, opened and closed."""
+    with stage.status_bar() as bar, Counted(stage, tray="direct") as radio, WindowWatch(stage, PATIENCE) as windows:
+        item = bar.wait_for_item(PATIENCE)
+        for index in range(OWN_MENUS + 1):
+            if index == 1:  # the first makes what the others find
+                radio.settle()
+                radio.zero()
+            windows.open(stage, item, "Activate")
+            time.sleep(1)  # what is drawn of it
+            windows.close()
+        radio.settle()
+        return {"one own menu": _each(radio.taken(), OWN_MENUS)}
+
+
 def songs_at_once(stage, numbers):
     """[(number, figures)] of that many songs that come at once."""
     found = []
@@ -231,4 +250,4 @@ def wakes(stage, seconds=20.0):
 
 def all_of(stage):
     """Every count."""
-    return {**shell(stage), **search(stage), **wakes(stage)}
+    return {**shell(stage), **own_menu(stage), **search(stage), **wakes(stage)}

@@ -10,6 +10,7 @@ import time
 
 from radio import MEDIA_PLAYER, NAME
 from stage import FLOOR, quantile
+from windows import WindowWatch
 from zofralab.desktop import Menu
 from zofralab.process import wait_until
 
@@ -217,55 +218,23 @@ def _menu_of_the_panel(stage, clicks=200):
         _show(stage, "click to menu, drawn by the panel, all hanging", _opened(menu, clicks), "p99 <= 5 ms", floor=floor)
 
 
-def _windows(stage, mode, click, name, clicks=40):
-    """From the call that a click is to the window on the screen, as the X server reports it."""
-    from Xlib import X, display as xlib  # pylint: disable=import-outside-toplevel
-    watcher = xlib.Display(stage.display.name)
-    watcher.screen().root.change_attributes(event_mask=X.SubstructureNotifyMask)
-    watcher.sync()
-
-    def next_map(kind):
-        while True:
-            event = watcher.next_event()
-            if event.type == kind:
-                return time.monotonic()
-    with stage.status_bar() as bar, stage.radio() as radio:
+def _windows(stage, click, name, clicks=40):
+    """From the call that a click is to the window on the screen."""
+    with stage.status_bar() as bar, stage.radio() as radio, WindowWatch(stage) as windows:
         radio.write_settings()
-        with open(radio.settings_path, "a", encoding="utf-8") as file:
-            file.write(f"[tray]\nmode={mode}\n")
+        radio.write_section("tray", mode="direct")
         _hang(stage.lab)
         radio.start("--play", headless=False)
         item = bar.wait_for_item()
         time.sleep(5)  # what a radio prepares when nobody asks anything of it
         times = []
         for _ in range(clicks):
-            began = time.monotonic()
-            stage.peer.connection.call(item.name, item.path, "org.kde.StatusNotifierItem", click,
-                                       _point(), None, 0, 5000, None, None)
-            times.append(next_map(X.MapNotify) - began)
+            times.append(windows.open(stage, item, click))
             time.sleep(0.2)
-            close(stage, watcher)
-            next_map(X.UnmapNotify)
+            windows.close()
             time.sleep(0.1)
         stage.row(f"first {name}", f"{times[0] * 1e3:.1f} ms", "<= 16 ms", first_s=times[0])
         _show(stage, f"every {name}", times, "<= 16 ms")
-    watcher.close()
-
-
-def _point():
-    from gi.repository import GLib  # pylint: disable=import-outside-toplevel
-    return GLib.Variant("(ii)", (600, 5))
-
-
-def close(stage, watcher):
-    """Press Escape."""
-    from Xlib import XK, X  # pylint: disable=import-outside-toplevel
-    from Xlib.ext import xtest  # pylint: disable=import-outside-toplevel
-    code = watcher.keysym_to_keycode(XK.XK_Escape)
-    xtest.fake_input(watcher, X.KeyPress, code)
-    xtest.fake_input(watcher, X.KeyRelease, code)
-    watcher.sync()
-    del stage
 
 
 def run(stage, _seconds):
@@ -282,5 +251,5 @@ def run(stage, _seconds):
     except ImportError:
         stage.row("click to our own menu and panel", "not measured: python3-xlib is not installed", "<= 16 ms")
         return
-    _windows(stage, "direct", "Activate", "click to our own menu")
-    _windows(stage, "direct", "ContextMenu", "click to panel")
+    _windows(stage, "Activate", "click to our own menu")
+    _windows(stage, "ContextMenu", "click to panel")
