@@ -97,6 +97,16 @@ def test_a_job_that_installs_nothing_for_tests_builds_none():
     assert without and all("build_preset release -DZOFRA_TESTS=OFF" in piece for piece in without)
 
 
+@pytest.mark.parametrize("library, package", [("libmpv", "libmpv2"), ("libcurl", "libcurl4")])
+def test_what_is_loaded_when_it_is_needed_is_named_in_the_package(binary, library, package):
+    linked = subprocess.run([binary, "--version"], capture_output=True, text=True, check=True, timeout=60,
+                            env={**os.environ, "LD_TRACE_LOADED_OBJECTS": "1"}).stdout
+    assert "libQt6Core" in linked and library not in linked
+    with open(os.path.join(PACKAGING, "CMakeLists.txt"), encoding="utf-8") as file:
+        depends = re.search(r'CPACK_DEBIAN_PACKAGE_DEPENDS "(.*)"', file.read())[1]
+    assert package in [name.split()[0] for name in depends.split(", ")]
+
+
 def test_the_icon_theme_has_every_drawing_of_menus_and_trays(binary):
     theme = os.path.join(os.path.dirname(os.path.dirname(binary)), "share", "icons", "hicolor")
     with open(os.path.join(ROOT, "app", "StatusMenu.cpp"), encoding="utf-8") as file:

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "platform/Result.h"
+#include "platform/linux/LateLibrary.h"
 #include "platform/linux/audio/MpvOptions.h"
 
-#include <dlfcn.h>
 #include <memory>
 #include <mpv/client.h>
 #include <mpv/stream_cb.h>
@@ -17,38 +17,26 @@ class MpvLibrary {
 public:
     /// The library, or why it cannot be used. May take a tenth of a second: not for the main thread.
     [[nodiscard]] static Result<std::shared_ptr<const MpvLibrary>> load(const char* fileName) {
-        // Lazily: of the thousands of functions behind it, a radio needs few.
-        void* handle = ::dlopen(fileName, RTLD_LAZY | RTLD_LOCAL);
-        if (!handle) {
-            const char* reason = ::dlerror();
-            return failure(u"libmpv cannot be loaded: %1"_qs.arg(reason ? QString::fromLocal8Bit(reason)
-                                                                        : QString::fromLatin1(fileName)));
-        }
+        LateLibrary file(u"libmpv"_qs, fileName);
         auto library = std::make_shared<MpvLibrary>();
-        QString missing;
-        const auto find = [&]<typename Function>(Function& function, const char* name) {
-            function = reinterpret_cast<Function>(::dlsym(handle, name));
-            if (!function && missing.isEmpty())
-                missing = QString::fromLatin1(name);
-        };
-        find(library->clientApiVersion, "mpv_client_api_version");
-        find(library->create, "mpv_create");
-        find(library->initialize, "mpv_initialize");
-        find(library->terminateDestroy, "mpv_terminate_destroy");
-        find(library->setOptionString, "mpv_set_option_string");
-        find(library->observeProperty, "mpv_observe_property");
-        find(library->setPropertyAsync, "mpv_set_property_async");
-        find(library->commandAsync, "mpv_command_async");
-        find(library->setWakeupCallback, "mpv_set_wakeup_callback");
-        find(library->waitEvent, "mpv_wait_event");
-        find(library->errorString, "mpv_error_string");
-        find(library->streamCbAddRo, "mpv_stream_cb_add_ro");
-        if (!missing.isEmpty())
-            return failure(u"libmpv cannot be used: it has no %1"_qs.arg(missing));
+        file.require(library->clientApiVersion, "mpv_client_api_version");
+        file.require(library->create, "mpv_create");
+        file.require(library->initialize, "mpv_initialize");
+        file.require(library->terminateDestroy, "mpv_terminate_destroy");
+        file.require(library->setOptionString, "mpv_set_option_string");
+        file.require(library->observeProperty, "mpv_observe_property");
+        file.require(library->setPropertyAsync, "mpv_set_property_async");
+        file.require(library->commandAsync, "mpv_command_async");
+        file.require(library->setWakeupCallback, "mpv_set_wakeup_callback");
+        file.require(library->waitEvent, "mpv_wait_event");
+        file.require(library->errorString, "mpv_error_string");
+        file.require(library->streamCbAddRo, "mpv_stream_cb_add_ro");
+        if (const auto& problem = file.problem())
+            return failure(*problem);
         const auto major = library->clientApiVersion() >> 16;
         if (major != MPV_CLIENT_API_VERSION >> 16)
             return failure(u"libmpv cannot be used: its interface has version %1"_qs.arg(major));
-        silenceWhatStandsBehind(handle);
+        silenceWhatStandsBehind(file);
         return library;
     }
     static constexpr const char* defaultFileName = "libmpv.so.2";
@@ -94,13 +82,14 @@ private:
     /// What stands behind mpv writes to standard error. The ALSA library says in ten lines, each time, that
     /// no device can be used, which the engine says in one. The decoders say something of each broken frame
     /// as soon as the first mpv of several has ended, for with it goes what took their words.
-    static void silenceWhatStandsBehind(void* handle) {
-        using SetHandler = int (*)(decltype(&sayNothing));
-        if (auto* const set = reinterpret_cast<SetHandler>(::dlsym(handle, "snd_lib_error_set_handler")))
-            set(&sayNothing);
+    static void silenceWhatStandsBehind(const LateLibrary& file) {
+        int (*setHandler)(decltype(&sayNothing)) = nullptr;
+        if (file.find(setHandler, "snd_lib_error_set_handler"))
+            setHandler(&sayNothing);
         constexpr int quiet = -8;
-        if (auto* const set = reinterpret_cast<void (*)(int)>(::dlsym(handle, "av_log_set_level")))
-            set(quiet);
+        void (*setLevel)(int) = nullptr;
+        if (file.find(setLevel, "av_log_set_level"))
+            setLevel(quiet);
     }
 };
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/linux/net/CurlLibrary.h"
+
 #include <cstdlib>
-#include <curl/curl.h>
 #include <mutex>
 #include <shared_mutex>
 #include <unistd.h>
@@ -17,11 +18,13 @@ namespace zofra {
 /// libcurl, and the exit waits for passes (never longer than one non-blocking step) and gives out no more.
 class CurlGlobal {
 public:
-    /// Initialises libcurl, once. Any thread.
+    /// Loads and initialises libcurl, once. Any thread but the main one.
     static void initialise() {
         static std::once_flag once;
         std::call_once(once, [] {
-            curl_global_init(CURL_GLOBAL_ALL);
+            if (curl().problem)
+                return;
+            curl().globalInit(CURL_GLOBAL_ALL);
             // After the line above, so that it runs before what that line registered.
             std::atexit([] {
                 const std::unique_lock lock(gate().mutex);
@@ -70,20 +73,20 @@ private:
     }
 
     static CURLSH* makeTlsSessions() {
-        CURLSH* share = curl_share_init();
+        CURLSH* share = curl().shareInit();
         if (share == nullptr)
             return nullptr;
-        curl_share_setopt(
+        curl().shareSetopt(
             share, CURLSHOPT_LOCKFUNC, +[](CURL*, curl_lock_data data, curl_lock_access, void*) {
                 if (data == CURL_LOCK_DATA_SSL_SESSION)
                     gate().sessions.lock();
             });
-        curl_share_setopt(
+        curl().shareSetopt(
             share, CURLSHOPT_UNLOCKFUNC, +[](CURL*, curl_lock_data data, void*) {
                 if (data == CURL_LOCK_DATA_SSL_SESSION)
                     gate().sessions.unlock();
             });
-        curl_share_setopt(share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
+        curl().shareSetopt(share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
         return share;
     }
 };

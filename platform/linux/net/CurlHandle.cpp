@@ -51,7 +51,7 @@ constexpr long keptAddressSeconds = 60;
 CurlHandle::CurlHandle(const QUrl& url, const TrustedAuthorities& authorities, HttpRequest::Route route) {
     const bool isSecure = url.scheme() == u"https";
     if (!m_easy)
-        m_refusal = u"No request could be made."_qs;
+        m_refusal = curl().problem.value_or(u"No request could be made."_qs);
     else if (isSecure)
         m_refusal = authorities.problem();
     if (m_refusal)
@@ -113,7 +113,7 @@ void CurlHandle::verify(const TrustedAuthorities& authorities) {
 
 long CurlHandle::number(CURLINFO which) const {
     long number = 0;
-    curl_easy_getinfo(easy(), which, &number);
+    curl().easyGetinfo(easy(), which, &number);
     return number;
 }
 
@@ -134,7 +134,7 @@ void CurlHandle::avoidOlderThan(std::chrono::steady_clock::time_point time) {
 /// Each request of a chain of redirects comes by here, with its connection made and nothing sent.
 int CurlHandle::beforeRequest() {
     const char* scheme = nullptr;
-    curl_easy_getinfo(easy(), CURLINFO_SCHEME, &scheme);
+    curl().easyGetinfo(easy(), CURLINFO_SCHEME, &scheme);
     const bool isSecure = QByteArrayView(scheme).compare("https", Qt::CaseInsensitive) == 0;
     m_isDowngrade = m_hasBeenSecure && !isSecure;
     m_hasBeenSecure = isSecure;
@@ -173,7 +173,7 @@ QString CurlHandle::errorText(CURLcode code) const {
     if (m_isDowngrade)
         return u"A redirect leads from a secure address to an insecure one."_qs;
     return oneLine(
-        QString::fromUtf8(m_errorText.front() != '\0' ? m_errorText.data() : curl_easy_strerror(code)));
+        QString::fromUtf8(m_errorText.front() != '\0' ? m_errorText.data() : curl().easyStrerror(code)));
 }
 
 int CurlHandle::connectErrno(CURLcode code) const {

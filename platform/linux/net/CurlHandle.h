@@ -11,7 +11,6 @@
 #include <array>
 #include <chrono>
 #include <cstddef>
-#include <curl/curl.h>
 #include <memory>
 #include <optional>
 
@@ -38,7 +37,7 @@ public:
     [[nodiscard]] long number(CURLINFO which) const;
     template<typename Value>
     void set(CURLoption option, Value value) {
-        curl_easy_setopt(m_easy.get(), option, value);
+        curl().easySetopt(m_easy.get(), option, value);
     }
 
     /// Uses no kept connection and no looked-up address from before `time`.
@@ -78,7 +77,7 @@ private:
     bool m_hasBeenSecure = false;
     bool m_isDowngrade = false;
     // Last: closing it may still call back into what stands above.
-    std::unique_ptr<CURL, void (*)(CURL*)> m_easy{curl_easy_init(), &curl_easy_cleanup};
+    std::unique_ptr<CURL, void (*)(CURL*)> m_easy{curl().easyInit(), curl().easyCleanup};
 };
 
 } // namespace zofra

@@ -95,7 +95,7 @@ bool CurlTransfer::setUpHeaders() {
 }
 
 void CurlTransfer::addHeader(const QByteArray& line) {
-    auto* const list = curl_slist_append(m_headers.get(), line.constData());
+    auto* const list = curl().slistAppend(m_headers.get(), line.constData());
     if (list == nullptr)
         return;
     static_cast<void>(m_headers.release());

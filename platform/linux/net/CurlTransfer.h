@@ -7,7 +7,6 @@
 #include <QByteArray>
 
 #include <cstddef>
-#include <curl/curl.h>
 #include <memory>
 #include <optional>
 #include <stop_token>
@@ -46,7 +45,7 @@ private:
 
     const HttpRequest m_request;
     std::optional<HttpError> m_refusal;
-    std::unique_ptr<curl_slist, void (*)(curl_slist*)> m_headers{nullptr, &curl_slist_free_all};
+    std::unique_ptr<curl_slist, void (*)(curl_slist*)> m_headers{nullptr, curl().slistFreeAll};
     QByteArray m_body;
     std::size_t m_bodyBytes = 0;
     bool m_isTooLarge = false;

@@ -63,7 +63,7 @@ void CurlWorker::stop() {
         const std::scoped_lock lock(m_mutex);
         m_isStopping = true;
         if (m_wakeable != nullptr)
-            curl_multi_wakeup(m_wakeable);
+            curl().multiWakeup(m_wakeable);
     }
     const std::scoped_lock lock(m_completionMutex);
     m_isSilenced = true;
@@ -71,18 +71,18 @@ void CurlWorker::stop() {
 
 void CurlWorker::wake() {
     if (m_wakeable != nullptr)
-        curl_multi_wakeup(m_wakeable);
+        curl().multiWakeup(m_wakeable);
     m_isStarted = m_isStarted || startDetachedThread([self = shared_from_this()] { self->run(); });
     if (!m_isStarted)
-        refuse(std::exchange(m_submitted, {}));
+        refuse(std::exchange(m_submitted, {}), u"No thread could be started for requests."_qs);
 }
 
 /// Never in place: whoever submits may hold locks that its completions take.
-void CurlWorker::refuse(std::deque<Job> jobs) {
+void CurlWorker::refuse(std::deque<Job> jobs, const QString& why) {
     QMetaObject::invokeMethod(
         QCoreApplication::instance(),
-        [self = shared_from_this(), jobs = std::make_shared<std::deque<Job>>(std::move(jobs))] {
-            const HttpError reason{HttpError::Code::other, 0, u"No thread could be started for requests."_qs};
+        [self = shared_from_this(), jobs = std::make_shared<std::deque<Job>>(std::move(jobs)), why] {
+            const HttpError reason{HttpError::Code::other, 0, why};
             for (const auto& job : *jobs)
                 self->complete(job, failure(reason));
         },
@@ -103,34 +103,37 @@ void CurlWorker::run() {
             do {
                 startWaiting();
                 int running = 0;
-                curl_multi_perform(m_multi, &running);
+                curl().multiPerform(m_multi, &running);
             } while (finishDone());
             patience = stepConnections();
         }
-        curl_multi_poll(m_multi, m_waits.data(), static_cast<unsigned>(m_waits.size()),
-                        static_cast<int>(patience.count()), nullptr);
+        curl().multiPoll(m_multi, m_waits.data(), static_cast<unsigned>(m_waits.size()),
+                         static_cast<int>(patience.count()), nullptr);
     }
     const CurlGlobal::Pass pass;
     shutDown();
 }
 
-/// False when there are too few descriptors: a loop that cannot be woken would never end.
+/// False without libcurl, and when there are too few descriptors: a loop that cannot be woken would never
+/// end.
 bool CurlWorker::setUp() {
     {
         const CurlGlobal::Pass pass;
         CurlGlobal::initialise();
     }
     const CurlGlobal::Pass pass;
-    m_multi = curl_multi_init();
+    m_multi = curl().multiInit();
     const std::scoped_lock lock(m_mutex);
-    if (m_multi != nullptr && curl_multi_wakeup(m_multi) == CURLM_OK) {
-        curl_multi_setopt(m_multi, CURLMOPT_MAXCONNECTS, maxKeptConnections);
+    if (m_multi != nullptr && curl().multiWakeup(m_multi) == CURLM_OK) {
+        curl().multiSetopt(m_multi, CURLMOPT_MAXCONNECTS, maxKeptConnections);
         m_wakeable = m_multi;
         return true;
     }
-    curl_multi_cleanup(std::exchange(m_multi, nullptr));
+    if (m_multi != nullptr)
+        curl().multiCleanup(std::exchange(m_multi, nullptr));
     m_isStarted = false;
-    refuse(std::exchange(m_submitted, {}));
+    refuse(std::exchange(m_submitted, {}),
+           curl().problem.value_or(u"There are too few descriptors for requests."_qs));
     return false;
 }
 
@@ -181,7 +184,7 @@ void CurlWorker::startFrom(std::deque<Job>& waiting) {
         return complete(job, failure(*std::move(refusal)));
     job.transfer->handle().avoidOlderThan(m_keptSince);
     auto* const easy = job.transfer->easy();
-    if (curl_multi_add_handle(m_multi, easy) != CURLM_OK)
+    if (curl().multiAddHandle(m_multi, easy) != CURLM_OK)
         return complete(job, job.transfer->result(CURLE_FAILED_INIT));
     m_runningLocal += job.isLocal ? 1 : 0;
     m_running.emplace(easy, std::move(job));
@@ -212,7 +215,7 @@ void CurlWorker::giveUpCancelled() {
 bool CurlWorker::finishDone() {
     bool any = false;
     int left = 0;
-    while (const auto* message = curl_multi_info_read(m_multi, &left)) {
+    while (const auto* message = curl().multiInfoRead(m_multi, &left)) {
         if (message->msg != CURLMSG_DONE)
             continue;
         const auto connection = m_connections.find(message->easy_handle);
@@ -227,7 +230,7 @@ bool CurlWorker::finishDone() {
 
 void CurlWorker::finish(CURL* easy, CURLcode code) {
     const auto node = m_running.extract(easy);
-    curl_multi_remove_handle(m_multi, easy);
+    curl().multiRemoveHandle(m_multi, easy);
     const auto& job = node.mapped();
     m_runningLocal -= job.isLocal ? 1 : 0;
     complete(job, job.transfer->result(code));
@@ -235,7 +238,7 @@ void CurlWorker::finish(CURL* easy, CURLcode code) {
 
 void CurlWorker::adopt(std::shared_ptr<WebSocketConnection> connection) {
     auto* const easy = connection->easy();
-    if (curl_multi_add_handle(m_multi, easy) != CURLM_OK)
+    if (curl().multiAddHandle(m_multi, easy) != CURLM_OK)
         connection->connected(CURLE_FAILED_INIT);
     m_connections.emplace(easy, std::move(connection));
 }
@@ -250,14 +253,14 @@ std::chrono::milliseconds CurlWorker::stepConnections() {
         const auto wait = connection->step(now);
         if (!wait) {
             // This closes the connection.
-            curl_multi_remove_handle(m_multi, easy);
+            curl().multiRemoveHandle(m_multi, easy);
             connection->released();
             entry = m_connections.erase(entry);
             continue;
         }
         until = std::min(until, wait->until);
         curl_socket_t descriptor = CURL_SOCKET_BAD;
-        curl_easy_getinfo(easy, CURLINFO_ACTIVESOCKET, &descriptor);
+        curl().easyGetinfo(easy, CURLINFO_ACTIVESOCKET, &descriptor);
         if (wait->events != 0 && descriptor != CURL_SOCKET_BAD)
             m_waits.push_back({descriptor, wait->events, 0});
         ++entry;
@@ -277,14 +280,14 @@ void CurlWorker::shutDown() {
         m_wakeable = nullptr;
     }
     for (auto& [easy, job] : m_running)
-        curl_multi_remove_handle(m_multi, easy);
+        curl().multiRemoveHandle(m_multi, easy);
     m_running.clear();
     for (auto& [easy, connection] : m_connections) {
-        curl_multi_remove_handle(m_multi, easy);
+        curl().multiRemoveHandle(m_multi, easy);
         connection->released();
     }
     m_connections.clear();
-    curl_multi_cleanup(m_multi);
+    curl().multiCleanup(m_multi);
 }
 
 } // namespace zofra

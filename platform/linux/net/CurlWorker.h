@@ -11,7 +11,6 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
-#include <curl/curl.h>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -60,7 +59,7 @@ private:
 
     // With m_mutex held.
     void wake();
-    void refuse(std::deque<Job> jobs);
+    void refuse(std::deque<Job> jobs, const QString& why);
 
     // All of these on the worker's thread.
     void run();

@@ -37,13 +37,13 @@ int closeSocket(void* wasConnected, curl_socket_t descriptor) {
 
 std::chrono::milliseconds timeOf(CURL* easy, CURLINFO which) {
     curl_off_t microseconds = 0;
-    curl_easy_getinfo(easy, which, &microseconds);
+    curl().easyGetinfo(easy, which, &microseconds);
     return std::chrono::milliseconds((microseconds + 999) / 1000);
 }
 
 QString textOf(CURL* easy, CURLINFO which) {
     const char* text = nullptr;
-    curl_easy_getinfo(easy, which, &text);
+    curl().easyGetinfo(easy, which, &text);
     return QString::fromUtf8(text);
 }
 
@@ -100,7 +100,7 @@ HostProbe HostProbe::run(const Request& request, const std::optional<QString>& e
     handle.set(CURLOPT_CLOSESOCKETFUNCTION, &closeSocket);
     handle.set(CURLOPT_CLOSESOCKETDATA, &wasConnected);
 
-    const CURLcode code = curl_easy_perform(easy);
+    const CURLcode code = curl().easyPerform(easy);
     readProgress(handle, probe);
     probe.body = body.bytes;
     const bool isEnough = static_cast<std::size_t>(body.bytes.size()) >= body.enough;

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <curl/curl.h>
 #include <optional>
 #include <utility>
 
@@ -42,7 +41,7 @@ public:
     ~Transfer() {
         const CurlGlobal::Pass pass;
         if (m_isAdded)
-            curl_multi_remove_handle(m_multi.get(), m_handle.easy());
+            curl().multiRemoveHandle(m_multi.get(), m_handle.easy());
         m_handle.close();
         m_multi.reset();
     }
@@ -63,7 +62,7 @@ public:
             if (left <= milliseconds(0))
                 m_outcome = CURLE_OPERATION_TIMEDOUT;
             else
-                curl_multi_poll(m_multi.get(), nullptr, 0, static_cast<int>(left.count()), nullptr);
+                curl().multiPoll(m_multi.get(), nullptr, 0, static_cast<int>(left.count()), nullptr);
         }
         return -1;
     }
@@ -71,7 +70,7 @@ public:
     void cancel() {
         m_isCancelled = true;
         if (m_multi)
-            curl_multi_wakeup(m_multi.get());
+            curl().multiWakeup(m_multi.get());
     }
 
 private:
@@ -79,6 +78,7 @@ private:
         m_handle.set(CURLOPT_URL, url.constData());
         m_handle.set(CURLOPT_FAILONERROR, 1L);
         // Old streaming servers have a status line of their own.
+        m_statusLines.reset(curl().slistAppend(nullptr, "ICY 200 OK"));
         m_handle.set(CURLOPT_HTTP200ALIASES, m_statusLines.get());
         m_handle.set(CURLOPT_USERAGENT, settings.userAgent.constData());
         m_handle.set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(m_patience.count()));
@@ -87,18 +87,18 @@ private:
                 return static_cast<Transfer*>(self)->receive(bytes, size);
             });
         m_handle.set(CURLOPT_WRITEDATA, this);
-        m_isAdded = curl_multi_add_handle(m_multi.get(), m_handle.easy()) == CURLM_OK;
+        m_isAdded = curl().multiAddHandle(m_multi.get(), m_handle.easy()) == CURLM_OK;
     }
 
     void step() {
         const CurlGlobal::Pass pass;
         if (std::exchange(m_isHeld, false))
-            curl_easy_pause(m_handle.easy(), CURLPAUSE_CONT);
+            curl().easyPause(m_handle.easy(), CURLPAUSE_CONT);
         int running = 0;
-        if (curl_multi_perform(m_multi.get(), &running) != CURLM_OK)
+        if (curl().multiPerform(m_multi.get(), &running) != CURLM_OK)
             m_outcome = CURLE_FAILED_INIT;
         int left = 0;
-        while (const auto* message = curl_multi_info_read(m_multi.get(), &left)) {
+        while (const auto* message = curl().multiInfoRead(m_multi.get(), &left)) {
             if (message->msg == CURLMSG_DONE)
                 m_outcome = message->data.result;
         }
@@ -127,9 +127,8 @@ private:
     }
 
     const milliseconds m_patience;
-    std::unique_ptr<curl_slist, void (*)(curl_slist*)> m_statusLines{curl_slist_append(nullptr, "ICY 200 OK"),
-                                                                     &curl_slist_free_all};
-    std::unique_ptr<CURLM, CURLMcode (*)(CURLM*)> m_multi{curl_multi_init(), &curl_multi_cleanup};
+    std::unique_ptr<curl_slist, void (*)(curl_slist*)> m_statusLines{nullptr, curl().slistFreeAll};
+    std::unique_ptr<CURLM, CURLMcode (*)(CURLM*)> m_multi{curl().multiInit(), curl().multiCleanup};
     CurlHandle m_handle;
     bool m_isAdded = false;
     QByteArray m_pending;

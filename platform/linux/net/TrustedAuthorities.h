@@ -77,7 +77,8 @@ private:
         return std::nullopt;
     }
     [[nodiscard]] static std::optional<QByteArray> systemBundle() {
-        const QByteArray libraryBundle = curl_version_info(CURLVERSION_NOW)->cainfo;
+        const QByteArray libraryBundle =
+            curl().problem ? nullptr : curl().versionInfo(CURLVERSION_NOW)->cainfo;
         for (const auto& file : {libraryBundle, QByteArray("/etc/ssl/certs/ca-certificates.crt"),
                                  QByteArray("/etc/pki/tls/certs/ca-bundle.crt"),
                                  QByteArray("/etc/ssl/ca-bundle.pem"), QByteArray("/etc/ssl/cert.pem")}) {

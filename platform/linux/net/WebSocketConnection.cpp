@@ -130,7 +130,7 @@ void WebSocketConnection::readPieces(TimePoint now) {
 bool WebSocketConnection::readPiece() {
     std::array<char, callBytes> buffer{};
     std::size_t count = 0;
-    const auto code = curl_easy_recv(easy(), buffer.data(), buffer.size(), &count);
+    const auto code = curl().easyRecv(easy(), buffer.data(), buffer.size(), &count);
     if (code == CURLE_AGAIN)
         return false;
     if (code != CURLE_OK || count == 0) {
@@ -255,8 +255,8 @@ void WebSocketConnection::writePieces() {
     while (m_state != State::ended && !m_output.empty()) {
         const auto& frame = m_output.front();
         std::size_t count = 0;
-        const auto code = curl_easy_send(easy(), frame.constData() + m_sent,
-                                         static_cast<std::size_t>(frame.size() - m_sent), &count);
+        const auto code = curl().easySend(easy(), frame.constData() + m_sent,
+                                          static_cast<std::size_t>(frame.size() - m_sent), &count);
         if (code == CURLE_AGAIN)
             return;
         if (code != CURLE_OK)
