@@ -134,9 +134,16 @@ class Stage:
 
     def on_air(self):
         """The address that is polled for what is on the air."""
+        return f"https://{self._metadata_host('on_air')}/056/qp/v3/onair?rpIds=1"
+
+    def live_host(self):
+        """The host of the live feed."""
+        return self._metadata_host("live_socket")
+
+    def _metadata_host(self, name):
         endpoints = configparser.ConfigParser()
         endpoints.read(self.lab.endpoints)
-        return f"https://{endpoints['metadata']['on_air']}/056/qp/v3/onair?rpIds=1"
+        return endpoints["metadata"][name]
 
     def engine_floor(self):
         """The bare engine on that stream."""

@@ -3,10 +3,12 @@
 
     household_gssdp.py publish INTERFACE TARGET USN LOCATION    answers searches until standard input ends
     household_gssdp.py browse INTERFACE TARGET SECONDS          searches, and prints what it found as JSON
+    household_gssdp.py count INTERFACE TARGET COUNT SECONDS     searches, and prints after how many seconds it knew so many
 """
 
 import json
 import sys
+import time
 
 import gi
 
@@ -43,5 +45,21 @@ def browse(interface, target, seconds):
     print(json.dumps(found))
 
 
+def count(interface, target, enough, seconds):
+    """How long it takes to hear of so many."""
+    found, began, loop = set(), time.monotonic(), GLib.MainLoop()
+    browser = GSSDP.ResourceBrowser.new(client(interface), target)
+
+    def available(_browser, usn, _locations):
+        found.add(usn)
+        if len(found) == int(enough):
+            print(f"{time.monotonic() - began:.3f}")
+            loop.quit()
+    browser.connect("resource-available", available)
+    browser.set_active(True)
+    GLib.timeout_add(int(float(seconds) * 1000), loop.quit)
+    loop.run()
+
+
 if __name__ == "__main__":
-    {"publish": publish, "browse": browse}[sys.argv[1]](*sys.argv[2:])
+    {"publish": publish, "browse": browse, "count": count}[sys.argv[1]](*sys.argv[2:])
