@@ -8,6 +8,7 @@
 #include <QLocale>
 
 #include <algorithm>
+#include <vector>
 
 namespace zofra {
 
@@ -52,10 +53,12 @@ private:
 
 /// How a room is shown among `rooms`: its name, and as much more as tells it from others of the same name.
 [[nodiscard]] inline QString roomTitle(const SonosRoom& room, const QList<SonosRoom>& rooms) {
-    auto others = rooms;
-    others.removeIf(
-        [&](const SonosRoom& other) { return other.id() == room.id() || other.name != room.name; });
-    if (others.isEmpty())
+    std::vector<const SonosRoom*> others;
+    for (const auto& other : rooms) {
+        if (other.name == room.name && other.id() != room.id())
+            others.push_back(&other);
+    }
+    if (others.empty())
         return room.name;
     const auto namesUs = [](const std::optional<QString>& text) {
         return text && (text->compare(u"Zofra Zofra", Qt::CaseInsensitive) == 0 ||
@@ -66,12 +69,12 @@ private:
     };
     const auto& player = room.coordinator;
     QString title = room.name + (isOwn(player) ? u" (Zofra)"_qs : u" (Sonos)"_qs);
-    others.removeIf([&](const SonosRoom& other) { return isOwn(other.coordinator) != isOwn(player); });
-    if (others.isEmpty())
+    std::erase_if(others, [&](const auto* other) { return isOwn(other->coordinator) != isOwn(player); });
+    if (others.empty())
         return title;
     // Where its player is, or the player's id when another of these rooms is there, too.
-    const bool isShared = std::ranges::any_of(
-        others, [&](const SonosRoom& other) { return other.coordinator.ip == player.ip; });
+    const bool isShared =
+        std::ranges::any_of(others, [&](const auto* other) { return other->coordinator.ip == player.ip; });
     return title + u" – "_qs + (isShared ? player.id : player.ip);
 }
 
