@@ -35,6 +35,9 @@ public:
     }
     /// One at a time: a second call before the first has been answered fails.
     void receive(ReceiveHandler completionHandler) override {
+        // Mostly there is nothing yet: the thread need not be woken for that.
+        if (m_connection->waitFor(completionHandler))
+            return;
         m_worker->post([connection = m_connection, handler = std::move(completionHandler)] {
             connection->receive(handler);
         });

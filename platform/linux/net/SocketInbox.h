@@ -20,7 +20,7 @@ namespace zofra {
 }
 
 /// What a web socket has brought, until its owner asks for it, and why no more comes. One thread, but for
-/// `silence`.
+/// `silence` and `waitFor`.
 class SocketInbox {
 public:
     using Handler = RadioMetadataSocket::ReceiveHandler;
@@ -45,6 +45,7 @@ public:
 
     /// False when there is no room for it.
     [[nodiscard]] bool put(SocketMessage message) {
+        const std::scoped_lock lock(m_mutex);
         const auto bytes = sizeOf(message);
         if (m_messages.size() >= m_mostMessages || m_bytes + bytes > m_mostBytes)
             return false;
@@ -55,11 +56,21 @@ public:
     }
     /// After what is there comes this, to whoever asks. The first reason stays.
     void end(const QString& reason) {
+        const std::scoped_lock lock(m_mutex);
         m_end = m_end.value_or(reason);
         deliver();
     }
+    /// As `receive` when there is nothing to tell yet, else false. Any thread.
+    [[nodiscard]] bool waitFor(const Handler& handler) {
+        const std::scoped_lock lock(m_mutex);
+        if (m_receiver || m_end || !m_messages.empty())
+            return false;
+        m_receiver = handler;
+        return true;
+    }
     /// Tells `handler` the next message, or why there is none, once.
     void receive(Handler handler) {
+        const std::scoped_lock lock(m_mutex);
         if (m_receiver)
             return tell([&] { handler(failure(u"Another message is being waited for already."_qs)); });
         m_receiver = std::move(handler);
@@ -85,7 +96,7 @@ private:
     std::size_t m_bytes = 0;
     std::optional<QString> m_end;
     Handler m_receiver;
-    /// Held while the owner is told; recursive, because it may end the socket then.
+    /// Held while the owner is told; recursive, because it may ask for more or end the socket then.
     std::recursive_mutex m_mutex;
     bool m_isSilenced = false;
 };

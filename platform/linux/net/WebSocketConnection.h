@@ -57,6 +57,8 @@ public:
     void open(CurlWorker& worker);
     void close(std::uint16_t closeCode = goingAway, const QByteArray& reason = {});
     void receive(SocketInbox::Handler handler) { m_inbox.receive(std::move(handler)); }
+    /// The same where nothing is there yet, else false. Any thread.
+    [[nodiscard]] bool waitFor(const SocketInbox::Handler& handler) { return m_inbox.waitFor(handler); }
     void send(const SocketMessage& message, const RadioMetadataSocket::SendHandler& handler);
 
     using TimePoint = std::chrono::steady_clock::time_point;
