@@ -48,5 +48,5 @@ class WindowWatch:
             while self._display.pending_events():
                 if self._display.next_event().type == kind:
                     return time.monotonic()
-            select.select([self._display], [], [], deadline - time.monotonic())
+            select.select([self._display], [], [], max(0.0, deadline - time.monotonic()))
         raise RuntimeError(f"no window came or went for {self._patience} s")

@@ -3,8 +3,11 @@
 
 #include "platform/Result.h"
 
+#include <QString>
+
 #include <dlfcn.h>
 #include <optional>
+#include <utility>
 
 namespace zofra {
 

@@ -3,7 +3,10 @@
 
 #include "platform/linux/LateLibrary.h"
 
+#include <QString>
+
 #include <curl/curl.h>
+#include <optional>
 
 namespace zofra {
 
