@@ -126,17 +126,17 @@ private:
     }
 
     void check() {
-        using Task = Options::Task;
-        const Task task = m_options.task;
+        using enum Options::Task;
+        const auto task = m_options.task;
         const bool canBeJson =
-            task == Task::status || task == Task::follow || task == Task::history || task == Task::doctor;
+            task == status || task == follow || task == history || task == doctor;
         if (m_options.isJson && !canBeJson)
             refuse(text::goesWith, u"--json"_qs, u"--status, --follow, --history, --doctor"_qs);
-        if (task == Task::run || task == Task::version)
+        if (task == run || task == version)
             return;
-        if (task == Task::doctor && m_options.acts())
+        if (task == doctor && m_options.acts())
             refuse(text::goesOnlyWith, u"--doctor"_qs, u"--json, --endpoints, --no-discovery, --headless"_qs);
-        else if (task != Task::doctor && (m_options.acts() || !m_options.firstStartOnly().isEmpty()))
+        else if (task != doctor && (m_options.acts() || !m_options.firstStartOnly().isEmpty()))
             refuse(text::goesWithNothing, u"--status, --song, --follow, --history, --quit"_qs);
     }
 

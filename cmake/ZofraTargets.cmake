@@ -32,6 +32,12 @@ if(ZOFRA_FUZZ)
     target_compile_options(zofra_flags INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
+# zofra_use_unity(TARGET)
+# Compiles the target's sources in a few large pieces: what they all read is read, and what they all use is made, once.
+function(zofra_use_unity target)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ${ZOFRA_UNITY} UNITY_BUILD_BATCH_SIZE 16)
+endfunction()
+
 # zofra_library(NAME SOURCES file... [DEPENDS target...] [HEADERS core|bus|desktop])
 # A folder's one static library. Users of it see the headers of its dependencies, nothing else. HEADERS names the
 # precompiled ones; what they hold must be among the dependencies.
@@ -43,6 +49,7 @@ function(zofra_library name)
         set(arg_HEADERS core)
     endif()
     zofra_use_headers(${name} ${arg_HEADERS})
+    zofra_use_unity(${name})
 endfunction()
 
 # zofra_test(NAME SOURCES file... [DEPENDS target...])

@@ -17,7 +17,7 @@ bool isBlank(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-bool isControl(char c) {
+bool isControlByte(char c) {
     return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
 }
 
@@ -95,7 +95,7 @@ bool startsJson(QByteArrayView text) {
 
 bool isText(const QByteArray& line) {
     const bool hasControl =
-        std::ranges::any_of(line, [](char c) { return isControl(c) && c != '\t' && c != '\r'; });
+        std::ranges::any_of(line, [](char c) { return isControlByte(c) && c != '\t' && c != '\r'; });
     // A comment in an older encoding is a person's all the same.
     const auto start = line.trimmed();
     return !hasControl && line.size() <= IniDocument::maxLineBytes &&
@@ -125,7 +125,7 @@ QByteArray quoted(const QByteArray& value) {
             result += "\\r";
         else if (c == '\t')
             result += "\\t";
-        else if (isControl(c) || (byte >= 0x80 && !isText))
+        else if (isControlByte(c) || (byte >= 0x80 && !isText))
             result += "\\x" + QByteArray::number(byte, 16).rightJustified(2, '0');
         else
             result += c;
@@ -145,7 +145,7 @@ QByteArrayView withoutIniComment(QByteArrayView line) {
 }
 
 QByteArray encodedIniValue(const QByteArray& value) {
-    if (std::ranges::none_of(value, isControl) && decodedIniValue(value) == value &&
+    if (std::ranges::none_of(value, isControlByte) && decodedIniValue(value) == value &&
         QString::fromUtf8(value).toUtf8() == value)
         return value;
     return quoted(value);

@@ -5,7 +5,7 @@ namespace zofra::doctor {
 
 namespace {
 
-const QString area = u"panel"_qs;
+const QString panelArea = u"panel"_qs;
 
 QString windowsName(TraySession::Windows windows, AppLanguage language) {
     using Windows = TraySession::Windows;
@@ -32,7 +32,7 @@ Finding shown(const DesktopFacts& facts, AppLanguage language) {
     const auto mode = trayMode(facts.session);
     const QString name = statusItemModeName(mode);
     return fine(
-        area,
+        panelArea,
         text::panelShows.in(language, panelName(facts, language), name, reasonFor(facts, mode).in(language)),
         {{u"panel"_qs, facts.session.panelProgram}, {u"mode"_qs, name}});
 }
@@ -42,7 +42,7 @@ Finding notShown(const DesktopFacts& facts, AppLanguage language) {
     const auto& cure = isGnome ? text::installExtension : facts.hasWatcher ? text::addTray : text::startPanel;
     const QString found = facts.hasWatcher ? text::watchedButNotShown.in(language, panelName(facts, language))
                                            : text::notShown.in(language);
-    return problem(area, found, cure.in(language), {{u"panel"_qs, QJsonValue()}, {u"mode"_qs, u"window"_qs}});
+    return problem(panelArea, found, cure.in(language), {{u"panel"_qs, QJsonValue()}, {u"mode"_qs, u"window"_qs}});
 }
 
 } // namespace
@@ -64,13 +64,13 @@ Finding judgeSession(const DesktopFacts& facts, AppLanguage language) {
 
 Finding judgePanel(const DesktopFacts& facts, AppLanguage language) {
     if (facts.isHeadless)
-        return skipped(area, text::headlessShowsNone.in(language));
+        return skipped(panelArea, text::headlessShowsNone.in(language));
     if (facts.platform.isEmpty())
-        return skipped(area, text::noDisplayForPanel.in(language));
+        return skipped(panelArea, text::noDisplayForPanel.in(language));
     if (facts.hasWatcher && facts.hasPanel)
         return shown(facts, language);
     if (facts.hasOldTray && facts.session.windows == TraySession::Windows::x11)
-        return fine(area, text::oldTray.in(language),
+        return fine(panelArea, text::oldTray.in(language),
                     {{u"panel"_qs, QJsonValue()}, {u"mode"_qs, u"xembed"_qs}});
     return notShown(facts, language);
 }

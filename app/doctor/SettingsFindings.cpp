@@ -66,7 +66,7 @@ QString mistakeInWritingTo(const QString& path) {
     return mistakeInWriting(nearestFolder(target), exists ? status.st_size + trialBytes : trialBytes);
 }
 
-const QString area = u"settings"_qs;
+const QString settingsArea = u"settings"_qs;
 
 /// A path as a person writes it.
 QString shortened(const QString& path) {
@@ -130,17 +130,17 @@ Finding judgeSettings(const SettingsFacts& facts, AppLanguage language) {
     const QJsonObject details{
         {u"path"_qs, facts.path}, {u"exists"_qs, facts.exists}, {u"damaged"_qs, facts.isDamaged}};
     if (!facts.readProblem.isEmpty())
-        return problem(area, text::cannotBeRead.in(language, path, facts.readProblem),
+        return problem(settingsArea, text::cannotBeRead.in(language, path, facts.readProblem),
                        text::makeReadable.in(language, path), details);
     if (!facts.writeProblem.isEmpty())
-        return problem(area, text::cannotBeWritten.in(language, path, facts.writeProblem),
+        return problem(settingsArea, text::cannotBeWritten.in(language, path, facts.writeProblem),
                        writeCure(facts, language), details);
     if (facts.isDamaged)
-        return problem(area, text::damaged.in(language, path), text::writeAnew.in(language), details);
+        return problem(settingsArea, text::damaged.in(language, path), text::writeAnew.in(language), details);
     if (const auto strange = strangeValues(facts); !strange.isEmpty())
-        return problem(area, text::notUsable.in(language, path, strange.join(u", "_qs)),
+        return problem(settingsArea, text::notUsable.in(language, path, strange.join(u", "_qs)),
                        text::correctLines.in(language), details);
-    return fine(area, facts.exists ? path : text::notThereYet.in(language, path), details);
+    return fine(settingsArea, facts.exists ? path : text::notThereYet.in(language, path), details);
 }
 
 Finding judgeEndpoints(const EndpointsFacts& facts, AppLanguage language) {

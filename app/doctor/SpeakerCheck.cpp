@@ -8,11 +8,11 @@
 
 namespace zofra::doctor {
 
-namespace {
-
 using namespace std::chrono_literals;
 
 using Facts = std::shared_ptr<PlayerLocked<SpeakerFacts>>;
+
+namespace {
 
 /// A player at home answers within a tenth of this; the program itself is more patient, but has the time.
 constexpr auto probePatience = 900ms;
@@ -23,6 +23,12 @@ InterfaceSearch* searchFrom(SpeakerFacts& facts, const QString& ip) {
         std::ranges::find_if(facts.searches, [&ip](const auto& search) { return search.interface.ip == ip; });
     return found == facts.searches.end() ? nullptr : &*found;
 }
+
+bool isRefusal(const HttpResult& result) {
+    return !result && result.error().code == HttpError::Code::notConnected;
+}
+
+} // namespace
 
 class WatchedSocket final : public UdpSearchSocket {
 public:
@@ -59,10 +65,6 @@ private:
     const QString m_ip;
     const Facts m_facts;
 };
-
-bool isRefusal(const HttpResult& result) {
-    return !result && result.error().code == HttpError::Code::notConnected;
-}
 
 class WatchedNetwork final : public LocalNetwork {
 public:
@@ -118,8 +120,6 @@ private:
     HttpSession& m_session;
     const Facts m_facts;
 };
-
-} // namespace
 
 /// What the search uses; it stays as long as the search does.
 struct SpeakerCheck::Watch {

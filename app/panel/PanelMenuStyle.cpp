@@ -14,7 +14,7 @@ namespace zofra {
 
 namespace {
 
-constexpr qreal sidePadding = 8;
+constexpr qreal itemPadding = 8;
 constexpr qreal checkColumn = 22;
 constexpr qreal checkSize = 13;
 constexpr qreal iconColumn = 25;
@@ -104,8 +104,8 @@ void PanelMenuStyle::drawItem(const QStyleOptionMenuItem& item, QPainter& painte
     const PanelTheme& theme = m_look.theme;
     const PanelMetrics& metrics = m_look.metrics;
     if (item.menuItemType == QStyleOptionMenuItem::Separator) {
-        painter.fillRect(QRect(item.rect.left() + metrics.px(sidePadding), item.rect.center().y(),
-                               item.rect.width() - 2 * metrics.px(sidePadding), 1),
+        painter.fillRect(QRect(item.rect.left() + metrics.px(itemPadding), item.rect.center().y(),
+                               item.rect.width() - 2 * metrics.px(itemPadding), 1),
                          theme.line);
         return;
     }
@@ -124,7 +124,7 @@ void PanelMenuStyle::drawItem(const QStyleOptionMenuItem& item, QPainter& painte
     if (item.menuItemType == QStyleOptionMenuItem::SubMenu)
         paintChevron(
             painter, metrics,
-            QPointF(item.rect.right() + 1 - metrics.px(sidePadding) - chevronSize(metrics).height() / 2,
+            QPointF(item.rect.right() + 1 - metrics.px(itemPadding) - chevronSize(metrics).height() / 2,
                     QRectF(item.rect).center().y()),
             -90, item.state.testFlag(State_Selected) ? theme.text : theme.dim);
 }
@@ -136,7 +136,7 @@ int PanelMenuStyle::leadWidth(const QStyleOptionMenuItem& item) const {
 void PanelMenuStyle::drawLead(const QStyleOptionMenuItem& item, QPainter& painter) const {
     const PanelMetrics& metrics = m_look.metrics;
     const auto square = [&](int edge) {
-        return QRect(item.rect.left() + metrics.px(sidePadding),
+        return QRect(item.rect.left() + metrics.px(itemPadding),
                      item.rect.top() + (item.rect.height() - edge) / 2, edge, edge);
     };
     if (item.checkType != QStyleOptionMenuItem::NotCheckable && item.checked)
@@ -147,7 +147,7 @@ void PanelMenuStyle::drawLead(const QStyleOptionMenuItem& item, QPainter& painte
 
 void PanelMenuStyle::drawText(const QStyleOptionMenuItem& item, QPainter& painter) const {
     const PanelTheme& theme = m_look.theme;
-    const int side = m_look.metrics.px(sidePadding);
+    const int side = m_look.metrics.px(itemPadding);
     QRect room = item.rect.adjusted(side + leadWidth(item), 0, -side, 0);
     const QColor& ink = item.state.testFlag(State_Enabled) ? theme.text : theme.dim;
     QString text = item.text.section(u'\t', 0, 0);
@@ -209,7 +209,7 @@ QSize PanelMenuStyle::sizeFromContents(ContentsType type, const QStyleOption* op
     const int sign = item->text.startsWith(searchSign)
                          ? searchSignWidth(*item) - QFontMetrics(item->font).horizontalAdvance(searchSign)
                          : 0;
-    return {size.width() + 2 * metrics.px(sidePadding) + leadWidth(*item) + behind + sign + 2,
+    return {size.width() + 2 * metrics.px(itemPadding) + leadWidth(*item) + behind + sign + 2,
             line + 2 * metrics.px(linePadding)};
 }
 

@@ -25,7 +25,7 @@ namespace {
 
 // Gaps as drawn; the room that parts keep for their rings is already part of each.
 constexpr qreal panelWidth = 360;
-constexpr qreal sidePadding = 18;
+constexpr qreal partsPadding = 18;
 constexpr qreal topPadding = 16;
 constexpr qreal bottomPadding = 18;
 constexpr qreal rowGap = 14;
@@ -56,7 +56,7 @@ PanelParts::PanelParts(QWidget& panel, const PanelLook& look, const QString& ver
     qDeleteAll(panel.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly));
 
     auto* rows = new QVBoxLayout(&panel);
-    const int side = metrics.px(sidePadding - ring);
+    const int side = metrics.px(partsPadding - ring);
     rows->setContentsMargins(side, metrics.gap(topPadding) - metrics.bleed(), side,
                              metrics.gap(bottomPadding) - metrics.bleed());
     rows->setSpacing(betweenRows(metrics, rowGap));

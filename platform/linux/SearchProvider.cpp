@@ -41,7 +41,7 @@ const auto programIcon = u"be.zofra.ZofraZofra"_qs;
 constexpr qsizetype mostTerms = 64;
 constexpr qsizetype longestText = 200;
 
-Answer tooMuch() {
+Answer moreThanASearch() {
     return dbus::refused("LimitsExceeded", u"No search has as much as that"_qs);
 }
 
@@ -70,7 +70,7 @@ SearchProvider::SearchProvider(SessionBus& bus, std::vector<Entry> entries)
 dbus::Interface SearchProvider::shellInterface() {
     const auto search = [this](const QVariantList& arguments) {
         const auto terms = arguments.last().toStringList();
-        return isTooMuch(terms) ? tooMuch() : Answer{{found(terms)}};
+        return isTooMuch(terms) ? moreThanASearch() : Answer{{found(terms)}};
     };
     const auto metas = [this](const QVariantList& arguments) {
         return describe(arguments.at(0).toStringList());
@@ -115,7 +115,7 @@ QStringList SearchProvider::found(const QStringList& terms) const {
 
 Answer SearchProvider::describe(const QStringList& ids) const {
     if (isTooMuch(ids))
-        return tooMuch();
+        return moreThanASearch();
     QList<QVariantMap> metas;
     for (const Entry& entry : m_entries) {
         if (ids.contains(entry.id))
@@ -129,7 +129,7 @@ Answer SearchProvider::describe(const QStringList& ids) const {
 
 Answer SearchProvider::match(const QString& text) const {
     if (text.size() > longestText)
-        return tooMuch();
+        return moreThanASearch();
     const QStringList ids = found(wordsOf(text));
     QList<RunnerMatch> matches;
     for (const Entry& entry : m_entries) {

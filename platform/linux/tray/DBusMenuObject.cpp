@@ -14,7 +14,7 @@ namespace {
 using dbus::Answer;
 using dbus::constant;
 
-constexpr auto* interfaceName = "com.canonical.dbusmenu";
+constexpr auto* menuInterfaceName = "com.canonical.dbusmenu";
 constexpr auto longestShowing = std::chrono::seconds(60);
 /// More numbers, and more names of properties, than any menu of ours has.
 constexpr int mostItems = 1024;
@@ -68,7 +68,7 @@ dbus::Interface DBusMenuObject::menuInterface() {
         return Answer();
     };
     const bool rightToLeft = QGuiApplication::layoutDirection() == Qt::RightToLeft;
-    return {interfaceName,
+    return {menuInterfaceName,
             {{"GetLayout", "parentId:i recursionDepth:i propertyNames:as", "revision:u layout:(ia{sv}av)",
               answering(&DBusMenuObject::getLayout)},
              {"GetGroupProperties", "ids:ai propertyNames:as", "properties:a(ia{sv})",
@@ -106,10 +106,10 @@ bool DBusMenuObject::rebuild() {
     // Whoever asked is not the only one who may hold a layout: another panel would never hear of the change.
     if (m_fetchedRevision != 0) {
         if (!changes.updated.isEmpty() || !changes.removed.isEmpty())
-            m_object.send(interfaceName, "ItemsPropertiesUpdated",
+            m_object.send(menuInterfaceName, "ItemsPropertiesUpdated",
                           {QVariant::fromValue(changes.updated), QVariant::fromValue(changes.removed)});
         for (const int menu : changes.layouts)
-            m_object.send(interfaceName, "LayoutUpdated", {m_revision, menu});
+            m_object.send(menuInterfaceName, "LayoutUpdated", {m_revision, menu});
     }
     return m_fetchedRevision != m_revision;
 }
@@ -158,7 +158,7 @@ void DBusMenuObject::announceSubmenus(const BusMenuLayout& given) {
         if (!child.children.isEmpty() || !m_tree.hasSubmenu(child.id))
             continue;
         m_environment.mainQueue.async(m_lifetime.guard([this, id = child.id] {
-            m_object.send(interfaceName, "LayoutUpdated", {m_revision, id});
+            m_object.send(menuInterfaceName, "LayoutUpdated", {m_revision, id});
         }));
     }
 }

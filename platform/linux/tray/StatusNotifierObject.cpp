@@ -14,7 +14,7 @@ using dbus::constant;
 using dbus::Method;
 using dbus::Property;
 
-constexpr auto* interfaceName = "org.kde.StatusNotifierItem";
+constexpr auto* itemInterfaceName = "org.kde.StatusNotifierItem";
 
 /// A method without an answer.
 template<typename Handler>
@@ -50,14 +50,14 @@ void StatusNotifierObject::setMode(StatusItemMode mode, ToolTipText toolTipText)
 void StatusNotifierObject::setContent(StatusNotifierContent content) {
     const StatusNotifierContent before = std::exchange(m_content, std::move(content));
     if (before.title != m_content.title)
-        m_object.send(interfaceName, "NewTitle");
+        m_object.send(itemInterfaceName, "NewTitle");
     if (before.iconName != m_content.iconName || before.symbolName != m_content.symbolName ||
         before.iconAccessibleDescription != m_content.iconAccessibleDescription)
-        m_object.send(interfaceName, "NewIcon");
+        m_object.send(itemInterfaceName, "NewIcon");
     if (before.toolTip != m_content.toolTip)
-        m_object.send(interfaceName, "NewToolTip");
+        m_object.send(itemInterfaceName, "NewToolTip");
     if (before.label != m_content.label)
-        m_object.send(interfaceName, "XAyatanaNewLabel", {m_content.label, m_content.label});
+        m_object.send(itemInterfaceName, "XAyatanaNewLabel", {m_content.label, m_content.label});
 }
 
 dbus::Interface StatusNotifierObject::itemInterface() {
@@ -79,7 +79,7 @@ dbus::Interface StatusNotifierObject::itemInterface() {
     };
     if (m_mode == StatusItemMode::direct)
         methods.push_back(clickMethod("Activate", m_handlers.activate));
-    return {interfaceName,
+    return {itemInterfaceName,
             std::move(methods),
             {{"NewTitle", ""},
              {"NewIcon", ""},

@@ -7,7 +7,6 @@
 #include <QImage>
 #include <QString>
 #include <QStringList>
-#include <QtEndian>
 
 namespace zofra {
 
@@ -17,13 +16,7 @@ struct BusPixmap {
     int height = 0;
     QByteArray bytes;
 
-    [[nodiscard]] static BusPixmap fromImage(const QImage& image) {
-        const QImage argb = image.convertToFormat(QImage::Format_ARGB32);
-        BusPixmap pixmap{argb.width(), argb.height(), QByteArray(argb.sizeInBytes(), Qt::Uninitialized)};
-        qToBigEndian<quint32>(argb.constBits(), argb.sizeInBytes() / qsizetype{sizeof(quint32)},
-                              pixmap.bytes.data());
-        return pixmap;
-    }
+    [[nodiscard]] static BusPixmap fromImage(const QImage& image);
 
     static constexpr std::tuple members{&BusPixmap::width, &BusPixmap::height, &BusPixmap::bytes};
 };
@@ -73,36 +66,10 @@ struct BusMenuEvent {
                                         &BusMenuEvent::timestamp};
 };
 
-inline QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuLayout& value) {
-    argument.beginStructure();
-    argument << value.id << value.properties;
-    argument.beginArray(QMetaType::fromType<QDBusVariant>());
-    for (const BusMenuLayout& child : value.children)
-        argument << QDBusVariant(QVariant::fromValue(child));
-    argument.endArray();
-    argument.endStructure();
-    return argument;
-}
-inline const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuLayout& value) {
-    argument.beginStructure();
-    argument >> value.id >> value.properties;
-    value.children.clear();
-    argument.beginArray();
-    while (!argument.atEnd()) {
-        QDBusVariant child;
-        argument >> child;
-        value.children.append(qdbus_cast<BusMenuLayout>(child.variant()));
-    }
-    argument.endArray();
-    argument.endStructure();
-    return argument;
-}
+QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuLayout& value);
+const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuLayout& value);
 
 /// Makes the types known to the bus. May be called more than once.
-inline void registerTrayTypes() {
-    dbus::registerTypes<BusPixmap, QList<BusPixmap>, BusToolTip, BusMenuLayout, BusMenuProperties,
-                        QList<BusMenuProperties>, BusMenuRemovedProperties, QList<BusMenuRemovedProperties>,
-                        BusMenuEvent, QList<BusMenuEvent>, QList<int>, QList<QStringList>>();
-}
+void registerTrayTypes();
 
 } // namespace zofra
