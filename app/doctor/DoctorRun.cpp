@@ -149,10 +149,12 @@ private:
         if (!hosts)
             facts.refusal = hosts.error();
         checks.push_back(known(judgeEndpoints(facts, m_language)));
-        if (hosts)
-            addHosts(checks, *hosts);
-        else
+        if (!hosts)
             checks.push_back(known(skipped(u"hosts"_qs, text::hostsNotAsked.in(m_language))));
+        else if (const auto& missing = curl().problem)
+            checks.push_back(known(problem(u"hosts"_qs, *missing, text::installCurl.in(m_language))));
+        else
+            addHosts(checks, *hosts);
     }
 
     void addHosts(std::vector<std::unique_ptr<Check>>& checks, const ServiceHosts& hosts) {

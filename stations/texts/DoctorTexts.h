@@ -282,6 +282,9 @@ constexpr Text builtInHosts{u"no file: the built-in hosts", u"geen bestand: de i
                             u"aucun fichier : les hôtes intégrés", u"keine Datei: die eingebauten Hosts"};
 
 // Hosts.
+constexpr Text installCurl{
+    u"install libcurl 4 (Debian: libcurl4).", u"installeer libcurl 4 (Debian: libcurl4).",
+    u"installez libcurl 4 (Debian : libcurl4).", u"installieren Sie libcurl 4 (Debian: libcurl4)."};
 constexpr Text hostsNotAsked{u"not asked: first the endpoints file has to be right",
                              u"niet gevraagd: eerst moet het endpoints-bestand kloppen",
                              u"non interrogés : il faut d’abord que le fichier endpoints soit juste",

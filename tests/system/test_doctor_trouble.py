@@ -72,6 +72,17 @@ def test_an_audio_server_without_a_sink(doctor, radio, status_bar, tmp_path):
         server.stop()
 
 
+# Libraries.
+
+
+@pytest.mark.parametrize("library, area, package", [("libmpv.so.2", "audio", "libmpv2"),
+                                                    ("libcurl.so.4", "hosts", "libcurl4")])
+def test_a_library_that_cannot_be_loaded(doctor, radio, status_bar, tmp_path, library, area, package):
+    (tmp_path / library).touch()
+    radio.environment["LD_LIBRARY_PATH"] = str(tmp_path)
+    doctor.diagnose().assert_problem(area, "cannot be loaded", str(tmp_path / library), cure=[package])
+
+
 # Services.
 
 HOSTS = 21

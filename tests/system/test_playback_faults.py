@@ -291,6 +291,26 @@ def test_stopping_while_waiting_stays_stopped(radio, lab, bus, ears):
     assert not radio.lines_like(FALLBACK, stopped + 0.5)
 
 
+def test_without_the_library_for_requests_it_stays_and_says_why_once(make_radio, ears, lab, tmp_path):
+    (tmp_path / "dev").mkdir()
+    (tmp_path / "libcurl.so.4").touch()
+    log = SystemLog(str(tmp_path / "dev"))
+    try:
+        radio = make_radio()
+        radio.binary = log.wrapper(radio.binary)
+        radio.environment["LD_LIBRARY_PATH"] = str(tmp_path)
+        radio.start("--play")
+        radio.wait_line(FALLBACK, 20)
+        wait_until(lambda: [e for e in log.entries if "libcurl cannot be loaded" in e.text], 5, "a line in the log")
+        ears.wait_recorded(time.monotonic() + 8)
+        assert not ears.heard(radio.started_at, time.monotonic() - 1)
+        assert [line.text.count("libcurl cannot be loaded") for line in radio.errors] == [1]
+        assert radio.status()["buffering"]
+        radio.quit()
+    finally:
+        log.close()
+
+
 def test_without_a_sound_device_it_has_failed_and_the_system_log_says_why(make_radio, tmp_path):
     (tmp_path / "dev").mkdir()
     log = SystemLog(str(tmp_path / "dev"))

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/audio/MpvHandle.h"
 
+#include "platform/linux/net/CurlLibrary.h"
+
 #include <array>
 #include <atomic>
 #include <clocale>
@@ -112,6 +114,8 @@ Result<std::shared_ptr<MpvHandle>> MpvHandle::makeNow(const Recipe& recipe,
                                                       const std::shared_ptr<Callbacks>& callbacks) {
     // First, so that no thread prepares TLS while hundreds of libraries are being loaded.
     static_cast<void>(recipe.streams->settings());
+    if (const auto& missing = curl().problem)
+        return failure(*missing);
     const auto library = MpvLibrary::load(recipe.libraryFile);
     const auto handle = library.and_then([](const auto& mpv) { return mpv->start(); });
     if (!handle)

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdio>
 #include <pthread.h>
 #include <utility>
 
@@ -132,8 +133,11 @@ bool CurlWorker::setUp() {
     if (m_multi != nullptr)
         curl().multiCleanup(std::exchange(m_multi, nullptr));
     m_isStarted = false;
-    refuse(std::exchange(m_submitted, {}),
-           curl().problem.value_or(u"There are too few descriptors for requests."_qs));
+    const auto why = curl().problem.value_or(u"There are too few descriptors for requests."_qs);
+    static std::atomic<bool> isTold = false;
+    if (curl().problem && !isTold.exchange(true))
+        std::fprintf(stderr, "zofrazofra: %s\n", qUtf8Printable(why));
+    refuse(std::exchange(m_submitted, {}), why);
     return false;
 }
 

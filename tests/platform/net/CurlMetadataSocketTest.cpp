@@ -3,6 +3,7 @@
 #include "tests/platform/net/SocketHarness.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QSslCertificate>
 #include <QSslConfiguration>
@@ -55,6 +56,10 @@ public:
     std::unique_ptr<QWebSocket> peer; // last, because it still tells of its end
 };
 
+qsizetype ownThreads() {
+    return QDir(u"/proc/self/task"_qs).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
+}
+
 class CurlMetadataSocketTest : public testing::Test {
 protected:
     [[nodiscard]] Listener open() {
@@ -75,6 +80,16 @@ TEST_F(CurlMetadataSocketTest, DoesNotConnectBeforeResume) {
     listener.socket->resume();
     EXPECT_TRUE(waitUntil([this] { return server.peer != nullptr; }));
     EXPECT_EQ(server.peer->requestUrl().path(), u"/api/1/2/websocket"_qs);
+}
+
+// A thread that is woken would have to be started first.
+TEST_F(CurlMetadataSocketTest, AskingForAMessageWakesNobody) {
+    Listener listener(TestSocket(server.url(), authority.certificateFile()));
+    const auto before = ownThreads();
+    listener.listen();
+    EXPECT_EQ(ownThreads(), before);
+    listener.socket->resume();
+    EXPECT_GT(ownThreads(), before);
 }
 
 TEST_F(CurlMetadataSocketTest, ReceivesTextsAndBytesInOrder) {
