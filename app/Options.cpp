@@ -128,8 +128,7 @@ private:
     void check() {
         using enum Options::Task;
         const auto task = m_options.task;
-        const bool canBeJson =
-            task == status || task == follow || task == history || task == doctor;
+        const bool canBeJson = task == status || task == follow || task == history || task == doctor;
         if (m_options.isJson && !canBeJson)
             refuse(text::goesWith, u"--json"_qs, u"--status, --follow, --history, --doctor"_qs);
         if (task == run || task == version)

@@ -42,7 +42,8 @@ Finding notShown(const DesktopFacts& facts, AppLanguage language) {
     const auto& cure = isGnome ? text::installExtension : facts.hasWatcher ? text::addTray : text::startPanel;
     const QString found = facts.hasWatcher ? text::watchedButNotShown.in(language, panelName(facts, language))
                                            : text::notShown.in(language);
-    return problem(panelArea, found, cure.in(language), {{u"panel"_qs, QJsonValue()}, {u"mode"_qs, u"window"_qs}});
+    return problem(panelArea, found, cure.in(language),
+                   {{u"panel"_qs, QJsonValue()}, {u"mode"_qs, u"window"_qs}});
 }
 
 } // namespace
