@@ -33,10 +33,10 @@ def _commands(path):
             commands = json.load(file)
     except FileNotFoundError:
         return []
-    # The generated ones are the toolkit's business and get the same target's flags.
+    # Of the generated ones those count that gather ours; the others are the toolkit's business.
     return [one["command"] for one in commands
-            if any(f"/{folder}/" in one["file"] for folder in FOLDERS) and "/build/" not in one["file"]
-            and "/tests/" not in one["file"]]
+            if any(f"/{folder}/" in one["file"] for folder in FOLDERS)
+            and ("/build/" not in one["file"] or "/Unity/" in one["file"]) and "/tests/" not in one["file"]]
 
 
 def _section(path, name):
