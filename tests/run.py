@@ -112,7 +112,7 @@ def system_round(build, reports, name, counts, title, arguments, timeout):
     """One run of pytest over the system tests."""
     report = reports / f"system-{title}.xml"
     report.unlink(missing_ok=True)
-    command = ["/usr/bin/python3", "-B", "-m", "pytest", "-q", "-p", "no:cacheprovider", f"--junitxml={report}",
+    command = ["/usr/bin/python3", "-B", "-m", "pytest", "-v", "-p", "no:cacheprovider", f"--junitxml={report}",
                *arguments, str(ROOT / "tests" / "system")]
     if name:
         command += ["-k", name]
@@ -127,7 +127,7 @@ def system_round(build, reports, name, counts, title, arguments, timeout):
     if code not in (0, 5 if name else 0) and counts.failed == before:
         counts.add_failure(f"system tests ({title}) ended with {code}")
     said = log.read_text(encoding="utf-8", errors="replace").rstrip()
-    print(said[-20000:] if counts.failed > before else said.splitlines()[-1] if said else "", flush=True)
+    print(said[-20000:] if counts.failed > before else said.splitlines()[-1].strip("= ") if said else "", flush=True)
 
 
 def system_tests(build, reports, name, counts):
