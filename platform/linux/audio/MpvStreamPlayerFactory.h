@@ -25,8 +25,8 @@ public:
     };
 
     /// Queue and log outlive the process's last player and whatever it leaves ending in the background. What
-    /// keeps the engine from playing at all (no library, no audio device, an unreadable authority file) is
-    /// one line in `log`.
+    /// keeps the engine from playing at all (a missing library, no audio device) is one line in `log`; an
+    /// authority file that cannot be read is one on standard error.
     MpvStreamPlayerFactory(MainQueue& mainQueue, SystemLog& log, Configuration configuration) {
         // Here, because other threads that read the environment come later. PipeWire's library complains on
         // standard error where PipeWire is not installed.
