@@ -69,8 +69,8 @@ private:
         if (line == m_line && !m_line.isNull())
             return;
         m_line = line.isNull() ? u""_qs : line;
-        if (print(m_line) != ExitStatus::fine)
-            QCoreApplication::exit(ExitStatus::fine);
+        if (print(m_line) != fine)
+            QCoreApplication::exit(fine);
     }
 
     QDBusConnection m_bus;

@@ -48,7 +48,7 @@ public:
     [[nodiscard]] int handOver(const Activation& activation) const {
         const QVariantMap map = toVariantMap(m_options);
         if (map.isEmpty())
-            return m_running.activate(activation) ? ExitStatus::fine : refused(texts::command::noAnswer);
+            return m_running.activate(activation) ? fine : refused(texts::command::noAnswer);
         const auto reply = m_running.run(map);
         if (!reply)
             return refused(texts::command::noAnswer);
@@ -70,7 +70,7 @@ private:
         // Until it has left the bus, so that a next start is a first one again.
         for (int i = 0; i < 100 && isRunning(); ++i)
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        return isRunning() ? refused(texts::command::noAnswer) : ExitStatus::fine;
+        return isRunning() ? refused(texts::command::noAnswer) : fine;
     }
 
     [[nodiscard]] int printState() const {

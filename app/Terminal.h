@@ -20,7 +20,7 @@ inline int refuse(ExitStatus status, const QString& line) {
 /// One line or more on standard output. `failed` when nobody takes it.
 inline int print(const QString& text) {
     std::printf("%s\n", qUtf8Printable(text));
-    return std::fflush(stdout) == 0 ? ExitStatus::fine : failed;
+    return std::fflush(stdout) == 0 ? fine : failed;
 }
 
 /// `text` in lines of at most `width` characters, broken between words where there are any.

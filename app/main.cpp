@@ -41,7 +41,7 @@ int printHistory(const Options& options) {
     const SongHistory history(file->value_or(QByteArray()));
     if (options.isJson)
         return print(history.forScripts());
-    return history.songs().empty() ? refuse(ExitStatus::fine, texts::command::noHistory.in(options.language))
+    return history.songs().empty() ? refuse(fine, texts::command::noHistory.in(options.language))
                                    : print(history.lines());
 }
 

@@ -16,6 +16,7 @@
 #include "platform/linux/lan/LinuxLocalNetwork.h"
 #include "platform/linux/net/CurlGlobal.h"
 #include "platform/linux/net/CurlHttpSession.h"
+#include "platform/linux/net/CurlLibrary.h"
 #include "platform/linux/x11/XServer.h"
 
 #include <QCoreApplication>
@@ -24,12 +25,11 @@
 #include <memory>
 #include <semaphore>
 
-namespace zofra {
+namespace zofra::doctor {
 
 namespace {
 
 using namespace std::chrono_literals;
-using namespace doctor;
 constexpr auto wholeTime = 14s;
 constexpr auto audioTime = 10s;
 
@@ -178,6 +178,9 @@ private:
             facts.state = SpeakerFacts::State::notWanted;
             return known(judgeSpeakers(facts, m_language).front());
         }
+        // Players are found without it, and asked with it.
+        if (const auto& missing = curl().problem)
+            return known(skipped(u"players"_qs, *missing));
         return std::make_unique<SpeakerCheck>(
             SpeakerBackground::Outside{m_http, m_mainQueue, m_tasks, m_network, m_silence}, m_language);
     }
@@ -199,9 +202,13 @@ private:
 };
 
 } // namespace
+} // namespace zofra::doctor
+
+namespace zofra {
 
 int runDoctor(const Options& options, const QString& version, QtMainQueue& mainQueue,
               SessionBus& sessionBus) {
+    using namespace doctor;
     // A library behind the audio engine would speak in between.
     qputenv("PIPEWIRE_DEBUG", "0");
     // Before other libraries are loaded beside it.

@@ -81,6 +81,7 @@ def test_a_library_that_cannot_be_loaded(doctor, radio, status_bar, tmp_path, li
     (tmp_path / library).touch()
     radio.environment["LD_LIBRARY_PATH"] = str(tmp_path)
     doctor.diagnose().assert_problem(area, "cannot be loaded", str(tmp_path / library), cure=[package])
+    doctor.diagnose(discovery=True).assert_problem(area, "cannot be loaded", cure=[package])
 
 
 # Services.
